@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Drawing the mesh in both panes of a window of 1920x1000 pixels, and the steps that it takes. The
+// shuffled grid has its points and faces in random order: the worst that a file can do.
+#include "bench/grid.h"
+#include "bench/growth.h"
+#include "display/edge_list.h"
+#include "display/view.h"
+#include "display/wireframe.h"
+#include "mesh/mesh.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace polyfab::bench {
+namespace {
+
+constexpr Size client{1920, 1000};
+
+void showGrid(std::int64_t triangles) {
+    buildGridMesh(triangles);
+    resizeView(client);
+    fitView(*OB);
+    stale = Stale();
+}
+
+void shuffleMesh(Mesh& mesh) {
+    std::mt19937 random(1);
+    std::vector<std::size_t> place(static_cast<std::size_t>(mesh.np));
+    std::iota(place.begin(), place.end(), 0);
+    std::shuffle(place.begin(), place.end(), random);
+    const std::vector<Point> points(mesh.points, mesh.points + mesh.np);
+    for (std::size_t i = 0; i < place.size(); ++i) mesh.points[place[i]] = points[i];
+    for (int k = 0; k < mesh.nq; ++k) {
+        Point*& point = mesh.corners[k].p;
+        point = mesh.points + place[static_cast<std::size_t>(point - mesh.points)];
+    }
+    std::shuffle(mesh.faces, mesh.faces + mesh.nf, random);
+}
+
+void transform(benchmark::State& state) {
+    showGrid(state.range(0));
+    for (auto _ : state) transformPoints(*OB);
+    showRate(state, "triangles", OB->nf);
+}
+
+void edges(benchmark::State& state) {
+    showGrid(state.range(0));
+    for (auto _ : state) {
+        EdgeList list;
+        listEdges(*OB, list);
+        benchmark::DoNotOptimize(list.other.data());
+    }
+    showRate(state, "triangles", OB->nf);
+}
+
+/// One picture after another, each with every point transformed anew.
+void drawAgain(benchmark::State& state, bool edgesToo) {
+    for (auto _ : state) {
+        stale.points = true;
+        stale.edges |= edgesToo;
+        benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    }
+    showRate(state, "triangles", OB->nf);
+}
+
+void redraw(benchmark::State& state) {
+    showGrid(state.range(0));
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    drawAgain(state, false);
+}
+
+void redrawShuffled(benchmark::State& state) {
+    showGrid(state.range(0));
+    shuffleMesh(*OB);
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    drawAgain(state, false);
+}
+
+void redrawEdited(benchmark::State& state) {
+    showGrid(state.range(0));
+    drawAgain(state, true);
+}
+
+void staticPicture(benchmark::State& state) {
+    showGrid(state.range(0));
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    for (auto _ : state) benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+}
+
+} // namespace
+} // namespace polyfab::bench
+
+int main(int argc, char** argv) {
+    using namespace polyfab::bench;
+    constexpr std::int64_t quarter = 250'000;
+    addGrowth("transform all points", transform, quarter);
+    addGrowth("list the edges", edges, quarter);
+    addGrowth("redraw", redraw, quarter);
+    addGrowth("redraw, shuffled mesh", redrawShuffled, quarter);
+    addGrowth("redraw after an edit", redrawEdited, quarter);
+    addGrowth("picture up to date", staticPicture, quarter);
+    return runGrowth(argc, argv);
+}

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The view: one transform that places the mesh in both panes. Screen x runs right, screen y down
+// and screen z away from the viewer. The left pane shows (x, y), the right one (z, y): the object
+// seen from its right side. All screen figures are device pixels; whole numbers are pixel middles.
+#pragma once
+
+#include "mesh/mesh.h"
+#include "mesh/projection.h"
+#include "platform/platform.h"
+
+namespace polyfab {
+
+/// screen = scale * diag(1, -1, -1) * rotation * world + offset
+struct View {
+    double rotation[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    double scale = 0.5; ///< pixels per world unit
+    Vec3 offset;        ///< x and z count from the left edges of their own panes
+    Size client;        ///< window area that the two panes share
+};
+
+inline View view;
+
+/// What has to be made again before the next picture. Whoever changes a thing raises its flag.
+struct Stale {
+    bool points = true;  ///< world positions or the view changed: transform all points again
+    bool edges = true;   ///< faces were added, removed, changed or selected
+    bool layout = true;  ///< the window was resized
+    bool picture = true; ///< drawn anew, whatever else is up to date
+};
+
+inline Stale stale;
+
+/// Columns of the window: the left pane, a line one pixel wide, the right pane.
+struct Panes {
+    int leftWidth;
+    int rightStart;
+    int rightWidth;
+    int height;
+};
+
+[[nodiscard]] Panes panesOf(Size client);
+
+/// Upright, the origin in the middles of the panes, two world units across the smaller pane side.
+/// Keeps the client size; everything becomes stale.
+void resetView();
+
+/// Fills `projection` from the view and raises stale.points. To be called after any change of the
+/// view; the operations below do so themselves.
+void applyView();
+
+/// Scales and centres the corners of all live faces (all points if there is none) so that they fill
+/// both panes but for a margin. The rotation stays. Positions beyond 1e300 do not count; a mesh
+/// without extent is shown at a scale to build on.
+void fitView(const Mesh& mesh);
+
+/// The panes of another client size show what they showed, around the same middle, scaled with the
+/// smaller pane side. Empty panes count as one pixel wide, so that nothing is lost on the way back.
+void resizeView(Size client);
+
+/// Works out the screen positions of all points from their world positions.
+void transformPoints(Mesh& mesh);
+
+} // namespace polyfab

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The editor's state and its mesh as JSON text, for scripts.
+#pragma once
+
+#include <string>
+
+namespace polyfab {
+
+/// {"event":"state", ...} on one line.
+[[nodiscard]] std::string stateJson();
+
+/// {"event":"dump", ...} on one line: the whole mesh.
+[[nodiscard]] std::string dumpJson();
+
+} // namespace polyfab

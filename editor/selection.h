@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Commands on the selection of faces, and the words about the mesh in the title.
+#pragma once
+
+namespace polyfab {
+
+/// Selects (unselects) every live face.
+void selectAllFaces();
+void unselectAllFaces();
+
+/// Puts the mesh's counts, current face and current vertex into the title.
+void showInfo();
+
+/// Works out anew which points are on selected faces, and counts them.
+[[nodiscard]] int countSelectedPoints();
+
+} // namespace polyfab

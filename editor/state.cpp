@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/state.h"
+
+#include "platform/platform.h"
+
+namespace polyfab {
+
+void resetEditorState() { editorState = EditorState(); }
+
+void updateTitle() {
+    platform().setTitle("polyfab [" + editorState.fileName + "] " + editorState.modeName);
+}
+
+} // namespace polyfab

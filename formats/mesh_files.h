@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The commands that read, append and write mesh files: choice of the format by the name's suffix,
+// checks before and after, the marks for "busy" and "nothing to save".
+#pragma once
+
+#include <string>
+
+namespace polyfab {
+
+/// Asks for a file and reads it in place of the mesh.
+void readMeshFile();
+/// Asks for a file and adds its contents to the mesh.
+void appendMeshFile();
+/// Reads this file in place of the mesh, as readMeshFile does after its dialog.
+void readNamedMeshFile(const std::string& path);
+/// Asks for a file and writes the mesh to it as OBJ; ".obj-" and ".obj#" choose the variants.
+void writeObjMeshFile();
+
+} // namespace polyfab

@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Two passes over the file: one counts, so that the arrays are made once and in their size, one
+// reads. The reading pass knows each line in two ways. The Plain... functions parse the lines that
+// make up nearly all of a file (v, vt, vn and f, nothing odd about them) where they stand in the
+// buffer; they change the mesh only when the whole line is good, and decline otherwise. The Reader
+// then cuts the line into words and applies the rules in full. Both do the same to the mesh.
+#include "formats/obj_reader.h"
+
+#include "io/parse_number.h"
+#include "io/read_file.h"
+#include "mesh/mesh.h"
+#include "mesh/names.h"
+#include "platform/platform.h"
+
+#include <cmath>
+#include <iterator>
+#include <optional>
+
+namespace polyfab {
+namespace {
+
+constexpr double maxTexCoord = 100000.0;
+
+/// The numbers of a face corner: of its point, texture coordinate and normal; 0 is none.
+struct CornerNumbers {
+    std::int64_t point = 0;
+    std::int64_t texcoord = 0;
+    std::int64_t normal = 0;
+};
+
+/// Elements that were there before the section of the file that numbers count from.
+using Bases = CornerNumbers;
+
+Bases currentCounts() { return {OB->np, OB->nt, OB->nd}; }
+
+/// A number of the file as a 1-based number of the mesh: negative ones count back from the last.
+std::int64_t absolute(std::int64_t number, std::int64_t base, std::int64_t count) {
+    return number < 0 ? number + count + 1 : number + base;
+}
+
+/// Sets the references of a corner. Null, or the reason why there is no such corner, which is then
+/// unchanged.
+const char* setCorner(FaceCorner& corner, const CornerNumbers& numbers, const Bases& bases) {
+    const std::int64_t point = absolute(numbers.point, bases.point, OB->np);
+    if (point < 1 || point > OB->np) return "no such vertex";
+    // An absent number (0) also gets the base, here and below: with a base it names an element.
+    std::int64_t texcoord = absolute(numbers.texcoord, bases.texcoord, OB->nt);
+    if (texcoord < 0 || texcoord > OB->nt) texcoord = OB->nt > 0 ? 1 : 0;
+    const std::int64_t normal = absolute(numbers.normal, bases.normal, OB->nd);
+    if (normal < 0 || normal > OB->nd) return "no such normal";
+    corner.p = OB->points + (point - 1);
+    corner.t = texcoord > 0 ? OB->texcoords + (texcoord - 1) : nullptr;
+    corner.d = normal > 0 ? OB->normals + (normal - 1) : nullptr;
+    return nullptr;
+}
+
+void cannot(const std::string& what, const std::string& path) {
+    platform().message("I can't " + what + " this file", path, Icon::exclamation);
+}
+
+double sensibleTexCoord(double value) { return std::fabs(value) > maxTexCoord ? 0 : value; }
+
+// The plain lines. Each function takes the text behind the keyword, which has a line end ahead, and
+// returns where the line ends, or null when it declines. A line that ends behind `limit` is long.
+
+const char* skipBlanks(const char* p) {
+    while (isBlank(*p) && !isLineEnd(*p)) ++p;
+    return p;
+}
+
+const char* lineEnd(const char* p) {
+    while (!isLineEnd(*p)) ++p;
+    return p;
+}
+
+template <int count>
+const char* plainNumbers(const char* p, const char* limit, double (&values)[count]) {
+    for (double& value : values) {
+        p = skipBlanks(p);
+        if (!parseDecimal(p, value) || !isBlank(*p)) return nullptr;
+    }
+    p = lineEnd(p);
+    return p <= limit ? p : nullptr;
+}
+
+const char* plainPoint(const char* p, const char* limit) {
+    double xyz[3];
+    p = plainNumbers(p, limit, xyz);
+    if (p != nullptr) OB->addPoint(xyz[0], xyz[1], xyz[2], false);
+    return p;
+}
+
+const char* plainNormal(const char* p, const char* limit) {
+    double xyz[3];
+    p = plainNumbers(p, limit, xyz);
+    if (p != nullptr) OB->addNormal(xyz[0], xyz[1], xyz[2]);
+    return p;
+}
+
+const char* plainTexCoord(const char* p, const char* limit) {
+    double uv[2];
+    p = plainNumbers(p, limit, uv);
+    if (p != nullptr) OB->addTexCoord(sensibleTexCoord(uv[0]), sensibleTexCoord(uv[1]));
+    return p;
+}
+
+const char* plainFace(const char* p, const char* limit, const Bases& bases) {
+    FaceCorner corners[32];
+    int n = 0;
+    for (p = skipBlanks(p); !isLineEnd(*p); p = skipBlanks(p)) {
+        CornerNumbers numbers;
+        if (n == std::ssize(corners) || !parseInteger(p, numbers.point)) return nullptr;
+        if (*p == '/') {
+            parseInteger(++p, numbers.texcoord);
+            if (*p == '/') parseInteger(++p, numbers.normal);
+        }
+        FaceCorner& corner = corners[n++];
+        if (!isBlank(*p) || setCorner(corner, numbers, bases) != nullptr) return nullptr;
+        corner.edgeuse = 2;
+        corner.mark = 0;
+    }
+    if (n == 0 || p > limit) return nullptr;
+    OB->addFaceByCorners(corners, n);
+    return p;
+}
+
+const char* plainLine(const char* line, const Bases& bases) {
+    const char* const limit = line + maxObjLine;
+    if (line[0] == 'f' && line[1] == ' ') return plainFace(line + 2, limit, bases);
+    if (line[0] != 'v') return nullptr;
+    if (line[1] == ' ') return plainPoint(line + 2, limit);
+    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(line + 3, limit);
+    if (line[1] == 'n' && line[2] == ' ') return plainNormal(line + 3, limit);
+    return nullptr;
+}
+
+/// The reading pass.
+class Reader {
+  public:
+    /// 1 or, after a message, 0.
+    int read(PieceReader& file, const std::string& path);
+
+  private:
+    /// What a line does; null or the reason why it is bad.
+    using Handler = const char* (Reader::*)();
+    struct Keyword {
+        std::string_view word;
+        Handler handler;
+    };
+    static const Keyword keywords[];
+
+    [[nodiscard]] std::size_t readLines(std::string_view text);
+    void readLine();
+    void enterGroup(std::string_view name);
+    [[nodiscard]] double decimal(int k) const;
+    [[nodiscard]] std::optional<CornerNumbers> cornerNumbers(int k) const;
+
+    const char* point();
+    const char* texcoord();
+    const char* normal();
+    const char* face();
+    const char* library();
+    const char* group();
+    const char* actor();
+    const char* prop();
+    const char* section();
+    const char* material();
+
+    Bases bases = currentCounts();
+    ObjLine line;
+    std::int64_t lineNumber = 0;  ///< lines with a word so far
+    const char* reason = nullptr; ///< why the line is bad
+    // Made at the first name: a face before that may have made the default group or material.
+    std::optional<NameTable> groups;
+    std::optional<NameTable> materials;
+};
+
+const Reader::Keyword Reader::keywords[] = {
+    {"v", &Reader::point},
+    {"vt", &Reader::texcoord},
+    {"vn", &Reader::normal},
+    {"f", &Reader::face},
+    {"fo", &Reader::face},
+    {"g", &Reader::group},
+    {"usemtl", &Reader::material},
+    {"mtllib", &Reader::library},
+    {"actor", &Reader::actor},
+    {"prop", &Reader::prop},
+    {"geomcustom", &Reader::section},
+};
+
+int Reader::read(PieceReader& file, const std::string& path) {
+    std::string_view text;
+    std::size_t kept = 0;
+    while (reason == nullptr && file.next(kept, text)) kept = text.size() - readLines(text);
+    if (reason != nullptr) {
+        platform().message("line " + std::to_string(lineNumber) + " is bad: " + reason,
+                           line.whole(), Icon::exclamation);
+        return 0;
+    }
+    if (file.failed()) {
+        cannot("read", path);
+        return 0;
+    }
+    OB->highlightPoint(-1);
+    return 1;
+}
+
+/// Reads the complete lines at the start of `text` and returns how many characters they take; stops
+/// at a bad one.
+std::size_t Reader::readLines(std::string_view text) {
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    // Up to the last line end no parser can run out of the text.
+    const char* plainEnd = end;
+    while (plainEnd != begin && !isLineEnd(plainEnd[-1])) --plainEnd;
+    const char* p = begin;
+    while (reason == nullptr) {
+        // What is left of a split line goes by the full rules at once, lest the parsers look
+        // through all of an endless line from each of its splits.
+        if (p < plainEnd && (p == begin || isLineEnd(p[-1]))) {
+            const char* const after = plainLine(p, bases);
+            if (after != nullptr) {
+                ++lineNumber;
+                p = after + 1;
+                continue;
+            }
+        }
+        const std::size_t used = line.take({p, static_cast<std::size_t>(end - p)});
+        if (used == 0) break;
+        p += used;
+        if (!line.empty()) readLine();
+    }
+    return static_cast<std::size_t>(p - begin);
+}
+
+void Reader::readLine() {
+    ++lineNumber;
+    if (line.arguments() < 1) return;
+    for (const Keyword& row : keywords) {
+        if (!sameKeyword(line.keyword(), row.word)) continue;
+        reason = (this->*row.handler)();
+        return;
+    }
+}
+
+double Reader::decimal(int k) const {
+    const char* text = line.word(k).data();
+    double value = 0;
+    parseDecimal(text, value);
+    return value;
+}
+
+const char* Reader::point() {
+    if (line.arguments() < 3) return "<3 args";
+    OB->addPoint(decimal(1), decimal(2), decimal(3), false);
+    return nullptr;
+}
+
+const char* Reader::texcoord() {
+    if (line.arguments() < 2) return "<2 args";
+    OB->addTexCoord(sensibleTexCoord(decimal(1)), sensibleTexCoord(decimal(2)));
+    return nullptr;
+}
+
+const char* Reader::normal() {
+    if (line.arguments() < 3) return "<3 args";
+    OB->addNormal(decimal(1), decimal(2), decimal(3));
+    return nullptr;
+}
+
+/// The numbers of argument k; nothing when it does not begin with one.
+std::optional<CornerNumbers> Reader::cornerNumbers(int k) const {
+    const std::string_view word = line.word(k);
+    CornerNumbers numbers;
+    const char* text = word.data();
+    if (!parseInteger(text, numbers.point)) return std::nullopt;
+    const std::size_t first = word.find('/');
+    if (first == std::string_view::npos) return numbers;
+    text = word.data() + first + 1;
+    parseInteger(text, numbers.texcoord);
+    const std::size_t second = word.find('/', first + 1);
+    if (second == std::string_view::npos) return numbers;
+    text = word.data() + second + 1;
+    parseInteger(text, numbers.normal);
+    return numbers;
+}
+
+const char* Reader::face() {
+    Face* const added = OB->addFaceByPoints(nullptr, line.arguments(), false);
+    if (added == nullptr) return nullptr;
+    for (int k = 0; k < added->n; ++k) {
+        const std::optional<CornerNumbers> numbers = cornerNumbers(k + 1);
+        if (!numbers) return "no such vertex";
+        if (const char* bad = setCorner(added->q[k], *numbers, bases)) return bad;
+    }
+    return nullptr;
+}
+
+const char* Reader::library() {
+    static_assert(sizeof OB->mtllib > maxObjLine);
+    if (OB->mtllib[0] != '\0') return nullptr;
+    const std::string name = line.rest(1);
+    name.copy(OB->mtllib, name.size());
+    OB->mtllib[name.size()] = '\0';
+    return nullptr;
+}
+
+/// Makes the group of this name, which ends before a colon, the current one.
+void Reader::enterGroup(std::string_view name) {
+    if (!groups) groups.emplace(*OB, NameTable::Kind::groups);
+    OB->curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, name.find(':'))));
+}
+
+const char* Reader::group() {
+    enterGroup(line.rest(1));
+    return nullptr;
+}
+
+const char* Reader::actor() {
+    enterGroup(line.rest(1));
+    return section();
+}
+
+const char* Reader::prop() {
+    enterGroup("prop___" + line.rest(1).substr(0, 1017));
+    return section();
+}
+
+const char* Reader::section() {
+    bases = currentCounts();
+    return nullptr;
+}
+
+const char* Reader::material() {
+    if (!materials) materials.emplace(*OB, NameTable::Kind::materials);
+    OB->curmat = static_cast<std::int16_t>(materials->findOrAdd(line.rest(1)));
+    return nullptr;
+}
+
+bool reserve(const ObjCounts& counts) {
+    return OB->growFaces(counts.faces, false) && OB->growCorners(counts.corners, false)
+           && OB->growPoints(counts.points, false) && OB->growTexCoords(counts.texcoords, false)
+           && OB->growNormals(counts.normals, false) && OB->growGroups(counts.groups, false)
+           && OB->growMaterials(counts.materials, false);
+}
+
+/// Gives back what was reserved too much. Shrinking can hardly fail, and when it does it has shown
+/// its message; the arrays after it are trimmed all the same.
+void trim() {
+    const int trimmed[] = {
+        OB->growFaces(OB->nf, true),       OB->growCorners(OB->nq, true),
+        OB->growPoints(OB->np, true),      OB->growTexCoords(OB->nt, true),
+        OB->growNormals(OB->nd, true),     OB->growGroups(OB->ng, true),
+        OB->growMaterials(OB->nmat, true), OB->growTextureMapAreas(OB->ntma, true),
+        OB->growParts(OB->nprt, true),
+    };
+    static_cast<void>(trimmed);
+}
+
+} // namespace
+
+int countObjFile(const std::string& path, ObjCounts& counts) {
+    PieceReader file(path);
+    if (!file.isOpen()) {
+        cannot("open", path);
+        return 0;
+    }
+    std::string_view text;
+    std::size_t kept = 0;
+    while (file.next(kept, text)) kept = text.size() - countObjLines(text, counts);
+    if (file.failed()) cannot("read", path);
+    return file.failed() ? 0 : 1;
+}
+
+int readObjFile(const std::string& path, bool append) {
+    if (!append) OB->clear(true);
+    ObjCounts counts{OB->nf, OB->nq, OB->np, OB->nt, OB->nd, OB->ng, OB->nmat};
+    platform().showBusy("I am counting the vertexes etc in the file");
+    // When it fails, reading fails in the same way, and that is what counts.
+    static_cast<void>(countObjFile(path, counts));
+    platform().showBusy("");
+    PieceReader file(path);
+    if (!file.isOpen()) {
+        cannot("open", path);
+        return 0;
+    }
+    if (!reserve(counts)) return 0;
+    const int result = Reader().read(file, path);
+    trim();
+    return result;
+}
+
+} // namespace polyfab

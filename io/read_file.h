@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Reads a file from start to end in pieces through one buffer, so that a file of any size costs
+// about one megabyte.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace polyfab {
+
+class PieceReader {
+  public:
+    static constexpr std::size_t pieceSize = std::size_t{1} << 20;
+    /// The most bytes that `next` can be asked to keep.
+    static constexpr std::size_t maxKept = 4096;
+    /// Zero bytes that follow every text, for scanners that look at whole blocks.
+    static constexpr std::size_t slack = 128;
+
+    explicit PieceReader(const std::string& path);
+    ~PieceReader();
+    PieceReader(const PieceReader&) = delete;
+    PieceReader& operator=(const PieceReader&) = delete;
+
+    /// False when the file can't be opened for reading; a directory can't.
+    [[nodiscard]] bool isOpen() const { return file >= 0; }
+
+    /// True once a read has failed, which `next` reports as the end.
+    [[nodiscard]] bool failed() const { return broken; }
+
+    /// Reads on: `text` becomes its own last `kept` bytes followed by up to pieceSize new ones, and
+    /// is valid until the next call. False when there are no new ones.
+    [[nodiscard]] bool next(std::size_t kept, std::string_view& text);
+
+  private:
+    int file;
+    bool broken = false;
+    std::unique_ptr<char[]> buffer;
+};
+
+} // namespace polyfab

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The run of a batch script: the window's life around its steps, and the exit status.
+#include "platform/batch/batch.h"
+
+#include "platform/batch/batch_platform.h"
+#include "platform/batch/script.h"
+
+#include <cstdio>
+
+namespace polyfab {
+namespace {
+
+constexpr int failureShown = 1, wrongCommandLine = 2, unanswered = 3;
+
+/// Standard output goes first, so that both streams tell one story on a terminal.
+int complain(const std::string& text, int status) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "polyfab: %s\n", text.c_str());
+    return status;
+}
+
+/// Carries one step out. Returns an empty text, or why the run ends here.
+std::string runStep(BatchPlatform& window, const Step& step) {
+    if (!window.isOpen()) return step.words + ": the window is closed";
+    window.setAnswers(step.answers);
+    const std::string wrong = step.run(window, step);
+    std::fflush(stdout);
+    if (!wrong.empty()) return step.words + ": " + wrong;
+    if (window.answersLeft()) return step.words + ": answers are left over";
+    return "";
+}
+
+int runSteps(BatchPlatform& window, const Script& script) {
+    std::string now = "start";
+    try {
+        Event create;
+        create.kind = EventKind::create;
+        window.send(create);
+        window.resize(window.clientSize());
+        for (const Step& step : script.steps) {
+            now = step.words;
+            const std::string wrong = runStep(window, step);
+            if (!wrong.empty()) return complain(wrong, wrongCommandLine);
+            if (script.stopAfterFailure && window.exclamationShown()) break;
+        }
+    } catch (const Unanswered& caught) {
+        return complain(now + ": no fitting answer to " + caught.question, unanswered);
+    }
+    return window.exclamationShown() ? failureShown : 0;
+}
+
+int runScript(const Program& program, const Script& script) {
+    if (!script.error.empty()) return complain(script.error, wrongCommandLine);
+    BatchPlatform window(program, script.size);
+    Platform* const before = currentPlatform;
+    setPlatform(&window);
+    int status = runSteps(window, script);
+    window.finish();
+    setPlatform(before);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        status = complain("cannot write to standard output", wrongCommandLine);
+    }
+    return status;
+}
+
+} // namespace
+
+int runBatch(const Program& program, const std::vector<std::string>& args) {
+    return runScript(program, parseScript(program.commands(), args));
+}
+
+int runConvert(const Program& program, const std::string& input, const std::string& output) {
+    return runScript(program, convertScript(program.commands(), input, output));
+}
+
+std::string commandList(const Program& program) {
+    std::string list;
+    for (const CommandInfo& row : program.commands()) {
+        list += std::to_string(row.id) + '\t' + row.menu + '\t' + row.label + '\t'
+                + (row.ready ? "ready" : "later") + '\n';
+    }
+    return list;
+}
+
+} // namespace polyfab

@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The modelled window of batch mode.
+#include "platform/batch/batch_platform.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace polyfab {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Texts may hold bytes that are no UTF-8 (file names may): those are replaced.
+std::string text(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string eventLine(const char* name) { return text({{"event", name}}); }
+
+struct ChoiceRow {
+    const char* word;
+    Choice choice;
+};
+
+constexpr ChoiceRow choiceRows[] = {
+    {"yes", Choice::yes}, {"no", Choice::no}, {"cancel", Choice::cancel}};
+
+const char* choiceWord(Choice choice) {
+    for (const ChoiceRow& row : choiceRows) {
+        if (row.choice == choice) return row.word;
+    }
+    return "";
+}
+
+/// What this answer means to a box with these buttons; nothing when there is none of the right
+/// kind. A box without a cancel button is left by its close box as by "no".
+std::optional<Choice> toChoice(const std::optional<Answer>& answer, Buttons buttons) {
+    if (!answer) return std::nullopt;
+    const bool hasCancel = buttons == Buttons::yesNoCancel;
+    if (answer->kind == Answer::Kind::cancel || answer->kind == Answer::Kind::escape) {
+        return hasCancel ? Choice::cancel : Choice::no;
+    }
+    for (const ChoiceRow& row : choiceRows) {
+        if (answer->kind != Answer::Kind::text || answer->text != row.word) continue;
+        if (row.choice == Choice::cancel && !hasCancel) return std::nullopt;
+        return row.choice;
+    }
+    return std::nullopt;
+}
+
+/// Fills one field. False when the answer is of the wrong kind.
+bool fill(DialogField& field, const Answer& answer) {
+    if (answer.kind == Answer::Kind::keepDefault) return true;
+    if (field.checkBox && answer.text != "0" && answer.text != "1") return false;
+    field.text = answer.text;
+    return true;
+}
+
+const char* resultWord(DialogResult result) {
+    if (result == DialogResult::escape) return "escape";
+    return result == DialogResult::accept ? "accept" : "cancel";
+}
+
+/// One prompt while it is being answered, and the line that tells of it.
+struct PromptRecord {
+    explicit PromptRecord(const Dialog& dialog)
+        : json{{"event", "prompt"},
+               {"dialog", dialog.name},
+               {"title", dialog.title},
+               {"fields", Json::array()},
+               {"result", nullptr}} {
+        for (const DialogField& field : dialog.fields) {
+            json["fields"].push_back(
+                {{"label", field.label}, {"default", field.text}, {"answer", nullptr}});
+        }
+    }
+    void answer(std::size_t field, const std::string& answered) {
+        json["fields"][field]["answer"] = answered;
+    }
+    Json json;
+};
+
+Event keyEvent(EventKind kind, int code) {
+    Event event;
+    event.kind = kind;
+    event.key = code;
+    return event;
+}
+
+} // namespace
+
+BatchPlatform::BatchPlatform(const Program& runProgram, Size clientSize)
+    : program(runProgram), size(clientSize) {}
+
+void BatchPlatform::print(const std::string& line) {
+    if (quiet) return;
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+void BatchPlatform::resize(Size newSize) {
+    size = newSize;
+    paintDue = true;
+    Event event;
+    event.kind = EventKind::resize;
+    send(event);
+}
+
+void BatchPlatform::finish() {
+    quiet = true;
+    answers.clear();
+    destroyWindow();
+}
+
+const MenuItem* BatchPlatform::menuItem(int id) const {
+    for (const Menu& menu : bar) {
+        for (const MenuItem& item : menu.items) {
+            if (item.id == id) return &item;
+        }
+    }
+    return nullptr;
+}
+
+const Bitmap& BatchPlatform::currentPicture() {
+    if (paintDue) {
+        paintDue = false;
+        send(Event{});
+    }
+    return picture;
+}
+
+void BatchPlatform::setTitle(const std::string& newTitle) {
+    windowTitle = newTitle;
+    print(text({{"event", "title"}, {"text", newTitle}}));
+}
+
+void BatchPlatform::setMenuBar(const std::string&, const MenuBar& menus) { bar = menus; }
+
+void BatchPlatform::setMenuItem(int id, bool enabled, bool checked) {
+    for (Menu& menu : bar) {
+        for (MenuItem& item : menu.items) {
+            if (item.id != id) continue;
+            item.enabled = enabled;
+            item.checked = checked;
+        }
+    }
+}
+
+void BatchPlatform::requestClose() {
+    Event event;
+    event.kind = EventKind::close;
+    send(event);
+}
+
+void BatchPlatform::destroyWindow() {
+    if (!open) return;
+    open = false;
+    Event event;
+    event.kind = EventKind::destroy;
+    send(event);
+    print(eventLine("closed"));
+}
+
+std::optional<Answer> BatchPlatform::takeAnswer() {
+    if (answers.empty()) return std::nullopt;
+    Answer first = std::move(answers.front());
+    answers.pop_front();
+    return first;
+}
+
+void BatchPlatform::message(const std::string& title, const std::string& shown, Icon icon) {
+    const bool exclamation = icon == Icon::exclamation;
+    if (exclamation) ++exclamations;
+    print(text({{"event", "message"},
+                {"title", title},
+                {"text", shown},
+                {"icon", exclamation ? "exclamation" : "none"}}));
+}
+
+Choice BatchPlatform::question(const std::string& title, const std::string& asked,
+                               Buttons buttons) {
+    const std::optional<Choice> choice = toChoice(takeAnswer(), buttons);
+    Json json{{"event", "question"},
+              {"title", title},
+              {"text", asked},
+              {"buttons", buttons == Buttons::yesNo ? "yes-no" : "yes-no-cancel"},
+              {"answer", nullptr}};
+    if (choice) json["answer"] = choiceWord(*choice);
+    print(text(json));
+    if (!choice) throw Unanswered{"the question \"" + asked + "\""};
+    return *choice;
+}
+
+std::optional<std::string> BatchPlatform::fileDialog(const FileRequest& request) {
+    const std::optional<Answer> answer = takeAnswer();
+    const bool fits = answer && answer->kind != Answer::Kind::keepDefault;
+    Json filters = Json::array();
+    for (const FileFilter& filter : request.filters) {
+        filters.push_back(Json::array({filter.description, filter.pattern}));
+    }
+    Json json{{"event", "file"},
+              {"mode", request.save ? "save" : "open"},
+              {"prompt", request.prompt},
+              {"filters", filters},
+              {"initial", request.initial},
+              {"answer", nullptr}};
+    const bool chosen = fits && answer->kind == Answer::Kind::text;
+    if (chosen) json["answer"] = answer->text;
+    print(text(json));
+    if (!fits) throw Unanswered{"the file dialog \"" + request.prompt + "\""};
+    if (!chosen) return std::nullopt;
+    return answer->text;
+}
+
+DialogResult BatchPlatform::dialog(Dialog& dialog) {
+    PromptRecord record(dialog);
+    const std::vector<DialogField> defaults = dialog.fields;
+    DialogResult result = DialogResult::accept;
+    for (std::size_t i = 0; i < dialog.fields.size() && result == DialogResult::accept; ++i) {
+        const std::optional<Answer> answer = takeAnswer();
+        if (answer && answer->kind == Answer::Kind::cancel) {
+            result = DialogResult::cancel;
+        } else if (answer && answer->kind == Answer::Kind::escape) {
+            result = DialogResult::escape;
+        } else if (answer && fill(dialog.fields[i], *answer)) {
+            record.answer(i, dialog.fields[i].text);
+        } else {
+            print(text(record.json));
+            throw Unanswered{"the field \"" + dialog.fields[i].label + "\" of the prompt "
+                             + dialog.name};
+        }
+    }
+    if (result == DialogResult::cancel) dialog.fields = defaults;
+    record.json["result"] = resultWord(result);
+    // The fields after the one that left the dialog hold what they held before.
+    for (std::size_t i = 0; i < dialog.fields.size(); ++i) record.answer(i, dialog.fields[i].text);
+    print(text(record.json));
+    if (result == DialogResult::escape) {
+        send(keyEvent(EventKind::keyDown, key::escape));
+        send(keyEvent(EventKind::keyUp, key::escape));
+    }
+    return result;
+}
+
+void BatchPlatform::showBusy(const std::string& notice) {
+    if (notice.empty() && !busyShown) return;
+    busyShown = !notice.empty();
+    print(text({{"event", "busy"}, {"text", notice}}));
+}
+
+void BatchPlatform::beep() { print(eventLine("beep")); }
+
+void BatchPlatform::openHelp() { print(eventLine("help")); }
+
+} // namespace polyfab

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The modelled window of batch mode: it has a title, menus with their state, a client size and the
+// last picture; whatever it would show becomes one JSON object a line on standard output.
+#pragma once
+
+#include "platform/batch/script.h"
+#include "platform/platform.h"
+
+#include <optional>
+#include <string>
+
+namespace polyfab {
+
+/// Unwinds from a question without a fitting answer to the run's own loop.
+struct Unanswered {
+    std::string question; ///< names it for the diagnostic
+};
+
+class BatchPlatform : public Platform {
+  public:
+    BatchPlatform(const Program& program, Size size);
+
+    // What the steps do to the window. The program's handler runs inside these.
+    void send(const Event& event) { program.handle(event); }
+    void resize(Size newSize);
+    void setAnswers(std::deque<Answer> list) { answers = std::move(list); }
+    /// Sends the destroy event if the window still exists; nothing is printed any more.
+    void finish();
+
+    bool isOpen() const { return open; }
+    bool answersLeft() const { return !answers.empty(); }
+    bool exclamationShown() const { return exclamations > 0; }
+    /// The item of the present menu bar with this id, or null.
+    const MenuItem* menuItem(int id) const;
+    /// What the window shows now: it is painted first if that is due.
+    const Bitmap& currentPicture();
+    const Program& runs() const { return program; }
+    /// Prints one line on standard output.
+    void print(const std::string& line);
+
+    std::string title() const override { return windowTitle; }
+    void setTitle(const std::string& text) override;
+    Size clientSize() const override { return size; }
+    void setMenuBar(const std::string& name, const MenuBar& menus) override;
+    void setMenuItem(int id, bool enabled, bool checked) override;
+    void requestPaint() override { paintDue = true; }
+    void present(const Bitmap& shown) override { picture = shown; }
+    void requestClose() override;
+    void destroyWindow() override;
+    void message(const std::string& title, const std::string& text, Icon icon) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    std::optional<std::string> fileDialog(const FileRequest& request) override;
+    DialogResult dialog(Dialog& dialog) override;
+    void showBusy(const std::string& text) override;
+    void beep() override;
+    void openHelp() override;
+    std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+
+  private:
+    std::optional<Answer> takeAnswer();
+
+    const Program& program;
+    std::string windowTitle;
+    Size size;
+    MenuBar bar;
+    Bitmap picture;
+    std::deque<Answer> answers;
+    int exclamations = 0;
+    bool busyShown = false;
+    bool open = true;
+    bool quiet = false;
+    bool paintDue = true;
+};
+
+} // namespace polyfab

@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Reads a batch command line by a table of step words and carries out what each of them means.
+#include "platform/batch/script.h"
+
+#include "platform/batch/arguments.h"
+#include "platform/batch/batch_platform.h"
+#include "platform/batch/write_png.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+// What the steps do.
+
+std::string runEvent(BatchPlatform& window, const Step& step) {
+    window.send(step.event);
+    return "";
+}
+
+std::string runCommand(BatchPlatform& window, const Step& step) {
+    const MenuItem* const item = window.menuItem(step.event.command);
+    if (!item) return "the present menu has no such command";
+    if (!item->enabled) return "the command is greyed";
+    return runEvent(window, step);
+}
+
+std::string runResize(BatchPlatform& window, const Step& step) {
+    window.resize(step.size);
+    return "";
+}
+
+std::string runState(BatchPlatform& window, const Step&) {
+    window.print(window.runs().stateJson());
+    return "";
+}
+
+std::string runDump(BatchPlatform& window, const Step&) {
+    window.print(window.runs().dumpJson());
+    return "";
+}
+
+std::string runPicture(BatchPlatform& window, const Step& step) {
+    const Bitmap& picture = window.currentPicture();
+    if (picture.pixels.empty()) return "nothing is drawn";
+    return writePng(picture, step.path);
+}
+
+// What the words after a step mean. Each returns an empty text, or what is wrong with the word.
+
+using Commands = std::vector<CommandInfo>;
+
+std::string plainLabel(std::string label) {
+    std::erase(label, '&');
+    return lowerCase(label);
+}
+
+std::string readCommand(Step& step, const std::string& word, const Commands& commands) {
+    const std::optional<int> id = parseInt(word);
+    const std::string label = lowerCase(word);
+    const auto found = std::find_if(commands.begin(), commands.end(), [&](const CommandInfo& row) {
+        return id ? row.id == *id : plainLabel(row.label) == label;
+    });
+    if (found == commands.end()) return "unknown command";
+    if (!found->ready) return "this command is not built yet";
+    step.event.command = found->id;
+    return "";
+}
+
+std::string readDrop(Step& step, const std::string& word, const Commands&) {
+    step.event.paths = splitText(word, ':');
+    return step.event.paths.empty() ? "no file is named" : "";
+}
+
+std::string readMouse(Step& step, const std::string& word, const Commands&) {
+    const std::optional<Event> event = parseMouse(word);
+    if (!event) return "expected X,Y or X,Y,BUTTONS with left, right, left+right or none";
+    step.event = *event;
+    return "";
+}
+
+std::string readKey(Step& step, const std::string& word, const Commands&) {
+    const std::optional<int> code = parseKey(word);
+    if (!code) return "unknown key";
+    step.event.key = *code;
+    return "";
+}
+
+std::string readSize(Step& step, const std::string& word, const Commands&) {
+    const std::optional<Size> size = parseSize(word);
+    if (!size) return "expected WIDTHxHEIGHT, each from 1 to 32767";
+    step.size = *size;
+    return "";
+}
+
+std::string readPath(Step& step, const std::string& word, const Commands&) {
+    step.path = word;
+    return "";
+}
+
+struct StepRow {
+    std::string_view word;
+    std::string (*read)(Step&, const std::string&, const Commands&); ///< null: no argument follows
+    std::string (*run)(BatchPlatform&, const Step&);
+    EventKind kind;
+    bool takesAnswers;
+};
+
+constexpr StepRow stepRows[] = {
+    {"--command", readCommand, runCommand, EventKind::command, true},
+    {"--drop", readDrop, runEvent, EventKind::drop, true},
+    {"--mouse", readMouse, runEvent, EventKind::mouse, true},
+    {"--keydown", readKey, runEvent, EventKind::keyDown, true},
+    {"--keyup", readKey, runEvent, EventKind::keyUp, true},
+    {"--close", nullptr, runEvent, EventKind::close, true},
+    {"--deactivate", nullptr, runEvent, EventKind::deactivate, false},
+    {"--menu-open", nullptr, runEvent, EventKind::menuOpening, false},
+    {"--resize", readSize, runResize, EventKind::resize, false},
+    {"--state", nullptr, runState, EventKind::paint, false},
+    {"--dump", nullptr, runDump, EventKind::paint, false},
+    {"--picture", readPath, runPicture, EventKind::paint, false},
+};
+
+struct AnswerRow {
+    std::string_view word;
+    Answer::Kind kind;
+};
+
+constexpr AnswerRow answerRows[] = {
+    {"--answer", Answer::Kind::text},
+    {"--default", Answer::Kind::keepDefault},
+    {"--cancel", Answer::Kind::cancel},
+    {"--escape", Answer::Kind::escape},
+};
+
+template <typename Row, std::size_t count>
+const Row* findRow(const Row (&table)[count], std::string_view word) {
+    for (const Row& row : table) {
+        if (row.word == word) return &row;
+    }
+    return nullptr;
+}
+
+/// Takes the words off a command line one after the other.
+class Reader {
+  public:
+    Reader(const Commands& known, std::vector<std::string> list)
+        : commands(known), args(std::move(list)) {}
+
+    Script read() {
+        readHead();
+        while (script.error.empty() && next < args.size()) readStep();
+        return std::move(script);
+    }
+
+  private:
+    void readHead() {
+        if (next < args.size() && args[next] == "--size") {
+            Step size;
+            ++next;
+            if (readArgument(size, "--size", readSize)) script.size = size.size;
+        }
+        if (next < args.size() && !args[next].starts_with("--")) addDrop(args[next++]);
+    }
+
+    void addDrop(const std::string& file) {
+        Step step;
+        step.run = runEvent;
+        step.words = file;
+        step.event.kind = EventKind::drop;
+        step.event.paths = {file};
+        step.takesAnswers = true;
+        script.steps.push_back(std::move(step));
+    }
+
+    void readStep() {
+        const std::string word = args[next++];
+        if (const AnswerRow* const row = findRow(answerRows, word)) {
+            addAnswer(*row);
+        } else if (const StepRow* const found = findRow(stepRows, word)) {
+            addStep(*found);
+        } else {
+            script.error = "unknown step " + word;
+        }
+    }
+
+    void addAnswer(const AnswerRow& row) {
+        const std::string word(row.word);
+        if (script.steps.empty() || !script.steps.back().takesAnswers) {
+            script.error = word + " follows no step that asks";
+            return;
+        }
+        Answer answer{row.kind, ""};
+        if (row.kind == Answer::Kind::text) {
+            if (next == args.size()) {
+                script.error = word + " needs an argument";
+                return;
+            }
+            answer.text = args[next++];
+        }
+        script.steps.back().answers.push_back(std::move(answer));
+    }
+
+    void addStep(const StepRow& row) {
+        Step step;
+        step.run = row.run;
+        step.words = row.word;
+        step.event.kind = row.kind;
+        step.takesAnswers = row.takesAnswers;
+        if (row.read && !readArgument(step, step.words, row.read)) return;
+        script.steps.push_back(std::move(step));
+    }
+
+    bool readArgument(Step& step, const std::string& word, decltype(StepRow::read) parse) {
+        if (next == args.size()) {
+            script.error = word + " needs an argument";
+            return false;
+        }
+        const std::string& argument = args[next++];
+        step.words = word + " " + argument;
+        const std::string wrong = parse(step, argument, commands);
+        if (!wrong.empty()) script.error = step.words + ": " + wrong;
+        return wrong.empty();
+    }
+
+    const Commands& commands;
+    std::vector<std::string> args;
+    std::size_t next = 0;
+    Script script;
+};
+
+struct WriterRow {
+    std::string_view suffix;
+    const char* command;
+};
+
+/// The writer commands. The OBJ writer takes its two variants by a longer suffix.
+constexpr WriterRow writerRows[] = {
+    {".obj", "259"}, {".obj-", "259"}, {".obj#", "259"}, {".dxf", "257"}, {".3ds", "258"},
+};
+
+} // namespace
+
+Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args) {
+    std::vector<std::string> expanded = args;
+    Script wrong;
+    wrong.error = expandArgumentFiles(expanded);
+    if (!wrong.error.empty()) return wrong;
+    return Reader(commands, std::move(expanded)).read();
+}
+
+Script convertScript(const std::vector<CommandInfo>& commands, const std::string& input,
+                     const std::string& output) {
+    const std::string name = lowerCase(output);
+    for (const WriterRow& row : writerRows) {
+        if (!name.ends_with(row.suffix)) continue;
+        Script script = Reader(commands, {"--command", "256", "--answer", input, "--command",
+                                          row.command, "--answer", output})
+                            .read();
+        script.stopAfterFailure = true;
+        return script;
+    }
+    Script wrong;
+    wrong.error = output + ": no writer for this suffix";
+    return wrong;
+}
+
+} // namespace polyfab

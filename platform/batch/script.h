@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A batch run as data: the whole command line is read into steps before the first one is carried
+// out, so that a mistake anywhere in it changes nothing.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace polyfab {
+
+class BatchPlatform;
+
+/// One answer step; answers belong to the step before them.
+struct Answer {
+    enum class Kind { text, keepDefault, cancel, escape };
+    Kind kind = Kind::text;
+    std::string text;
+};
+
+struct Step {
+    /// Carries the step out. Returns an empty text, or why it cannot be done.
+    std::string (*run)(BatchPlatform& window, const Step& step) = nullptr;
+    std::string words; ///< as given, for diagnostics
+    std::string path;  ///< of a picture
+    Size size;         ///< of a resize
+    Event event;
+    bool takesAnswers = false;
+    std::deque<Answer> answers;
+};
+
+struct Script {
+    Size size{1024, 512};
+    std::vector<Step> steps;
+    bool stopAfterFailure = false; ///< an exclamation box ends the run after its step
+    std::string error;             ///< why the command line is wrong; empty: it is sound
+};
+
+/// Reads [--size WxH] [FILE] [STEP ...]; "@ARGS.txt" is replaced by the arguments in that file.
+/// Commands are looked up in this list, by number or by label without the "&".
+Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args);
+
+/// The script that reads one file and writes another, each in the format of its suffix.
+Script convertScript(const std::vector<CommandInfo>& commands, const std::string& input,
+                     const std::string& output);
+
+} // namespace polyfab

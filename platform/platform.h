@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The windowing system as the editor sees it: plain records and one interface, standard library
+// only. Events come in through Program::handle; everything else goes out through Platform.
+// Two backends implement it: platform/qt (a real window) and platform/batch (a modelled one).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace polyfab {
+
+/// An off-screen picture, rows from the top, each pixel 0xFFRRGGBB.
+struct Bitmap {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+};
+
+struct Size {
+    int width = 0;
+    int height = 0;
+};
+
+enum class Icon { none, exclamation };
+enum class Buttons { yesNo, yesNoCancel };
+enum class Choice { cancel = -1, no = 0, yes = 1 };
+
+struct FileFilter {
+    std::string description;
+    std::string pattern; ///< globs parted by ";", such as "*.DXF;*.OBJ"; case does not matter
+};
+
+struct FileRequest {
+    bool save = false; ///< save asks before overwriting; open wants a file that exists
+    std::string prompt;
+    std::vector<FileFilter> filters;
+    std::string initial; ///< name or path the dialog starts with
+};
+
+struct DialogField {
+    std::string label;
+    std::string text;      ///< default in, answer out; "1" or "0" for a check box
+    bool checkBox = false; ///< a check box instead of a text field
+};
+
+/// One modal prompt: labelled fields from top to bottom, then "accept" and "cancel".
+struct Dialog {
+    std::string name; ///< which of the editor's dialogs it is, such as "ASKDB"
+    std::string title;
+    std::vector<DialogField> fields;
+};
+
+/// How a prompt was left. The fields hold the edited texts after accept and escape; after cancel
+/// they are unchanged.
+enum class DialogResult { accept, cancel, escape };
+
+struct MenuItem {
+    int id = 0;        ///< 0: a separator
+    std::string label; ///< "&" stands before the mnemonic letter
+    bool enabled = true;
+    bool checkable = false;
+    bool checked = false;
+};
+
+struct Menu {
+    std::string title;
+    std::vector<MenuItem> items;
+};
+
+using MenuBar = std::vector<Menu>;
+
+/// Virtual-key codes that have a name here; letters and digits are their capital ASCII codes.
+namespace key {
+inline constexpr int shift = 16, ctrl = 17, alt = 18, escape = 27, pageUp = 33, pageDown = 34,
+                     f1 = 112, f2 = 113, f3 = 114;
+}
+
+/// Mouse buttons as a bit set.
+namespace button {
+inline constexpr unsigned left = 1, right = 2;
+}
+
+enum class EventKind {
+    create,      ///< the window exists; it has a client size and takes a menu bar
+    destroy,     ///< the window is about to go; the last event
+    resize,      ///< the client size changed
+    deactivate,  ///< the window is no longer the active one
+    menuOpening, ///< a menu is about to open
+    paint,       ///< the handler answers with Platform::present
+    close,       ///< a wish to close; the handler calls Platform::destroyWindow to grant it
+    keyDown,     ///< key
+    keyUp,       ///< key
+    mouse,       ///< x, y, buttons (the state after whatever happened)
+    command,     ///< command
+    drop,        ///< paths: files dropped on the window, or the file named on the command line
+};
+
+struct Event {
+    EventKind kind = EventKind::paint;
+    int command = 0;
+    int key = 0;
+    int x = 0; ///< client position in device pixels
+    int y = 0;
+    unsigned buttons = 0;
+    std::vector<std::string> paths{};
+};
+
+/// The windowing operations. All texts are UTF-8. All sizes and positions are device pixels.
+/// A question that nobody will ever answer (a headless run without answers) does not return: the
+/// backend unwinds the stack to its own event loop, so callers hold what they own in destructors.
+class Platform {
+  public:
+    Platform() = default;
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
+    virtual ~Platform() = default;
+
+    // The window.
+    virtual std::string title() const = 0;
+    virtual void setTitle(const std::string& text) = 0;
+    virtual Size clientSize() const = 0;
+    /// Puts the menu bar of this name on the window, in place of the one before.
+    virtual void setMenuBar(const std::string& name, const MenuBar& bar) = 0;
+    /// Changes one item of the present menu bar; an id that is not there is ignored.
+    virtual void setMenuItem(int id, bool enabled, bool checked) = 0;
+    /// Asks for a paint event some time soon.
+    virtual void requestPaint() = 0;
+    /// Copies the picture to the window; called while a paint event is handled.
+    virtual void present(const Bitmap& picture) = 0;
+    /// Sends the window a close event, as its close box does.
+    virtual void requestClose() = 0;
+    /// Sends the destroy event, removes the window and ends the event loop.
+    virtual void destroyWindow() = 0;
+
+    // Modal boxes.
+    virtual void message(const std::string& title, const std::string& text, Icon icon) = 0;
+    virtual Choice question(const std::string& title, const std::string& text, Buttons buttons) = 0;
+    /// The path chosen, or nothing after cancel.
+    virtual std::optional<std::string> fileDialog(const FileRequest& request) = 0;
+    virtual DialogResult dialog(Dialog& dialog) = 0;
+
+    // Others.
+    /// Shows the notice over the window at once, without waiting for events; "" removes it.
+    virtual void showBusy(const std::string& text) = 0;
+    virtual void beep() = 0;
+    /// Opens the help at its index.
+    virtual void openHelp() = 0;
+    virtual std::optional<Bitmap> clipboardBitmap() const = 0;
+};
+
+/// The backend of this run. setPlatform comes before anything else that the editor does.
+inline Platform* currentPlatform = nullptr;
+inline Platform& platform() { return *currentPlatform; }
+inline void setPlatform(Platform* backend) { currentPlatform = backend; }
+
+/// One row of the editor's command table, as a backend or a script sees it.
+struct CommandInfo {
+    int id = 0;
+    std::string menu;
+    std::string label;
+    bool ready = false; ///< false: not built yet, greyed in the menu
+};
+
+/// What a backend needs of the program that it runs.
+struct Program {
+    void (*handle)(const Event& event) = nullptr;
+    std::vector<CommandInfo> (*commands)() = nullptr;
+    std::string (*stateJson)() = nullptr; ///< the editor's state as one JSON object on one line
+    std::string (*dumpJson)() = nullptr;  ///< the whole mesh as one JSON object on one line
+};
+
+} // namespace polyfab

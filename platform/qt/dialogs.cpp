@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The modal boxes.
+#include "platform/qt/dialogs.h"
+
+#include "platform/qt/keys.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QFile>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QWindow>
+
+#include <set>
+
+namespace polyfab {
+namespace {
+
+constexpr int escapeCode = 2; ///< beside QDialog::Accepted and QDialog::Rejected
+
+void prepare(QMessageBox& box, const std::string& title, const std::string& text) {
+    box.setWindowTitle(titleText(title));
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString::fromStdString(text));
+}
+
+/// "*.DXF;*.OBJ" as "description (*.DXF *.dxf *.OBJ *.obj)": some file dialogs heed case.
+QString nameFilter(const FileFilter& filter) {
+    QStringList globs;
+    for (const QString& glob : QString::fromStdString(filter.pattern).split(QLatin1Char(';'))) {
+        globs << glob;
+        if (glob.toLower() != glob) globs << glob.toLower();
+    }
+    return QString::fromStdString(filter.description)
+           + QStringLiteral(" (%1)").arg(globs.join(QLatin1Char(' ')));
+}
+
+/// One field of a prompt as a widget that keeps its text.
+class FieldWidget {
+  public:
+    FieldWidget(QFormLayout& form, const DialogField& field) {
+        const QString label = QString::fromStdString(field.label);
+        if (field.checkBox) {
+            box = new QCheckBox(QString(label).replace(QLatin1Char('&'), QLatin1String("&&")));
+            box->setChecked(field.text == "1");
+            form.addRow(box);
+            return;
+        }
+        auto* const shown = new QLabel(label);
+        shown->setTextFormat(Qt::PlainText);
+        line = new QLineEdit(QString::fromStdString(field.text));
+        line->setMinimumWidth(300);
+        line->setAccessibleName(label);
+        form.addRow(shown, line);
+    }
+
+    std::string text() const {
+        if (box) return box->isChecked() ? "1" : "0";
+        return line->text().toStdString();
+    }
+
+  private:
+    QCheckBox* box = nullptr;
+    QLineEdit* line = nullptr;
+};
+
+/// Sits at the dialog's native window, which gets each key event once, before the field that has
+/// the focus.
+class KeyTeller : public QObject {
+  public:
+    KeyTeller(QDialog& owner, const std::function<void(const Event&)>& tellKey)
+        : dialog(owner), tell(tellKey) {
+        dialog.winId(); // makes the native window
+        dialog.windowHandle()->installEventFilter(this);
+    }
+
+    void releaseAll() {
+        for (const int code : std::exchange(down, {})) send(EventKind::keyUp, code);
+    }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool press = event->type() == QEvent::KeyPress;
+        if (!press && event->type() != QEvent::KeyRelease) {
+            return QObject::eventFilter(watched, event);
+        }
+        const QKeyEvent& key = *static_cast<const QKeyEvent*>(event);
+        if (press) {
+            down.insert(virtualKey(key));
+            send(EventKind::keyDown, virtualKey(key));
+        } else if (!key.isAutoRepeat()) {
+            down.erase(virtualKey(key));
+            send(EventKind::keyUp, virtualKey(key));
+        }
+        if (!press || key.key() != Qt::Key_Escape) return false;
+        dialog.done(escapeCode);
+        return true;
+    }
+
+  private:
+    void send(EventKind kind, int code) {
+        Event event;
+        event.kind = kind;
+        event.key = code;
+        tell(event);
+    }
+
+    QDialog& dialog;
+    const std::function<void(const Event&)>& tell;
+    std::set<int> down;
+};
+
+void addButtons(QFormLayout& form, QDialog& dialog) {
+    auto* const accept = new QPushButton(QStringLiteral("accept"));
+    auto* const cancel = new QPushButton(QStringLiteral("cancel"));
+    accept->setDefault(true);
+    cancel->setAutoDefault(false);
+    QObject::connect(accept, &QPushButton::clicked, &dialog, &QDialog::accept);
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+    auto* const row = new QHBoxLayout;
+    row->addWidget(accept);
+    row->addWidget(cancel);
+    row->addStretch();
+    form.addRow(row);
+}
+
+} // namespace
+
+QString titleText(const std::string& text) {
+    return QString::fromStdString(text).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+}
+
+void showMessage(QWidget* owner, const std::string& title, const std::string& text, Icon icon) {
+    QMessageBox box(owner);
+    prepare(box, title, text);
+    box.setIcon(icon == Icon::exclamation ? QMessageBox::Warning : QMessageBox::NoIcon);
+    box.exec();
+}
+
+Choice askQuestion(QWidget* owner, const std::string& title, const std::string& text,
+                   Buttons buttons) {
+    const bool hasCancel = buttons == Buttons::yesNoCancel;
+    QMessageBox box(owner);
+    prepare(box, title, text);
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No
+                           | (hasCancel ? QMessageBox::Cancel : QMessageBox::NoButton));
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(hasCancel ? QMessageBox::Cancel : QMessageBox::No);
+    const int pressed = box.exec();
+    if (pressed == QMessageBox::Yes) return Choice::yes;
+    return pressed == QMessageBox::No ? Choice::no : Choice::cancel;
+}
+
+std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory) {
+    QFileDialog box(owner);
+    box.setWindowTitle(titleText(request.prompt));
+    box.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    box.setFileMode(request.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    QStringList filters;
+    for (const FileFilter& filter : request.filters) filters << nameFilter(filter);
+    box.setNameFilters(filters);
+    box.setDirectory(directory);
+    box.selectFile(QFile::decodeName(request.initial.c_str()));
+    if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+    directory = box.directory().absolutePath();
+    return QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
+}
+
+DialogResult askFields(QWidget* owner, Dialog& dialog,
+                       const std::function<void(const Event&)>& tellKey) {
+    QDialog box(owner);
+    box.setWindowTitle(titleText(dialog.title));
+    QFormLayout form(&box);
+    form.setRowWrapPolicy(QFormLayout::WrapLongRows);
+    std::vector<FieldWidget> widgets;
+    for (const DialogField& field : dialog.fields) widgets.emplace_back(form, field);
+    addButtons(form, box);
+    KeyTeller keys(box, tellKey);
+    const int code = box.exec();
+    keys.releaseAll();
+    if (code == QDialog::Rejected) return DialogResult::cancel;
+    for (std::size_t i = 0; i < widgets.size(); ++i) dialog.fields[i].text = widgets[i].text();
+    return code == escapeCode ? DialogResult::escape : DialogResult::accept;
+}
+
+} // namespace polyfab

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The modal boxes. All texts are shown as they are: no markup, no placeholders.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <QString>
+#include <functional>
+#include <optional>
+#include <string>
+
+class QWidget;
+
+namespace polyfab {
+
+/// As a window title that shows this very text ("[*]" stands for something else there).
+QString titleText(const std::string& text);
+
+void showMessage(QWidget* owner, const std::string& title, const std::string& text, Icon icon);
+
+/// Escape and the close box mean cancel, or no where there is no cancel.
+Choice askQuestion(QWidget* owner, const std::string& title, const std::string& text,
+                   Buttons buttons);
+
+/// Starts in the directory, and changes it to the one of the file chosen.
+std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory);
+
+/// Each key that goes down or up in the dialog is told; those that are still down when the dialog
+/// closes are told to be up, because their release may reach no window of ours.
+DialogResult askFields(QWidget* owner, Dialog& dialog,
+                       const std::function<void(const Event&)>& tellKey);
+
+} // namespace polyfab

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The window backend, as main sees it.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <string>
+
+namespace polyfab {
+
+/// Opens the window, reads the file (if one is named) once the window is drawn, and runs until the
+/// program destroys it. Returns the exit status: 1 when there is no display.
+int runQt(const Program& program, int& argc, char** argv, const std::string& file);
+
+} // namespace polyfab

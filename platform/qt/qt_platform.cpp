@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The windowing operations on a real window. A modal box or a busy notice lets toolkit events in
+// while the program is in the midst of a command; what would read or change the mesh then (paint,
+// resize, commands, drops) waits until that command is over.
+#include "platform/qt/qt_platform.h"
+
+#include "platform/qt/dialogs.h"
+#include "platform/qt/help.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+/// Gives the keyboard back to the window after a modal box; not every window manager does.
+struct FocusBack {
+    QWidget& window;
+    ~FocusBack() {
+        if (window.isVisible()) window.activateWindow();
+    }
+};
+
+} // namespace
+
+QtPlatform::QtPlatform(const Program& runProgram)
+    : program(runProgram), window({[this](const Event& event) { send(event); },
+                                   [this](const Event& event) { queue(event); },
+                                   [this]() -> const QImage& { return currentPicture(); }}),
+      busy(&window), directory(QDir::currentPath()) {
+    busy.setFrameStyle(int(QFrame::Panel) | int(QFrame::Raised));
+    busy.setAutoFillBackground(true);
+    busy.setMargin(12);
+    busy.setTextFormat(Qt::PlainText);
+    busy.hide();
+}
+
+void QtPlatform::start(const std::string& file) {
+    open = true;
+    Event create;
+    create.kind = EventKind::create;
+    send(create);
+    firstFile = file;
+    window.show();
+}
+
+void QtPlatform::run() {
+    if (open) loop.exec();
+}
+
+void QtPlatform::send(const Event& event) {
+    if (!open && event.kind != EventKind::destroy) return;
+    const bool isKey = event.kind == EventKind::keyDown || event.kind == EventKind::keyUp;
+    if (isKey && event.key == 0) return; // a key without a code
+    if (event.kind == EventKind::resize) {
+        paintDue = true;
+        if (depth > 0) {
+            waiting.push_back(event);
+            return;
+        }
+    }
+    ++depth;
+    program.handle(event);
+    --depth;
+    if (depth > 0) return;
+    if (paintDue) window.canvas().update();
+    if (!waiting.empty()) QTimer::singleShot(0, &window, [this] { sendQueued(); });
+}
+
+void QtPlatform::queue(const Event& event) {
+    waiting.push_back(event);
+    QTimer::singleShot(0, &window, [this] { sendQueued(); });
+}
+
+void QtPlatform::sendQueued() {
+    if (depth > 0 || waiting.empty()) return;
+    const Event event = std::move(waiting.front());
+    waiting.pop_front();
+    if (event.kind == EventKind::drop && event.paths.size() == 1) {
+        directory = QFileInfo(QFile::decodeName(event.paths.front().c_str())).absolutePath();
+    }
+    send(event);
+}
+
+const QImage& QtPlatform::currentPicture() {
+    if (paintDue && depth == 0) {
+        paintDue = false;
+        send(Event{});
+        if (!firstFile.empty()) {
+            Event drop;
+            drop.kind = EventKind::drop;
+            drop.paths = {std::exchange(firstFile, {})};
+            queue(drop);
+        }
+    }
+    image.setDevicePixelRatio(window.devicePixelRatioF());
+    return image;
+}
+
+void QtPlatform::setTitle(const std::string& text) {
+    windowTitle = text;
+    window.setWindowTitle(titleText(text));
+}
+
+void QtPlatform::setMenuBar(const std::string&, const MenuBar& bar) { window.showMenuBar(bar); }
+
+void QtPlatform::setMenuItem(int id, bool enabled, bool checked) {
+    QAction* const action = window.action(id);
+    if (!action) return;
+    action->setEnabled(enabled);
+    action->setChecked(checked);
+}
+
+void QtPlatform::requestPaint() {
+    paintDue = true;
+    window.canvas().update();
+}
+
+void QtPlatform::present(const Bitmap& shown) {
+    bitmap = shown;
+    image = QImage(reinterpret_cast<const uchar*>(bitmap.pixels.data()), bitmap.width,
+                   bitmap.height, QImage::Format_RGB32);
+}
+
+void QtPlatform::requestClose() { window.close(); }
+
+void QtPlatform::destroyWindow() {
+    if (!open) return;
+    open = false;
+    waiting.clear();
+    Event destroy;
+    destroy.kind = EventKind::destroy;
+    send(destroy);
+    window.hide();
+    loop.exit();
+}
+
+void QtPlatform::message(const std::string& title, const std::string& text, Icon icon) {
+    const FocusBack focusBack{window};
+    showMessage(owner(), title, text, icon);
+}
+
+Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons) {
+    const FocusBack focusBack{window};
+    return askQuestion(owner(), title, text, buttons);
+}
+
+std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
+    const FocusBack focusBack{window};
+    return askFile(owner(), request, directory);
+}
+
+DialogResult QtPlatform::dialog(Dialog& dialog) {
+    const FocusBack focusBack{window};
+    return askFields(owner(), dialog, [this](const Event& event) { send(event); });
+}
+
+void QtPlatform::showBusy(const std::string& text) {
+    busy.setVisible(!text.empty());
+    if (!text.empty()) {
+        busy.setText(QString::fromStdString(text));
+        busy.adjustSize();
+        busy.move((window.width() - busy.width()) / 2, (window.height() - busy.height()) / 2);
+        busy.raise();
+        busy.repaint();
+    }
+    // Without this the display may not hear of it before the work is done.
+    constexpr int milliseconds = 20;
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, milliseconds);
+}
+
+void QtPlatform::beep() { QApplication::beep(); }
+
+void QtPlatform::openHelp() { showManual(owner()); }
+
+std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
+    const QImage found = QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32);
+    if (found.isNull()) return std::nullopt;
+    Bitmap copy;
+    copy.width = found.width();
+    copy.height = found.height();
+    for (int y = 0; y < found.height(); ++y) {
+        const auto* const row = reinterpret_cast<const std::uint32_t*>(found.constScanLine(y));
+        copy.pixels.insert(copy.pixels.end(), row, row + found.width());
+    }
+    return copy;
+}
+
+} // namespace polyfab

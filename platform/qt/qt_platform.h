@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The windowing operations on a real window. A QApplication must exist.
+#pragma once
+
+#include "platform/platform.h"
+#include "platform/qt/window.h"
+
+#include <QEventLoop>
+#include <QImage>
+#include <QLabel>
+
+#include <deque>
+#include <string>
+
+namespace polyfab {
+
+class QtPlatform : public Platform {
+  public:
+    explicit QtPlatform(const Program& program);
+
+    /// Sends the create event and shows the window. The file (none if empty) is dropped on it once
+    /// it is drawn.
+    void start(const std::string& file);
+    /// Handles events until the program destroys the window.
+    void run();
+    Window& mainWindow() { return window; }
+
+    std::string title() const override { return windowTitle; }
+    void setTitle(const std::string& text) override;
+    Size clientSize() const override { return window.canvas().clientSize(); }
+    void setMenuBar(const std::string& name, const MenuBar& bar) override;
+    void setMenuItem(int id, bool enabled, bool checked) override;
+    void requestPaint() override;
+    void present(const Bitmap& shown) override;
+    void requestClose() override;
+    void destroyWindow() override;
+    void message(const std::string& title, const std::string& text, Icon icon) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    std::optional<std::string> fileDialog(const FileRequest& request) override;
+    DialogResult dialog(Dialog& dialog) override;
+    void showBusy(const std::string& text) override;
+    void beep() override;
+    void openHelp() override;
+    std::optional<Bitmap> clipboardBitmap() const override;
+
+  private:
+    void send(const Event& event);
+    void queue(const Event& event);
+    void sendQueued();
+    const QImage& currentPicture();
+    /// The owner of boxes: none while the window is not shown, so that they get a place of their
+    /// own.
+    QWidget* owner() { return window.isVisible() ? &window : nullptr; }
+
+    const Program& program;
+    Window window;
+    QLabel busy;
+    std::string windowTitle;
+    std::string firstFile;
+    QString directory; ///< of the last file chosen or dropped
+    Bitmap bitmap;     ///< holds the pixels of image
+    QImage image;
+    std::deque<Event> waiting;
+    QEventLoop loop;
+    int depth = 0; ///< handlers that are running now, one inside the other
+    bool paintDue = true;
+    bool open = false;
+};
+
+} // namespace polyfab

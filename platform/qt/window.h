@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's two widgets: the frame with its menu bar, and the canvas that the program draws
+// and that takes keys, mouse and drops. Both only turn toolkit events into records.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <QImage>
+#include <QMainWindow>
+#include <functional>
+
+namespace polyfab {
+
+/// Where the widgets deliver to.
+struct WindowEvents {
+    std::function<void(const Event&)> send;  ///< at once (a resize waits while a command runs)
+    std::function<void(const Event&)> queue; ///< when no other event is being handled
+    /// What the canvas shows now, painted first if that is due.
+    std::function<const QImage&()> picture;
+};
+
+class Canvas : public QWidget {
+  public:
+    explicit Canvas(const WindowEvents& windowEvents);
+    /// In device pixels.
+    Size clientSize() const;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void sendMouse(const QMouseEvent& event);
+    WindowEvents events;
+};
+
+class Window : public QMainWindow {
+  public:
+    explicit Window(const WindowEvents& windowEvents);
+    void showMenuBar(const MenuBar& bar);
+    /// The action of this command, or null.
+    QAction* action(int id) const;
+    Canvas& canvas() const { return *pane; }
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void addItem(QMenu& menu, const MenuItem& item);
+    WindowEvents events;
+    Canvas* pane; ///< owned by the toolkit
+};
+
+} // namespace polyfab

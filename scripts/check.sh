@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# All that a change must pass; CI runs nothing else. The release tests come last, so that their
+# summary ends the output.
+#   scripts/check.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scripts/install.sh build test format fuzz
+echo "== format"
+scripts/format.sh
+scripts/build.sh release
+scripts/smoke.sh
+scripts/build.sh asan
+scripts/quiet.sh "tests under AddressSanitizer and UndefinedBehaviorSanitizer" \
+    ctest --preset asan --parallel "$(nproc)"
+scripts/fuzz.sh 45
+exec ./test.sh

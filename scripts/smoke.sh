@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Takes every sample through the release build without a window: read, write, read back, write
+# again. Nothing may be reported, no point or face may be lost, and once the materials stand in the
+# order in which the file uses them (after the first pass) the text may not change any more.
+#   scripts/smoke.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+editor=build/release/polyfab
+
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+fail() { echo "smoke: $*" >&2; exit 1; }
+convert() { scripts/quiet.sh "converting $(basename "$1")" "$editor" --convert "$1" "$2"; }
+lines() { grep -cE "^$1 " "$2" || true; }
+
+for sample in samples/*.obj; do
+    echo "== sample $sample"
+    convert "$sample" "$scratch/1.obj"
+    convert "$scratch/1.obj" "$scratch/2.obj"
+    convert "$scratch/2.obj" "$scratch/3.obj"
+    for kind in v vt vn f; do
+        [[ $(lines $kind "$sample") == $(lines $kind "$scratch/1.obj") ]] \
+            || fail "$sample: the number of $kind lines changed"
+    done
+    cmp <(grep '^v' "$scratch/1.obj") <(grep '^v' "$scratch/2.obj") \
+        || fail "$sample: points changed when read back"
+    cmp "$scratch/2.obj" "$scratch/3.obj" || fail "$sample: the text changed when read back"
+    "$editor" --batch "$sample" --picture "$scratch/picture.png" >/dev/null
+    [[ -s $scratch/picture.png ]] || fail "$sample: no picture"
+done

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A platform for tests: records what is shown and answers from lists. While one is alive it is the
+// current platform.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace polyfab::test {
+
+class FakePlatform : public Platform {
+  public:
+    FakePlatform();
+    ~FakePlatform() override;
+
+    /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
+    /// has the exclamation icon), "question|TITLE|TEXT", "file|PROMPT|INITIAL", "busy|TEXT",
+    /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "beep", "help", "close", "destroyed".
+    std::vector<std::string> log;
+
+    std::deque<Choice> choices;                         ///< for questions; empty: no
+    std::deque<std::optional<std::string>> files;       ///< for file dialogs; empty: cancel
+    std::deque<std::vector<std::string>> dialogAnswers; ///< field texts; empty: cancel
+
+    Size size{1024, 512};
+    std::string windowTitle;
+    MenuBar bar;
+    Bitmap picture; ///< what was presented last
+    int paintRequests = 0;
+
+    std::string title() const override { return windowTitle; }
+    void setTitle(const std::string& text) override;
+    Size clientSize() const override { return size; }
+    void setMenuBar(const std::string& name, const MenuBar& menus) override;
+    void setMenuItem(int id, bool enabled, bool checked) override;
+    void requestPaint() override { ++paintRequests; }
+    void present(const Bitmap& shown) override { picture = shown; }
+    void requestClose() override { log.push_back("close"); }
+    void destroyWindow() override { log.push_back("destroyed"); }
+    void message(const std::string& title, const std::string& text, Icon icon) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    std::optional<std::string> fileDialog(const FileRequest& request) override;
+    DialogResult dialog(Dialog& dialog) override;
+    void showBusy(const std::string& text) override { log.push_back("busy|" + text); }
+    void beep() override { log.push_back("beep"); }
+    void openHelp() override { log.push_back("help"); }
+    std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+
+  private:
+    Platform* before;
+};
+
+} // namespace polyfab::test
