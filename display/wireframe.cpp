@@ -9,8 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <new>
+#include <vector>
 
 namespace polyfab {
 namespace {

@@ -18,6 +18,7 @@ namespace {
 
 void onCreate(const Event&) {
     createMesh();
+    resizeView(platform().clientSize());
     platform().setMenuBar("POLYFAB", mainMenu());
     updateTitle();
 }
@@ -32,7 +33,7 @@ void onDestroy(const Event&) {
 }
 
 void onResize(const Event&) {
-    stale.layout = true;
+    resizeView(platform().clientSize());
     platform().requestPaint();
 }
 
@@ -72,7 +73,8 @@ void onKeyUp(const Event& event) {
 
 void onMouse(const Event& event) {
     EditorState& editor = editorState;
-    editor.history = static_cast<std::uint8_t>(((editor.history << 2) | (event.buttons & 3)) & 0xF);
+    const unsigned before = editor.history;
+    editor.history = static_cast<std::uint8_t>((before << 2 | (event.buttons & 3)) & 0xF);
     const bool rightWasDown = (editor.history & 8) != 0;
     (rightWasDown ? editor.mouse.z : editor.mouse.x) = event.x;
     editor.mouse.y = event.y;

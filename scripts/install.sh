@@ -17,7 +17,8 @@ if ! command -v apt-get >/dev/null; then
     exit 0
 fi
 
-installed() { [[ $(dpkg-query -W -f='${db:Status-Status}\n' "$1" 2>/dev/null) == *installed* ]]; }
+# A package that was removed is still listed, as "not-installed" or "config-files".
+installed() { dpkg-query -W -f='${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed; }
 
 missing=()
 for package in "${wanted[@]}"; do
