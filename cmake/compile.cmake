@@ -17,6 +17,7 @@ if(POLYFAB_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+    add_compile_definitions(POLYFAB_SANITIZE)
 endif()
 if(POLYFAB_FUZZ)
     # Coverage feedback for every library; only the fuzz targets link the fuzzer's main.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// Everything around a read or a write that does not depend on the format.
 #include "formats/mesh_files.h"
 
 #include "display/view.h"
@@ -82,11 +83,18 @@ Outcome dispatchRead(const std::string& path, bool append) {
     return readObjFile(path, editorState.showUnselectedGrey) ? Outcome::read : Outcome::failed;
 }
 
-/// What a failed read leaves: no geometry, but the names that were there.
+/// What a failed read leaves: no geometry, but the names that were there. Where memory ran out an
+/// array is lost, and its count must not outlive it.
 void emptyMesh() {
     OB->np = 0;
     OB->nq = 0;
     OB->nf = 0;
+    if (OB->texcoords == nullptr) OB->nt = 0;
+    if (OB->normals == nullptr) OB->nd = 0;
+    if (OB->groups == nullptr) OB->ng = 0;
+    if (OB->materials == nullptr) OB->nmat = 0;
+    if (OB->tmas == nullptr) OB->ntma = 0;
+    if (OB->parts == nullptr) OB->nprt = 0;
 }
 
 void resetForNewMesh() {

@@ -52,14 +52,26 @@ FaceList sortedBy(const FaceList& faces, int keys, Key key) {
     return sorted;
 }
 
+/// Whether the face has a name to stand under and a number for every corner.
+bool canBeWritten(const Face& face) {
+    if (face.g < 0 || face.g >= OB->ng || face.mat < 0 || face.mat >= OB->nmat) return false;
+    return std::none_of(face.q, face.q + face.n,
+                        [](const FaceCorner& corner) { return corner.p == nullptr; });
+}
+
+/// The faces in the order of the file. A face that is wanted but can't be written takes the mark of
+/// the whole mesh with it.
 FaceList facesToWrite(bool onlySelected) {
     FaceList faces;
     faces.reserve(static_cast<std::size_t>(OB->nf));
     for (int i = 0; i < OB->nf; ++i) {
         const Face& face = OB->faces[i];
         if (face.q == nullptr || (onlySelected && face.selected == 0)) continue;
-        if (face.g < 0 || face.g >= OB->ng || face.mat < 0 || face.mat >= OB->nmat) continue;
-        faces.push_back(i);
+        if (canBeWritten(face)) {
+            faces.push_back(i);
+        } else {
+            editorState.wholeMeshWritten = false;
+        }
     }
     faces = sortedBy(faces, OB->nmat, [](int i) { return OB->faces[i].mat; });
     return sortedBy(faces, OB->ng, [](int i) { return OB->faces[i].g; });
@@ -143,8 +155,6 @@ void writeFaces(SaveFile& file, bool onlySelected, unsigned flags) {
     for (const int index : facesToWrite(onlySelected)) {
         const Face& face = OB->faces[index];
         const std::span<const FaceCorner> corners(face.q, static_cast<std::size_t>(face.n));
-        const auto hasNoPoint = [](const FaceCorner& corner) { return corner.p == nullptr; };
-        if (std::any_of(corners.begin(), corners.end(), hasNoPoint)) continue;
         if (face.g != group) {
             writeName(file, "g ", OB->groups[face.g].name);
             material = -1;

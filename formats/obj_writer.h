@@ -19,8 +19,8 @@ inline constexpr unsigned objTrace = 2;
 /// with a corner that has no point, are left out.
 ///
 /// `flags` are the bits above. 1 on success, `editorState.wholeMeshWritten` then tells whether all
-/// faces were wanted. 0 after a message when the file cannot be created or written; an old file is
-/// then as it was.
+/// live faces were written. 0 after a message when the file cannot be created or written; an old
+/// file is then as it was.
 int writeObjFile(const std::string& path, unsigned flags);
 
 } // namespace polyfab

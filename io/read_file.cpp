@@ -13,10 +13,10 @@ namespace polyfab {
 namespace {
 
 int openForReading(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Without O_NONBLOCK a named pipe would wait here for somebody to write into it.
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status {};
-    // A directory opens, but nothing can be read from it.
-    if (file >= 0 && (fstat(file, &status) != 0 || S_ISDIR(status.st_mode))) {
+    if (file >= 0 && (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))) {
         close(file);
         return -1;
     }

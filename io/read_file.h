@@ -23,7 +23,8 @@ class PieceReader {
     PieceReader(const PieceReader&) = delete;
     PieceReader& operator=(const PieceReader&) = delete;
 
-    /// False when the file can't be opened for reading; a directory can't.
+    /// False when the file can't be opened for reading or is no regular file (a folder, a pipe):
+    /// readers go through a file twice.
     [[nodiscard]] bool isOpen() const { return file >= 0; }
 
     /// True once a read has failed, which `next` reports as the end.

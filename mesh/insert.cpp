@@ -133,7 +133,9 @@ void Mesh::markPointsOnSelected() {
     for (int i = 0; i < nf; ++i) {
         const Face& face = faces[i];
         if (face.q == nullptr || !face.selected) continue;
-        for (int k = 0; k < face.n; ++k) face.q[k].p->onselected = 1;
+        for (int k = 0; k < face.n; ++k) {
+            if (face.q[k].p != nullptr) face.q[k].p->onselected = 1;
+        }
     }
 }
 

@@ -7,9 +7,9 @@
 
 namespace polyfab::largeblock {
 
-/// Blocks from this size on are large. Under AddressSanitizer none is, so that every overrun of an
-/// array is seen.
-#if defined(__SANITIZE_ADDRESS__)
+/// Blocks from this size on are large. In sanitizer builds none is, so that every overrun of an array
+/// is seen.
+#if defined(POLYFAB_SANITIZE)
 inline constexpr std::size_t threshold = ~std::size_t{0};
 #else
 inline constexpr std::size_t threshold = std::size_t{4} << 20;

@@ -153,7 +153,7 @@ struct Mesh {
     int addTexCoord(double u, double v);
     /// The lowest texture coordinate with exactly these values, or a new one.
     int findOrAddTexCoord(double u, double v);
-    /// Neither sets `changed`: areas and parts are not part of any file.
+    /// Neither sets `changed`: areas and parts are found anew, not saved.
     int addTextureMapArea();
     int addPart();
 
@@ -176,7 +176,8 @@ struct Mesh {
     /// `list` null on none yet. `dropRepeats` leaves out a point that equals its forerunner and
     /// last points that equal the first; their corners stay unused in `corners`.
     Face* addFaceByPoints(Point* const* list, int n, bool dropRepeats);
-    /// A face with copies of these corners (or of none, with `list` null).
+    /// A face with copies of these corners (or of none, with `list` null). The list must not lie in
+    /// `corners`, which may move.
     Face* addFaceByCorners(const FaceCorner* list, int n);
     /// Attributes of a new face with cleared corners; `q` and `n` must be set.
     void initFace(Face* face);
@@ -193,7 +194,7 @@ inline Mesh* OB = nullptr;
 
 /// Makes OB, empty, in the store. Calls after the first do nothing.
 void createMesh();
-/// Releases OB and its arrays, those of the edge tables excepted.
+/// Releases OB and what releaseAll releases.
 void destroyMesh();
 
 } // namespace polyfab

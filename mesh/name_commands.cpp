@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// The same few loops over live faces serve groups and materials: only the face's field differs.
 #include "mesh/name_commands.h"
 
 #include "io/save_file.h"
@@ -19,6 +20,7 @@ void forLiveFaces(Mesh& mesh, Do act) {
 }
 
 void setOnSelected(Mesh& mesh, std::int16_t Face::*field, int value) {
+    mesh.changed = 1; // also when no name could be added and the faces go under the first one
     forLiveFaces(mesh, [&](Face& face) {
         if (face.selected) face.*field = static_cast<std::int16_t>(value);
     });

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// All comparisons are made with what would be stored, so that a long name finds itself again.
 #include "mesh/names.h"
 
 #include "platform/platform.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace polyfab {
 namespace {
@@ -86,7 +86,9 @@ const char* Mesh::currentMaterialName() const {
     return curmat >= 0 && curmat < nmat ? materials[curmat].name : "default";
 }
 
-NameTable::NameTable(Mesh& owner, Kind what) : mesh(owner), kind(what) {
+NameTable::NameTable(Mesh& owner, Kind kind)
+    : mesh(owner), count(kind == Kind::groups ? mesh.ng : mesh.nmat),
+      add(kind == Kind::groups ? addGroup : addMaterial) {
     if (kind == Kind::groups) {
         enterAll(indices, mesh.groups, mesh.ng);
     } else {
@@ -94,15 +96,20 @@ NameTable::NameTable(Mesh& owner, Kind what) : mesh(owner), kind(what) {
     }
 }
 
+int NameTable::addGroup(Mesh& mesh, std::string_view name) { return mesh.addGroup(name); }
+
+int NameTable::addMaterial(Mesh& mesh, std::string_view name) {
+    return mesh.addMaterial(defaultColor, name);
+}
+
 int NameTable::findOrAdd(std::string_view name) {
     mesh.changed = 1;
     const auto [entry, isNew] = indices.try_emplace(std::string(storedName(name)), 0);
-    if (!isNew || full) return entry->second;
-    const int& count = kind == Kind::groups ? mesh.ng : mesh.nmat;
-    const int before = count;
-    entry->second =
-        kind == Kind::groups ? mesh.addGroup(name) : mesh.addMaterial(defaultColor, name);
-    full = count == before;
+    if (isNew && !full) {
+        const int before = count;
+        entry->second = add(mesh, name);
+        full = count == before;
+    }
     return entry->second;
 }
 

@@ -28,10 +28,14 @@ class NameTable {
     int findOrAdd(std::string_view name);
 
   private:
+    static int addGroup(Mesh& mesh, std::string_view name);
+    static int addMaterial(Mesh& mesh, std::string_view name);
+
     Mesh& mesh;
-    Kind kind;
+    const std::int32_t& count; ///< the mesh's own
+    int (*add)(Mesh&, std::string_view);
     std::unordered_map<std::string, int> indices;
-    bool full = false;
+    bool full = false; ///< the mesh takes no more names, and has said so
 };
 
 } // namespace polyfab

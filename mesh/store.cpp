@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The table keeps the blocks in allocation order; an index from address to block beside it makes
-// every look-up a hash probe. Slots point at the index's nodes, which never move, so a compaction
-// only writes the new slot numbers.
+// The live blocks stand in an index from address to size. Of the table itself only the number of
+// slots in use can be seen, which grows with every allocation and which a compaction brings back to
+// the number of live blocks; so a number is all that is kept of it.
 #include "mesh/store.h"
 
 #include "mesh/large_block.h"
@@ -16,32 +16,15 @@
 namespace polyfab {
 namespace {
 
-struct Tracked {
-    int slot = 0;
-    std::size_t size = 0;
-};
-
-using Index = std::unordered_map<void*, Tracked>;
+using Index = std::unordered_map<void*, std::size_t>;
 
 constexpr int compactEvery = 4096;
 
-Index::value_type* table[storeTableSize]; // null: released, or an allocation that failed
-int nFMC = 0;                             // slots in use
+int nFMC = 0; // slots in use: live blocks, released ones and allocations that failed
 
 Index& tracked() {
     static Index& index = *new Index; // lives to the very end: so do blocks that it knows
     return index;
-}
-
-void compact() {
-    int kept = 0;
-    for (int slot = 0; slot < nFMC; ++slot) {
-        if (table[slot] == nullptr) continue;
-        table[kept] = table[slot];
-        table[kept]->second.slot = kept;
-        ++kept;
-    }
-    nFMC = kept;
 }
 
 void* systemAllocate(std::size_t size) {
@@ -85,12 +68,11 @@ constexpr const char* noMemory = "I can't get enough memory";
 } // namespace
 
 void* farmalloc(std::size_t size) {
-    if (nFMC % compactEvery == 0) compact();
+    if (nFMC % compactEvery == 0) nFMC = storeBlocks();
     void* block = nullptr;
     if (nFMC < storeTableSize) {
         block = systemAllocate(size);
-        table[nFMC] = nullptr;
-        if (block != nullptr) table[nFMC] = &*tracked().insert({block, {nFMC, size}}).first;
+        if (block != nullptr) tracked().emplace(block, size);
         ++nFMC;
     } else {
         complain("farmalloc", "too many store allocations at once");
@@ -108,13 +90,11 @@ void* farrealloc(void* block, std::size_t size, const char* label) {
         return nullptr;
     }
     auto node = tracked().extract(found);
-    void* const result = systemResize(block, node.mapped().size, size);
-    const int slot = node.mapped().slot;
-    table[slot] = nullptr;
+    void* const result = systemResize(block, node.mapped(), size);
     if (result != nullptr) {
         node.key() = result;
-        node.mapped().size = size;
-        table[slot] = &*tracked().insert(std::move(node)).position;
+        node.mapped() = size;
+        tracked().insert(std::move(node));
     } else if (size != 0) {
         complain(label != nullptr ? label : "an array", noMemory);
     }
@@ -129,8 +109,7 @@ void farfreeBlock(void** block) {
                  "you tried to free memory which had not been allocated");
         return;
     }
-    systemRelease(*block, found->second.size);
-    table[found->second.slot] = nullptr;
+    systemRelease(*block, found->second);
     tracked().erase(found);
     *block = nullptr;
 }

@@ -39,7 +39,7 @@ TEST_F(Check, FindsEachFaultAndOnlyThat) {
         {[](Mesh& m) { m.faces[0].q = shifted(m.corners, 8); },
          "fac.q bad, = (as bytes) 8, not a multiple of 16"},
         {[](Mesh& m) { m.faces[0].q = shifted(m.corners, -8); },
-         "fac.q bad, = (as bytes) -1, not a multiple of 16"},
+         "fac.q bad, = (as bytes) -8, not a multiple of 16"},
         {[](Mesh& m) { m.faces[0].q = m.corners + m.nq; },
          "fac.q = 24 out of range, should be 0 to 23"},
         {[](Mesh& m) { m.faces[2].q = m.corners + 22; },
@@ -79,10 +79,12 @@ TEST_F(Check, FindsEachFaultAndOnlyThat) {
 
 TEST_F(Check, AnEmptyMeshAndAFailedGrowth) {
     EXPECT_EQ(check(*OB), nullptr);
-    OB->addPoint(0, 0, 0, false);
+    test::addCube();
     EXPECT_EQ(OB->growPoints(INT32_MAX - 4096, false), 0);
-    EXPECT_STREQ(check(*OB), "OB.np = 1 out of range, should be 0 to 0");
-    OB->np = 0;
+    EXPECT_NE(check(*OB), nullptr);
+    EXPECT_EQ(OB->growFaces(INT32_MAX - 4096, false), 0);
+    EXPECT_STREQ(check(*OB), "OB.nf = 6 out of range, should be 0 to 0");
+    OB->np = OB->nq = OB->nf = 0;
     EXPECT_EQ(check(*OB), nullptr);
 }
 
