@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Chooses a backend by the command line and starts the editor on it.
 #include "editor/window.h"
+#include "platform/batch/arguments.h"
 #include "platform/batch/batch.h"
 #ifdef POLYFAB_QT
 #include "platform/qt/qt_backend.h"
@@ -37,18 +38,22 @@ int openWindow([[maybe_unused]] int& argc, [[maybe_unused]] char** argv,
 
 int main(int argc, char** argv) {
     const polyfab::Program& program = polyfab::editorProgram();
-    const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
+    std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
+    if (const std::string wrong = polyfab::expandArgumentFiles(args); !wrong.empty()) {
+        std::fprintf(stderr, "polyfab: %s\n", wrong.c_str());
+        return 2;
+    }
     const std::string first = args.empty() ? "" : args.front();
     if (first == "--batch") return polyfab::runBatch(program, {args.begin() + 1, args.end()});
     if (first == "--convert" && args.size() == 3) {
         return polyfab::runConvert(program, args[1], args[2]);
     }
-    if (first == "--help-commands") return print(polyfab::commandList(program));
-    if (first == "--version") return print("polyfab " POLYFAB_VERSION "\n");
-    if (first == "--help") return print(usage);
-    if (first.starts_with('-') || args.size() > 1) {
-        std::fputs(usage, stderr);
-        return 2;
+    if (args.size() <= 1) {
+        if (first == "--help-commands") return print(polyfab::commandList(program));
+        if (first == "--version") return print("polyfab " POLYFAB_VERSION "\n");
+        if (first == "--help") return print(usage);
+        if (!first.starts_with('-')) return openWindow(argc, argv, first);
     }
-    return openWindow(argc, argv, first);
+    std::fputs(usage, stderr);
+    return 2;
 }

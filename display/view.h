@@ -24,7 +24,6 @@ inline View view;
 struct Stale {
     bool points = true;  ///< world positions or the view changed: transform all points again
     bool edges = true;   ///< faces were added, removed, changed or selected
-    bool layout = true;  ///< the window was resized
     bool picture = true; ///< drawn anew, whatever else is up to date
 };
 

@@ -151,7 +151,7 @@ void draw(Mesh& mesh) {
 /// Brings everything up to date. A list of edges made for another number of points would lead
 /// outside the arrays, whatever the flags say.
 void refresh(Mesh& mesh, Size client) {
-    if (stale.layout || client.width != view.client.width || client.height != view.client.height) {
+    if (client.width != view.client.width || client.height != view.client.height) {
         resizeView(client);
     }
     if (stale.points) transformPoints(mesh);
@@ -159,14 +159,14 @@ void refresh(Mesh& mesh, Size client) {
         listEdges(mesh, wireframe.edges);
     }
     draw(mesh);
-    stale = {false, false, false, false};
+    stale = {false, false, false};
 }
 
 } // namespace
 
 const Bitmap& drawPanes(Mesh& mesh, Size client) {
     const bool resized = client.width != view.client.width || client.height != view.client.height;
-    if (!resized && !stale.points && !stale.edges && !stale.layout && !stale.picture) {
+    if (!resized && !stale.points && !stale.edges && !stale.picture) {
         return wireframe.picture;
     }
     try {

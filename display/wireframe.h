@@ -14,7 +14,7 @@ struct Palette {
     std::uint32_t background = 0xFFFAFAF7;
     std::uint32_t divider = 0xFF9AA3AE;
     std::uint32_t edge = 0xFF17456B;       ///< of a selected face
-    std::uint32_t unselected = 0xFFC3CAD2; ///< of unselected faces only
+    std::uint32_t unselected = 0xFF9DA8B5; ///< of unselected faces only
 };
 
 inline constexpr Palette palette;

@@ -8,8 +8,6 @@
 #include "mesh/name_commands.h"
 #include "platform/platform.h"
 
-#include "display/view.h"
-
 #include <algorithm>
 #include <array>
 
@@ -17,6 +15,7 @@ namespace polyfab {
 namespace {
 
 constexpr const char* file = "&file";
+constexpr const char* write = "&write";
 constexpr const char* mode = "&mode";
 constexpr const char* tools = "&tools";
 constexpr const char* graphs = "&graphs";
@@ -33,20 +32,19 @@ constexpr const char* help = "&help";
 
 constexpr void (*later)() = nullptr;
 
-/// The commands below need nothing but the mesh; what they change may show in the picture.
 template <void (*act)(Mesh&)>
 void onMesh() {
     act(*OB);
-    stale.edges = true;
 }
 
 constexpr auto table = std::to_array<Command>({
     {256, file, "&read mesh file", readMeshFile},
     {296, file, "&append mesh file", appendMeshFile},
-    {257, file, "&DXF mesh file", later},
-    {258, file, "&3DS mesh file", later},
-    {259, file, "&OBJ mesh file", writeObjMeshFile},
     {262, file, "e&xit", [] { platform().requestClose(); }},
+
+    {257, write, "&DXF mesh file", later},
+    {258, write, "&3DS mesh file", later},
+    {259, write, "&OBJ mesh file", writeObjMeshFile},
 
     {358, mode, "go to defa&ult mode", later},
     {348, mode, "go to &edge-handling mode", later},

@@ -8,7 +8,8 @@ namespace polyfab {
 void resetEditorState() { editorState = EditorState(); }
 
 void updateTitle() {
-    platform().setTitle("polyfab [" + editorState.fileName + "] " + editorState.modeName);
+    platform().setTitle(std::string(programName) + " [" + editorState.fileName + "] "
+                        + editorState.modeName);
 }
 
 } // namespace polyfab

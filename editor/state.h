@@ -35,6 +35,8 @@ inline EditorState editorState;
 /// Puts every field back to its state at start-up.
 void resetEditorState();
 
+inline constexpr const char* programName = "polyfab";
+
 /// Shows "PROGRAM [FILE] MODE" in the window title, the program's only status line.
 void updateTitle();
 

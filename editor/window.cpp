@@ -20,7 +20,7 @@ void onCreate(const Event&) {
     createMesh();
     resizeView(platform().clientSize());
     platform().setMenuBar("POLYFAB", mainMenu());
-    updateTitle();
+    platform().setTitle(programName);
 }
 
 void onDestroy(const Event&) {

@@ -50,34 +50,46 @@ void setFileName(const std::string& path) {
     editorState.lastChosen = path.substr(path.find_last_of('/') + 1);
 }
 
-/// Holds the busy mark for as long as it lives and takes the busy notice away with it.
+/// The busy mark and the notice of a read; the mark of a write. Both are gone when it ends.
 class Busy {
   public:
-    Busy() { editorState.busy = true; }
-    ~Busy() {
-        editorState.busy = false;
-        platform().showBusy("");
+    explicit Busy(const char* text) : notice(*text != '\0') {
+        editorState.busy = true;
+        if (notice) platform().showBusy(text);
     }
+    ~Busy() { end(); }
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
+
+    void end() {
+        if (!editorState.busy) return;
+        editorState.busy = false;
+        if (notice) platform().showBusy("");
+    }
+
+  private:
+    bool notice;
 };
 
 enum class Outcome { read, failed, refused };
 
 /// Runs the reader that the suffix names, or the OBJ reader where the user wants that.
-Outcome dispatchRead(const std::string& path, bool append) {
+Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
+    const auto refuse = [&](const char* why) {
+        busy.end();
+        complain(why, path);
+        return Outcome::refused;
+    };
     const auto row =
         std::find_if(std::begin(readers), std::end(readers),
                      [&](const Reader& reader) { return endsIn(path, reader.suffix); });
     if (row != std::end(readers)) {
-        if (row->read != nullptr) return row->read(path, append) ? Outcome::read : Outcome::failed;
-        complain("I can't read this kind of file yet", path);
-        return Outcome::refused;
+        if (row->read == nullptr) return refuse("I can't read this kind of file yet");
+        return row->read(path, append) ? Outcome::read : Outcome::failed;
     }
     if (platform().question("do you want me to read this file as .OBJ?", path, Buttons::yesNo)
         != Choice::yes) {
-        complain("bad suffix", path);
-        return Outcome::refused;
+        return refuse("bad suffix");
     }
     // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
     return readObjFile(path, editorState.showUnselectedGrey) ? Outcome::read : Outcome::failed;
@@ -106,17 +118,14 @@ void resetForNewMesh() {
 void readFile(const std::string& path, bool append) {
     setFileName(path);
     if (!meshIsSound("mesh fault before reading")) return;
-    Outcome outcome = Outcome::refused;
-    {
-        const Busy busy;
-        platform().showBusy("HANG ON WHILE I READ THE FILE IN");
-        outcome = dispatchRead(path, append);
-    }
+    Busy busy("HANG ON WHILE I READ THE FILE IN");
+    const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;
     if (outcome == Outcome::failed) {
         complain("I tried to read this file but it didn't work", path);
         emptyMesh();
     }
+    busy.end();
     resetForNewMesh();
     meshIsSound("mesh fault after reading");
 }
@@ -134,20 +143,27 @@ void askAndRead(bool append) {
     updateTitle();
 }
 
+/// The two variants of OBJ have a letter behind the suffix which is not part of the file's name.
+bool namesVariant(const std::string& chosen) {
+    return endsIn(chosen, ".obj-") || endsIn(chosen, ".obj#");
+}
+
+std::string objFileOf(const std::string& chosen) {
+    return chosen.substr(0, chosen.size() - (namesVariant(chosen) ? 1 : 0));
+}
+
 /// 1: the command counts as done (which a plain write does even when it failed; its own message has
 /// said so, and the mesh still counts as altered).
-int writeObjVariant(std::string& path) {
-    if (endsIn(path, ".obj") && writeObjFile(path, objPlain)) return 1;
-    if (endsIn(path, ".obj-")) {
-        path.pop_back();
-        if (writeObjFile(path, objRelative)) return 1;
-    }
-    if (endsIn(path, ".obj#")) {
-        path.pop_back();
+int writeObjVariant(const std::string& chosen) {
+    const std::string path = objFileOf(chosen);
+    editorState.fileName = path;
+    if (endsIn(chosen, ".obj#")) {
         if (writeObjFile(path, objTrace)) return 1;
         OB->changed = 1;
         return 0;
     }
+    if (endsIn(chosen, ".obj") && writeObjFile(path, objPlain)) return 1;
+    if (endsIn(chosen, ".obj-") && writeObjFile(path, objRelative)) return 1;
     (void)writeObjFile(path, objPlain);
     return 1;
 }
@@ -164,22 +180,25 @@ void readNamedMeshFile(const std::string& path) {
 }
 
 void writeObjMeshFile() {
-    const auto chosen = platform().fileDialog(
-        {true, "file to write mesh to?", {{"OBJ files", "*.OBJ"}}, editorState.lastChosen});
+    const auto chosen = platform().fileDialog({true,
+                                               "file to write mesh to?",
+                                               {{"OBJ files", "*.OBJ"}},
+                                               editorState.lastChosen,
+                                               objFileOf});
     if (!chosen) return;
-    if (chosen->size() <= 4) return complain("wrong suffix for this type of file", *chosen);
-    std::string path = *chosen;
+    setFileName(*chosen);
     editorState.wholeMeshWritten = false;
-    int done = 0;
-    {
-        const Busy busy;
-        done = writeObjVariant(path);
-    }
-    setFileName(path);
-    if (!done) {
-        complain("I tried to write to this file but it didn't work", path);
-    } else if (editorState.wholeMeshWritten) {
-        OB->changed = 0;
+    if (chosen->size() <= 4) {
+        complain("wrong suffix for this type of file", *chosen);
+    } else {
+        Busy busy("");
+        const int done = writeObjVariant(*chosen);
+        busy.end();
+        if (!done) {
+            complain("I tried to write to this file but it didn't work", editorState.fileName);
+        } else if (editorState.wholeMeshWritten) {
+            OB->changed = 0;
+        }
     }
     updateTitle();
 }

@@ -7,8 +7,8 @@
 
 namespace polyfab::largeblock {
 
-/// Blocks from this size on are large. In sanitizer builds none is, so that every overrun of an array
-/// is seen.
+/// Blocks from this size on are large. In sanitizer builds none is, so that every overrun of an
+/// array is seen.
 #if defined(POLYFAB_SANITIZE)
 inline constexpr std::size_t threshold = ~std::size_t{0};
 #else

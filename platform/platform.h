@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,6 +38,9 @@ struct FileRequest {
     std::string prompt;
     std::vector<FileFilter> filters;
     std::string initial; ///< name or path the dialog starts with
+    /// For a save: the file that choosing this name will write, where that is another one. It is
+    /// not to be overwritten unasked either.
+    std::function<std::string(const std::string& chosen)> written{};
 };
 
 struct DialogField {
@@ -142,7 +146,8 @@ class Platform {
     virtual DialogResult dialog(Dialog& dialog) = 0;
 
     // Others.
-    /// Shows the notice over the window at once, without waiting for events; "" removes it.
+    /// Shows a notice over the window, and over the notices before it, at once and without waiting
+    /// for events; "" removes the latest one.
     virtual void showBusy(const std::string& text) = 0;
     virtual void beep() = 0;
     /// Opens the help at its index.

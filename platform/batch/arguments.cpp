@@ -48,12 +48,12 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
-std::vector<std::string> splitText(std::string_view text, char separator) {
+std::vector<std::string> splitText(std::string_view text, char separator, bool keepEmpty) {
     std::vector<std::string> parts;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(separator), text.size());
-        if (end > 0) parts.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find(separator, begin), text.size());
+        if (keepEmpty || end > begin) parts.emplace_back(text.substr(begin, end - begin));
+        begin = end + 1;
     }
     return parts;
 }
@@ -88,7 +88,7 @@ std::optional<int> parseKey(std::string_view text) {
 }
 
 std::optional<Event> parseMouse(std::string_view text) {
-    const std::vector<std::string> parts = splitText(text, ',');
+    const std::vector<std::string> parts = splitText(text, ',', true);
     if (parts.size() < 2 || parts.size() > 3) return std::nullopt;
     const std::optional<int> x = parseInt(parts[0]);
     const std::optional<int> y = parseInt(parts[1]);

@@ -28,8 +28,8 @@ std::optional<int> parseKey(std::string_view text);
 /// "X,Y" or "X,Y,BUTTONS" as a mouse event.
 std::optional<Event> parseMouse(std::string_view text);
 
-/// The parts between the separators; empty ones are left out.
-std::vector<std::string> splitText(std::string_view text, char separator);
+/// The parts between the separators; with `keepEmpty` also those without a character.
+std::vector<std::string> splitText(std::string_view text, char separator, bool keepEmpty = false);
 
 /// With A-Z as a-z; other bytes stay.
 std::string lowerCase(std::string_view text);

@@ -168,6 +168,11 @@ std::optional<Answer> BatchPlatform::takeAnswer() {
     return first;
 }
 
+void BatchPlatform::stop(const std::string& question) {
+    quiet = true; // the question is the last word of the run
+    throw Unanswered{question};
+}
+
 void BatchPlatform::message(const std::string& title, const std::string& shown, Icon icon) {
     const bool exclamation = icon == Icon::exclamation;
     if (exclamation) ++exclamations;
@@ -187,13 +192,14 @@ Choice BatchPlatform::question(const std::string& title, const std::string& aske
               {"answer", nullptr}};
     if (choice) json["answer"] = choiceWord(*choice);
     print(text(json));
-    if (!choice) throw Unanswered{"the question \"" + asked + "\""};
+    if (!choice) stop("the question \"" + asked + "\"");
     return *choice;
 }
 
 std::optional<std::string> BatchPlatform::fileDialog(const FileRequest& request) {
     const std::optional<Answer> answer = takeAnswer();
-    const bool fits = answer && answer->kind != Answer::Kind::keepDefault;
+    const bool keeps = answer && answer->kind == Answer::Kind::keepDefault;
+    const bool fits = answer && !(keeps && request.initial.empty());
     Json filters = Json::array();
     for (const FileFilter& filter : request.filters) {
         filters.push_back(Json::array({filter.description, filter.pattern}));
@@ -204,12 +210,13 @@ std::optional<std::string> BatchPlatform::fileDialog(const FileRequest& request)
               {"filters", filters},
               {"initial", request.initial},
               {"answer", nullptr}};
-    const bool chosen = fits && answer->kind == Answer::Kind::text;
-    if (chosen) json["answer"] = answer->text;
+    const bool chosen = fits && (keeps || answer->kind == Answer::Kind::text);
+    const std::string path = chosen && !keeps ? answer->text : request.initial;
+    if (chosen) json["answer"] = path;
     print(text(json));
-    if (!fits) throw Unanswered{"the file dialog \"" + request.prompt + "\""};
+    if (!fits) stop("the file dialog \"" + request.prompt + "\"");
     if (!chosen) return std::nullopt;
-    return answer->text;
+    return path;
 }
 
 DialogResult BatchPlatform::dialog(Dialog& dialog) {
@@ -226,8 +233,7 @@ DialogResult BatchPlatform::dialog(Dialog& dialog) {
             record.answer(i, dialog.fields[i].text);
         } else {
             print(text(record.json));
-            throw Unanswered{"the field \"" + dialog.fields[i].label + "\" of the prompt "
-                             + dialog.name};
+            stop("the field \"" + dialog.fields[i].label + "\" of the prompt " + dialog.name);
         }
     }
     if (result == DialogResult::cancel) dialog.fields = defaults;
@@ -243,8 +249,6 @@ DialogResult BatchPlatform::dialog(Dialog& dialog) {
 }
 
 void BatchPlatform::showBusy(const std::string& notice) {
-    if (notice.empty() && !busyShown) return;
-    busyShown = !notice.empty();
     print(text({{"event", "busy"}, {"text", notice}}));
 }
 

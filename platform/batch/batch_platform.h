@@ -58,6 +58,7 @@ class BatchPlatform : public Platform {
 
   private:
     std::optional<Answer> takeAnswer();
+    [[noreturn]] void stop(const std::string& question);
 
     const Program& program;
     std::string windowTitle;
@@ -66,7 +67,6 @@ class BatchPlatform : public Platform {
     Bitmap picture;
     std::deque<Answer> answers;
     int exclamations = 0;
-    bool busyShown = false;
     bool open = true;
     bool quiet = false;
     bool paintDue = true;

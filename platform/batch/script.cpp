@@ -243,11 +243,7 @@ constexpr WriterRow writerRows[] = {
 } // namespace
 
 Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args) {
-    std::vector<std::string> expanded = args;
-    Script wrong;
-    wrong.error = expandArgumentFiles(expanded);
-    if (!wrong.error.empty()) return wrong;
-    return Reader(commands, std::move(expanded)).read();
+    return Reader(commands, args).read();
 }
 
 Script convertScript(const std::vector<CommandInfo>& commands, const std::string& input,

@@ -38,7 +38,7 @@ struct Script {
     std::string error;             ///< why the command line is wrong; empty: it is sound
 };
 
-/// Reads [--size WxH] [FILE] [STEP ...]; "@ARGS.txt" is replaced by the arguments in that file.
+/// Reads [--size WxH] [FILE] [STEP ...].
 /// Commands are looked up in this list, by number or by label without the "&".
 Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args);
 

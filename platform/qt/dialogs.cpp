@@ -8,12 +8,15 @@
 #include <QDialog>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpacerItem>
 #include <QWindow>
 
 #include <set>
@@ -23,10 +26,17 @@ namespace {
 
 constexpr int escapeCode = 2; ///< beside QDialog::Accepted and QDialog::Rejected
 
-void prepare(QMessageBox& box, const std::string& title, const std::string& text) {
+void prepare(QMessageBox& box, const std::string& title, const std::string& text,
+             QMessageBox::Icon icon) {
+    box.setIcon(icon); // first: it lays the box out anew
     box.setWindowTitle(titleText(title));
     box.setTextFormat(Qt::PlainText);
     box.setText(QString::fromStdString(text));
+    // A box is only as wide as its text, but here the title says what happened.
+    auto* const grid = static_cast<QGridLayout*>(box.layout());
+    constexpr int frameButtons = 160;
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + frameButtons;
+    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 /// "*.DXF;*.OBJ" as "description (*.DXF *.dxf *.OBJ *.obj)": some file dialogs heed case.
@@ -137,8 +147,8 @@ QString titleText(const std::string& text) {
 
 void showMessage(QWidget* owner, const std::string& title, const std::string& text, Icon icon) {
     QMessageBox box(owner);
-    prepare(box, title, text);
-    box.setIcon(icon == Icon::exclamation ? QMessageBox::Warning : QMessageBox::NoIcon);
+    prepare(box, title, text,
+            icon == Icon::exclamation ? QMessageBox::Warning : QMessageBox::NoIcon);
     box.exec();
 }
 
@@ -146,7 +156,7 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
                    Buttons buttons) {
     const bool hasCancel = buttons == Buttons::yesNoCancel;
     QMessageBox box(owner);
-    prepare(box, title, text);
+    prepare(box, title, text, QMessageBox::NoIcon);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No
                            | (hasCancel ? QMessageBox::Cancel : QMessageBox::NoButton));
     box.setDefaultButton(QMessageBox::Yes);
@@ -155,6 +165,22 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
     if (pressed == QMessageBox::Yes) return Choice::yes;
     return pressed == QMessageBox::No ? Choice::no : Choice::cancel;
 }
+
+namespace {
+
+/// Whether the file that the chosen name stands for may be written: it does not exist yet, or the
+/// user agrees. The dialog itself has asked about the chosen name only.
+bool mayWriteBeside(QWidget* owner, const FileRequest& request, const std::string& chosen) {
+    const std::string path = request.written ? request.written(chosen) : chosen;
+    const QString name = QFile::decodeName(path.c_str());
+    if (path == chosen || !QFileInfo::exists(name)) return true;
+    return askQuestion(owner, request.prompt,
+                       name.toStdString() + " already exists.\nDo you want to replace it?",
+                       Buttons::yesNo)
+           == Choice::yes;
+}
+
+} // namespace
 
 std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory) {
     QFileDialog box(owner);
@@ -166,9 +192,13 @@ std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Q
     box.setNameFilters(filters);
     box.setDirectory(directory);
     box.selectFile(QFile::decodeName(request.initial.c_str()));
-    if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+    std::string chosen;
+    do {
+        if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+        chosen = QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
+    } while (!mayWriteBeside(&box, request, chosen));
     directory = box.directory().absolutePath();
-    return QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
+    return chosen;
 }
 
 DialogResult askFields(QWidget* owner, Dialog& dialog,

@@ -21,17 +21,33 @@ bool displayNamed() {
     return false;
 }
 
+/// A window that cannot be made ends the program without counting as its failure.
+constexpr int noWindow = 0;
+
+void sayNoWindow(const char* why) {
+    std::fprintf(stderr, "polyfab: %s; polyfab --batch runs without a window, see polyfab --help\n",
+                 why);
+}
+
+/// Qt aborts the process when it finds the display dead, which is no reason for a core dump.
+void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtFatalMsg) {
+        sayNoWindow(text.section(QLatin1Char('\n'), 0, 0).toLocal8Bit().constData());
+        std::_Exit(noWindow);
+    }
+    if (type == QtCriticalMsg) std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
 } // namespace
 
 int runQt(const Program& program, int& argc, char** argv, const std::string& file) {
     if (!displayNamed()) {
-        // Qt would abort the process here.
-        std::fputs("polyfab: there is no display (DISPLAY or WAYLAND_DISPLAY is not set); "
-                   "polyfab --batch runs without one, see polyfab --help\n",
-                   stderr);
-        return 1;
+        sayNoWindow("there is no display (DISPLAY or WAYLAND_DISPLAY is not set)");
+        return noWindow;
     }
+    qInstallMessageHandler(endOnFatal);
     QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     // Qt has just taken the user's locale over; number text keeps its decimal point.
     std::setlocale(LC_NUMERIC, "C");
     // Only the program's own destroyWindow ends the run.

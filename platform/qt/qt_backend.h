@@ -9,7 +9,8 @@
 namespace polyfab {
 
 /// Opens the window, reads the file (if one is named) once the window is drawn, and runs until the
-/// program destroys it. Returns the exit status: 1 when there is no display.
+/// program destroys it. Returns the exit status, which is 0 also when there is
+/// no display to open a window on; standard error then says so.
 int runQt(const Program& program, int& argc, char** argv, const std::string& file);
 
 } // namespace polyfab

@@ -163,9 +163,14 @@ DialogResult QtPlatform::dialog(Dialog& dialog) {
 }
 
 void QtPlatform::showBusy(const std::string& text) {
-    busy.setVisible(!text.empty());
     if (!text.empty()) {
-        busy.setText(QString::fromStdString(text));
+        notices.push_back(text);
+    } else if (!notices.empty()) {
+        notices.pop_back();
+    }
+    busy.setVisible(!notices.empty());
+    if (!notices.empty()) {
+        busy.setText(QString::fromStdString(notices.back()));
         busy.adjustSize();
         busy.move((window.width() - busy.width()) / 2, (window.height() - busy.height()) / 2);
         busy.raise();

@@ -54,7 +54,8 @@ class QtPlatform : public Platform {
 
     const Program& program;
     Window window;
-    QLabel busy;
+    QLabel busy; ///< shows the last of the notices
+    std::vector<std::string> notices;
     std::string windowTitle;
     std::string firstFile;
     QString directory; ///< of the last file chosen or dropped

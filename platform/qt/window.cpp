@@ -67,13 +67,17 @@ void Canvas::paintEvent(QPaintEvent*) {
 void Canvas::resizeEvent(QResizeEvent*) { events.send(simple(EventKind::resize)); }
 
 void Canvas::keyPressEvent(QKeyEvent* event) {
+    down.insert(virtualKey(*event));
     events.send(keyRecord(EventKind::keyDown, *event));
     QWidget::keyPressEvent(event);
 }
 
 void Canvas::keyReleaseEvent(QKeyEvent* event) {
-    // A held key repeats its presses only; it goes up once.
-    if (!event->isAutoRepeat()) events.send(keyRecord(EventKind::keyUp, *event));
+    // A held key repeats its presses only; it goes up once. A key that went down elsewhere, in a
+    // menu for instance, is none of the window's.
+    if (!event->isAutoRepeat() && down.erase(virtualKey(*event)) != 0) {
+        events.send(keyRecord(EventKind::keyUp, *event));
+    }
     QWidget::keyReleaseEvent(event);
 }
 

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QMainWindow>
 #include <functional>
+#include <set>
 
 namespace polyfab {
 
@@ -39,6 +40,7 @@ class Canvas : public QWidget {
   private:
     void sendMouse(const QMouseEvent& event);
     WindowEvents events;
+    std::set<int> down; ///< codes of the keys that went down here
 };
 
 class Window : public QMainWindow {

@@ -31,14 +31,12 @@ inline void addPoints(Mesh& mesh, const std::vector<std::array<double, 3>>& posi
 inline void fillRandom(Mesh& mesh, std::mt19937& random, int points, int faces) {
     std::uniform_real_distribution<double> position(-3, 5);
     for (int i = 0; i < points; ++i) {
-        const double x = position(random);
-        const double y = position(random);
-        mesh.addPoint(x, y, position(random), false);
+        addPoints(mesh, {{position(random), position(random), position(random)}});
     }
+    std::uniform_int_distribution<int> point(0, points - 1);
     for (int i = 0; i < faces; ++i) {
         std::vector<int> corners(1 + random() % 5);
-        for (int& corner : corners)
-            corner = static_cast<int>(random() % static_cast<unsigned>(points));
+        for (int& corner : corners) corner = point(random);
         Face* const face = addFace(mesh, corners);
         if (random() % 5 == 0) face->q = nullptr;
         face->selected = random() % 3 != 0;

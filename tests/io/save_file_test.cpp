@@ -36,167 +36,121 @@ bool save(const std::string& path, std::string_view text = newText) {
     return file.commit();
 }
 
-unsigned modeOf(const fs::path& path) {
+struct stat statusOf(const std::string& name) {
     struct stat status = {};
-    ::stat(path.c_str(), &status);
-    return status.st_mode & 07777;
+    EXPECT_EQ(::stat(name.c_str(), &status), 0) << name;
+    return status;
 }
 
+/// Works in a folder of its own with one old file.
 class SaveFileTest : public testing::Test {
   protected:
-    std::string path(const std::string& name) const { return folder.path(name); }
-    std::string makeOld(const std::string& name = "old") const {
-        return folder.write(name, oldText);
+    SaveFileTest() {
+        folder.write("old", oldText);
+        fs::current_path(folder.path(""));
     }
+    ~SaveFileTest() override { fs::current_path(home); }
 
     /// Entries of the folder: temporary files would show up here.
-    int entries() const {
-        return static_cast<int>(
-            std::distance(fs::directory_iterator(path("")), fs::directory_iterator()));
+    static auto entries() {
+        return std::distance(fs::directory_iterator("."), fs::directory_iterator());
     }
 
-    test::TempFolder folder;
-};
-
-/// Lets permission checks apply while it lives, also when the tests are run by root.
-class Unprivileged {
-  public:
-    Unprivileged() : root(::geteuid() == 0 && ::seteuid(nobody) == 0) {}
-    ~Unprivileged() {
-        if (root && ::seteuid(0) != 0) std::abort();
-    }
-    bool works() const { return ::geteuid() != 0; }
-
-  private:
-    static constexpr uid_t nobody = 65534;
-    bool root;
+    const fs::path home = fs::current_path();
+    const test::TempFolder folder;
 };
 
 TEST_F(SaveFileTest, WritesToTheNamedFile) {
-    makeOld();
     const std::string longName(255, 'x');
-    fs::create_directory(path("sub"));
-    fs::create_symlink("../old", path("sub/link"));
-    fs::create_symlink("sub/link", path("chain"));
-    fs::create_symlink("sub/made", path("dangling"));
+    fs::create_directory("sub");
+    fs::create_symlink("../old", "sub/link");
+    fs::create_symlink("sub/link", "chain");
+    fs::create_symlink("sub/made", "dangling");
     struct {
         std::string name, target;
     } const cases[] = {
-        {"new", "new"},           {"old", "old"},      {longName, longName}, {"chain", "old"},
-        {"dangling", "sub/made"}, {"sub/link", "old"}, {"sub/../b", "b"},
+        {"new", "new"},           {folder.path("old"), "old"}, {longName, longName},
+        {"chain", "old"},         {"sub/link", "old"},         {folder.path("chain"), "old"},
+        {"dangling", "sub/made"}, {"sub/../b", "b"},
     };
     for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
-        EXPECT_TRUE(save(path(row.name)));
-        EXPECT_TRUE(folder.read(row.target) == newText);
-        EXPECT_TRUE(save(path(row.name), oldText));
-        EXPECT_EQ(folder.read(row.target), oldText);
+        EXPECT_TRUE(save(row.name)) << row.name;
+        EXPECT_TRUE(folder.read(row.target) == newText) << row.name;
+        EXPECT_TRUE(save(row.name, oldText)) << row.name;
+        EXPECT_EQ(folder.read(row.target), oldText) << row.name;
     }
-    for (const char* link : {"sub/link", "chain", "dangling"}) {
-        EXPECT_TRUE(fs::is_symlink(path(link))) << link;
-    }
+    for (const char* link : {"sub/link", "chain", "dangling"}) EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(entries(), 7); // new, old, the long name, two links, b and sub
 }
 
-TEST_F(SaveFileTest, WritesToARelativeName) {
-    const fs::path before = fs::current_path();
-    fs::current_path(path(""));
-    EXPECT_TRUE(save("here"));
-    fs::current_path(before);
-    EXPECT_TRUE(folder.read("here") == newText);
-}
-
-TEST_F(SaveFileTest, KeepsPermissions) {
-    makeOld();
+TEST_F(SaveFileTest, KeepsPermissionsAndOwner) {
+    const bool given = ::chown("old", 1234, 5678) == 0; // only root may do this
     for (const unsigned mode : {0600U, 0644U, 0666U, 0755U}) {
-        ::chmod(path("old").c_str(), mode);
-        EXPECT_TRUE(save(path("old")));
-        EXPECT_EQ(modeOf(path("old")), mode);
+        ::chmod("old", mode);
+        EXPECT_TRUE(save("old"));
+        EXPECT_EQ(statusOf("old").st_mode & 07777, mode);
     }
+    EXPECT_EQ(statusOf("old").st_uid, given ? 1234U : ::getuid());
+    EXPECT_EQ(statusOf("old").st_gid, given ? 5678U : ::getgid());
     const mode_t before = ::umask(027);
-    EXPECT_TRUE(save(path("new")));
+    EXPECT_TRUE(save("new"));
     ::umask(before);
-    EXPECT_EQ(modeOf(path("new")), 0640U);
-}
-
-TEST_F(SaveFileTest, KeepsTheOwner) {
-    makeOld();
-    if (::chown(path("old").c_str(), 1234, 5678) != 0) GTEST_SKIP() << "only root may do this";
-    EXPECT_TRUE(save(path("old")));
-    struct stat status = {};
-    ASSERT_EQ(::stat(path("old").c_str(), &status), 0);
-    EXPECT_EQ(status.st_uid, 1234U);
-    EXPECT_EQ(status.st_gid, 5678U);
+    EXPECT_EQ(statusOf("new").st_mode & 07777, 0640U);
 }
 
 TEST_F(SaveFileTest, Refuses) {
-    fs::create_symlink("loop", path("loop"));
-    fs::create_symlink("missing/file", path("nowhere"));
-    for (const std::string& name : {path(""), path("missing/file"), path("missing/"), path("loop"),
-                                    path("nowhere"), path(std::string(256, 'x')), std::string()}) {
+    fs::create_symlink("loop", "loop");
+    fs::create_symlink("missing/file", "nowhere");
+    const std::string longName(256, 'x');
+    for (const char* name :
+         {"", ".", "missing/file", "missing/", "loop", "nowhere", longName.c_str()}) {
         SaveFile file;
         EXPECT_FALSE(file.open(name)) << name;
         EXPECT_FALSE(file.commit()) << name;
     }
-    EXPECT_EQ(entries(), 2);
+    EXPECT_EQ(entries(), 3);
 }
 
 TEST_F(SaveFileTest, RefusesWithoutPermission) {
-    fs::create_directory(path("closed"));
-    ::chmod(makeOld("closed/file").c_str(), 0666);
-    ::chmod(makeOld("locked").c_str(), 0444);
-    ::chmod(path("closed").c_str(), 0555);
-    ::chmod(path("").c_str(), 0777);
-    {
-        const Unprivileged user;
-        if (!user.works()) GTEST_SKIP() << "permission checks cannot be had";
-        for (const char* name : {"locked", "closed/file", "closed/new"}) {
-            EXPECT_FALSE(save(path(name))) << name;
-        }
-        EXPECT_TRUE(save(path("open")));
-    }
-    EXPECT_EQ(folder.read("locked"), oldText);
+    fs::create_directory("closed");
+    ::chmod(folder.write("closed/file", oldText).c_str(), 0666);
+    ::chmod("old", 0444);
+    ::chmod("closed", 0555);
+    ::chmod(".", 0777);
+    const bool root = ::seteuid(65534) == 0; // permission checks do not bind root
+    if (::geteuid() == 0) GTEST_SKIP() << "permission checks cannot be had";
+    for (const char* name : {"old", "closed/file", "closed/new"}) EXPECT_FALSE(save(name)) << name;
+    EXPECT_TRUE(save("open"));
+    if (root && ::seteuid(0) != 0) std::abort();
+    EXPECT_EQ(folder.read("old"), oldText);
     EXPECT_EQ(folder.read("closed/file"), oldText);
     EXPECT_EQ(entries(), 3);
-    ::chmod(path("closed").c_str(), 0755);
+    ::chmod("closed", 0755);
 }
 
-TEST_F(SaveFileTest, FileSizeLimitKeepsTheOldFile) {
-    makeOld();
+TEST_F(SaveFileTest, AFailureLeavesTheOldFileAndNothingElse) {
     rlimit before = {};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const rlimit limit = {100000, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    const bool replaced = save(path("old"));
-    const bool made = save(path("new"));
+    const bool replaced = save("old");
+    const bool made = save("new");
     ::setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_FALSE(replaced);
-    EXPECT_FALSE(made);
-    EXPECT_EQ(folder.read("old"), oldText);
-    EXPECT_EQ(entries(), 1);
-}
-
-TEST_F(SaveFileTest, FailedRenameLeavesNothing) {
-    SaveFile file;
-    ASSERT_TRUE(file.open(path("name")));
-    file.append(newText);
-    fs::create_directory(path("name"));
-    EXPECT_FALSE(file.commit());
-    EXPECT_EQ(entries(), 1);
-}
-
-TEST_F(SaveFileTest, AbandonedLeavesNothing) {
-    makeOld();
-    try {
-        SaveFile file;
-        ASSERT_TRUE(file.open(path("old")));
-        file.append(newText);
+    EXPECT_FALSE(replaced || made);
+    {
+        SaveFile abandoned;
+        ASSERT_TRUE(abandoned.open("old"));
+        abandoned.append(newText);
         EXPECT_EQ(entries(), 2);
-        throw 0;
-    } catch (int) {
     }
     EXPECT_EQ(entries(), 1);
     EXPECT_EQ(folder.read("old"), oldText);
+
+    SaveFile cannotRename;
+    ASSERT_TRUE(cannotRename.open("name"));
+    fs::create_directory("name");
+    EXPECT_FALSE(cannotRename.commit());
+    EXPECT_EQ(entries(), 2);
 }
 
 TEST_F(SaveFileTest, WritesDirectlyToWhatIsNoFile) {
@@ -205,44 +159,33 @@ TEST_F(SaveFileTest, WritesDirectlyToWhatIsNoFile) {
     EXPECT_TRUE(save("/dev/null"));
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 
-    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
-    const int reader = ::open(path("pipe").c_str(), O_RDWR | O_NONBLOCK);
-    EXPECT_TRUE(save(path("pipe"), "through"));
+    ASSERT_EQ(::mkfifo("pipe", 0600), 0);
+    const int reader = ::open("pipe", O_RDWR | O_NONBLOCK);
+    EXPECT_TRUE(save("pipe", "through"));
     char text[8] = {};
     EXPECT_EQ(::read(reader, text, sizeof text), 7);
     EXPECT_STREQ(text, "through");
-    EXPECT_TRUE(fs::is_fifo(path("pipe")));
+    EXPECT_TRUE(fs::is_fifo("pipe"));
     ::close(reader);
-}
 
-// As /dev/stdout does when the output is redirected.
-TEST_F(SaveFileTest, WritesToAnOpenFile) {
-    makeOld();
-    const int handle = ::open(path("old").c_str(), O_WRONLY);
+    // As /dev/stdout is when the output is redirected.
+    const int handle = ::open("old", O_WRONLY);
+    const ino_t number = statusOf("old").st_ino;
     EXPECT_TRUE(save("/proc/self/fd/" + std::to_string(handle), "more\n"));
-    struct stat opened = {};
-    struct stat named = {};
-    ASSERT_EQ(::fstat(handle, &opened), 0);
-    ASSERT_EQ(::stat(path("old").c_str(), &named), 0);
-    EXPECT_EQ(opened.st_ino, named.st_ino);
+    EXPECT_EQ(statusOf("old").st_ino, number);
     EXPECT_EQ(folder.read("old"), "old\nmore\n");
     ::close(handle);
 }
 
 TEST_F(SaveFileTest, KilledAnyTimeTheFileIsWhole) {
-    constexpr int rounds = 60;
-    makeOld();
-    ASSERT_TRUE(save(path("old"), oldText));
     int sawNew = 0;
-    for (int round = 0; round < rounds; ++round) {
+    for (useconds_t round = 0; round < 60; ++round) {
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
-        if (child == 0) {
-            for (bool big = true;; big = !big) {
-                if (!save(path("old"), big ? std::string_view(newText) : oldText)) ::_exit(1);
-            }
+        while (child == 0) {
+            if (!save("old") || !save("old", oldText)) ::_exit(1);
         }
-        ::usleep(static_cast<useconds_t>(100 * round));
+        ::usleep(100 * round);
         ::kill(child, SIGKILL);
         int status = 0;
         ::waitpid(child, &status, 0);

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Batch mode's command line and lines, tried through the toy program.
+#include "platform/batch/arguments.h"
 #include "platform/batch/batch.h"
 #include "tests/platform/toy_program.h"
+#include "tests/support/temp_folder.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
+#include <png.h>
 
 namespace polyfab::test {
 namespace {
@@ -17,288 +18,165 @@ struct Outcome {
     std::string err;
 };
 
-Outcome run(const std::vector<std::string>& args, bool mayClose = false) {
-    resetToy();
-    toyProgram().mayClose = mayClose;
-    Outcome result;
+/// The arguments are parted by "|".
+Outcome run(const std::string& args, bool mayClose = false) {
+    toyState = {};
+    toyState.mayClose = mayClose;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    result.status = runBatch(toyAsProgram(), args);
-    result.out = testing::internal::GetCapturedStdout();
-    result.err = testing::internal::GetCapturedStderr();
-    return result;
+    const int status = runBatch(toyProgram(), splitText(args, '|'));
+    return {status, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
-
-bool started() { return !toyProgram().events.empty(); }
-
-std::string inTempDir(const std::string& name) {
-    return (std::filesystem::path(testing::TempDir()) / name).string();
-}
-
-void writeText(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
 
 TEST(Batch, PrintsOneLineForWhateverIsShown) {
-    struct Case {
-        std::vector<std::string> args;
-        int status;
-        std::string out;
-    };
+    const std::string asked = R"({"event":"question","title":"caption","text":"sure?","buttons":)";
     const std::string prompt =
         R"({"event":"prompt","dialog":"ASKDB2","title":"fill & in","fields":)"
         R"([{"label":"first <b>","default":"one","answer":)";
+    const std::string second = R"(},{"label":"second & third","default":"two","answer":)";
+    const std::string tick = R"(},{"label":"tick","default":"1","answer":)";
     const std::string file = R"("prompt":"which file?","filters":[["all","*.DXF;*.OBJ"],)"
                              R"(["OBJ files","*.OBJ"]],"initial":"cow.obj","answer":)";
-    const std::string question = R"({"event":"question","title":"caption","text":"sure?",)";
-    const Case cases[] = {
-        {{}, 0, ""},
-        {{"--command", "title"},
-         0,
-         R"({"event":"title","text":"polyfab [*] [cow.obj] "})"
-         "\n"},
-        {{"--command", "WARN"},
-         1,
-         R"({"event":"message","title":"<b>","text":"oh & dear","icon":"exclamation"})"
-         "\n"},
-        {{"--command", "notice"},
-         0,
-         R"({"event":"message","title":"note","text":"all well","icon":"none"})"
-         "\n"},
-        {{"--command", "raw"},
-         0,
+    const std::string open = R"({"event":"file","mode":"open",)" + file;
+    const std::string save = R"({"event":"file","mode":"save",)" + file;
+    struct {
+        std::string command;
+        int status;
+        std::string out;
+    } const cases[] = {
+        {"title", 0, R"({"event":"title","text":"polyfab [*] [cow.obj] "})"},
+        {"WARN", 1, R"({"event":"message","title":"<b>","text":"oh & dear","icon":"exclamation"})"},
+        {"raw", 0,
          "{\"event\":\"message\",\"title\":\"bytes\",\"text\":\"\xEF\xBF\xBD \\\"q\\\"\\n\","
-         "\"icon\":\"none\"}\n"},
-        {{"--command", "Yes or No", "--answer", "yes"},
-         0,
-         question
-             + R"("buttons":"yes-no","answer":"yes"})"
-               "\n"},
-        {{"--command", "2", "--escape"},
-         0,
-         question
-             + R"("buttons":"yes-no-cancel","answer":"cancel"})"
-               "\n"},
-        {{"--command", "1"},
-         3,
-         question
-             + R"("buttons":"yes-no","answer":null})"
-               "\n"},
-        {{"--command", "1", "--answer", "cancel"},
-         3,
-         question
-             + R"("buttons":"yes-no","answer":null})"
-               "\n"},
-        {{"--command", "1", "--default", "--state"},
-         3,
-         question
-             + R"("buttons":"yes-no","answer":null})"
-               "\n"},
-        {{"--command", "prompt", "--answer", "x", "--default", "--answer", "0"},
-         0,
-         prompt
-             + R"("x"},{"label":"second & third","default":"two","answer":"two"},)"
-               R"({"label":"tick","default":"1","answer":"0"}],"result":"accept"})"
-               "\n"},
-        {{"--command", "prompt", "--answer", "x", "--cancel"},
-         0,
-         prompt
-             + R"("one"},{"label":"second & third","default":"two","answer":"two"},)"
-               R"({"label":"tick","default":"1","answer":"1"}],"result":"cancel"})"
-               "\n"},
-        {{"--command", "prompt", "--answer", "x", "--escape"},
-         0,
-         prompt
-             + R"("x"},{"label":"second & third","default":"two","answer":"two"},)"
-               R"({"label":"tick","default":"1","answer":"1"}],"result":"escape"})"
-               "\n"},
-        {{"--command", "prompt", "--answer", "x"},
-         3,
-         prompt
-             + R"("x"},{"label":"second & third","default":"two","answer":null},)"
-               R"({"label":"tick","default":"1","answer":null}],"result":null})"
-               "\n"},
-        {{"--command", "prompt", "--default", "--default", "--answer", "maybe"},
-         3,
-         prompt
-             + R"("one"},{"label":"second & third","default":"two","answer":"two"},)"
-               R"({"label":"tick","default":"1","answer":null}],"result":null})"
-               "\n"},
-        {{"--command", "open", "--answer", "a b.obj"},
-         0,
-         R"({"event":"file","mode":"open",)" + file + "\"a b.obj\"}\n"},
-        {{"--command", "save", "--cancel"},
-         0,
-         R"({"event":"file","mode":"save",)" + file + "null}\n"},
-        {{"--command", "save", "--default"},
-         3,
-         R"({"event":"file","mode":"save",)" + file + "null}\n"},
-        {{"--command", "busy"},
-         0,
+         "\"icon\":\"none\"}"},
+        {"Yes or No|--answer|yes", 0, asked + R"("yes-no","answer":"yes"})"},
+        {"2|--escape", 0, asked + R"("yes-no-cancel","answer":"cancel"})"},
+        {"1", 3, asked + R"("yes-no","answer":null})"},
+        {"1|--answer|cancel", 3, asked + R"("yes-no","answer":null})"},
+        {"1|--default|--state", 3, asked + R"("yes-no","answer":null})"},
+        {"prompt|--answer|x|--default|--answer|0", 0,
+         prompt + R"("x")" + second + R"("two")" + tick + R"("0"}],"result":"accept"})"},
+        {"prompt|--answer|x|--cancel", 0,
+         prompt + R"("one")" + second + R"("two")" + tick + R"("1"}],"result":"cancel"})"},
+        {"prompt|--answer|x|--escape", 0,
+         prompt + R"("x")" + second + R"("two")" + tick + R"("1"}],"result":"escape"})"},
+        {"prompt|--answer|x", 3,
+         prompt + R"("x")" + second + "null" + tick + R"(null}],"result":null})"},
+        {"prompt|--default|--default|--answer|maybe", 3,
+         prompt + R"("one")" + second + R"("two")" + tick + R"(null}],"result":null})"},
+        {"open|--answer|a b.obj", 0, open + R"("a b.obj"})"},
+        {"save|--cancel", 0, save + "null}"},
+        {"save|--default", 0, save + R"("cow.obj"})"},
+        {"busy", 0,
          "{\"event\":\"busy\",\"text\":\"HANG ON\"}\n{\"event\":\"beep\"}\n"
-         "{\"event\":\"busy\",\"text\":\"\"}\n"},
-        {{"--state", "--dump"}, 0, "{\"s\":1}\n{\"d\":1}\n"},
+         "{\"event\":\"busy\",\"text\":\"\"}"},
     };
-    for (const Case& row : cases) {
-        const Outcome got = run(row.args);
-        const std::string args = testing::PrintToString(row.args);
-        EXPECT_EQ(got.status, row.status) << args;
-        EXPECT_EQ(got.out, row.out) << args;
-        EXPECT_EQ(got.err.empty(), row.status < 2) << args << got.err;
+    for (const auto& row : cases) {
+        const Outcome got = run("--command|" + row.command);
+        EXPECT_EQ(got.status, row.status) << row.command;
+        EXPECT_EQ(got.out, row.out + "\n") << row.command;
+        EXPECT_EQ(got.err.empty(), row.status < 2) << row.command << got.err;
     }
 }
 
 TEST(Batch, AWrongCommandLineStartsNothing) {
-    const std::vector<std::string> lines[] = {
-        {"--nonsense"},
-        {"--state", "stray"},
-        {"--command"},
-        {"--command", "no such label"},
-        {"--command", "999"},
-        {"--command", "unbuilt"},
-        {"--size", "0x5"},
-        {"--size", "12"},
-        {"--size", "40000x2"},
-        {"--resize", "3x4x5"},
-        {"--answer", "yes"},
-        {"--state", "--answer", "yes"},
-        {"--command", "1", "--answer"},
-        {"--mouse", "1"},
-        {"--mouse", "1,2,middle"},
-        {"--mouse", "1,2,left,4"},
-        {"--mouse", "1.5,2"},
-        {"--keydown", "256"},
-        {"--keyup", "f99"},
-        {"--drop", ":"},
-        {"--picture"},
-        {"@" + inTempDir("no such file")},
-        {"--command", "warn", "--state", "--nonsense"},
-    };
-    for (const std::vector<std::string>& args : lines) {
+    const std::vector<std::string> lines =
+        splitText("--nonsense;--state|stray;--command;--command|no such label;--command|999;"
+                  "--command|unbuilt;--size|0x5;--size|12;--size|40000x2;--resize|3x4x5;"
+                  "--answer|yes;--state|--answer|yes;--command|1|--answer;--mouse|1;"
+                  "--mouse|1,2,middle;--mouse|1,2,left,4;--mouse|1.5,2;--keydown|256;--keyup|f99;"
+                  "--mouse|1,2,;--drop|:;--picture;--command|warn|--state|--nonsense",
+                  ';');
+    for (const std::string& args : lines) {
         const Outcome got = run(args);
-        EXPECT_EQ(got.status, 2) << testing::PrintToString(args);
-        EXPECT_EQ(got.out, "") << testing::PrintToString(args);
-        EXPECT_EQ(std::count(got.err.begin(), got.err.end(), '\n'), 1) << got.err;
-        EXPECT_FALSE(started()) << testing::PrintToString(args);
+        EXPECT_EQ(got.status, 2) << args;
+        EXPECT_EQ(got.out, "") << args;
+        EXPECT_EQ(std::count(got.err.begin(), got.err.end(), '\n'), 1) << args << got.err;
+        EXPECT_TRUE(toyState.log.empty()) << args;
     }
+    for (const char* const output : {"x.stl", "obj", "x.obj.bak", "x.OBJ"}) {
+        testing::internal::CaptureStderr(); // the toy has none of the file commands
+        EXPECT_EQ(runConvert(toyProgram(), "in.obj", output), 2) << output;
+        EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    }
+    EXPECT_TRUE(toyState.log.empty());
 }
 
 TEST(Batch, StopsAtTheFirstStepThatCannotBe) {
-    struct Case {
-        std::vector<std::string> args;
+    struct {
+        const char* args;
         int status;
+    } const cases[] = {
+        {"--command|greyed|--state", 2},
+        {"--command|raw|--answer|yes|--state", 2},
+        {"--command|1|--answer|yes|--answer|yes|--state", 2},
+        {"--command|other|--command|warn|--state", 2},
+        {"--picture|no/such/dir.png|--state", 2},
+        {"--close|--state", 2},
+        {"--command|exit|--picture|closed.png", 2},
+        {"--command|warn|--command|1|--state", 3},
     };
-    const Case cases[] = {
-        {{"--command", "greyed", "--state"}, 2},
-        {{"--command", "notice", "--answer", "yes", "--state"}, 2},
-        {{"--command", "1", "--answer", "yes", "--answer", "yes", "--state"}, 2},
-        {{"--command", "other menu", "--command", "warn", "--state"}, 2},
-        {{"--picture", inTempDir("no/such/dir.png"), "--state"}, 2},
-        {{"--close", "--state"}, 2},
-        {{"--command", "exit", "--picture", inTempDir("closed.png")}, 2},
-        {{"--command", "warn", "--command", "1", "--state"}, 3},
-    };
-    for (const Case& row : cases) {
+    for (const auto& row : cases) {
         const Outcome got = run(row.args, true);
-        EXPECT_EQ(got.status, row.status) << testing::PrintToString(row.args);
-        EXPECT_EQ(got.out.find("\"s\""), std::string::npos) << testing::PrintToString(row.args);
-        EXPECT_NE(got.err, "") << testing::PrintToString(row.args);
-        EXPECT_EQ(toyProgram().events.back().kind, EventKind::destroy);
+        EXPECT_EQ(got.status, row.status) << row.args;
+        EXPECT_EQ(got.out.find("\"s\""), std::string::npos) << row.args;
+        EXPECT_NE(got.err, "") << row.args;
+        EXPECT_EQ(toyState.log.back(), "destroy") << row.args;
     }
 }
 
 TEST(Batch, EventStepsArriveInOrder) {
-    const Outcome got = run({"first.obj",
-                             "--keydown",
-                             "ctrl",
-                             "--keyup",
-                             "17",
-                             "--keydown",
-                             "q",
-                             "--keydown",
-                             "7",
-                             "--keydown",
-                             "07",
-                             "--mouse",
-                             "-3,4,left+right",
-                             "--mouse",
-                             "5,6",
-                             "--deactivate",
-                             "--menu-open",
-                             "--drop",
-                             "a:b c::d",
-                             "--close"},
-                            true);
+    const Outcome got =
+        run("first.obj|--state|--dump|--keydown|ctrl|--keyup|17|--keydown|q|--keydown|7|--keydown|"
+            "07|--mouse|-3,4,left+right|--mouse|5,6|--deactivate|--menu-open|"
+            "--drop|a:b c::d|--close",
+            true);
     EXPECT_EQ(got.status, 0) << got.err;
-    EXPECT_EQ(got.out, "{\"event\":\"closed\"}\n");
-    std::string seen;
-    for (const Event& event : toyProgram().events) {
-        seen += std::to_string(int(event.kind)) + ":" + std::to_string(event.key) + ","
-                + std::to_string(event.x) + "," + std::to_string(event.y) + ","
-                + std::to_string(event.buttons);
-        for (const std::string& path : event.paths) seen += "," + path;
-        seen += "\n";
-    }
-    const auto kind = [](EventKind of) { return std::to_string(int(of)); };
-    EXPECT_EQ(seen, kind(EventKind::create) + ":0,0,0,0\n" + kind(EventKind::drop)
-                        + ":0,0,0,0,first.obj\n" + kind(EventKind::keyDown) + ":17,0,0,0\n"
-                        + kind(EventKind::keyUp) + ":17,0,0,0\n" + kind(EventKind::keyDown)
-                        + ":81,0,0,0\n" + kind(EventKind::keyDown) + ":55,0,0,0\n"
-                        + kind(EventKind::keyDown) + ":7,0,0,0\n" + kind(EventKind::mouse)
-                        + ":0,-3,4,3\n" + kind(EventKind::mouse) + ":0,5,6,0\n"
-                        + kind(EventKind::deactivate) + ":0,0,0,0\n" + kind(EventKind::menuOpening)
-                        + ":0,0,0,0\n" + kind(EventKind::drop) + ":0,0,0,0,a,b c,d\n"
-                        + kind(EventKind::close) + ":0,0,0,0\n" + kind(EventKind::destroy)
-                        + ":0,0,0,0\n");
+    EXPECT_EQ(got.out, "{\"s\":1}\n{\"d\":1}\n{\"event\":\"closed\"}\n");
+    EXPECT_EQ(toyState.log, (std::vector<std::string>{
+                                "create", "drop|first.obj", "keyDown 17", "keyUp 17", "keyDown 81",
+                                "keyDown 55", "keyDown 7", "mouse -3 4 3", "mouse 5 6",
+                                "deactivate", "menu", "drop|a|b c|d", "close", "destroy"}));
 }
 
 TEST(Batch, ArgumentFilesStandForTheirLines) {
-    const std::string path = inTempDir("args.txt");
-    writeText(path, "# a comment\n\n--command\r\nyes or no\n   \n--answer\n");
-    const Outcome got = run({"--state", "@" + path, "yes", "--dump"});
-    EXPECT_EQ(got.status, 0) << got.err;
-    EXPECT_EQ(toyProgram().log, std::vector<std::string>{"question yes"});
-    EXPECT_EQ(got.out.substr(0, 8), "{\"s\":1}\n");
-    EXPECT_EQ(got.out.substr(got.out.size() - 8), "{\"d\":1}\n");
+    const TempFolder folder;
+    const std::string path = folder.write("args.txt", "# a\n\n--command\r\nyes or no\n  \n@x\n");
+    std::vector<std::string> args = {"--state", "@" + path, "yes"};
+    EXPECT_EQ(expandArgumentFiles(args), "");
+    EXPECT_EQ(args, (std::vector<std::string>{"--state", "--command", "yes or no", "@x", "yes"}));
+    args = {"@" + folder.path("missing")};
+    EXPECT_NE(expandArgumentFiles(args), "");
 }
 
-/// Width and height as the file's header has them.
-std::pair<int, int> pngSize(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-    if (bytes.size() < 24 || bytes.substr(1, 3) != "PNG") return {0, 0};
-    const auto number = [&bytes](std::size_t at) {
-        return (static_cast<unsigned char>(bytes[at + 2]) << 8)
-               | static_cast<unsigned char>(bytes[at + 3]);
-    };
-    return {number(16), number(20)};
+/// Whether the file is the toy's picture of this size.
+bool showsToy(const std::string& path, unsigned width, unsigned height) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, path.c_str())) return false;
+    image.format = PNG_FORMAT_BGRA; // the bytes of 0xAARRGGBB
+    std::vector<std::uint32_t> pixels(std::size_t{image.width} * image.height);
+    png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
+    return image.width == width && image.height == height && pixels[width + 7] == toyColor(7, 1);
 }
 
 TEST(Batch, PicturesHaveTheClientSizeAndAreDrawnOnlyWhenDue) {
-    const std::string first = inTempDir("first.png");
-    const std::string second = inTempDir("second.png");
-    const Outcome got = run({"--size", "310x205", "--picture", first, "--picture", first,
-                             "--resize", "300x20", "--picture", second});
+    const TempFolder folder;
+    const std::string first = folder.path("first.png"), second = folder.path("second.png");
+    const Outcome got = run("--size|310x205|--picture|" + first + "|--picture|" + first
+                            + "|--resize|300x20|--picture|" + second);
     EXPECT_EQ(got.status, 0) << got.err;
-    EXPECT_EQ(pngSize(first), std::pair(310, 205));
-    EXPECT_EQ(pngSize(second), std::pair(300, 20));
-    EXPECT_EQ(toyProgram().paints, 2);
-    run({"--picture", first});
-    EXPECT_EQ(pngSize(first), std::pair(1024, 512));
+    EXPECT_TRUE(showsToy(first, 310, 205));
+    EXPECT_TRUE(showsToy(second, 300, 20));
+    EXPECT_EQ(toyState.paints, 2);
+    run("--picture|" + first);
+    EXPECT_TRUE(showsToy(first, 1024, 512));
 }
 
 TEST(Batch, CommandListHasFourFieldsALine) {
-    const std::string list = commandList(toyAsProgram());
-    EXPECT_EQ(list.substr(0, list.find('\n')), "1\t&First\t&yes or no\tready");
-    EXPECT_NE(list.find("9\t&First\t&unbuilt\tlater\n"), std::string::npos);
-}
-
-TEST(Batch, ConvertRefusesWhatItCannotDoBeforeItStarts) {
-    for (const char* const output : {"x.stl", "obj", "x.obj.bak", "x.OBJ"}) {
-        resetToy(); // the toy has none of the file commands
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(runConvert(toyAsProgram(), "in.obj", output), 2) << output;
-        EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-        EXPECT_FALSE(started());
-    }
+    const std::string list = commandList(toyProgram());
+    EXPECT_TRUE(list.starts_with("1\t&Toys\t&yes or no\tready\n"));
+    EXPECT_TRUE(list.ends_with("\n14\t&Toys\t&unbuilt\tlater\n"));
 }
 
 } // namespace

