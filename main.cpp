@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Chooses a backend by the command line and starts the editor on it.
 #include "editor/window.h"
+#include "formats/import_child.h"
 #include "platform/batch/arguments.h"
 #include "platform/batch/batch.h"
 #ifdef POLYFAB_QT
@@ -44,6 +45,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string first = args.empty() ? "" : args.front();
+    // Not for users: what the program starts to import or export a file.
+    if (first == polyfab::exchangeArgument) {
+        polyfab::runExchangeChild({args.begin() + 1, args.end()});
+    }
     if (first == "--batch") return polyfab::runBatch(program, {args.begin() + 1, args.end()});
     if (first == "--convert" && args.size() == 3) {
         return polyfab::runConvert(program, args[1], args[2]);

@@ -3,31 +3,20 @@
 // resident memory over the records after a read.
 #include "bench/grid.h"
 #include "bench/growth.h"
+#include "bench/scratch_file.h"
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 
-#include <filesystem>
 #include <fstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
 using polyfab::OB;
 namespace bench = polyfab::bench;
-namespace fs = std::filesystem;
-
-/// A file of this process that goes away with its owner.
-struct ScratchFile {
-    const std::string path =
-        (fs::temp_directory_path() / ("obj_bench_" + std::to_string(getpid()) + ".obj")).string();
-    ~ScratchFile() { fs::remove(path); }
-    [[nodiscard]] double megabytes() const {
-        return static_cast<double>(fs::file_size(path)) / 1e6;
-    }
-};
+using bench::ScratchFile;
 
 /// A line of this process's status file, in bytes: "VmHWM:" is the peak, "VmRSS:" the present.
 double residentBytes(const std::string& key) {

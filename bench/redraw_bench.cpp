@@ -49,7 +49,7 @@ void transform(benchmark::State& state) {
 void edges(benchmark::State& state) {
     showGrid(state.range(0));
     for (auto _ : state) {
-        EdgeList list;
+        DrawnEdges list;
         listEdges(*OB, list);
         benchmark::DoNotOptimize(list.other.data());
     }

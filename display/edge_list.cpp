@@ -41,7 +41,7 @@ void forEachSide(const Mesh& mesh, Use use) {
 }
 
 /// Leaves each edge once in its bucket, the buckets moved together; selected if one of them was.
-void dropRepeats(EdgeList& list) {
+void dropRepeats(DrawnEdges& list) {
     const std::size_t points = list.first.size() - 1;
     // A place at or after the present bucket's start can only come from this bucket.
     std::vector<std::uint32_t> place(points, 0);
@@ -52,10 +52,10 @@ void dropRepeats(EdgeList& list) {
         const std::uint32_t end = list.first[i + 1];
         for (; next < end; ++next) {
             const std::uint32_t edge = list.other[next];
-            const std::uint32_t higher = edge & ~EdgeList::selectedBit;
+            const std::uint32_t higher = edge & ~DrawnEdges::selectedBit;
             // Places count from 1, so that the cleared table holds none.
             if (place[higher] > start) {
-                list.other[place[higher] - 1] |= edge & EdgeList::selectedBit;
+                list.other[place[higher] - 1] |= edge & DrawnEdges::selectedBit;
             } else {
                 list.other[kept] = edge;
                 place[higher] = ++kept;
@@ -68,7 +68,7 @@ void dropRepeats(EdgeList& list) {
 
 } // namespace
 
-void listEdges(const Mesh& mesh, EdgeList& list) {
+void listEdges(const Mesh& mesh, DrawnEdges& list) {
     const auto points = static_cast<std::size_t>(mesh.np);
     list.first.assign(points + 1, 0);
     forEachSide(mesh, [&](std::size_t low, std::size_t, bool) { ++list.first[low]; });
@@ -81,12 +81,12 @@ void listEdges(const Mesh& mesh, EdgeList& list) {
     list.other.resize(sum);
     forEachSide(mesh, [&](std::size_t low, std::size_t high, bool selected) {
         list.other[--list.first[low]] =
-            static_cast<std::uint32_t>(high) | (selected ? EdgeList::selectedBit : 0);
+            static_cast<std::uint32_t>(high) | (selected ? DrawnEdges::selectedBit : 0);
     });
     dropRepeats(list);
     list.selected = static_cast<std::uint32_t>(
         std::count_if(list.other.begin(), list.other.end(),
-                      [](std::uint32_t edge) { return (edge & EdgeList::selectedBit) != 0; }));
+                      [](std::uint32_t edge) { return (edge & DrawnEdges::selectedBit) != 0; }));
 }
 
 } // namespace polyfab

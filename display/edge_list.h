@@ -10,7 +10,7 @@
 
 namespace polyfab {
 
-struct EdgeList {
+struct DrawnEdges {
     static constexpr std::uint32_t selectedBit = 0x80000000;
 
     /// The edges of point i as their lower point are other[first[i]] up to other[first[i + 1]].
@@ -23,6 +23,6 @@ struct EdgeList {
 /// Lists the edges of the mesh, in time linear in its points and corners. A face of one corner
 /// gives an edge from the point to itself. Corners without a sound point have no edges. May throw
 /// std::bad_alloc.
-void listEdges(const Mesh& mesh, EdgeList& list);
+void listEdges(const Mesh& mesh, DrawnEdges& list);
 
 } // namespace polyfab

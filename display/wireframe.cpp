@@ -28,7 +28,7 @@ constexpr unsigned tooFar = 0x40;    ///< a position that 16 bits cannot hold
 
 struct Wireframe {
     Bitmap picture;
-    EdgeList edges;
+    DrawnEdges edges;
     std::vector<PanePoint> points;
 };
 
@@ -90,8 +90,8 @@ void drawCrossing(const Mesh& mesh, const Pane& pane, std::uint32_t from, std::u
 
 /// Draws the edges that have the selected bit, or those that have not.
 void drawEdges(const Mesh& mesh, const Pane& pane, bool selected, std::uint32_t color) {
-    const EdgeList& edges = wireframe.edges;
-    const std::uint32_t wanted = selected ? EdgeList::selectedBit : 0;
+    const DrawnEdges& edges = wireframe.edges;
+    const std::uint32_t wanted = selected ? DrawnEdges::selectedBit : 0;
     const Canvas canvas = pane.canvas;
     const auto across = pane.across;
     const unsigned outside = pane.sides | tooFar;
@@ -103,9 +103,9 @@ void drawEdges(const Mesh& mesh, const Pane& pane, bool selected, std::uint32_t 
         for (std::uint32_t k = edges.first[i]; k < end; ++k) {
             // In a mesh of no order the next points are far apart; they are called for in time.
             const std::uint32_t soon = edges.other[std::min<std::size_t>(k + 24, last)];
-            __builtin_prefetch(&wireframe.points[soon & ~EdgeList::selectedBit]);
-            if ((edges.other[k] & EdgeList::selectedBit) != wanted) continue;
-            const std::uint32_t to = edges.other[k] & ~EdgeList::selectedBit;
+            __builtin_prefetch(&wireframe.points[soon & ~DrawnEdges::selectedBit]);
+            if ((edges.other[k] & DrawnEdges::selectedBit) != wanted) continue;
+            const std::uint32_t to = edges.other[k] & ~DrawnEdges::selectedBit;
             const PanePoint b = wireframe.points[to];
             if (((a.beyond | b.beyond) & outside) == 0) {
                 drawInside(canvas, a.*across, a.y, b.*across, b.y, color);
@@ -137,7 +137,7 @@ void draw(Mesh& mesh) {
     wireframe.points.resize(static_cast<std::size_t>(mesh.np));
     std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
                    [&](const Point& p) { return panePoint(p, panes); });
-    const EdgeList& edges = wireframe.edges;
+    const DrawnEdges& edges = wireframe.edges;
     for (const bool left : {true, false}) {
         const Pane pane = makePane(wireframe.picture, panes, left);
         // Selected edges last, so that no other lies over them.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands.h"
 
+#include "editor/face_commands.h"
 #include "editor/selection.h"
 #include "editor/state.h"
+#include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "mesh/mesh.h"
 #include "mesh/name_commands.h"
@@ -40,11 +42,13 @@ void onMesh() {
 constexpr auto table = std::to_array<Command>({
     {256, file, "&read mesh file", readMeshFile},
     {296, file, "&append mesh file", appendMeshFile},
+    {2001, file, "&import other mesh file", importOtherMesh},
     {262, file, "e&xit", [] { platform().requestClose(); }},
 
-    {257, write, "&DXF mesh file", later},
-    {258, write, "&3DS mesh file", later},
+    {257, write, "&DXF mesh file", writeDxfMeshFile},
+    {258, write, "&3DS mesh file", write3dsMeshFile},
     {259, write, "&OBJ mesh file", writeObjMeshFile},
+    {2002, write, "e&xport other mesh file", exportOtherMesh},
 
     {358, mode, "go to defa&ult mode", later},
     {348, mode, "go to &edge-handling mode", later},
@@ -72,7 +76,7 @@ constexpr auto table = std::to_array<Command>({
 
     {260, tools, "&info", showInfo},
     {261, tools, "color&sep", later},
-    {267, tools, "collect &garbage", later},
+    {267, tools, "collect &garbage", collectGarbageNow},
     {271, tools, "add new rotation &after existing rotations", later},
     {297, tools, "rotate &view", later},
     {281, tools, "reset a&ttitude", later},
@@ -116,7 +120,7 @@ constexpr auto table = std::to_array<Command>({
     {1076, graphs, "set to scale as a function of &y", later},
     {1077, graphs, "set to scale as a function of &z", later},
 
-    {280, facesMenu, "make all faces show &anticlockwise the same way", later},
+    {280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces},
     {290, facesMenu, "&select all faces", selectAllFaces},
     {291, facesMenu, "&unselect all faces", unselectAllFaces},
     {292, facesMenu, "select faces in &box", later},
@@ -144,7 +148,7 @@ constexpr auto table = std::to_array<Command>({
     {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
     {1035, facesMenu, "insert faces to fill a &hole", later},
     {1052, facesMenu, "insert faces to fill all holes: &8", later},
-    {397, facesMenu, "&4: reverse the corner order in all selected faces", later},
+    {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
     {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners", later},
     {1088, facesMenu, "unselect all selected faces with non-&zero area", later},
 

@@ -2,11 +2,15 @@
 // Everything around a read or a write that does not depend on the format.
 #include "formats/mesh_files.h"
 
-#include "display/view.h"
 #include "editor/state.h"
+#include "formats/3ds_reader.h"
+#include "formats/3ds_writer.h"
+#include "formats/dxf_reader.h"
+#include "formats/dxf_writer.h"
+#include "formats/file_command.h"
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
-#include "mesh/check.h"
+#include "mesh/garbage.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 
@@ -17,12 +21,12 @@
 namespace polyfab {
 namespace {
 
-struct Reader {
+struct Format {
     std::string_view suffix;
-    int (*read)(const std::string& path, bool append); ///< null: not built yet
+    int (*read)(const std::string& path, bool append);
 };
 
-constexpr Reader readers[] = {{".dxf", nullptr}, {".3ds", nullptr}, {".obj", readObjFile}};
+constexpr Format formats[] = {{".dxf", readDxfFile}, {".3ds", read3dsFile}, {".obj", readObjFile}};
 
 bool endsIn(std::string_view path, std::string_view suffix) {
     const auto same = [](char a, char b) {
@@ -33,63 +37,19 @@ bool endsIn(std::string_view path, std::string_view suffix) {
                          [&](char wanted, char c) { return same(c, wanted); });
 }
 
-/// A message about a file: its path is the text, what happened the title.
-void complain(const std::string& what, const std::string& path) {
-    platform().message(what, path, Icon::exclamation);
-}
-
-/// Shows the fault that the integrity check finds, if any.
-bool meshIsSound(const char* title) {
-    const char* const fault = check(*OB);
-    if (fault != nullptr) platform().message(title, fault, Icon::exclamation);
-    return fault == nullptr;
-}
-
-void setFileName(const std::string& path) {
-    editorState.fileName = path;
-    editorState.lastChosen = path.substr(path.find_last_of('/') + 1);
-}
-
-/// The busy mark and the notice of a read; the mark of a write. Both are gone when it ends.
-class Busy {
-  public:
-    explicit Busy(const char* text) : notice(*text != '\0') {
-        editorState.busy = true;
-        if (notice) platform().showBusy(text);
-    }
-    ~Busy() { end(); }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-    void end() {
-        if (!editorState.busy) return;
-        editorState.busy = false;
-        if (notice) platform().showBusy("");
-    }
-
-  private:
-    bool notice;
-};
-
 enum class Outcome { read, failed, refused };
 
 /// Runs the reader that the suffix names, or the OBJ reader where the user wants that.
 Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
-    const auto refuse = [&](const char* why) {
-        busy.end();
-        complain(why, path);
-        return Outcome::refused;
-    };
     const auto row =
-        std::find_if(std::begin(readers), std::end(readers),
-                     [&](const Reader& reader) { return endsIn(path, reader.suffix); });
-    if (row != std::end(readers)) {
-        if (row->read == nullptr) return refuse("I can't read this kind of file yet");
-        return row->read(path, append) ? Outcome::read : Outcome::failed;
-    }
+        std::find_if(std::begin(formats), std::end(formats),
+                     [&](const Format& format) { return endsIn(path, format.suffix); });
+    if (row != std::end(formats)) return row->read(path, append) ? Outcome::read : Outcome::failed;
     if (platform().question("do you want me to read this file as .OBJ?", path, Buttons::yesNo)
         != Choice::yes) {
-        return refuse("bad suffix");
+        busy.end();
+        complain("bad suffix", path);
+        return Outcome::refused;
     }
     // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
     return readObjFile(path, editorState.showUnselectedGrey) ? Outcome::read : Outcome::failed;
@@ -109,15 +69,10 @@ void emptyMesh() {
     if (OB->parts == nullptr) OB->nprt = 0;
 }
 
-void resetForNewMesh() {
-    OB->curface = OB->curvertex = OB->curtexcoord = -1;
-    stale.edges = true;
-    fitView(*OB);
-}
-
 void readFile(const std::string& path, bool append) {
     setFileName(path);
     if (!meshIsSound("mesh fault before reading")) return;
+    collectGarbage(*OB);
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;
@@ -126,8 +81,10 @@ void readFile(const std::string& path, bool append) {
         emptyMesh();
     }
     busy.end();
+    // A split appends a face, which is tidied in its turn.
+    for (int face = 0; face < OB->nf; ++face) tidyFace(*OB, face, true);
     resetForNewMesh();
-    meshIsSound("mesh fault after reading");
+    static_cast<void>(meshIsSound("mesh fault after reading"));
 }
 
 void askAndRead(bool append) {
@@ -168,6 +125,39 @@ int writeObjVariant(const std::string& chosen) {
     return 1;
 }
 
+/// What differs between the three write commands.
+struct WriteCommand {
+    std::string_view suffix; ///< that a name must have; "": any
+    FileFilter filter;
+    int (*write)(const std::string& chosen);
+};
+
+/// Writes the mesh and settles the marks.
+void writeTo(const std::string& chosen, const WriteCommand& command) {
+    if (chosen.size() <= 4 || !endsIn(chosen, command.suffix)) {
+        complain("wrong suffix for this type of file", chosen);
+        return;
+    }
+    Busy busy("");
+    const int done = command.write(chosen);
+    busy.end();
+    if (!done) {
+        complain("I tried to write to this file but it didn't work", editorState.fileName);
+    } else if (editorState.wholeMeshWritten) {
+        OB->changed = 0;
+    }
+}
+
+void writeMeshFile(const WriteCommand& command) {
+    const auto chosen = platform().fileDialog(
+        {true, "file to write mesh to?", {command.filter}, editorState.lastChosen, objFileOf});
+    if (!chosen) return;
+    setFileName(*chosen);
+    editorState.wholeMeshWritten = false;
+    writeTo(*chosen, command);
+    updateTitle();
+}
+
 } // namespace
 
 void readMeshFile() { askAndRead(false); }
@@ -179,28 +169,10 @@ void readNamedMeshFile(const std::string& path) {
     updateTitle();
 }
 
-void writeObjMeshFile() {
-    const auto chosen = platform().fileDialog({true,
-                                               "file to write mesh to?",
-                                               {{"OBJ files", "*.OBJ"}},
-                                               editorState.lastChosen,
-                                               objFileOf});
-    if (!chosen) return;
-    setFileName(*chosen);
-    editorState.wholeMeshWritten = false;
-    if (chosen->size() <= 4) {
-        complain("wrong suffix for this type of file", *chosen);
-    } else {
-        Busy busy("");
-        const int done = writeObjVariant(*chosen);
-        busy.end();
-        if (!done) {
-            complain("I tried to write to this file but it didn't work", editorState.fileName);
-        } else if (editorState.wholeMeshWritten) {
-            OB->changed = 0;
-        }
-    }
-    updateTitle();
-}
+void writeDxfMeshFile() { writeMeshFile({".dxf", {"DXF files", "*.DXF"}, writeDxfFile}); }
+
+void write3dsMeshFile() { writeMeshFile({".3ds", {"3DS files", "*.3DS"}, write3dsFile}); }
+
+void writeObjMeshFile() { writeMeshFile({"", {"OBJ files", "*.OBJ"}, writeObjVariant}); }
 
 } // namespace polyfab

@@ -13,6 +13,9 @@ void readMeshFile();
 void appendMeshFile();
 /// Reads this file in place of the mesh, as readMeshFile does after its dialog.
 void readNamedMeshFile(const std::string& path);
+/// Ask for a file of that suffix and write the mesh to it.
+void writeDxfMeshFile();
+void write3dsMeshFile();
 /// Asks for a file and writes the mesh to it as OBJ; ".obj-" and ".obj#" choose the variants.
 void writeObjMeshFile();
 

@@ -4,6 +4,8 @@
 #include "formats/obj_writer.h"
 
 #include "editor/state.h"
+#include "formats/face_order.h"
+#include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
@@ -12,45 +14,16 @@
 #include <algorithm>
 #include <initializer_list>
 #include <new>
-#include <numeric>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace polyfab {
 namespace {
 
-using FaceList = std::vector<int>; ///< indices into OB->faces
-
 static_assert(8 * numberRoom < SaveFile::maxRoom); // one line of values, or one corner
 
 char* print(char* out, std::string_view text) { return std::copy(text.begin(), text.end(), out); }
-
-bool anyFaceUnselected() {
-    return std::any_of(OB->faces, OB->faces + OB->nf,
-                       [](const Face& face) { return face.q != nullptr && face.selected == 0; });
-}
-
-bool askOnlySelected() {
-    return anyFaceUnselected()
-           && platform().question("", "Do you want me to output only the selected parts?",
-                                  Buttons::yesNo)
-                  == Choice::yes;
-}
-
-/// Orders the faces by a key in [0, keys); faces of the same key keep their order.
-template <typename Key>
-FaceList sortedBy(const FaceList& faces, int keys, Key key) {
-    std::vector<int> start(static_cast<std::size_t>(keys) + 1);
-    for (const int face : faces) ++start[static_cast<std::size_t>(key(face)) + 1];
-    std::partial_sum(start.begin(), start.end(), start.begin());
-    FaceList sorted(faces.size());
-    for (const int face : faces) {
-        sorted[static_cast<std::size_t>(start[static_cast<std::size_t>(key(face))]++)] = face;
-    }
-    return sorted;
-}
 
 /// Whether the face has a name to stand under and a number for every corner.
 bool canBeWritten(const Face& face) {
@@ -193,7 +166,7 @@ int writeObjFile(const std::string& path, unsigned flags) {
     SaveFile file;
     // The file first: nobody is asked about a file that cannot be made.
     if (!file.open(path)) return fail(path);
-    const bool onlySelected = askOnlySelected();
+    const bool onlySelected = askOnlySelected(false);
     editorState.wholeMeshWritten = !onlySelected;
     if (writeMesh(file, onlySelected, flags)) return 1;
     editorState.wholeMeshWritten = false;

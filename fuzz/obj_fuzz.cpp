@@ -4,51 +4,20 @@
 // same counts.
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
+#include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
-#include "mesh/mesh.h"
-#include "mesh/store.h"
 #include "tests/support/fake_platform.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <string>
-#include <sys/mman.h>
 #include <tuple>
-#include <unistd.h>
 
 namespace {
 
 using namespace polyfab;
-
-/// A file in memory with these bytes, which has a path as long as it lives.
-class MemoryFile {
-  public:
-    MemoryFile(const std::uint8_t* data, std::size_t size) : file(memfd_create("obj_fuzz", 0)) {
-        if (write(file, data, size) != static_cast<ssize_t>(size)) std::abort();
-    }
-    ~MemoryFile() { close(file); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(file); }
-
-  private:
-    int file;
-};
-
-void demand(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "obj_fuzz: %s\n", what);
-    std::abort();
-}
-
-/// Empties OB, its groups included, which a clear leaves in the store.
-void emptyMesh() {
-    Group* groups = OB->groups;
-    OB->clear(true);
-    farfree(&groups);
-}
+using fuzz::demand;
+using fuzz::emptyMesh;
+using fuzz::MemoryFile;
 
 auto counts() { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); }
 
@@ -58,8 +27,7 @@ bool facesAreShort() {
 }
 
 void writeAndReadBack(unsigned flags) {
-    // In memory: each save waits for the disk.
-    static const std::string path = "/dev/shm/obj_fuzz_" + std::to_string(getpid()) + ".obj";
+    static const std::string path = fuzz::scratchPath(".obj");
     demand(writeObjFile(path, flags) == 1, "not written");
     const auto before = counts();
     const bool comparable = facesAreShort() && (flags & objTrace) == 0;

@@ -2,7 +2,7 @@
 // Six significant digits: a value that "%g" prints without an exponent is scaled by a power of ten
 // to an integer of six digits. The power is exact in a double, so only the one multiplication
 // rounds; where its error could decide how the last digit is rounded, a fused multiply-add gives
-// the error itself. All other values go to the library.
+// the error itself. All other values go to the library. Three decimals are made in the same way.
 #include "io/print_number.h"
 
 #include <algorithm>
@@ -112,6 +112,31 @@ char* printG6(char* out, double value, int width) {
     char text[numberRoom];
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
     return printPadded(out, {text, end.ptr}, width);
+}
+
+char* printF3(char* out, double value) {
+    constexpr int width = 5; // which only words such as "inf" fall short of
+    const double size = std::fabs(value);
+    if (!(size < 1e9)) {
+        char text[decimalRoom];
+        const auto end =
+            std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 3);
+        return printPadded(out, {text, end.ptr}, width);
+    }
+    const double scaled = size * 1000;
+    auto number = static_cast<std::uint64_t>(scaled);
+    double aboveHalf = scaled - static_cast<double>(number) - 0.5;
+    // The multiplication errs by 6.1e-5 at most. The sum has the sign of the exact value.
+    if (std::fabs(aboveHalf) < 1e-4) aboveHalf += std::fma(size, 1000, -scaled);
+    number += aboveHalf > 0 || (aboveHalf == 0 && number % 2 != 0);
+    *out = '-';
+    out += std::signbit(value);
+    out = std::to_chars(out, out + numberRoom, number / 1000).ptr;
+    const auto decimals = static_cast<unsigned>(number % 1000);
+    *out = '.';
+    out[1] = static_cast<char>('0' + decimals / 100);
+    printPair(out + 2, decimals % 100);
+    return out + 4;
 }
 
 char* printInteger(char* out, std::int64_t value) {

@@ -14,6 +14,13 @@ inline constexpr int numberRoom = 40;
 /// text; no NUL is written.
 char* printG6(char* out, double value, int width);
 
+/// As numberRoom, for printF3.
+inline constexpr int decimalRoom = 320;
+
+/// Prints what "%5.3f" prints in the C locale: three decimals, ties of the exact value to even.
+/// Gives the end of the text; no NUL is written.
+char* printF3(char* out, double value);
+
 /// Prints what "%lld" prints. Gives the end of the text; no NUL is written.
 char* printInteger(char* out, std::int64_t value);
 

@@ -44,10 +44,9 @@ bool PieceReader::next(std::size_t kept, std::string_view& text) {
         got = read(file, buffer.get() + kept, pieceSize);
     } while (got < 0 && errno == EINTR);
     broken = got < 0;
-    if (got <= 0) return false;
-    text = {buffer.get(), kept + static_cast<std::size_t>(got)};
+    text = {buffer.get(), kept + static_cast<std::size_t>(got < 0 ? 0 : got)};
     std::memset(buffer.get() + text.size(), 0, slack);
-    return true;
+    return got > 0;
 }
 
 } // namespace polyfab

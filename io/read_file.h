@@ -31,7 +31,8 @@ class PieceReader {
     [[nodiscard]] bool failed() const { return broken; }
 
     /// Reads on: `text` becomes its own last `kept` bytes followed by up to pieceSize new ones, and
-    /// is valid until the next call. False when there are no new ones.
+    /// is valid until the next call. False when there are no new ones: `text` is then just the kept
+    /// ones.
     [[nodiscard]] bool next(std::size_t kept, std::string_view& text);
 
   private:

@@ -72,6 +72,27 @@ struct Part {
     std::uint32_t selected;
 };
 
+/// The face that a corner belongs to and its place there; of a corner without a live face: noFace.
+struct CornerFace {
+    std::uint32_t face;
+    std::uint16_t place;
+};
+inline constexpr std::uint32_t noFace = 0xffffffff;
+
+/// An edge, kept with the lower-numbered of its two points.
+struct Edge {
+    std::int32_t high;   ///< the other point
+    std::int32_t corner; ///< first one found on it, in the order of faces
+    std::int32_t uses;   ///< sides of faces that lie on it
+};
+
+/// The edges of one point to points of the same or a higher number, as a span of Mesh::edges, in
+/// the order in which they were found.
+struct EdgeList {
+    std::int32_t first;
+    std::int32_t n;
+};
+
 /// Groups, materials, areas, parts and the corners of one face are counted in 16 bits.
 inline constexpr int maxIndexed = 32767;
 
@@ -112,13 +133,14 @@ struct Mesh {
     TexCoord* texcoords;
     std::int32_t nt, ntmax;
     std::uint8_t changed; ///< 1: there is something to save
-    // Edge tables.
-    void* cornerFace;
-    void* pointEdges;
-    std::uint8_t* cornerSameDir;
-    std::int32_t* cornerMate;
-    std::int32_t nqEdges;
-    char mtllib[1024]; ///< material library named by the OBJ file, "" for none
+    // Edge tables; see mesh/edges.h. All null unless they are built.
+    CornerFace* cornerFace;
+    EdgeList* pointEdges;
+    std::uint8_t* cornerSameDir; ///< 1: the mate runs the edge the same way, 0: not, 255: no mate
+    std::int32_t* cornerMate;    ///< corner on the neighbouring face, -1: none
+    std::int32_t nqEdges;        ///< corners that the tables were built for
+    Edge* edges;                 ///< the lists of all points, one behind the other
+    char mtllib[1024];           ///< material library named by the OBJ file, "" for none
 
     Mesh() { clear(false); }
     ~Mesh() { releaseAll(); }

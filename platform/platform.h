@@ -150,6 +150,10 @@ class Platform {
     /// for events; "" removes the latest one.
     virtual void showBusy(const std::string& text) = 0;
     virtual void beep() = 0;
+    /// Whether the Escape key is down: long work looks every now and then and stops if so. Lets the
+    /// window redraw itself meanwhile; what the user does to it, Escape and the close box excepted,
+    /// counts for nothing then.
+    virtual bool escapeDown() = 0;
     /// Opens the help at its index.
     virtual void openHelp() = 0;
     virtual std::optional<Bitmap> clipboardBitmap() const = 0;

@@ -92,6 +92,12 @@ Event keyEvent(EventKind kind, int code) {
 BatchPlatform::BatchPlatform(const Program& runProgram, Size clientSize)
     : program(runProgram), size(clientSize) {}
 
+void BatchPlatform::send(const Event& event) {
+    const bool down = event.kind == EventKind::keyDown;
+    if (event.key == key::escape && (down || event.kind == EventKind::keyUp)) escapeKey = down;
+    program.handle(event);
+}
+
 void BatchPlatform::print(const std::string& line) {
     if (quiet) return;
     std::fwrite(line.data(), 1, line.size(), stdout);
@@ -253,6 +259,14 @@ void BatchPlatform::showBusy(const std::string& notice) {
 }
 
 void BatchPlatform::beep() { print(eventLine("beep")); }
+
+bool BatchPlatform::escapeDown() {
+    if (abortAfter && *abortAfter > 0) {
+        --*abortAfter;
+        return escapeKey;
+    }
+    return abortAfter || escapeKey;
+}
 
 void BatchPlatform::openHelp() { print(eventLine("help")); }
 

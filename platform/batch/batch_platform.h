@@ -21,9 +21,12 @@ class BatchPlatform : public Platform {
     BatchPlatform(const Program& program, Size size);
 
     // What the steps do to the window. The program's handler runs inside these.
-    void send(const Event& event) { program.handle(event); }
+    void send(const Event& event);
     void resize(Size newSize);
     void setAnswers(std::deque<Answer> list) { answers = std::move(list); }
+    /// Escape is down from the `looks`-th time (0: the first) that escapeDown is called; nothing:
+    /// it is as the key events say.
+    void setAbort(std::optional<int> looks) { abortAfter = looks; }
     /// Sends the destroy event if the window still exists; nothing is printed any more.
     void finish();
 
@@ -53,6 +56,7 @@ class BatchPlatform : public Platform {
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;
     void beep() override;
+    bool escapeDown() override;
     void openHelp() override;
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
 
@@ -66,6 +70,8 @@ class BatchPlatform : public Platform {
     MenuBar bar;
     Bitmap picture;
     std::deque<Answer> answers;
+    std::optional<int> abortAfter; ///< looks at Escape until it is down
+    bool escapeKey = false;        ///< as the last key event of it has it
     int exclamations = 0;
     bool open = true;
     bool quiet = false;

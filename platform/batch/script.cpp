@@ -23,7 +23,14 @@ std::string runCommand(BatchPlatform& window, const Step& step) {
     const MenuItem* const item = window.menuItem(step.event.command);
     if (!item) return "the present menu has no such command";
     if (!item->enabled) return "the command is greyed";
-    return runEvent(window, step);
+    runEvent(window, step);
+    window.setAbort(std::nullopt);
+    return "";
+}
+
+std::string runAbort(BatchPlatform& window, const Step& step) {
+    window.setAbort(step.looks);
+    return "";
 }
 
 std::string runResize(BatchPlatform& window, const Step& step) {
@@ -94,6 +101,13 @@ std::string readSize(Step& step, const std::string& word, const Commands&) {
     return "";
 }
 
+std::string readLooks(Step& step, const std::string& word, const Commands&) {
+    const std::optional<int> looks = parseInt(word);
+    if (!looks || *looks < 0) return "expected a whole number from 0 on";
+    step.looks = *looks;
+    return "";
+}
+
 std::string readPath(Step& step, const std::string& word, const Commands&) {
     step.path = word;
     return "";
@@ -117,6 +131,7 @@ constexpr StepRow stepRows[] = {
     {"--deactivate", nullptr, runEvent, EventKind::deactivate, false},
     {"--menu-open", nullptr, runEvent, EventKind::menuOpening, false},
     {"--resize", readSize, runResize, EventKind::resize, false},
+    {"--abort-after", readLooks, runAbort, EventKind::paint, false},
     {"--state", nullptr, runState, EventKind::paint, false},
     {"--dump", nullptr, runDump, EventKind::paint, false},
     {"--picture", readPath, runPicture, EventKind::paint, false},
@@ -235,10 +250,27 @@ struct WriterRow {
     const char* command;
 };
 
-/// The writer commands. The OBJ writer takes its two variants by a longer suffix.
+/// The writer commands. The OBJ writer takes its two variants by a longer suffix; files of any
+/// other go to the exporter.
 constexpr WriterRow writerRows[] = {
-    {".obj", "259"}, {".obj-", "259"}, {".obj#", "259"}, {".dxf", "257"}, {".3ds", "258"},
+    {".obj", "259"}, {".obj-", "259"}, {".obj#", "259"},
+    {".dxf", "257"}, {".3ds", "258"},  {"", "2002"},
 };
+
+constexpr std::string_view ownSuffixes[] = {".obj", ".dxf", ".3ds"};
+
+/// The steps that read a file in place of the mesh. What has no suffix of ours is imported.
+std::vector<std::string> readingSteps(const std::string& input) {
+    const std::string name = lowerCase(input);
+    const bool own = std::any_of(std::begin(ownSuffixes), std::end(ownSuffixes),
+                                 [&](std::string_view suffix) { return name.ends_with(suffix); });
+    if (own) return {"--command", "256", "--answer", input};
+    return {"--command", "2001", "--answer", input, "--answer", "no"};
+}
+
+bool hasSuffix(const std::string& path) {
+    return path.find('.', path.find_last_of('/') + 1) != std::string::npos;
+}
 
 } // namespace
 
@@ -248,18 +280,21 @@ Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<s
 
 Script convertScript(const std::vector<CommandInfo>& commands, const std::string& input,
                      const std::string& output) {
-    const std::string name = lowerCase(output);
-    for (const WriterRow& row : writerRows) {
-        if (!name.ends_with(row.suffix)) continue;
-        Script script = Reader(commands, {"--command", "256", "--answer", input, "--command",
-                                          row.command, "--answer", output})
-                            .read();
-        script.stopAfterFailure = true;
+    Script script;
+    if (!hasSuffix(output)) {
+        script.error = output + ": the suffix names the format, and there is none";
         return script;
     }
-    Script wrong;
-    wrong.error = output + ": no writer for this suffix";
-    return wrong;
+    const std::string name = lowerCase(output);
+    const WriterRow* const writer =
+        std::find_if(std::begin(writerRows), std::end(writerRows),
+                     [&](const WriterRow& row) { return name.ends_with(row.suffix); });
+    std::vector<std::string> steps = readingSteps(input);
+    for (const char* const word : {"--command", writer->command, "--answer"}) steps.push_back(word);
+    steps.push_back(output);
+    script = Reader(commands, std::move(steps)).read();
+    script.stopAfterFailure = true;
+    return script;
 }
 
 } // namespace polyfab

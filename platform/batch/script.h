@@ -26,6 +26,7 @@ struct Step {
     std::string words; ///< as given, for diagnostics
     std::string path;  ///< of a picture
     Size size;         ///< of a resize
+    int looks = 0;     ///< at Escape, until it counts as down
     Event event;
     bool takesAnswers = false;
     std::deque<Answer> answers;

@@ -13,8 +13,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QTimer>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace polyfab {
@@ -26,6 +29,57 @@ struct FocusBack {
     ~FocusBack() {
         if (window.isVisible()) window.activateWindow();
     }
+};
+
+bool isKey(QEvent::Type type) {
+    return type == QEvent::KeyPress || type == QEvent::KeyRelease || type == QEvent::Shortcut
+           || type == QEvent::ShortcutOverride;
+}
+
+bool isPointer(QEvent::Type type) {
+    constexpr QEvent::Type types[] = {
+        QEvent::MouseButtonPress,
+        QEvent::MouseButtonRelease,
+        QEvent::MouseButtonDblClick,
+        QEvent::MouseMove,
+        QEvent::Wheel,
+        QEvent::ContextMenu,
+        QEvent::TouchBegin,
+        QEvent::TouchUpdate,
+        QEvent::TouchEnd,
+        QEvent::TabletPress,
+        QEvent::TabletMove,
+        QEvent::TabletRelease,
+        QEvent::DragEnter,
+        QEvent::Drop,
+    };
+    return std::find(std::begin(types), std::end(types), type) != std::end(types);
+}
+
+/// While it lives no user input reaches any widget; it notes what happens to the Escape key.
+class InputFilter : public QObject {
+  public:
+    explicit InputFilter(bool& escapeKey) : escape(escapeKey) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    bool pressed = false; ///< in the meantime, even if not for long
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        const QEvent::Type type = event->type();
+        if (type == QEvent::KeyPress || type == QEvent::KeyRelease) {
+            note(*static_cast<QKeyEvent*>(event));
+        }
+        return isKey(type) || isPointer(type);
+    }
+
+  private:
+    void note(const QKeyEvent& event) {
+        if (event.key() != Qt::Key_Escape || event.isAutoRepeat()) return;
+        escape = event.type() == QEvent::KeyPress;
+        pressed = pressed || escape;
+    }
+    bool& escape;
 };
 
 } // namespace
@@ -66,6 +120,8 @@ void QtPlatform::send(const Event& event) {
             return;
         }
     }
+    if (event.key == key::escape) escapeKey = event.kind == EventKind::keyDown;
+    if (event.kind == EventKind::deactivate) escapeKey = false; // the release goes elsewhere
     ++depth;
     program.handle(event);
     --depth;
@@ -182,6 +238,12 @@ void QtPlatform::showBusy(const std::string& text) {
 }
 
 void QtPlatform::beep() { QApplication::beep(); }
+
+bool QtPlatform::escapeDown() {
+    InputFilter filter(escapeKey);
+    QCoreApplication::processEvents();
+    return filter.pressed || escapeKey;
+}
 
 void QtPlatform::openHelp() { showManual(owner()); }
 

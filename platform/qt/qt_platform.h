@@ -40,6 +40,7 @@ class QtPlatform : public Platform {
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;
     void beep() override;
+    bool escapeDown() override;
     void openHelp() override;
     std::optional<Bitmap> clipboardBitmap() const override;
 
@@ -63,7 +64,8 @@ class QtPlatform : public Platform {
     QImage image;
     std::deque<Event> waiting;
     QEventLoop loop;
-    int depth = 0; ///< handlers that are running now, one inside the other
+    bool escapeKey = false; ///< as the last key event of it has it
+    int depth = 0;          ///< handlers that are running now, one inside the other
     bool paintDue = true;
     bool open = false;
 };

@@ -32,13 +32,13 @@ Edges plainEdges(const Mesh& mesh) {
 }
 
 /// What the list says; every edge must be there once.
-Edges listed(const EdgeList& list) {
+Edges listed(const DrawnEdges& list) {
     Edges edges;
     std::uint32_t selected = 0;
     for (std::size_t i = 0; i + 1 < list.first.size(); ++i) {
         for (std::uint32_t k = list.first[i]; k < list.first[i + 1]; ++k) {
-            const bool bit = (list.other[k] & EdgeList::selectedBit) != 0;
-            const int higher = static_cast<int>(list.other[k] & ~EdgeList::selectedBit);
+            const bool bit = (list.other[k] & DrawnEdges::selectedBit) != 0;
+            const int higher = static_cast<int>(list.other[k] & ~DrawnEdges::selectedBit);
             edges[{static_cast<int>(i), higher}] = bit;
             selected += bit;
         }
@@ -50,7 +50,7 @@ Edges listed(const EdgeList& list) {
 
 TEST(EdgeListTest, RandomMeshesGiveEachEdgeOnce) {
     std::mt19937 random(23);
-    EdgeList list; // used again and again: nothing may stay of the mesh before
+    DrawnEdges list; // used again and again: nothing may stay of the mesh before
     for (int round = 0; round < 2000; ++round) {
         OwnMesh mesh;
         fillRandom(mesh, random, 1 + round % 12, round % 30);
@@ -70,7 +70,7 @@ TEST(EdgeListTest, UnsoundFacesLoseOnlyWhatCannotBeDrawn) {
     mesh.faces[2].n = -4;
     mesh.faces[3].n = 32000; // beyond the corners in use
     mesh.faces[4].q = mesh.corners + mesh.nq;
-    EdgeList list;
+    DrawnEdges list;
     listEdges(mesh, list);
     EXPECT_EQ(listed(list), (Edges{{{2, 3}, true}, {{0, 3}, true}, {{1, 2}, true}}));
 }

@@ -19,11 +19,13 @@ class MeshFiles : public test::MeshTest {
     MeshFiles() { resetEditorState(); }
     ~MeshFiles() override { resetEditorState(); }
 
-    /// What was shown since the last call, busy notices left out.
+    /// What was shown since the last call, busy notices and titles left out.
     Log newLog() {
         Log log;
         std::copy_if(shown.log.begin(), shown.log.end(), std::back_inserter(log),
-                     [](const std::string& line) { return !line.starts_with("busy|"); });
+                     [](const std::string& line) {
+                         return !line.starts_with("busy|") && !line.starts_with("title|");
+                     });
         shown.log.clear();
         return log;
     }
@@ -44,6 +46,8 @@ TEST_F(MeshFiles, ReadingSetsNameTitleAndMarks) {
     shown.files = {path};
     readMeshFile();
     const Log expected = {"file|file to read mesh from?|",
+                          "title|collecting garbage",
+                          "title|",
                           "busy|HANG ON WHILE I READ THE FILE IN",
                           "busy|I am counting the vertexes etc in the file",
                           "busy|",
@@ -66,16 +70,12 @@ TEST_F(MeshFiles, ReadingSetsNameTitleAndMarks) {
 
 TEST_F(MeshFiles, OtherSuffixes) {
     const std::string path = folder.write("model.ply", triangle);
-    const std::string dxf = folder.write("model.dxf", triangle);
     test::addCube();
     read(path); // answered no
     const Log refused = {"question|do you want me to read this file as .OBJ?|" + path,
-                         "message!|bad suffix|" + path, "title|polyfab [" + path + "] "};
+                         "message!|bad suffix|" + path};
     EXPECT_EQ(newLog(), refused);
     EXPECT_EQ(OB->nf, 6);
-    read(dxf);
-    EXPECT_EQ(OB->nf, 6); // nothing is lost to a reader that does not exist yet
-    EXPECT_EQ(newLog().front(), "message!|I can't read this kind of file yet|" + dxf);
     shown.choices = {Choice::yes};
     read(path);
     EXPECT_EQ(OB->nf, 1);
@@ -90,8 +90,7 @@ TEST_F(MeshFiles, AFailedReadLeavesNoGeometryButTheNames) {
     test::addCube();
     read(path);
     const Log expected = {"message!|line 3 is bad: <3 args|v 1 0",
-                          "message!|I tried to read this file but it didn't work|" + path,
-                          "title|polyfab [" + path + "] "};
+                          "message!|I tried to read this file but it didn't work|" + path};
     EXPECT_EQ(newLog(), expected);
     EXPECT_EQ(OB->np + OB->nq + OB->nf, 0);
     EXPECT_EQ(OB->ng, 1);
@@ -99,8 +98,7 @@ TEST_F(MeshFiles, AFailedReadLeavesNoGeometryButTheNames) {
     const Log missing = {"message!|I can't open this file|" + folder.path("missing.obj"),
                          "message!|I can't open this file|" + folder.path("missing.obj"),
                          "message!|I tried to read this file but it didn't work|"
-                             + folder.path("missing.obj"),
-                         "title|polyfab [" + folder.path("missing.obj") + "] "};
+                             + folder.path("missing.obj")};
     EXPECT_EQ(newLog(), missing);
 }
 
@@ -167,6 +165,40 @@ TEST_F(MeshFiles, WhatIsNotWrittenStaysAltered) {
     EXPECT_EQ(OB->changed, 1); // only the selected faces were written
     writeObjMeshFile();
     EXPECT_EQ(OB->changed, 0);
+}
+
+TEST_F(MeshFiles, TheOtherFormatsWantTheirSuffix) {
+    test::addCube();
+    const std::string obj = folder.path("cube.obj");
+    struct Row {
+        void (*write)();
+        std::string path;
+    };
+    for (const Row& row : {Row{writeDxfMeshFile, folder.path("cube.Dxf")},
+                           Row{write3dsMeshFile, folder.path("cube.3ds")}}) {
+        OB->changed = 1;
+        shown.files = {obj, row.path};
+        row.write();
+        EXPECT_EQ(newLog().back(), "message!|wrong suffix for this type of file|" + obj);
+        EXPECT_FALSE(folder.has("cube.obj"));
+        EXPECT_EQ(OB->changed, 1);
+        row.write();
+        EXPECT_EQ(OB->changed, 0);
+        EXPECT_TRUE(std::filesystem::exists(row.path));
+    }
+    read(folder.path("cube.Dxf"));
+    EXPECT_EQ(OB->nf, 6);
+    EXPECT_EQ(OB->np, 8);
+}
+
+TEST_F(MeshFiles, ReadingCollectsBeforeAndTidiesAfter) {
+    test::addCube();
+    OB->faces[0].q = nullptr;
+    shown.files = {folder.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 2 3\nf 1 2 1\n")};
+    appendMeshFile();
+    ASSERT_EQ(OB->nf, 7);
+    EXPECT_EQ(OB->faces[5].n, 3);       // the repeated corner is gone
+    EXPECT_EQ(OB->faces[6].q, nullptr); // there and back is no face
 }
 
 } // namespace

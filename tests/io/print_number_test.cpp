@@ -60,5 +60,34 @@ TEST(PrintNumber, RealRandom) {
     }
 }
 
+TEST(PrintNumber, ThreeDecimals) {
+    const auto checkDecimals = [](double value) {
+        for (const double signedValue : {value, -value}) {
+            char text[decimalRoom], wanted[decimalRoom + 1];
+            std::snprintf(wanted, sizeof wanted, "%5.3f", signedValue);
+            ASSERT_EQ(std::string(text, printF3(text, signedValue)), wanted)
+                << std::hexfloat << signedValue;
+        }
+    };
+    using Limits = std::numeric_limits<double>;
+    for (const double value : {0.0, 1e9, 999999999.9995, 999999999.99949999, 1e250, Limits::max(),
+                               Limits::min(), Limits::infinity(), Limits::quiet_NaN()}) {
+        checkDecimals(value);
+        checkDecimals(std::nextafter(value, 0));
+    }
+    std::mt19937_64 random(3);
+    for (int i = 0; i < 100000; ++i) {
+        checkDecimals(std::bit_cast<double>(random()));
+        checkDecimals(
+            std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 48) - 68));
+        // Exact ties are odd multiples of 1/16; other halves of a thousandth lie next to one.
+        checkDecimals(static_cast<double>(random() % (1ULL << 34)) / 16);
+        const double half = (static_cast<double>(random() >> (24 + random() % 40)) + 0.5) / 1000;
+        checkDecimals(half);
+        checkDecimals(std::nextafter(half, 0));
+        checkDecimals(std::nextafter(half, Limits::max()));
+    }
+}
+
 } // namespace
 } // namespace polyfab

@@ -20,8 +20,11 @@ class BatchDriver : public Driver {
         testing::internal::GetCapturedStdout();
     }
     void choose(int command, const std::deque<Answer>& answers) override {
-        window.setAnswers(answers);
+        const bool works = command == toy::longWork;
+        if (works && !answers.empty()) window.setAbort(2);
+        if (!works) window.setAnswers(answers);
         window.send({EventKind::command, command});
+        window.setAbort(std::nullopt);
     }
     void input(const Event& event) override { window.send(event); }
     void resize(Size size) override { window.resize(size); }

@@ -85,7 +85,8 @@ TEST(Batch, AWrongCommandLineStartsNothing) {
                   "--command|unbuilt;--size|0x5;--size|12;--size|40000x2;--resize|3x4x5;"
                   "--answer|yes;--state|--answer|yes;--command|1|--answer;--mouse|1;"
                   "--mouse|1,2,middle;--mouse|1,2,left,4;--mouse|1.5,2;--keydown|256;--keyup|f99;"
-                  "--mouse|1,2,;--drop|:;--picture;--command|warn|--state|--nonsense",
+                  "--mouse|1,2,;--abort-after|-1;--abort-after|1|--answer|yes;--drop|:;--picture;--"
+                  "command|warn|--state|--nonsense",
                   ';');
     for (const std::string& args : lines) {
         const Outcome got = run(args);
@@ -177,6 +178,19 @@ TEST(Batch, CommandListHasFourFieldsALine) {
     const std::string list = commandList(toyProgram());
     EXPECT_TRUE(list.starts_with("1\t&Toys\t&yes or no\tready\n"));
     EXPECT_TRUE(list.ends_with("\n14\t&Toys\t&unbuilt\tlater\n"));
+}
+
+TEST(Batch, EscapeIsDownFromTheGivenLookOfTheNextCommandOn) {
+    for (const auto& [looks, result] :
+         {std::pair("0", "stopped"), std::pair("299", "stopped"), std::pair("300", "done")}) {
+        run(std::string("--abort-after|") + looks
+            + "|--state|--command|long work|--command|long work");
+        const auto said = [](const char* word) {
+            return std::count(toyState.log.begin(), toyState.log.end(), word);
+        };
+        EXPECT_EQ(said(result), result == std::string("done") ? 2 : 1) << looks;
+        EXPECT_GE(said("done"), 1);
+    }
 }
 
 } // namespace

@@ -107,6 +107,19 @@ TEST_P(Contract, BoxesReturnWhatTheUserDid) {
     }
 }
 
+TEST_P(Contract, LongWorkSeesEscapeAndNothingElseGetsThrough) {
+    driver->choose(toy::longWork, {escape});
+    driver->choose(toy::longWork, {});
+    EXPECT_EQ(count("stopped") + count("done"), 2);
+    EXPECT_EQ(toyState.log.back(), "done");
+    for (const std::string& line : toyState.log) {
+        EXPECT_FALSE(line.starts_with("key") || line.starts_with("mouse")) << line;
+    }
+    driver->input({EventKind::keyDown, 0, key::escape}); // held since before the command
+    driver->choose(toy::longWork, {});
+    EXPECT_EQ(toyState.log.back(), "stopped");
+}
+
 TEST_P(Contract, CloseIsRefusedOrGranted) {
     driver->input({EventKind::close});
     driver->choose(toy::exit, {});

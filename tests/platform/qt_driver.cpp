@@ -102,7 +102,7 @@ class QtDriver : public Driver {
         QTimer answering;
         QObject::connect(&answering, &QTimer::timeout, &answering, [this, &answers] {
             QWidget* const box = QApplication::activeModalWidget();
-            if (!box) return;
+            if (!box) return duringWork(!answers.empty());
             disturb();
             answerBox(*box, answers);
         });
@@ -146,6 +146,16 @@ class QtDriver : public Driver {
     }
 
   private:
+    /// The user tries a key and the mouse while a command works, Escape last.
+    void duringWork(bool stop) {
+        if (!toyState.working) return;
+        sendKey(window, 'A', true);
+        sendMouse(window.canvas(), {EventKind::mouse, 0, 0, 5, 5, button::left});
+        if (!stop) return;
+        disturb();
+        sendKey(window, key::escape, true);
+        sendKey(window, key::escape, false);
+    }
     /// What a window manager may do while a box is open.
     void disturb() {
         window.resize(window.size() + QSize(1, 1));

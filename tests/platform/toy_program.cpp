@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/platform/toy_program.h"
 
+#include <chrono>
+#include <thread>
+
 namespace polyfab::test {
 namespace {
 
@@ -39,6 +42,18 @@ void beBusy() {
     note("was busy");
 }
 
+/// Work of 300 looks at the Escape key.
+void workLong() {
+    toyState.working = true;
+    bool stopped = false;
+    for (int look = 0; look < 300 && !stopped; ++look) {
+        stopped = platform().escapeDown();
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+    toyState.working = false;
+    note(stopped ? "stopped" : "done");
+}
+
 struct Row {
     int id;
     const char* label;
@@ -60,6 +75,7 @@ const Row rows[] = {
      [] {
          platform().setMenuBar("B", {{"&B", {{toy::yesNo, "b"}}}});
      }},
+    {toy::longWork, "&long work", workLong},
     {toy::exit, "e&xit", [] { platform().requestClose(); }},
     {toy::greyed, "greyed", nullptr},
     {toy::unbuilt, "&unbuilt", nullptr},

@@ -13,13 +13,14 @@ namespace polyfab::test {
 namespace toy {
 inline constexpr int yesNo = 1, yesNoCancel = 2, prompt = 3, openFile = 4, saveFile = 5, warn = 6,
                      raw = 7, busy = 8, title = 9, toggle = 10, otherMenu = 11, exit = 12,
-                     greyed = 13, unbuilt = 14;
+                     greyed = 13, unbuilt = 14, longWork = 15;
 }
 
 struct ToyProgram {
     /// What came in ("keyDown 65"; paint and resize left out) and what the operations gave.
     std::vector<std::string> log;
     bool mayClose = false; ///< whether a close event is granted
+    bool working = false;  ///< the long work is going on
     int paints = 0;
     int resizes = 0;
 };

@@ -25,6 +25,8 @@ class FakePlatform : public Platform {
     std::deque<std::optional<std::string>> files;       ///< for file dialogs; empty: cancel
     std::deque<std::vector<std::string>> dialogAnswers; ///< field texts; empty: cancel
 
+    int escapeAfter = -1; ///< looks until Escape is down; -1: it never is
+
     Size size{1024, 512};
     std::string windowTitle;
     MenuBar bar;
@@ -46,6 +48,7 @@ class FakePlatform : public Platform {
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override { log.push_back("busy|" + text); }
     void beep() override { log.push_back("beep"); }
+    bool escapeDown() override { return escapeAfter >= 0 && escapeAfter-- == 0; }
     void openHelp() override { log.push_back("help"); }
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
 

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The chunks are built in memory, where their lengths and counts are filled in behind them, and go
+// to the file only when the whole mesh has found room.
+#include "formats/3ds_writer.h"
+
+#include "editor/state.h"
+#include "formats/face_order.h"
+#include "formats/only_selected.h"
+#include "io/save_file.h"
+#include "mesh/garbage.h"
+#include "mesh/mesh.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <new>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace polyfab {
+namespace {
+
+constexpr std::size_t maxOutput = std::size_t{16} << 20;
+constexpr std::size_t maxCount = 65535;
+constexpr unsigned formatVersion = 3;
+constexpr unsigned allEdgesVisible = 7;
+
+/// The bytes of the file. Values are written lowest byte first.
+class Output {
+  public:
+    void value(std::uint32_t number, int size) {
+        for (int i = 0; i < size; ++i) bytes += static_cast<char>(number >> 8 * i);
+    }
+    void word(std::size_t number) { value(static_cast<std::uint32_t>(number), 2); }
+    void real(double number) { value(std::bit_cast<std::uint32_t>(static_cast<float>(number)), 4); }
+    void name(std::string_view text) { bytes.append(text).push_back('\0'); }
+
+    [[nodiscard]] std::string_view text() const { return bytes; }
+    [[nodiscard]] bool tooLong() const { return bytes.size() > maxOutput; }
+
+  private:
+    friend class Chunk;
+    std::string bytes;
+};
+
+/// A chunk of the output: what is written while it lives is inside.
+class Chunk {
+  public:
+    Chunk(Output& file, unsigned id) : out(file), start(file.bytes.size()) {
+        out.word(id);
+        out.value(0, 4);
+    }
+    ~Chunk() {
+        const std::size_t length = out.bytes.size() - start;
+        for (std::size_t i = 0; i < 4; ++i) {
+            out.bytes[start + 2 + i] = static_cast<char>(length >> 8 * i);
+        }
+    }
+    Chunk(const Chunk&) = delete;
+    Chunk& operator=(const Chunk&) = delete;
+
+  private:
+    Output& out;
+    std::size_t start;
+};
+
+/// Builds the file; the first thing that does not fit ends it.
+class Writer {
+  public:
+    explicit Writer(bool selectedOnly) : onlySelected(selectedOnly) {}
+
+    /// "", or what the file can't hold.
+    std::string write();
+
+    Output out;
+    int leftOut = 0; ///< faces that were wanted, in groups without a selected face
+
+  private:
+    void writeMaterials();
+    void writeColor(std::uint32_t color);
+    std::string writeGroups();
+    std::string writeGroup(std::span<const int> faces);
+    std::string refuse(std::span<const int> faces) const;
+    void listPoints(std::span<const int> faces);
+    void addPointsOf(std::span<const int> faces, bool selected);
+    void writePoints();
+    void writeTriangles(std::span<const int> faces);
+    void writeMaterialGroups();
+
+    bool onlySelected;
+    // Of the group that is being written.
+    std::vector<int> points; ///< indices into OB->points in the order of their new numbers
+    std::vector<std::vector<std::uint16_t>> uses; ///< for each material, the triangles that have it
+    // Of each point of the mesh.
+    std::vector<int> listedFor; ///< the last group that listed it
+    std::vector<std::uint16_t> number;
+};
+
+bool isSelected(int face) { return OB->faces[face].selected != 0; }
+
+std::span<const FaceCorner> cornersOf(int face) {
+    return {OB->faces[face].q, static_cast<std::size_t>(OB->faces[face].n)};
+}
+
+std::size_t triangleCount(std::span<const int> faces) {
+    std::size_t count = 0;
+    for (const int face : faces) count += cornersOf(face).size() - 2;
+    return count;
+}
+
+std::string Writer::write() {
+    const Chunk file(out, 0x4D4D);
+    {
+        const Chunk version(out, 0x0002);
+        out.value(formatVersion, 4);
+    }
+    const Chunk editorData(out, 0x3D3D);
+    {
+        const Chunk version(out, 0x3D3E);
+        out.value(formatVersion, 4);
+    }
+    writeMaterials();
+    return writeGroups();
+}
+
+void Writer::writeMaterials() {
+    for (int i = 0; i < OB->nmat; ++i) {
+        const Chunk entry(out, 0xAFFF);
+        {
+            const Chunk name(out, 0xA000);
+            out.name(OB->materials[i].name);
+        }
+        writeColor(OB->materials[i].color);
+    }
+}
+
+void Writer::writeColor(std::uint32_t color) {
+    const Chunk diffuse(out, 0xA020);
+    for (const unsigned id : {0x0011U, 0x0012U}) {
+        const Chunk value(out, id);
+        out.value(color, 3);
+    }
+}
+
+std::string Writer::writeGroups() {
+    listedFor.assign(static_cast<std::size_t>(OB->np), -1);
+    number.resize(static_cast<std::size_t>(OB->np));
+    uses.resize(static_cast<std::size_t>(OB->nmat));
+    FaceList faces;
+    for (int i = 0; i < OB->nf; ++i) {
+        if (isSelected(i) || !onlySelected) faces.push_back(i);
+    }
+    faces = sortedBy(faces, OB->ng, [](int face) { return OB->faces[face].g; });
+    for (auto first = faces.begin(); first != faces.end() && !out.tooLong();) {
+        const int group = OB->faces[*first].g;
+        const auto last =
+            std::find_if(first, faces.end(), [&](int face) { return OB->faces[face].g != group; });
+        const std::string fault = writeGroup({first, last});
+        if (!fault.empty()) return fault;
+        first = last;
+    }
+    return out.tooLong() ? "a 3DS file can hold at most 16 MiB" : "";
+}
+
+std::string Writer::writeGroup(std::span<const int> faces) {
+    if (std::none_of(faces.begin(), faces.end(), isSelected)) {
+        leftOut += static_cast<int>(faces.size());
+        return "";
+    }
+    listPoints(faces);
+    std::string fault = refuse(faces);
+    if (!fault.empty()) return fault;
+    const Chunk object(out, 0x4000);
+    out.name(OB->groups[OB->faces[faces.front()].g].name);
+    const Chunk triangles(out, 0x4100);
+    writePoints();
+    writeTriangles(faces);
+    writeMaterialGroups();
+    return "";
+}
+
+/// Why the faces of a group, whose points are listed, do not fit; "" when they do.
+std::string Writer::refuse(std::span<const int> faces) const {
+    const auto fits = [](double value) {
+        return std::isfinite(static_cast<float>(value)) || !std::isfinite(value);
+    };
+    const auto pointFits = [&](int i) {
+        const Point& point = OB->points[i];
+        return fits(point.x) && fits(point.y) && fits(point.z);
+    };
+    const char* fault = nullptr;
+    if (points.size() > maxCount) fault = "can have at most 65535 points";
+    if (triangleCount(faces) > maxCount) fault = "can have at most 65535 triangles";
+    if (!std::all_of(points.begin(), points.end(), pointFits)) {
+        fault = "can't have a coordinate beyond 3.4e38";
+    }
+    if (fault == nullptr) return "";
+    const char* const name = OB->groups[OB->faces[faces.front()].g].name;
+    return "in a 3DS file the group \"" + std::string(name) + "\" " + fault;
+}
+
+/// The points of selected faces come first, then those that only the others use, each in the order
+/// of the mesh.
+void Writer::listPoints(std::span<const int> faces) {
+    points.clear();
+    addPointsOf(faces, true);
+    addPointsOf(faces, false);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        number[static_cast<std::size_t>(points[i])] = static_cast<std::uint16_t>(i);
+    }
+}
+
+void Writer::addPointsOf(std::span<const int> faces, bool selected) {
+    const auto before = std::ssize(points);
+    for (const int face : faces) {
+        if (isSelected(face) != selected) continue;
+        for (const FaceCorner& corner : cornersOf(face)) {
+            const int point = indexIn(OB->points, corner.p);
+            int& listed = listedFor[static_cast<std::size_t>(point)];
+            if (listed != OB->faces[face].g) points.push_back(point);
+            listed = OB->faces[face].g;
+        }
+    }
+    std::sort(points.begin() + before, points.end());
+}
+
+void Writer::writePoints() {
+    const Chunk list(out, 0x4110);
+    out.word(points.size());
+    for (const int i : points) {
+        const Point& point = OB->points[i];
+        for (const double value : {point.x, point.y, point.z}) out.real(value);
+    }
+}
+
+/// Each face is a fan around its first corner.
+void Writer::writeTriangles(std::span<const int> faces) {
+    for (auto& triangles : uses) triangles.clear();
+    const auto writeNumber = [&](const FaceCorner& corner) {
+        out.word(number[static_cast<std::size_t>(indexIn(OB->points, corner.p))]);
+    };
+    const Chunk list(out, 0x4120);
+    out.word(triangleCount(faces));
+    std::uint16_t triangle = 0;
+    for (const int face : faces) {
+        const auto corners = cornersOf(face);
+        auto& triangles = uses[static_cast<std::size_t>(OB->faces[face].mat)];
+        for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
+            for (const std::size_t k : {std::size_t{0}, i, i + 1}) writeNumber(corners[k]);
+            out.word(allEdgesVisible);
+            triangles.push_back(triangle++);
+        }
+    }
+}
+
+void Writer::writeMaterialGroups() {
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+        const Chunk group(out, 0x4130);
+        out.name(OB->materials[i].name);
+        out.word(uses[i].size());
+        for (const std::uint16_t triangle : uses[i]) out.word(triangle);
+    }
+}
+
+int fail(const std::string& what, const std::string& path) {
+    platform().message(what, path, Icon::exclamation);
+    return 0;
+}
+
+} // namespace
+
+int write3dsFile(const std::string& path) try {
+    if (!collectGarbage(*OB)) return 0;
+    const bool onlySelected = askOnlySelected(true);
+    Writer writer(onlySelected);
+    const std::string fault = writer.write();
+    if (!fault.empty()) return fail(fault, path);
+    SaveFile file;
+    if (!file.open(path)) return fail("can't open file", path);
+    file.append(writer.out.text());
+    if (!file.commit()) return fail("can't open file", path);
+    editorState.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
+    if (writer.leftOut > 0) {
+        fail(std::to_string(writer.leftOut)
+                 + " faces were not written: their groups have no selected face",
+             path);
+    }
+    return 1;
+} catch (const std::bad_alloc&) {
+    return fail("I can't get enough memory", path);
+}
+
+} // namespace polyfab

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A DXF file is pairs of lines, a group code and a value. Two passes: one counts the 3DFACE lines,
+// so that the arrays are made once, one reads.
+#include "formats/dxf_reader.h"
+
+#include "display/view.h"
+#include "io/parse_number.h"
+#include "io/print_number.h"
+#include "io/read_file.h"
+#include "mesh/garbage.h"
+#include "mesh/mesh.h"
+#include "mesh/names.h"
+#include "mesh/point_index.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <optional>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+/// Characters of a line, its line feed included; the rest of a longer one is the next line.
+constexpr std::size_t maxLine = 255;
+
+constexpr std::string_view entity = "3DFACE";
+
+/// The lines of a file, which end in LF, CR LF or with the file.
+class Lines {
+  public:
+    explicit Lines(const std::string& path) : file(path) {}
+    [[nodiscard]] bool isOpen() const { return file.isOpen(); }
+    [[nodiscard]] bool failed() const { return file.failed(); }
+
+    /// The next line without its end, followed by a character that belongs to no number and valid
+    /// until the next call. False behind the last one.
+    bool next(std::string_view& line);
+
+  private:
+    PieceReader file;
+    std::string_view rest; ///< not yet handed out
+    bool ended = false;    ///< nothing comes behind `rest`
+    std::array<char, maxLine + 1> cut;
+};
+
+bool Lines::next(std::string_view& line) {
+    constexpr std::size_t window = maxLine + 2; // more than a line and a CR LF take
+    std::size_t feed = rest.substr(0, window).find('\n');
+    while (feed == rest.npos && rest.size() < window && !ended) {
+        ended = !file.next(rest.size(), rest);
+        feed = rest.substr(0, window).find('\n');
+    }
+    if (rest.empty()) return false;
+    line = rest.substr(0, std::min(feed, window));
+    if ((feed != rest.npos || ended) && line.ends_with('\r')) line.remove_suffix(1);
+    if (feed != rest.npos && line.size() < maxLine) {
+        rest.remove_prefix(feed + 1);
+        return true;
+    }
+    const bool whole = line.size() <= maxLine && feed == rest.npos; // the last line, without end
+    line = line.substr(0, maxLine);
+    rest.remove_prefix(whole ? rest.size() : maxLine);
+    line.copy(cut.data(), line.size());
+    cut[line.size()] = '\0';
+    line = {cut.data(), line.size()};
+    return true;
+}
+
+const char* skipBlanks(std::string_view line) {
+    return line.data() + std::min(line.find_first_not_of(" \t\v\f\r"), line.size());
+}
+
+std::int64_t integerIn(std::string_view line) {
+    const char* text = skipBlanks(line);
+    std::int64_t value = 0;
+    parseInteger(text, value);
+    return value;
+}
+
+double decimalIn(std::string_view line) {
+    const char* text = skipBlanks(line);
+    double value = 0;
+    parseDecimal(text, value);
+    return value;
+}
+
+bool isLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
+
+/// The title, as far as it is put back after the reading: 128 characters.
+std::string keptTitle() {
+    std::string title = platform().title();
+    const auto startsCharacter = [](char c) { return (c & 0xC0) != 0x80; };
+    int characters = 0;
+    const auto end = std::find_if(title.begin(), title.end(), [&](char c) {
+        return startsCharacter(c) && characters++ == 128;
+    });
+    title.erase(end, title.end());
+    return title;
+}
+
+void complain(const char* what, const std::string& path) {
+    platform().message(what, path, Icon::exclamation);
+}
+
+/// The reading pass.
+class Reader {
+  public:
+    /// Number of boundaries, or nothing when there was no room for what the file holds.
+    std::optional<int> read(Lines& lines);
+
+  private:
+    bool boundary();
+    bool addEntity();
+    void setField(std::int64_t code, std::string_view value);
+
+    PointIndex points{*OB};
+    // Made behind the first face, which may have made the default material.
+    std::optional<NameTable> materials;
+    std::array<std::array<double, 3>, 4> corners{}; ///< of the entity
+    std::string layer;                              ///< its material, "" for none yet
+    int boundaries = 0;
+};
+
+std::optional<int> Reader::read(Lines& lines) {
+    std::string_view line;
+    while (lines.next(line)) {
+        const std::int64_t code = integerIn(line);
+        if (!lines.next(line)) break;
+        const bool last = line == "EOF" || line == "ENDSEC";
+        if (!last && !line.starts_with(entity)) {
+            setField(code, line);
+            continue;
+        }
+        if (!boundary()) return std::nullopt;
+        if (last) break;
+    }
+    return boundaries;
+}
+
+void Reader::setField(std::int64_t code, std::string_view value) {
+    if (code == 8) {
+        layer = value;
+        if (value.empty() || !isLetter(value[0])) layer.insert(0, "material");
+    } else if (code >= 10 && code <= 33 && code % 10 <= 3) {
+        // The first digit tells the axis, the second the corner.
+        const auto axis = static_cast<std::size_t>(code / 10 - 1);
+        corners[static_cast<std::size_t>(code % 10)][axis] = decimalIn(value);
+    }
+}
+
+/// Ends the entity, if one was begun, and begins the next. False: no room.
+bool Reader::boundary() {
+    if (boundaries > 0) {
+        if (!addEntity()) return false;
+        if (boundaries % 256 == 0) {
+            const std::string count = std::to_string(boundaries);
+            platform().setTitle(std::string(count.size() < 5 ? 5 - count.size() : 0, ' ') + count);
+        }
+    }
+    ++boundaries;
+    corners = {};
+    return true;
+}
+
+bool Reader::addEntity() {
+    int found[4];
+    for (std::size_t k = 0; k < 4; ++k) {
+        found[k] = points.findOrAdd(corners[k][0], corners[k][1], corners[k][2]);
+        // Room was made for all, but the file may have grown since it was counted.
+        if (found[k] < 0) return false;
+    }
+    // The layer of a degenerate entity stays for the next one.
+    if (found[0] == found[2] || found[1] == found[3]) return true;
+    Point* list[4];
+    std::transform(std::begin(found), std::end(found), list, [](int i) { return OB->points + i; });
+    Face* const face = OB->addFaceByPoints(list, 4, true);
+    if (face == nullptr) return false;
+    if (!materials) materials.emplace(*OB, NameTable::Kind::materials);
+    const int material = materials->findOrAdd(layer.empty() ? "defaultmat" : layer);
+    face->mat = static_cast<std::int16_t>(material);
+    layer.clear();
+    return true;
+}
+
+std::int64_t countEntities(Lines& lines) {
+    std::int64_t count = 0;
+    std::string_view line;
+    while (lines.next(line)) count += line.starts_with(entity);
+    return count;
+}
+
+bool reserve(std::int64_t entities) {
+    return OB->growFaces(OB->nf + entities, false) && OB->growCorners(OB->nq + 4 * entities, false)
+           && OB->growPoints(OB->np + 4 * entities, false);
+}
+
+/// Number of boundaries, or 0 after a message.
+int readEntities(const std::string& path) try {
+    Lines counted(path);
+    Lines lines(path);
+    if (!counted.isOpen() || !lines.isOpen()) {
+        complain("I can't open this file", path);
+        return 0;
+    }
+    if (!reserve(countEntities(counted))) return 0;
+    const std::optional<int> boundaries = Reader().read(lines);
+    if (!boundaries) return 0;
+    if (counted.failed() || lines.failed()) {
+        complain("I can't read this file", path);
+        return 0;
+    }
+    if (*boundaries == 0) complain("bad DXF file", path);
+    return *boundaries;
+} catch (const std::bad_alloc&) { // the tables
+    platform().message("I can't get enough memory", path, Icon::exclamation);
+    return 0;
+}
+
+} // namespace
+
+int readDxfFile(const std::string& path, bool append) {
+    if (!append) OB->clear(true);
+    const std::string title = keptTitle();
+    const int boundaries = readEntities(path);
+    if (boundaries == 0) return 0;
+    stale.edges = true;
+    platform().setTitle(title);
+    OB->highlightPoint(-1);
+    collectGarbage(*OB);
+    return boundaries;
+}
+
+} // namespace polyfab

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Writes the mesh as 3DFACE entities of a DXF file.
+#pragma once
+
+#include <string>
+
+namespace polyfab {
+
+/// Writes the live faces of OB to `path` in the order of the array, each as a fan of quadrilaterals
+/// and triangles with three decimals. When a face is not selected (a deleted one counts) it asks
+/// whether only the selected ones are wanted. Left out are faces of fewer than three corners and
+/// those with a corner that has no point.
+///
+/// 1 on success, `editorState.wholeMeshWritten` then tells whether all faces were wanted. 0,
+/// without a message, when the file cannot be created or written; an old file is then as it was.
+[[nodiscard]] int writeDxfFile(const std::string& path);
+
+} // namespace polyfab

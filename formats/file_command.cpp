@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/file_command.h"
+
+#include "display/view.h"
+#include "editor/state.h"
+#include "mesh/check.h"
+#include "mesh/mesh.h"
+#include "platform/platform.h"
+
+namespace polyfab {
+
+void complain(const std::string& what, const std::string& path) {
+    platform().message(what, path, Icon::exclamation);
+}
+
+bool meshIsSound(const char* title) {
+    const char* const fault = check(*OB);
+    if (fault != nullptr) platform().message(title, fault, Icon::exclamation);
+    return fault == nullptr;
+}
+
+void setFileName(const std::string& path) {
+    editorState.fileName = path;
+    editorState.lastChosen = path.substr(path.find_last_of('/') + 1);
+}
+
+void resetForNewMesh() {
+    OB->curface = OB->curvertex = OB->curtexcoord = -1;
+    stale.edges = true;
+    fitView(*OB);
+}
+
+Busy::Busy(const char* text) : notice(*text != '\0') {
+    editorState.busy = true;
+    if (notice) platform().showBusy(text);
+}
+
+void Busy::end() {
+    if (!editorState.busy) return;
+    editorState.busy = false;
+    if (notice) platform().showBusy("");
+}
+
+} // namespace polyfab

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What all commands that read or write mesh files do alike: messages, checks, marks, the reset for
+// a new mesh.
+#pragma once
+
+#include <string>
+
+namespace polyfab {
+
+/// A message about a file: its path is the text, what happened the title.
+void complain(const std::string& what, const std::string& path);
+
+/// Shows the fault that the integrity check finds under this title. True when there is none.
+[[nodiscard]] bool meshIsSound(const char* title);
+
+/// Makes this the current file, whose name the next file dialog offers.
+void setFileName(const std::string& path);
+
+/// No current elements; the view fitted anew.
+void resetForNewMesh();
+
+/// Holds the busy mark, and a busy notice where there is a text for one, until `end` or for as long
+/// as it lives.
+class Busy {
+  public:
+    explicit Busy(const char* text);
+    ~Busy() { end(); }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+    void end();
+
+  private:
+    bool notice;
+};
+
+} // namespace polyfab

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/import_mesh.h"
+
+#include "editor/state.h"
+#include "formats/file_command.h"
+#include "formats/import_process.h"
+#include "formats/import_stream.h"
+#include "formats/only_selected.h"
+#include "io/read_file.h"
+#include "io/save_file.h"
+#include "mesh/mesh.h"
+#include "mesh/names.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <limits>
+#include <map>
+#include <new>
+#include <sys/mman.h>
+#include <tuple>
+#include <unistd.h>
+
+namespace polyfab {
+namespace {
+
+namespace fs = std::filesystem;
+
+double finite(double value) { return std::isfinite(value) ? value : 0; }
+
+/// Names end up in files with one name a line.
+std::string cleanName(std::string_view name) {
+    std::string clean(storedName(name));
+    std::replace_if(
+        clean.begin(), clean.end(),
+        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
+    return clean.empty() ? "default" : clean;
+}
+
+/// Shows why it failed, in words that may come from anywhere.
+void explain(const char* what, const std::string& path, const std::string& reason) {
+    constexpr std::size_t maxReason = 500;
+    std::string text = reason.substr(0, maxReason);
+    std::replace(text.begin(), text.end(), '\0', ' ');
+    complain(what, path + "\n" + text);
+}
+
+// Import.
+
+/// Why the mesh cannot take these tables up; "" when it can.
+std::string refusal(const StreamView& view, bool append) {
+    const auto tooMany = [append](std::int64_t present, std::size_t added, std::int64_t limit) {
+        return static_cast<std::int64_t>(added) > limit - (append ? present : 0);
+    };
+    constexpr std::int64_t maxCount = std::numeric_limits<std::int32_t>::max();
+    if (tooMany(OB->ng, view.groups.size(), maxIndexed)) return "it has too many groups";
+    if (tooMany(OB->nmat, view.materials.size(), maxIndexed)) return "it has too many materials";
+    if (tooMany(OB->np, view.points.size(), maxCount)
+        || tooMany(OB->nq, view.corners.size(), maxCount)
+        || tooMany(OB->nf, view.faces.size(), maxCount)) {
+        return "the mesh would be too large";
+    }
+    const bool wide = std::any_of(view.faces.begin(), view.faces.end(),
+                                  [](const StreamFace& face) { return face.corners > maxIndexed; });
+    return wide ? "a face has more than 32767 corners" : "";
+}
+
+/// Room for all, so that adding neither fails nor moves an array.
+bool reserve(const StreamView& view) {
+    const auto sum = [](std::int64_t present, std::size_t added) {
+        return present + static_cast<std::int64_t>(added);
+    };
+    return OB->growPoints(sum(OB->np, view.points.size()), true)
+           && OB->growNormals(sum(OB->nd, view.normals.size()), true)
+           && OB->growTexCoords(sum(OB->nt, view.texcoords.size()), true)
+           && OB->growCorners(sum(OB->nq, view.corners.size()), true)
+           && OB->growFaces(sum(OB->nf, view.faces.size()), true);
+}
+
+std::vector<std::int16_t> addGroups(const StreamView& view) {
+    NameTable table(*OB, NameTable::Kind::groups);
+    std::vector<std::int16_t> indices;
+    for (const std::string_view name : view.groups) {
+        indices.push_back(static_cast<std::int16_t>(table.findOrAdd(cleanName(name))));
+    }
+    return indices;
+}
+
+/// A material of the mesh stands for one of the file when name and colour are the same.
+std::vector<std::int16_t> addMaterials(const StreamView& view) {
+    std::map<std::pair<std::string, std::uint32_t>, int> known;
+    for (int i = 0; i < OB->nmat; ++i) {
+        known.try_emplace({OB->materials[i].name, OB->materials[i].color}, i);
+    }
+    std::vector<std::int16_t> indices;
+    for (std::size_t i = 0; i < view.materials.size(); ++i) {
+        const std::string name = cleanName(view.materials[i]);
+        const std::uint32_t color = view.colors[i] & 0xFFFFFF;
+        const auto [entry, isNew] = known.try_emplace({name, color}, 0);
+        if (isNew) entry->second = OB->addMaterial(color, name);
+        indices.push_back(static_cast<std::int16_t>(entry->second));
+    }
+    return indices;
+}
+
+/// Adds the tables to the mesh. False, and the mesh empty, when there is no room.
+bool addTables(const StreamView& view) {
+    const auto [np, nt, nd] = std::tuple(OB->np, OB->nt, OB->nd);
+    if (!reserve(view)) {
+        OB->clear(true);
+        return false;
+    }
+    for (const Vec3& p : view.points) OB->addPoint(finite(p.x), finite(p.y), finite(p.z), false);
+    for (const Vec3& d : view.normals) OB->addNormal(finite(d.x), finite(d.y), finite(d.z));
+    for (const StreamTexCoord& t : view.texcoords) OB->addTexCoord(finite(t.u), finite(t.v));
+    const std::vector<std::int16_t> groups = addGroups(view);
+    const std::vector<std::int16_t> materials = addMaterials(view);
+    const StreamCorner* next = view.corners.data();
+    for (const StreamFace& face : view.faces) {
+        OB->curgroup = groups[static_cast<std::size_t>(face.group)];
+        OB->curmat = materials[static_cast<std::size_t>(face.material)];
+        FaceCorner* corner = OB->newFace(face.corners)->q;
+        for (int k = 0; k < face.corners; ++k, ++corner, ++next) {
+            corner->p = OB->points + np + next->point;
+            if (next->texcoord >= 0) corner->t = OB->texcoords + nt + next->texcoord;
+            if (next->normal >= 0) corner->d = OB->normals + nd + next->normal;
+            corner->edgeuse = 2;
+        }
+    }
+    return true;
+}
+
+/// Returns "" or why the mesh is as it was.
+std::string importFile(const std::string& path, bool append) try {
+    const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
+    std::vector<char> bytes;
+    std::string reason = runExchangeProcess({"import", path}, -1, bytes);
+    if (!reason.empty()) return reason;
+    StreamView view;
+    if (!readStream(bytes, view)) return "what came from the importer makes no sense";
+    if (!view.failure.empty()) return std::string(view.failure);
+    reason = refusal(view, append);
+    if (!reason.empty()) return reason;
+    if (!append) OB->clear(true);
+    return addTables(view) ? "" : "there is not enough memory";
+} catch (const std::bad_alloc&) {
+    return "there is not enough memory";
+}
+
+// Export.
+
+/// Numbers the elements of an array that are used, and collects them.
+template <typename T, typename Value>
+class UsedElements {
+  public:
+    UsedElements(const T* array, int count, std::vector<Value>& values)
+        : first(array), list(values), numbers(static_cast<std::size_t>(count), -1) {}
+    std::int32_t number(const T* element, const Value& value) {
+        std::int32_t& known = numbers[static_cast<std::size_t>(element - first)];
+        if (known < 0) {
+            known = static_cast<std::int32_t>(list.size());
+            list.push_back(value);
+        }
+        return known;
+    }
+
+  private:
+    const T* first;
+    std::vector<Value>& list;
+    std::vector<std::int32_t> numbers;
+};
+
+StreamTables tablesOf(bool onlySelected) {
+    StreamTables tables;
+    UsedElements points(OB->points, OB->np, tables.points);
+    UsedElements texcoords(OB->texcoords, OB->nt, tables.texcoords);
+    UsedElements normals(OB->normals, OB->nd, tables.normals);
+    for (int i = 0; i < OB->nf; ++i) {
+        const Face& face = OB->faces[i];
+        if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
+        tables.faces.push_back({face.n, face.g, face.mat});
+        for (int k = 0; k < face.n; ++k) {
+            const auto& [p, d, t, edgeuse, mark] = face.q[k];
+            tables.corners.push_back({points.number(p, {p->x, p->y, p->z}),
+                                      t != nullptr ? texcoords.number(t, {t->u, t->v}) : -1,
+                                      d != nullptr ? normals.number(d, {d->x, d->y, d->z}) : -1});
+        }
+    }
+    for (int i = 0; i < OB->ng; ++i) tables.groups.emplace_back(OB->groups[i].name);
+    for (int i = 0; i < OB->nmat; ++i) {
+        tables.materials.emplace_back(OB->materials[i].name);
+        tables.colors.push_back(OB->materials[i].color);
+    }
+    return tables;
+}
+
+/// A file in memory with the mesh in it, for the child to read; -1 when that fails.
+int streamFile(bool onlySelected) {
+    const int file = ::memfd_create("mesh", MFD_CLOEXEC);
+    if (file < 0 || writeStream(file, tablesOf(onlySelected))) return file;
+    ::close(file);
+    return -1;
+}
+
+/// Where the exporter writes; removed with everything in it.
+class ScratchFolder {
+  public:
+    ScratchFolder() {
+        std::error_code ignored;
+        std::string name = fs::temp_directory_path(ignored) / "polyfab-export-XXXXXX";
+        if (::mkdtemp(name.data()) != nullptr) path = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        if (!path.empty()) fs::remove_all(path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    fs::path path; ///< "" when it could not be made
+};
+
+/// Fills the new file with the exporter's and puts it in place.
+bool save(const fs::path& from, SaveFile& to) {
+    PieceReader source(from);
+    std::string_view text;
+    while (source.isOpen() && source.next(0, text)) to.append(text);
+    return source.isOpen() && !source.failed() && to.commit();
+}
+
+/// Takes everything over that the exporter wrote: what the file refers to first, it itself last.
+std::string saveAll(const fs::path& folder, const fs::path& target, SaveFile& file) {
+    const fs::path main = folder / target.filename();
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
+        SaveFile beside;
+        const fs::path name = target.parent_path() / entry->path().filename();
+        if (!beside.open(name) || !save(entry->path(), beside)) {
+            return "can't write " + name.string();
+        }
+    }
+    if (!fs::is_regular_file(fs::symlink_status(main, error))) return "the exporter wrote nothing";
+    return save(main, file) ? "" : "can't write the file";
+}
+
+/// Returns "" or why the old file is as it was.
+std::string exportFile(const std::string& path, bool onlySelected, SaveFile& file) try {
+    const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
+    const ScratchFolder folder;
+    const int input = folder.path.empty() ? -1 : streamFile(onlySelected);
+    if (input < 0) return "there is no room for temporary files";
+    const fs::path written = folder.path / fs::path(path).filename();
+    std::vector<char> bytes;
+    const std::string reason = runExchangeProcess({"export", written}, input, bytes);
+    ::close(input);
+    if (!reason.empty()) return reason;
+    StreamView view;
+    if (!readStream(bytes, view)) return "what came from the exporter makes no sense";
+    if (!view.failure.empty()) return std::string(view.failure);
+    return saveAll(folder.path, path, file);
+} catch (const std::bad_alloc&) {
+    return "there is not enough memory";
+}
+
+constexpr const char* common = "*.STL;*.PLY;*.GLTF;*.GLB;*.DAE;*.FBX;*.OBJ;*.3DS;*.X;*.X3D;*.3MF";
+
+} // namespace
+
+void importOtherMesh() {
+    const auto path = platform().fileDialog({false,
+                                             "file to import mesh from?",
+                                             {{"common mesh files", common}, {"all files", "*"}},
+                                             editorState.lastChosen});
+    if (!path) return;
+    const Choice append = platform().question("add it to the mesh? (no: it replaces the mesh)",
+                                              *path, Buttons::yesNoCancel);
+    if (append == Choice::cancel || !meshIsSound("mesh fault before reading")) return;
+    const std::string reason = importFile(*path, append == Choice::yes);
+    if (!reason.empty()) {
+        explain("I tried to read this file but it didn't work", *path, reason);
+        return;
+    }
+    setFileName(*path);
+    resetForNewMesh();
+    static_cast<void>(meshIsSound("mesh fault after reading"));
+    updateTitle();
+}
+
+void exportOtherMesh() {
+    const auto path = platform().fileDialog({true,
+                                             "file to export mesh to?",
+                                             {{"common mesh files", common}, {"all files", "*"}},
+                                             editorState.lastChosen});
+    if (!path || !meshIsSound("mesh fault before writing")) return;
+    constexpr const char* failed = "I tried to write to this file but it didn't work";
+    SaveFile file;
+    if (!file.open(*path)) return explain(failed, *path, "can't open file");
+    const std::string reason = exportFile(*path, askOnlySelected(false), file);
+    if (!reason.empty()) explain(failed, *path, reason);
+}
+
+} // namespace polyfab

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The commands that import and export the mesh formats of other programs. The work is done in a
+// child process; whatever becomes of it, the open mesh is safe.
+#pragma once
+
+namespace polyfab {
+
+/// Asks for a file and whether its mesh is added or replaces the present one. After a failure,
+/// which a message explains, the mesh is as it was; only where the editor itself finds no memory
+/// for the new elements it is empty.
+void importOtherMesh();
+
+/// Asks for a file and writes the mesh, or the selected faces of it, in the format that the suffix
+/// names. The file and those beside it that the format may need are replaced when all are complete.
+/// The mesh counts as altered as before: other formats keep less of it.
+void exportOtherMesh();
+
+} // namespace polyfab

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Bit 0 of the first byte reads the rest a second time, appended. What was read must pass the
+// check, and what is then written must read back with as many entities as were written.
+#include "formats/dxf_reader.h"
+#include "formats/dxf_writer.h"
+#include "fuzz/fuzz_support.h"
+#include "mesh/check.h"
+#include "tests/support/fake_platform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+namespace {
+
+using namespace polyfab;
+using fuzz::demand;
+
+/// Whether every number will be short enough for a line.
+bool numbersAreShort() {
+    return std::all_of(OB->points, OB->points + OB->np, [](const Point& point) {
+        return std::fabs(point.x) < 1e200 && std::fabs(point.y) < 1e200
+               && std::fabs(point.z) < 1e200;
+    });
+}
+
+int entities() {
+    int count = 0;
+    for (int i = 0; i < OB->nf; ++i) count += std::max(0, (OB->faces[i].n - 1) / 2);
+    return count;
+}
+
+void writeAndReadBack() {
+    static const std::string path = fuzz::scratchPath(".dxf");
+    demand(writeDxfFile(path) == 1, "not written");
+    const int written = entities();
+    const bool comparable = numbersAreShort();
+    fuzz::emptyMesh();
+    const int boundaries = readDxfFile(path, false);
+    std::filesystem::remove(path);
+    demand(check(*OB) == nullptr, "what was written reads back unsound");
+    demand(!comparable || boundaries == written + 1, "entities get lost");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static test::FakePlatform shown;
+    createMesh();
+    if (size == 0) return 0;
+    const fuzz::MemoryFile file(data + 1, size - 1);
+    bool read = readDxfFile(file.path(), false) != 0;
+    if ((data[0] & 1) != 0) read = readDxfFile(file.path(), true) != 0 && read;
+    if (read) {
+        const char* const fault = check(*OB);
+        demand(fault == nullptr, fault);
+        writeAndReadBack();
+    }
+    fuzz::emptyMesh();
+    demand(storeBlocks() == 1, "blocks stay behind");
+    shown.log.clear();
+    return 0;
+}

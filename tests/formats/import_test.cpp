@@ -1,0 +1,369 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/import_mesh.h"
+
+#include "editor/state.h"
+#include "formats/import_process.h"
+#include "formats/import_stream.h"
+#include "mesh/check.h"
+#include "tests/support/mesh_fixture.h"
+#include "tests/support/temp_folder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fcntl.h>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+class ImportMesh : public test::MeshTest {
+  protected:
+    ImportMesh() : before(std::exchange(exchangeProgram, POLYFAB_PROGRAM)) { resetEditorState(); }
+    ~ImportMesh() override {
+        exchangeProgram = before;
+        resetEditorState();
+    }
+
+    /// Makes the child a shell script.
+    void useChild(const std::string& script) {
+        exchangeProgram = folder.write("child", "#!/bin/sh\n" + script + "\n");
+        ASSERT_EQ(chmod(exchangeProgram.c_str(), 0700), 0);
+    }
+
+    /// The reason of the failure that is shown, "" when none is.
+    std::string import(const std::string& path, Choice append = Choice::no) {
+        Group* old = OB->groups;
+        shown.files = {path};
+        shown.choices = {append};
+        importOtherMesh();
+        if (OB->groups != old && append == Choice::no) farfree(&old); // the store keeps the groups
+        return reason();
+    }
+
+    std::string exportTo(const std::string& path) {
+        shown.files = {path};
+        exportOtherMesh();
+        return reason();
+    }
+
+    std::string reason() {
+        std::string found;
+        for (const std::string& line : shown.log) {
+            if (line.starts_with("message!|")) found = line.substr(line.find_last_of("|\n") + 1);
+        }
+        shown.log.clear();
+        return found;
+    }
+
+    static std::string groups() {
+        std::string names;
+        for (int i = 0; i < OB->ng; ++i) names += std::string(OB->groups[i].name) + " ";
+        return names;
+    }
+
+    std::string before;
+    test::TempFolder folder;
+};
+
+constexpr const char* stl = R"(solid wedge
+facet normal 0 0 1
+ outer loop
+  vertex 0 0 0
+  vertex 1 0 0
+  vertex 1 1 0
+ endloop
+endfacet
+facet normal 0 0 1
+ outer loop
+  vertex 0 0 0
+  vertex 1 1 0
+  vertex 0 1 0
+ endloop
+endfacet
+endsolid wedge
+)";
+
+constexpr const char* ply = R"(ply
+format ascii 1.0
+element vertex 5
+property float x
+property float y
+property float z
+element face 2
+property list uchar int vertex_index
+end_header
+0 0 0
+1 0 0
+1 1 0
+0 1 0
+-1 0.5 0
+5 0 1 2 3 4
+3 0 1 2
+)";
+
+/// A quad with texture coordinates in a node that mirrors and moves it, twice.
+constexpr const char* dae = R"(<?xml version="1.0"?>
+<COLLADA xmlns="http://www.collada.org/2005/11/COLLADASchema" version="1.4.1">
+<asset><up_axis>Y_UP</up_axis></asset>
+<library_effects><effect id="e"><profile_COMMON><technique sid="t"><lambert><diffuse>
+ <color>1 0.5 0 1</color></diffuse></lambert></technique></profile_COMMON></effect>
+</library_effects>
+<library_materials><material id="m" name="clay"><instance_effect url="#e"/></material>
+</library_materials>
+<library_geometries><geometry id="g" name="quad"><mesh>
+ <source id="p"><float_array id="pa" count="12">0 0 0 2 0 0 2 1 0 0 1 0</float_array>
+  <technique_common><accessor source="#pa" count="4" stride="3"><param name="X" type="float"/>
+  <param name="Y" type="float"/><param name="Z" type="float"/></accessor></technique_common>
+ </source>
+ <source id="n"><float_array id="na" count="3">0 0 1</float_array>
+  <technique_common><accessor source="#na" count="1" stride="3"><param name="X" type="float"/>
+  <param name="Y" type="float"/><param name="Z" type="float"/></accessor></technique_common>
+ </source>
+ <source id="u"><float_array id="ua" count="4">0.25 0.5 0.75 1</float_array>
+  <technique_common><accessor source="#ua" count="2" stride="2"><param name="S" type="float"/>
+  <param name="T" type="float"/></accessor></technique_common></source>
+ <vertices id="v"><input semantic="POSITION" source="#p"/></vertices>
+ <polylist material="s" count="1"><input semantic="VERTEX" source="#v" offset="0"/>
+  <input semantic="NORMAL" source="#n" offset="1"/>
+  <input semantic="TEXCOORD" source="#u" offset="2" set="0"/>
+  <vcount>4</vcount><p>0 0 0 1 0 1 2 0 0 3 0 1</p></polylist>
+</mesh></geometry></library_geometries>
+<library_visual_scenes><visual_scene id="scene">
+ <node id="left" name="left"><matrix>-1 0 0 5 0 1 0 0 0 0 1 7 0 0 0 1</matrix>
+  <instance_geometry url="#g"><bind_material><technique_common>
+  <instance_material symbol="s" target="#m"/></technique_common></bind_material>
+  </instance_geometry></node>
+ <node id="right" name="right"><instance_geometry url="#g"><bind_material><technique_common>
+  <instance_material symbol="s" target="#m"/></technique_common></bind_material>
+  </instance_geometry></node>
+</visual_scene></library_visual_scenes>
+<scene><instance_visual_scene url="#scene"/></scene>
+</COLLADA>
+)";
+
+TEST_F(ImportMesh, KeepsWhatTheFileHas) {
+    struct Row {
+        const char* name;
+        const char* text;
+        int np, nf, nt, corners;
+        const char* groups;
+    };
+    constexpr Row rows[] = {{"a.stl", stl, 4, 2, 0, 3, "wedge "},
+                            {"b.ply", ply, 5, 2, 0, 5, "default "},
+                            {"c.dae", dae, 8, 2, 4, 4, "left right "}};
+    for (const Row& row : rows) {
+        OB->changed = 0;
+        const std::string path = folder.write(row.name, row.text);
+        EXPECT_EQ(import(path), "") << row.name;
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(OB->np, row.np) << row.name;
+        EXPECT_EQ(OB->nt, row.nt) << row.name;
+        ASSERT_EQ(OB->nf, row.nf) << row.name;
+        EXPECT_EQ(OB->faces[0].n, row.corners) << row.name;
+        EXPECT_EQ(groups(), row.groups);
+        EXPECT_EQ(OB->changed, 1);
+        EXPECT_EQ(shown.windowTitle, "polyfab [" + path + "] ");
+        EXPECT_FALSE(editorState.busy);
+    }
+    // The last file: material, and what the mirroring node makes of the quad.
+    EXPECT_EQ(std::string(OB->materials[0].name), "clay");
+    EXPECT_EQ(OB->materials[0].color, 0xFF8000U);
+    EXPECT_EQ(OB->nmat, 1);
+    const FaceCorner* const q = OB->faces[0].q;
+    const double turn = (q[1].p->x - q[0].p->x) * (q[2].p->y - q[1].p->y)
+                        - (q[1].p->y - q[0].p->y) * (q[2].p->x - q[1].p->x);
+    EXPECT_GT(turn, 0); // still seen from above, as its normal says
+    for (int k = 0; k < 4; ++k) {
+        EXPECT_TRUE(q[k].p->x == 3 || q[k].p->x == 5);
+        EXPECT_EQ(q[k].p->z, 7);
+        EXPECT_EQ(q[k].d->z, 1);
+        const bool first = q[k].p->x + q[k].p->y == 5 || q[k].p->x + q[k].p->y == 4;
+        EXPECT_EQ(q[k].t->u, first ? 0.25 : 0.75);
+    }
+}
+
+TEST_F(ImportMesh, AddsReplacesOrLeavesIt) {
+    const std::string path = folder.write("c.dae", dae);
+    test::addCube();
+    EXPECT_EQ(import(path, Choice::cancel), "");
+    EXPECT_EQ(OB->nf, 6);
+    EXPECT_EQ(editorState.fileName, "");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(import(path, Choice::yes), "");
+    EXPECT_EQ(OB->nf, 10);
+    EXPECT_EQ(OB->np, 24);
+    EXPECT_EQ(OB->nmat, 2); // the same name and colour: the same material
+    EXPECT_EQ(groups(), "default left right ");
+    OB->materials[1].color = 1;
+    EXPECT_EQ(import(path, Choice::yes), "");
+    EXPECT_EQ(OB->nmat, 3);
+    EXPECT_EQ(check(*OB), nullptr);
+    EXPECT_EQ(import(path), "");
+    EXPECT_EQ(OB->nf, 2);
+}
+
+TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
+    struct Row {
+        const char* child;
+        const char* reason;
+    };
+    constexpr Row rows[] = {
+        {"exit 0", "what came from the importer makes no sense"},
+        {"head -c 100000 /dev/zero", "what came from the importer makes no sense"},
+        {"echo some text; exit 3", "the process for other formats failed"},
+        {"kill -SEGV $$", "the process for other formats crashed (SIGSEGV)"},
+        {"kill -XCPU $$", "it took too long"},
+        {"kill -KILL $$", "the process for other formats was killed: out of memory?"},
+        {"while :; do echo text; sleep 0.01; done", "stopped by the Escape key"},
+        {"exec sleep 100", "stopped by the Escape key"},
+    };
+    test::addCube();
+    OB->changed = 0;
+    editorState.fileName = "cube.obj";
+    for (const Row& row : rows) {
+        useChild(row.child);
+        shown.escapeAfter = 2000; // far more looks than those that end by themselves need
+        if (std::string(row.reason).starts_with("stopped")) shown.escapeAfter = 3;
+        EXPECT_EQ(import("model.stl", Choice::no), row.reason);
+        EXPECT_EQ(OB->nf, 6);
+        EXPECT_EQ(OB->changed, 0);
+        EXPECT_EQ(editorState.fileName, "cube.obj");
+        EXPECT_FALSE(editorState.busy);
+    }
+    exchangeProgram = folder.path("nowhere");
+    EXPECT_EQ(import("model.stl"), "no process can be started");
+    exchangeProgram = POLYFAB_PROGRAM;
+    EXPECT_EQ(import(folder.path("none.stl")), "there is no such file");
+    EXPECT_EQ(import(folder.write("x.unknown", "x")).substr(0, 24), "No suitable reader found");
+    EXPECT_NE(import(folder.write("bad.ply", "ply\n")), "");
+    EXPECT_EQ(OB->nf, 6);
+}
+
+TEST_F(ImportMesh, ExportsWhatItImports) {
+    struct Row {
+        const char* name;
+        bool polygons;
+        bool names; ///< of groups and materials, and colours
+        const char* beside;
+    };
+    constexpr Row rows[] = {{"a.ply", true, false, ""},       {"b.STL", false, false, ""},
+                            {"c.dae", true, true, ""},        {"d.fbx", true, true, ""},
+                            {"e.gltf", false, true, "e.bin"}, {"f.glb", false, true, ""},
+                            {"g.obj", true, true, "g.mtl"},   {"h.3mf", false, false, ""}};
+    for (const Row& row : rows) {
+        OB->clear(true);
+        test::addCube();
+        OB->faces[1].g = static_cast<std::int16_t>(OB->addGroup("lid"));
+        OB->faces[1].mat = static_cast<std::int16_t>(OB->addMaterial(0xFF0000, "red"));
+        OB->faces[2].q = nullptr;
+        OB->changed = 1;
+        EXPECT_EQ(exportTo(folder.path(row.name)), "") << row.name;
+        EXPECT_TRUE(*row.beside == '\0' || folder.has(row.beside)) << row.name;
+        EXPECT_EQ(OB->changed, 1);
+        EXPECT_EQ(import(folder.path(row.name)), "") << row.name;
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(OB->nf, row.polygons ? 5 : 10) << row.name;
+        std::set<std::tuple<double, double, double>> corners;
+        for (int i = 0; i < OB->np; ++i) {
+            const Point& p = OB->points[i];
+            EXPECT_TRUE(std::fabs(p.x) == 1 && std::fabs(p.y) == 1 && std::fabs(p.z) == 1);
+            corners.insert({p.x, p.y, p.z});
+        }
+        EXPECT_EQ(corners.size(), 8U) << row.name;
+        if (!row.names) continue;
+        EXPECT_EQ(groups(), "default lid ") << row.name;
+        const int red = OB->findOrAddMaterial(0, "red");
+        EXPECT_EQ(OB->materials[red].color, 0xFF0000U) << row.name;
+        const auto isRed = [&](const Face& face) { return face.mat == red; };
+        EXPECT_EQ(std::count_if(OB->faces, OB->faces + OB->nf, isRed), row.polygons ? 1 : 2);
+    }
+}
+
+TEST_F(ImportMesh, AFailedExportLeavesTheOldFile) {
+    const std::string path = folder.write("a.stl", "old");
+    EXPECT_EQ(exportTo(path), "there is no face to write");
+    test::addCube();
+    EXPECT_EQ(exportTo(folder.write("a.zzz", "old")),
+              "there is no exporter for files that end in .zzz");
+    EXPECT_EQ(exportTo(folder.path("no/a.stl")), "can't open file");
+    for (const char* const child : {"kill -SEGV $$", "exit 0", "cat $3", "echo > $3; exit 1"}) {
+        useChild(child);
+        EXPECT_NE(exportTo(path), "") << child;
+    }
+    EXPECT_EQ(folder.read("a.stl"), "old");
+    EXPECT_EQ(folder.read("a.zzz"), "old");
+    OB->faces[0].selected = 0;
+    exchangeProgram = POLYFAB_PROGRAM;
+    shown.choices = {Choice::yes};
+    EXPECT_EQ(exportTo(path), "");
+    EXPECT_EQ(folder.read("a.stl").size(), 84U + 10 * 50);
+}
+
+std::vector<char> streamOf(const StreamTables& tables) {
+    const test::TempFolder folder;
+    const int file = ::open(folder.path("stream").c_str(), O_WRONLY | O_CREAT, 0600);
+    EXPECT_TRUE(writeStream(file, tables));
+    ::close(file);
+    const std::string bytes = folder.read("stream");
+    return {bytes.begin(), bytes.end()};
+}
+
+/// Touches all that a user of the view would.
+bool isInRange(const StreamView& view) {
+    std::size_t corners = 0;
+    bool good = view.colors.size() == view.materials.size();
+    for (const StreamFace& face : view.faces) {
+        for (int k = 0; k < face.corners; ++k) {
+            const StreamCorner& corner = view.corners[corners++];
+            good = good && static_cast<std::size_t>(corner.point) < view.points.size()
+                   && corner.texcoord < std::ssize(view.texcoords) && corner.texcoord >= -1
+                   && corner.normal < std::ssize(view.normals) && corner.normal >= -1;
+        }
+        good = good && static_cast<std::size_t>(face.group) < view.groups.size()
+               && static_cast<std::size_t>(face.material) < view.materials.size();
+    }
+    return good && corners == view.corners.size();
+}
+
+TEST(ImportStream, IsReadWholeOrNotAtAll) {
+    StreamTables tables;
+    tables.points = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
+    tables.normals = {{0, 0, 1}};
+    tables.texcoords = {{0.5, 0.25}};
+    tables.corners = {{0, 0, 0}, {1, -1, 0}, {2, 0, -1}};
+    tables.faces = {{3, 1, 0}};
+    tables.groups = {"one", "two"};
+    tables.materials = {"red"};
+    tables.colors = {0xFF0000};
+    const std::vector<char> bytes = streamOf(tables);
+    StreamView view;
+    ASSERT_TRUE(readStream(bytes, view));
+    EXPECT_EQ(view.points[2].y, 8);
+    EXPECT_EQ(view.texcoords[0].v, 0.25);
+    EXPECT_EQ(view.corners[1].texcoord, -1);
+    EXPECT_EQ(view.groups, (std::vector<std::string_view>{"one", "two"}));
+    EXPECT_EQ(view.materials[0], "red");
+    EXPECT_TRUE(isInRange(view));
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        const std::vector<char> cut(bytes.begin(), bytes.begin() + std::ptrdiff_t(size));
+        StreamView part;
+        EXPECT_FALSE(readStream(cut, part)) << size;
+    }
+    int accepted = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        for (const int value : {0, 1, 2, 3, 4, 0x7F, 0x80, 0xFF}) {
+            std::vector<char> damaged = bytes;
+            damaged[i] = static_cast<char>(value);
+            StreamView part;
+            if (!readStream(damaged, part)) continue;
+            ++accepted;
+            EXPECT_TRUE(isInRange(part)) << i << " " << value;
+        }
+    }
+    EXPECT_GT(accepted, 0); // a coordinate or a colour may be anything
+}
+
+} // namespace
+} // namespace polyfab
