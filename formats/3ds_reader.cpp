@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// One position walks through the bytes and never goes back, so that every file takes time linear in
-// its size, however its chunks overlap. A container that it has entered stands on a stack until the
-// position has reached its end; nothing recurses. A chunk may run over the end of its container,
-// never over that of the bytes.
+// One position walks through the bytes and never goes back, however the chunks overlap. A container
+// that it has entered stands on a stack until the position has reached its end; nothing recurses. A
+// chunk may run over the end of its container, never over that of the bytes.
 #include "formats/3ds_reader.h"
 
 #include "io/read_file.h"
@@ -26,10 +25,8 @@ constexpr std::size_t listStart = headerSize + 2; ///< of the elements behind a 
 constexpr std::size_t pointSize = 12;
 constexpr std::size_t triangleSize = 8;
 
-/// The first chunk's length has only its lower half, hence no file reaches the larger limit.
-constexpr std::size_t maxFile = 5'000'000;
+/// The first chunk's length has only its lower half, hence no file reaches the limit of 5,000,000.
 constexpr std::size_t maxLength = std::numeric_limits<std::uint16_t>::max();
-static_assert(maxLength <= maxFile);
 
 constexpr const char* runsOff = "chunk runs off end";
 constexpr const char* noRoom = "";
@@ -78,7 +75,6 @@ class Walk {
         return enter(chunk, chunk.start + headerSize);
     }
     const char* enterMaterial(const Chunk& chunk);
-    const char* enterColor(const Chunk& chunk);
     const char* enterObject(const Chunk& chunk);
     const char* enterFaces(const Chunk& chunk);
     const char* readMaterialName(const Chunk& chunk);
@@ -98,22 +94,25 @@ class Walk {
 };
 
 const Walk::Action Walk::actions[] = {
-    {0x4D4D, 0, &Walk::enterContainer},    {0x3D3D, 0, &Walk::enterContainer},
-    {0xAFFF, 0, &Walk::enterMaterial},     {0xA000, 0xAFFF, &Walk::readMaterialName},
-    {0xA020, 0xAFFF, &Walk::enterColor},   {0x0011, 0xA020, &Walk::readColor},
-    {0x4000, 0, &Walk::enterObject},       {0x4100, 0, &Walk::enterContainer},
-    {0x4110, 0, &Walk::readPoints},        {0x4120, 0, &Walk::enterFaces},
+    {0x4D4D, 0, &Walk::enterContainer},      {0x3D3D, 0, &Walk::enterContainer},
+    {0xAFFF, 0, &Walk::enterMaterial},       {0xA000, 0xAFFF, &Walk::readMaterialName},
+    {0xA020, 0xAFFF, &Walk::enterContainer}, {0x0011, 0xA020, &Walk::readColor},
+    {0x4000, 0, &Walk::enterObject},         {0x4100, 0, &Walk::enterContainer},
+    {0x4110, 0, &Walk::readPoints},          {0x4120, 0, &Walk::enterFaces},
     {0x4130, 0, &Walk::readMaterialGroup},
 };
 
 const char* Walk::readChunk() {
     if (bytes.size() - at < headerSize) return "chunk too short";
-    const std::uint32_t length = longWord(at + 4);
+    const unsigned id = word(at);
+    const unsigned parent = open.empty() ? 0 : open.back().id;
+    // Of a material's colour only the lower half of the length counts.
+    const bool color = id == 0xA020 && parent == 0xAFFF;
+    const std::uint32_t length = color ? word(at + 4) : longWord(at + 4);
     if (length > bytes.size() - at) return runsOff;
     // The next chunk would begin inside this one's header, or be this one again.
     if (length < headerSize) return "chunk too short";
-    const Chunk chunk{word(at), at, at + length};
-    const unsigned parent = open.empty() ? 0 : open.back().id;
+    const Chunk chunk{id, at, at + length};
     const auto* const action =
         std::find_if(std::begin(actions), std::end(actions), [&](const Action& row) {
             return row.id == chunk.id && (row.parent == 0 || row.parent == parent);
@@ -133,13 +132,6 @@ const char* Walk::enterMaterial(const Chunk& chunk) {
     const int before = OB->nmat;
     OB->addMaterial(0, "");
     return OB->nmat == before ? noRoom : enterContainer(chunk);
-}
-
-/// Only the lower half of the length counts here, so that the colour behind the header does not.
-const char* Walk::enterColor(const Chunk& chunk) {
-    const std::size_t length = word(chunk.start + 4);
-    if (length < headerSize) return "chunk too short";
-    return enterContainer({chunk.id, chunk.start, chunk.start + length});
 }
 
 const char* Walk::enterObject(const Chunk& chunk) {

@@ -5,7 +5,6 @@
 
 #include "display/view.h"
 #include "io/parse_number.h"
-#include "io/print_number.h"
 #include "io/read_file.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
@@ -16,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <new>
 #include <optional>
 #include <string_view>

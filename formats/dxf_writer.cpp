@@ -6,8 +6,10 @@
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
+#include "platform/platform.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <string>
 
@@ -57,15 +59,31 @@ void writeLayer(SaveFile& file, int material) {
     file.append("8\n" + name + "\n");
 }
 
-void writeFaces(SaveFile& file, bool onlySelected) {
+/// A longer number than that makes a line which readers cut in two.
+bool fitsALine(const FaceCorner& corner) {
+    const auto fits = [](double value) { return std::fabs(value) < 1e250; };
+    return corner.p == nullptr || (fits(corner.p->x) && fits(corner.p->y) && fits(corner.p->z));
+}
+
+/// False after a message when a coordinate cannot be written.
+bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
     for (const Face& face : std::span(OB->faces, static_cast<std::size_t>(OB->nf))) {
         if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         const Corners corners(face.q, static_cast<std::size_t>(face.n));
+        if (!std::all_of(corners.begin(), corners.end(), fitsALine)) {
+            platform().message("a DXF file can't have a coordinate beyond 1e250", path,
+                               Icon::exclamation);
+            return false;
+        }
         const auto hasNoPoint = [](const FaceCorner& corner) { return corner.p == nullptr; };
-        if (std::any_of(corners.begin(), corners.end(), hasNoPoint)) continue;
+        if (std::any_of(corners.begin(), corners.end(), hasNoPoint)) {
+            editorState.wholeMeshWritten = false;
+            continue;
+        }
         writeFan(file, corners);
         if (face.mat != 0) writeLayer(file, face.mat);
     }
+    return true;
 }
 
 } // namespace
@@ -76,10 +94,11 @@ int writeDxfFile(const std::string& path) {
     if (!file.open(path)) return 0;
     file.append("0\nSECTION\n2\nENTITIES\n");
     const bool onlySelected = askOnlySelected(true);
-    writeFaces(file, onlySelected);
+    editorState.wholeMeshWritten = !onlySelected;
+    bool written = writeFaces(file, onlySelected, path);
     file.append("0\nENDSEC\n0\nEOF\n");
-    const bool written = file.commit();
-    editorState.wholeMeshWritten = written && !onlySelected;
+    written = written && file.commit();
+    if (!written) editorState.wholeMeshWritten = false;
     return written ? 1 : 0;
 }
 

@@ -134,6 +134,10 @@ bool buildEdges(Mesh& mesh) {
     sortSides(mesh, sides);
     const auto count = static_cast<std::size_t>(findEdges(mesh, sides, found));
     mesh.edges = static_cast<Edge*>(farrealloc(mesh.edges, count * sizeof(Edge), "edgel2"));
+    if (count != 0 && mesh.edges == nullptr) {
+        freeEdges(mesh);
+        return false;
+    }
     return true;
 }
 

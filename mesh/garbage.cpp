@@ -125,10 +125,8 @@ void compactNames(Mesh& mesh) {
     mesh.curmat = static_cast<std::int16_t>(std::min<int>(mesh.curmat, mesh.nmat - 1));
 }
 
-/// What a file of the mesh would tell of it, which the name made for an empty table is no part of.
-auto sizes(const Mesh& mesh) {
-    return std::array{mesh.np, mesh.nt, mesh.nd, std::max(mesh.ng, 1), std::max(mesh.nmat, 1)};
-}
+/// What a file of the mesh would tell of it.
+auto sizes(const Mesh& mesh) { return std::array{mesh.np, mesh.nt, mesh.nd, mesh.ng, mesh.nmat}; }
 
 } // namespace
 
@@ -147,19 +145,17 @@ bool collectGarbage(Mesh& mesh) {
     Places texcoords(mesh.nt, unused);
     Places normals(mesh.nd, unused);
     const auto bytes = static_cast<std::size_t>(liveCorners(mesh)) * sizeof(FaceCorner);
-    auto* const corners = static_cast<FaceCorner*>(farmalloc(bytes));
+    auto* corners = static_cast<FaceCorner*>(farmalloc(bytes));
     if (!points || !texcoords || !normals || corners == nullptr) {
-        FaceCorner* given = corners;
-        farfree(&given);
+        farfree(&corners);
         return false;
     }
     const auto before = sizes(mesh);
-    const bool changed = mesh.changed != 0;
     compactFaces(mesh);
     moveCorners(mesh, corners);
     compactReferred(mesh, points, texcoords, normals);
     compactNames(mesh);
-    mesh.changed = changed || sizes(mesh) != before;
+    if (sizes(mesh) != before) mesh.changed = 1;
     return true;
 }
 

@@ -107,7 +107,7 @@ void checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables) {
     // The collection may have taken the current face away.
     if (orient && hasCurrentFace(mesh)) return orientFaces(mesh);
     markBadEdges(mesh);
-    if (!keepTables) freeEdges(mesh);
+    if (!keepTables || orient) freeEdges(mesh);
 }
 
 void reverseFace(Face& face) { std::reverse(face.q, face.q + std::max<int>(face.n, 0)); }

@@ -10,7 +10,7 @@
 namespace polyfab {
 
 /// Gives the same points as Mesh::findOrAddPoint, for as long as nobody else adds, moves or removes
-/// any. Takes 8 to 16 bytes a point; std::bad_alloc when there is no memory for them.
+/// any. Takes 8 to 32 bytes a point; std::bad_alloc when there is no memory for them.
 class PointIndex {
   public:
     explicit PointIndex(Mesh& mesh);

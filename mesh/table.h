@@ -30,7 +30,8 @@ class Table {
 
   private:
     static T* take(std::int64_t count) {
-        return static_cast<T*>(farmalloc(static_cast<std::size_t>(count) * sizeof(T)));
+        return static_cast<T*>(
+            farmalloc(static_cast<std::size_t>(std::max<std::int64_t>(count, 1)) * sizeof(T)));
     }
 
     T* elements;

@@ -167,6 +167,7 @@ void split(Mesh& mesh, int index, std::size_t n, const std::vector<FaceCorner>& 
         give(mesh.faces[mesh.nf++], loop);
     }
     give(face, cut.rest);
+    std::fill(fresh, mesh.corners + mesh.nq, FaceCorner()); // what spikes in the loops left over
 }
 
 } // namespace
