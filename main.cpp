@@ -40,15 +40,15 @@ int openWindow([[maybe_unused]] int& argc, [[maybe_unused]] char** argv,
 int main(int argc, char** argv) {
     const polyfab::Program& program = polyfab::editorProgram();
     std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
+    // Not for users: what the program starts to import or export a file. Its words are as they are.
+    if (!args.empty() && args.front() == polyfab::exchangeArgument) {
+        polyfab::runExchangeChild({args.begin() + 1, args.end()});
+    }
     if (const std::string wrong = polyfab::expandArgumentFiles(args); !wrong.empty()) {
         std::fprintf(stderr, "polyfab: %s\n", wrong.c_str());
         return 2;
     }
     const std::string first = args.empty() ? "" : args.front();
-    // Not for users: what the program starts to import or export a file.
-    if (first == polyfab::exchangeArgument) {
-        polyfab::runExchangeChild({args.begin() + 1, args.end()});
-    }
     if (first == "--batch") return polyfab::runBatch(program, {args.begin() + 1, args.end()});
     if (first == "--convert" && args.size() == 3) {
         return polyfab::runConvert(program, args[1], args[2]);

@@ -30,7 +30,7 @@ const AssimpLibrary* openAssimp() {
         && found("aiGetMaterialColor", assimp.aiGetMaterialColor)
         && found("aiGetExportFormatCount", assimp.aiGetExportFormatCount)
         && found("aiGetExportFormatDescription", assimp.aiGetExportFormatDescription)
-        && found("aiExportScene", assimp.aiExportScene);
+        && found("aiExportSceneEx", assimp.aiExportSceneEx);
     return complete ? &assimp : nullptr;
 }
 

@@ -20,7 +20,7 @@ struct AssimpLibrary {
     decltype(&::aiGetMaterialColor) aiGetMaterialColor;
     decltype(&::aiGetExportFormatCount) aiGetExportFormatCount;
     decltype(&::aiGetExportFormatDescription) aiGetExportFormatDescription;
-    decltype(&::aiExportScene) aiExportScene;
+    decltype(&::aiExportSceneEx) aiExportSceneEx;
 };
 
 /// The library, which then stays open, or null where it is not installed or is another one.

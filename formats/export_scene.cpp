@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Builds a scene of plain records. Nothing of it is released: the process ends after the export.
+#include "formats/export_files.h"
 #include "formats/scenes.h"
 #include "formats/unique_table.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <string_view>
 
@@ -233,7 +235,9 @@ const char* formatOf(const AssimpLibrary& assimp, std::string_view suffix) {
 std::string exportScene(const AssimpLibrary& assimp, const StreamView& mesh,
                         const std::string& path) {
     if (mesh.faces.empty()) return "there is no face to write";
-    std::string suffix = path.substr(path.find_last_of('.') + 1);
+    std::string suffix = std::filesystem::path(path).extension().string();
+    if (suffix.size() < 2) return "its name has no suffix that could name a format";
+    suffix.erase(0, 1);
     for (char& c : suffix) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
     }
@@ -242,10 +246,11 @@ std::string exportScene(const AssimpLibrary& assimp, const StreamView& mesh,
     const bool polygons = std::find(std::begin(polygonSuffixes), std::end(polygonSuffixes), suffix)
                           != std::end(polygonSuffixes);
     const unsigned steps = polygons ? 0U : unsigned{aiProcess_Triangulate};
-    if (assimp.aiExportScene(SceneMaker(mesh).make(), format, path.c_str(), steps)
-        == aiReturn_SUCCESS) {
-        return "";
-    }
+    ExportFiles files;
+    const aiReturn result = assimp.aiExportSceneEx(SceneMaker(mesh).make(), format, path.c_str(),
+                                                   files.operations(), steps);
+    if (files.failed() || !roomIsLeft(path)) return "there is no room for temporary files";
+    if (result == aiReturn_SUCCESS) return "";
     const std::string reason = assimp.aiGetErrorString();
     return reason.empty() ? "the exporter gives no reason" : reason;
 }

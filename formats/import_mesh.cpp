@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <limits>
 #include <map>
@@ -221,29 +222,42 @@ class ScratchFolder {
     fs::path path; ///< "" when it could not be made
 };
 
-/// Fills the new file with the exporter's and puts it in place.
-bool save(const fs::path& from, SaveFile& to) {
+/// Fills the new file with the exporter's; only the replacing is left.
+bool fill(const fs::path& from, SaveFile& to) {
     PieceReader source(from);
     std::string_view text;
     while (source.isOpen() && source.next(0, text)) to.append(text);
-    return source.isOpen() && !source.failed() && to.commit();
+    return source.isOpen() && !source.failed() && to.finish();
 }
 
-/// Takes everything over that the exporter wrote: what the file refers to first, it itself last.
+/// Whether a file that the user has not named may be replaced.
+bool mayReplace(const fs::path& path) {
+    std::error_code ignored;
+    return !fs::exists(path, ignored)
+           || platform().question("do you want to replace this file too?", path, Buttons::yesNo)
+                  == Choice::yes;
+}
+
+/// Takes everything over that the exporter wrote: all files are complete on the disk before the
+/// first of them replaces an old one; what the file refers to comes first, it itself last.
 std::string saveAll(const fs::path& folder, const fs::path& target, SaveFile& file) {
     const fs::path main = folder / target.filename();
+    std::deque<SaveFile> beside;
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
-        SaveFile beside;
         const fs::path name = target.parent_path() / entry->path().filename();
-        if (!beside.open(name) || !save(entry->path(), beside)) {
+        if (!mayReplace(name)) return name.string() + " was to be kept";
+        if (!beside.emplace_back().open(name) || !fill(entry->path(), beside.back())) {
             return "can't write " + name.string();
         }
     }
     if (!fs::is_regular_file(fs::symlink_status(main, error))) return "the exporter wrote nothing";
-    return save(main, file) ? "" : "can't write the file";
+    if (!fill(main, file)) return "can't write the file";
+    const bool done =
+        std::all_of(beside.begin(), beside.end(), [](SaveFile& f) { return f.commit(); });
+    return done && file.commit() ? "" : "can't write the file";
 }
 
 /// Returns "" or why the old file is as it was.

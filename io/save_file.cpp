@@ -117,10 +117,16 @@ void SaveFile::flush() {
     used = 0;
 }
 
-bool SaveFile::commit() {
+bool SaveFile::finish() {
     if (file < 0) return false;
     flush();
     if (!temporary.empty() && !failed) failed = ::fsync(file) != 0;
+    return !failed;
+}
+
+bool SaveFile::commit() {
+    if (file < 0) return false;
+    static_cast<void>(finish());
     if (::close(std::exchange(file, -1)) != 0) failed = true;
     if (!temporary.empty() && !failed) failed = ::rename(temporary.c_str(), target.c_str()) != 0;
     if (failed) {

@@ -39,7 +39,11 @@ class SaveFile {
     void wrote(const char* end) { used = static_cast<std::size_t>(end - buffer.data()); }
     void append(std::string_view text);
 
-    /// Puts the file in place of the old one. False when anything went wrong since `open`: the old
+    /// Writes all there is to the disk, so that only the replacing is left for `commit`: several
+    /// files that belong together are finished first. False when anything went wrong since `open`.
+    [[nodiscard]] bool finish();
+
+    /// Finishes the file and puts it in place of the old one. False when anything went wrong since `open`: the old
     /// file is as it was.
     [[nodiscard]] bool commit();
 
