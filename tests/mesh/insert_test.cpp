@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 namespace polyfab {
 namespace {
@@ -11,18 +12,15 @@ namespace {
 using test::MeshTest;
 using Grow = MeshTest;
 using Insert = MeshTest;
-using Life = MeshTest;
 
 TEST_F(Grow, StepsOf4096AndExactShrinks) {
-    struct Row {
+    const struct {
         int want;
         bool exact;
         int capacity;
-    };
-    const Row rows[] = {{0, false, 0},       {1, false, 4096},   {4096, false, 4096},
-                        {4097, false, 8192}, {100, false, 8192}, {100, true, 4096},
-                        {100, true, 4096},   {0, true, 0}};
-    for (const Row& row : rows) {
+    } rows[] = {{0, false, 0},      {1, false, 4096},  {4096, false, 4096}, {4097, false, 8192},
+                {100, false, 8192}, {100, true, 4096}, {0, true, 0}};
+    for (const auto& row : rows) {
         EXPECT_EQ(OB->growFaces(row.want, row.exact), 1);
         EXPECT_EQ(OB->nfmax, row.capacity) << row.want;
         EXPECT_EQ(OB->faces != nullptr, row.capacity > 0);
@@ -39,24 +37,21 @@ TEST_F(Grow, ReferencesFollowEveryArrayThatMoves) {
         if (i % 2) OB->corners[i].t = &OB->texcoords[t];
         if (i % 3) OB->corners[i].d = &OB->normals[d];
     }
-    std::vector<std::array<int, 3>> before;
-    for (int i = 0; i < OB->nq; ++i) {
-        const FaceCorner& q = OB->corners[i];
-        before.push_back({indexIn(OB->points, q.p), q.t ? indexIn(OB->texcoords, q.t) : -1,
-                          q.d ? indexIn(OB->normals, q.d) : -1});
-    }
+    const auto references = [] {
+        std::vector<std::array<int, 3>> result;
+        for (const FaceCorner* q = OB->corners; q != OB->corners + OB->nq; ++q) {
+            result.push_back({indexIn(OB->points, q->p), q->t ? indexIn(OB->texcoords, q->t) : -1,
+                              q->d ? indexIn(OB->normals, q->d) : -1});
+        }
+        return result;
+    };
+    const auto before = references();
     // Far beyond what could be resized in place next to the neighbours' blocks.
     for (const int size : {20'000, 400'000}) {
         ASSERT_TRUE(OB->growPoints(size, false) && OB->growTexCoords(size, false)
                     && OB->growNormals(size, false) && OB->growCorners(size, false));
     }
-    for (int i = 0; i < OB->nq; ++i) {
-        const FaceCorner& q = OB->corners[i];
-        const std::array<int, 3> now = {indexIn(OB->points, q.p),
-                                        q.t ? indexIn(OB->texcoords, q.t) : -1,
-                                        q.d ? indexIn(OB->normals, q.d) : -1};
-        EXPECT_EQ(now, before[static_cast<std::size_t>(i)]);
-    }
+    EXPECT_EQ(references(), before);
     for (int f = 0; f < OB->nf; ++f) EXPECT_EQ(indexIn(OB->corners, OB->faces[f].q), 4 * f);
 }
 
@@ -75,37 +70,30 @@ TEST_F(Grow, TooMuchIsRefusedAndALaterGrowthRecovers) {
 TEST_F(Insert, TheFirstFaceMakesWhatItNeeds) {
     Face* face = OB->newFace(3);
     ASSERT_NE(face, nullptr);
-    EXPECT_EQ(OB->ng, 1);
+    EXPECT_EQ(std::tuple(OB->ng, OB->nmat, OB->ntma, OB->nprt), std::tuple(1, 1, 1, 1));
     EXPECT_STREQ(OB->groups[0].name, "default");
-    EXPECT_EQ(OB->nmat, 1);
     EXPECT_STREQ(OB->materials[0].name, "default");
     EXPECT_EQ(OB->materials[0].color, 0x808080U);
-    EXPECT_EQ(OB->ntma, 1);
-    EXPECT_EQ(OB->nprt, 1);
-    EXPECT_EQ(face->selected, 1);
-    EXPECT_EQ(face->kind, 2);
-    EXPECT_EQ(face->n, 3);
-    for (int k = 0; k < 3; ++k) {
-        EXPECT_EQ(face->q[k].p, nullptr);
-        EXPECT_EQ(face->q[k].edgeuse, 0);
-    }
+    EXPECT_EQ(std::tuple(face->selected, face->kind, face->n), std::tuple(1, 2, 3));
+    EXPECT_EQ(std::tuple(face->q[2].p, face->q[2].edgeuse), std::tuple(nullptr, 0));
     OB->curgroup = 77;
     OB->curmat = -5;
     face = OB->newFace(3);
-    EXPECT_EQ(face->g, 0);
-    EXPECT_EQ(face->mat, 0);
+    EXPECT_EQ(std::tuple(face->g, face->mat), std::tuple(0, 0));
 }
 
 TEST_F(Insert, FaceByPointsDropsRepeats) {
-    struct Row {
+    const struct {
         const char* points;
         bool drop;
         const char* corners;
-    };
-    const Row rows[] = {{"ABBCA", true, "ABC"},    {"AA", true, "A"},    {"ABCAA", true, "ABC"},
-                        {"ABBCA", false, "ABBCA"}, {"AAAB", true, "AB"}, {"ABAB", true, "ABAB"}};
+    } rows[] = {{"ABBCA", true, "ABC"},
+                {"AA", true, "A"},
+                {"ABCAA", true, "ABC"},
+                {"ABBCA", false, "ABBCA"},
+                {"ABAB", true, "ABAB"}};
     for (int i = 0; i < 3; ++i) OB->addPoint(i, 0, 0, false);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::vector<Point*> list;
         for (const char* c = row.points; *c != 0; ++c) list.push_back(&OB->points[*c - 'A']);
         const int nq = OB->nq;
@@ -131,13 +119,14 @@ TEST_F(Insert, AFaceWithMoreCornersThanItCanCountIsRefused) {
 
 TEST_F(Insert, FindOrAddComparesExactly) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(OB->findOrAddPoint(1, 2, 3), 0);
-    EXPECT_EQ(OB->findOrAddPoint(1, 2, std::nextafter(3.0, 4.0)), 1);
-    EXPECT_EQ(OB->findOrAddPoint(0, 0, 0), 2);
-    EXPECT_EQ(OB->findOrAddPoint(-0.0, 0, 0), 2);
-    EXPECT_EQ(OB->findOrAddPoint(nan, 0, 0), 3);
-    EXPECT_EQ(OB->findOrAddPoint(nan, 0, 0), 4);
-    EXPECT_EQ(OB->findOrAddPoint(1, 2, 3), 0);
+    const struct {
+        double x, z;
+        int index;
+    } rows[] = {{1, 3, 0},   {1, std::nextafter(3.0, 4.0), 1},
+                {0, 0, 2},   {-0.0, 0, 2},
+                {nan, 0, 3}, {nan, 0, 4},
+                {1, 3, 0}};
+    for (const auto& row : rows) EXPECT_EQ(OB->findOrAddPoint(row.x, 2, row.z), row.index);
     EXPECT_EQ(OB->findOrAddTexCoord(0.5, 1), 0);
     EXPECT_EQ(OB->findOrAddTexCoord(0.5, 2), 1);
     EXPECT_EQ(OB->findOrAddTexCoord(0.5, 1), 0);
@@ -148,16 +137,11 @@ TEST_F(Insert, PointsAreProjectedBothWays) {
     projection.toScreen = {{{2, 0, 0, 10}, {0, -2, 0, 20}, {0, 0, -2, 30}}};
     projection.toWorld = {{{0.5, 0, 0, -5}, {0, -0.5, 0, 10}, {0, 0, -0.5, 15}}};
     OB->addPoint(1, 2, 3, false);
-    const Point placed = OB->points[0];
-    EXPECT_EQ(placed.sx, 12);
-    EXPECT_EQ(placed.sy, 16);
-    EXPECT_EQ(placed.sz, 24);
     OB->addPoint(12, 16, 24, true);
-    const Point pointed = OB->points[1];
-    EXPECT_EQ(pointed.x, 1);
-    EXPECT_EQ(pointed.y, 2);
-    EXPECT_EQ(pointed.z, 3);
-    EXPECT_EQ(pointed.sx, 12);
+    for (const Point* p : {OB->points, OB->points + 1}) {
+        EXPECT_EQ(std::tuple(p->x, p->y, p->z), std::tuple(1, 2, 3));
+        EXPECT_EQ(std::tuple(p->sx, p->sy, p->sz), std::tuple(12, 16, 24));
+    }
     projection = before;
 }
 
@@ -170,7 +154,7 @@ TEST_F(Insert, PointsOnSelectedFacesAreMarked) {
     for (int i = 0; i < 8; ++i) EXPECT_EQ(OB->points[i].onselected, i < 4) << i;
 }
 
-TEST_F(Life, ClearingLeavesOnlyTheGroupsBehind) {
+TEST_F(Insert, ClearingLeavesOnlyTheGroupsBehind) {
     const int before = storeBlocks();
     test::addCube();
     OB->addNormal(0, 0, 1);
@@ -179,9 +163,7 @@ TEST_F(Life, ClearingLeavesOnlyTheGroupsBehind) {
     Group* left = OB->groups;
     OB->clear(true);
     EXPECT_EQ(storeBlocks(), before + 1);
-    EXPECT_EQ(OB->groups, nullptr);
-    EXPECT_EQ(OB->changed, 0);
-    EXPECT_EQ(OB->curface, -1);
+    EXPECT_EQ(std::tuple(OB->groups, OB->changed, OB->curface), std::tuple(nullptr, 0, -1));
     farfree(&left);
 }
 

@@ -7,36 +7,45 @@
 #include "tests/support/fake_platform.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace polyfab::test {
+
+/// Empties OB. A clear leaves the groups behind; here nothing may outlive the test.
+inline void emptyMesh() {
+    Group* groups = OB->groups;
+    OB->clear(true);
+    farfree(&groups);
+}
 
 class MeshTest : public testing::Test {
   protected:
     MeshTest() { createMesh(); }
 
     ~MeshTest() override {
-        // releaseAll leaves the groups behind; here nothing may outlive the test.
-        Group* groups = OB->groups;
+        emptyMesh();
         destroyMesh();
-        farfree(&groups);
     }
 
     FakePlatform shown;
 };
 
+/// Adds a face on the points of these numbers to OB.
+inline Face* addFace(const std::vector<int>& points) {
+    std::vector<Point*> list;
+    for (const int point : points) list.push_back(OB->points + point);
+    return OB->addFaceByPoints(list.data(), static_cast<int>(list.size()), false);
+}
+
 /// Adds the 8 points and 6 outward quads of a cube from -1 to 1 to OB.
 inline void addCube() {
-    int base = OB->np;
+    const int base = OB->np;
     for (int i = 0; i < 8; ++i) {
         OB->addPoint((i & 1) ? 1 : -1, (i & 2) ? 1 : -1, (i & 4) ? 1 : -1, false);
     }
     constexpr int quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
                                  {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
-    for (const auto& quad : quads) {
-        Point* list[4];
-        for (int k = 0; k < 4; ++k) list[k] = &OB->points[base + quad[k]];
-        OB->addFaceByPoints(list, 4, false);
-    }
+    for (const auto& [a, b, c, d] : quads) addFace({base + a, base + b, base + c, base + d});
 }
 
 } // namespace polyfab::test
