@@ -185,25 +185,26 @@ TEST_F(ThreeDs, BadChunks) {
     const struct {
         std::string bytes, fault;
         int groups = 0;
-    } rows[] = {{"MM??\6\0"s, "done"},
-                {"MM??\7\0"s, "chunk runs off end"},
-                {"MM??\6\0\0\x80"s, "chunk runs off end"},
-                {inside(filler(9) + "12345"), "chunk too short"},
-                {inside(header(0, 0)), "chunk too short"},
-                {inside(header(0, 5)), "chunk too short"},
-                {inside(object("") + header(0, 9)), "chunk runs off end", 1},
-                {inside(word(0x4000) + "??" + word(8) + "\1\0"s), "chunk runs off end"},
-                {inside(word(0x4000) + "??" + word(6)), "chunk runs off end"},
-                {container(0xAFFF, word(0xA000) + "??" + word(6)), "chunk runs off end"},
-                {inside(word(0x4130) + "??" + word(6)), "chunk runs off end"},
-                {container(0xAFFF, header(0xA020, 5)) + filler(0x11000), "chunk too short"},
-                {inside(word(0x4110) + "??" + word(6)), "bad vertex list"},
-                {inside(word(0x4120) + "??" + word(7) + "\0"s), "bad face list"},
-                {inside(object(xyz) + triangles({0, 1, 2})), "bad vertex number", 1},
-                {inside(object(xyz) + object(triangles({0, 0, 0}))), "bad vertex number", 2},
-                // A chunk that its container is too short for is read all the same, and once.
-                {inside(word(0x4100) + "??" + words({7, 0}) + filler(8).substr(2) + object("")),
-                 "done", 1}};
+    } rows[] = {
+        {"MM??\6\0"s, "done"},
+        {"MM??\7\0"s, "chunk runs off end"},
+        {"MM??\6\0\0\x80"s, "chunk runs off end"},
+        {inside(filler(9) + "12345"), "chunk too short"},
+        {inside(header(0, 0)), "chunk too short"},
+        {inside(header(0, 5)), "chunk too short"},
+        {inside(object("") + header(0, 9)), "chunk runs off end", 1},
+        // A name ends inside its chunk, even where the next one begins with a NUL.
+        {inside(word(0x4000) + "??" + word(6) + filler(8)), "chunk runs off end"},
+        {container(0xAFFF, word(0xA000) + "??" + word(6) + filler(8)), "chunk runs off end"},
+        {inside(word(0x4130) + "??" + word(6)), "chunk runs off end"},
+        {container(0xAFFF, header(0xA020, 5)) + filler(0x11000), "chunk too short"},
+        {inside(word(0x4110) + "??" + word(6)), "bad vertex list"},
+        {inside(word(0x4120) + "??" + word(7) + "\0"s), "bad face list"},
+        {inside(object(xyz) + triangles({0, 1, 2})), "bad vertex number", 1},
+        {inside(object(xyz) + object(triangles({0, 0, 0}))), "bad vertex number", 2},
+        // A chunk that its container is too short for is read all the same, and once.
+        {inside(word(0x4100) + "??" + words({7, 0}) + filler(8).substr(2) + object("")), "done",
+         1}};
     for (const auto& row : rows) {
         test::emptyMesh();
         EXPECT_EQ(walk(row.bytes), row.fault) << &row - rows;
