@@ -30,7 +30,9 @@ namespace {
 /// which is not linked.
 template <typename T>
 T* zeroed(std::size_t count = 1) {
-    return static_cast<T*>(std::memset(::operator new(count * sizeof(T)), 0, count * sizeof(T)));
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may well be a pointer
+    const std::size_t bytes = count * sizeof(T);
+    return static_cast<T*>(std::memset(::operator new(bytes), 0, bytes));
 }
 
 unsigned countOf(const auto& list) { return static_cast<unsigned>(list.size()); }

@@ -43,8 +43,8 @@ class SaveFile {
     /// files that belong together are finished first. False when anything went wrong since `open`.
     [[nodiscard]] bool finish();
 
-    /// Finishes the file and puts it in place of the old one. False when anything went wrong since `open`: the old
-    /// file is as it was.
+    /// Finishes the file and puts it in place of the old one. False when anything went wrong since
+    /// `open`: the old file is as it was.
     [[nodiscard]] bool commit();
 
   private:
