@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstring>
 #include <random>
-#include <regex>
 
 namespace polyfab {
 namespace {
@@ -36,7 +35,19 @@ std::string entity(const std::string& layer, const std::string& letters) {
 }
 
 std::string withCarriageReturns(const std::string& text) {
-    return std::regex_replace(text, std::regex("\n"), "\r\n");
+    std::string result;
+    for (const char c : text) result += c == '\n' ? "\r\n" : std::string(1, c);
+    return result;
+}
+
+/// Drops the carriage returns that stand before a line feed or the end.
+std::string withoutCarriageReturns(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool ends = i + 1 == text.size() || text[i + 1] == '\n';
+        if (text[i] != '\r' || !ends) result += text[i];
+    }
+    return result;
 }
 
 /// What a read gave: boundaries, points, and each face's material and corners, as letters or in
@@ -112,7 +123,7 @@ TEST_F(DxfTest, Reading) {
 
 /// The rules told plainly: a library's lines and numbers, and a scan for each point.
 int plainRead(const std::string& text) {
-    std::string lines = std::regex_replace(text, std::regex("\r(\n|$)"), "$1");
+    std::string lines = withoutCarriageReturns(text);
     FILE* const file = fmemopen(lines.data(), lines.size(), "r");
     char code[256], value[256];
     double corner[4][3] = {};
