@@ -61,7 +61,7 @@ void writeLayer(SaveFile& file, int material) {
 
 /// A longer number than that makes a line which readers cut in two.
 bool fitsALine(const FaceCorner& corner) {
-    const auto fits = [](double value) { return std::fabs(value) < 1e250; };
+    const auto fits = [](double value) { return std::fabs(value) < 1e249; };
     return corner.p == nullptr || (fits(corner.p->x) && fits(corner.p->y) && fits(corner.p->z));
 }
 
@@ -71,7 +71,7 @@ bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
         if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         const Corners corners(face.q, static_cast<std::size_t>(face.n));
         if (!std::all_of(corners.begin(), corners.end(), fitsALine)) {
-            platform().message("a DXF file can't have a coordinate beyond 1e250", path,
+            platform().message("a DXF file can't have a coordinate beyond 1e249", path,
                                Icon::exclamation);
             return false;
         }

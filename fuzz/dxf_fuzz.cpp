@@ -17,10 +17,11 @@ using namespace polyfab;
 using fuzz::demand;
 
 /// Whether every number will be short enough for a line.
-bool numbersAreShort() {
+/// Whether the writer has lines long enough for all coordinates.
+bool numbersFit() {
     return std::all_of(OB->points, OB->points + OB->np, [](const Point& point) {
-        return std::fabs(point.x) < 1e200 && std::fabs(point.y) < 1e200
-               && std::fabs(point.z) < 1e200;
+        return std::fabs(point.x) < 1e249 && std::fabs(point.y) < 1e249
+               && std::fabs(point.z) < 1e249;
     });
 }
 
@@ -32,14 +33,15 @@ int entities() {
 
 void writeAndReadBack() {
     static const std::string path = fuzz::scratchPath(".dxf");
-    demand(writeDxfFile(path) == 1, "not written");
+    const bool fits = numbersFit(); // every point has a face: reading ends with a collection
+    demand((writeDxfFile(path) == 1) == fits, fits ? "not written" : "written all the same");
+    if (!fits) return;
     const int written = entities();
-    const bool comparable = numbersAreShort();
     fuzz::emptyMesh();
     const int boundaries = readDxfFile(path, false);
     std::filesystem::remove(path);
     demand(check(*OB) == nullptr, "what was written reads back unsound");
-    demand(!comparable || boundaries == written + 1, "entities get lost");
+    demand(boundaries == written + 1, "entities get lost");
 }
 
 } // namespace
