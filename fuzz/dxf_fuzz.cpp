@@ -16,7 +16,6 @@ namespace {
 using namespace polyfab;
 using fuzz::demand;
 
-/// Whether every number will be short enough for a line.
 /// Whether the writer has lines long enough for all coordinates.
 bool numbersFit() {
     return std::all_of(OB->points, OB->points + OB->np, [](const Point& point) {
