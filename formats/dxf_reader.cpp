@@ -4,6 +4,7 @@
 #include "formats/dxf_reader.h"
 
 #include "display/view.h"
+#include "formats/file_command.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
 #include "mesh/garbage.h"
@@ -98,10 +99,6 @@ std::string keptTitle() {
     });
     title.erase(end, title.end());
     return title;
-}
-
-void complain(const char* what, const std::string& path) {
-    platform().message(what, path, Icon::exclamation);
 }
 
 /// The reading pass.
