@@ -4,6 +4,7 @@
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "display/edge_list.h"
+#include "display/options.h"
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "mesh/mesh.h"
@@ -72,6 +73,22 @@ void redraw(benchmark::State& state) {
     drawAgain(state, false);
 }
 
+void redrawUnselected(benchmark::State& state) {
+    showGrid(state.range(0));
+    for (int i = 0; i < OB->nf; ++i) OB->faces[i].selected = 0;
+    stale.edges = true;
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    drawAgain(state, false);
+}
+
+/// Which edges are hidden is found anew with each picture.
+void redrawHidden(benchmark::State& state) {
+    showGrid(state.range(0));
+    displayOptions.hideFacingAway = true;
+    drawAgain(state, false);
+    displayOptions = {};
+}
+
 void redrawShuffled(benchmark::State& state) {
     showGrid(state.range(0));
     shuffleMesh(*OB);
@@ -99,6 +116,8 @@ int main(int argc, char** argv) {
     addGrowth("transform all points", transform, quarter);
     addGrowth("list the edges", edges, quarter);
     addGrowth("redraw", redraw, quarter);
+    addGrowth("redraw, all faces unselected", redrawUnselected, quarter);
+    addGrowth("redraw, faces that face away hidden", redrawHidden, quarter);
     addGrowth("redraw, shuffled mesh", redrawShuffled, quarter);
     addGrowth("redraw after an edit", redrawEdited, quarter);
     addGrowth("picture up to date", staticPicture, quarter);

@@ -3,6 +3,8 @@
 // each bucket is thinned out in place with one table of where a higher point was met last.
 #include "display/edge_list.h"
 
+#include "display/options.h"
+
 #include <algorithm>
 
 namespace polyfab {
@@ -15,32 +17,49 @@ std::size_t elementAt(const T* array, const T* address) {
            / sizeof(T);
 }
 
-bool soundFace(const Mesh& mesh, const Face& face) {
+/// Whether its corners lie in the array; their points may not.
+bool hasCorners(const Mesh& mesh, const Face& face) {
     if (face.q == nullptr || face.n <= 0) return false;
     const std::size_t start = elementAt(mesh.corners, static_cast<const FaceCorner*>(face.q));
     const auto corners = static_cast<std::size_t>(mesh.nq);
     return start < corners && static_cast<std::size_t>(face.n) <= corners - start;
 }
 
-/// Calls use(lower point, higher point, selected) for each side of each live face.
-template <typename Use>
-void forEachSide(const Mesh& mesh, Use use) {
+/// Calls use(lower point, higher point, marks) for each side of each live face, which
+/// marksOf(face) gives its marks.
+template <typename MarksOf, typename Use>
+void forEachSide(const Mesh& mesh, MarksOf marksOf, Use use) {
     const auto points = static_cast<std::size_t>(mesh.np);
     for (int i = 0; i < mesh.nf; ++i) {
         const Face& face = mesh.faces[i];
-        if (!soundFace(mesh, face)) continue;
-        std::size_t from = elementAt<Point>(mesh.points, face.q[face.n - 1].p);
+        if (!hasCorners(mesh, face)) continue;
+        const unsigned marks = marksOf(face);
+        const FaceCorner* corner = face.q + face.n - 1;
+        std::size_t from = elementAt<Point>(mesh.points, corner->p);
         for (int k = 0; k < face.n; ++k) {
-            const std::size_t to = elementAt<Point>(mesh.points, face.q[k].p);
+            const unsigned bad = corner->edgeuse == 255 ? edgemark::bad : 0;
+            corner = face.q + k;
+            const std::size_t to = elementAt<Point>(mesh.points, corner->p);
             if (from < points && to < points) {
-                use(std::min(from, to), std::max(from, to), face.selected != 0);
+                use(std::min(from, to), std::max(from, to), static_cast<std::uint8_t>(marks | bad));
             }
             from = to;
         }
     }
 }
 
-/// Leaves each edge once in its bucket, the buckets moved together; selected if one of them was.
+/// Marks that the face gives all its edges. One that is hidden in a pane must be sound, so that
+/// its outline can be looked at.
+unsigned marksOfFace(const Mesh& mesh, const Face& face) {
+    const unsigned marks = face.selected != 0 ? edgemark::selected : 0;
+    if (!displayOptions.hideFacingAway || !isSound(mesh, face)) {
+        return marks | edgemark::inLeft | edgemark::inRight;
+    }
+    return marks | (isShown(face, true) ? edgemark::inLeft : 0)
+           | (isShown(face, false) ? edgemark::inRight : 0);
+}
+
+/// Leaves each edge once in its bucket, the buckets moved together and the marks united.
 void dropRepeats(DrawnEdges& list) {
     const std::size_t points = list.first.size() - 1;
     // A place at or after the present bucket's start can only come from this bucket.
@@ -51,27 +70,38 @@ void dropRepeats(DrawnEdges& list) {
         const std::uint32_t start = kept;
         const std::uint32_t end = list.first[i + 1];
         for (; next < end; ++next) {
-            const std::uint32_t edge = list.other[next];
-            const std::uint32_t higher = edge & ~DrawnEdges::selectedBit;
+            const std::uint32_t higher = list.other[next];
             // Places count from 1, so that the cleared table holds none.
             if (place[higher] > start) {
-                list.other[place[higher] - 1] |= edge & DrawnEdges::selectedBit;
+                std::uint8_t& marks = list.marks[place[higher] - 1];
+                marks = static_cast<std::uint8_t>(marks | list.marks[next] | edgemark::shared);
             } else {
-                list.other[kept] = edge;
+                list.other[kept] = higher;
+                list.marks[kept] = list.marks[next];
                 place[higher] = ++kept;
             }
         }
         list.first[i + 1] = kept;
     }
     list.other.resize(kept);
+    list.marks.resize(kept);
 }
 
 } // namespace
 
+bool DrawnEdges::has(unsigned mask, unsigned value) const {
+    for (unsigned kind = 0; kind < 32; ++kind) {
+        if ((kinds >> kind & 1) != 0 && (kind & mask) == value) return true;
+    }
+    return false;
+}
+
 void listEdges(const Mesh& mesh, DrawnEdges& list) {
     const auto points = static_cast<std::size_t>(mesh.np);
     list.first.assign(points + 1, 0);
-    forEachSide(mesh, [&](std::size_t low, std::size_t, bool) { ++list.first[low]; });
+    forEachSide(
+        mesh, [](const Face&) { return 0U; },
+        [&](std::size_t low, std::size_t, std::uint8_t) { ++list.first[low]; });
     std::uint32_t sum = 0;
     for (std::uint32_t& entry : list.first) {
         sum += entry;
@@ -79,14 +109,25 @@ void listEdges(const Mesh& mesh, DrawnEdges& list) {
     }
     // Filled from the back, each bucket's end becomes its start.
     list.other.resize(sum);
-    forEachSide(mesh, [&](std::size_t low, std::size_t high, bool selected) {
-        list.other[--list.first[low]] =
-            static_cast<std::uint32_t>(high) | (selected ? DrawnEdges::selectedBit : 0);
-    });
+    list.marks.resize(sum);
+    forEachSide(
+        mesh, [&](const Face& face) { return marksOfFace(mesh, face); },
+        [&](std::size_t low, std::size_t high, std::uint8_t marks) {
+            const std::uint32_t place = --list.first[low];
+            list.other[place] = static_cast<std::uint32_t>(high);
+            list.marks[place] = marks;
+        });
     dropRepeats(list);
-    list.selected = static_cast<std::uint32_t>(
-        std::count_if(list.other.begin(), list.other.end(),
-                      [](std::uint32_t edge) { return (edge & DrawnEdges::selectedBit) != 0; }));
+    list.kinds = 0;
+    for (const std::uint8_t marks : list.marks) list.kinds |= 1U << marks;
+}
+
+bool isSound(const Mesh& mesh, const Face& face) {
+    const auto points = static_cast<std::size_t>(mesh.np);
+    return hasCorners(mesh, face)
+           && std::all_of(face.q, face.q + face.n, [&](const FaceCorner& corner) {
+                  return elementAt<Point>(mesh.points, corner.p) < points;
+              });
 }
 
 } // namespace polyfab

@@ -22,14 +22,14 @@ struct Axis {
     Wide side;
     std::ptrdiff_t step; ///< pixels to the next position
 
+    bool back() const { return delta < 0; }
     Wide length() const { return std::abs(delta); }
     /// Moves away from the start that lead onto the canvas: the least and the most of them.
     std::pair<Wide, Wide> movesInside() const {
-        return delta < 0 ? std::pair(start - side + 1, start) : std::pair(-start, side - 1 - start);
+        return back() ? std::pair(start - side + 1, start) : std::pair(-start, side - 1 - start);
     }
-    std::ptrdiff_t offsetAfter(Wide moves) const {
-        return (start + (delta < 0 ? -moves : moves)) * std::abs(step);
-    }
+    Wide placeAfter(Wide moves) const { return start + (back() ? -moves : moves); }
+    std::ptrdiff_t offsetAfter(Wide moves) const { return placeAfter(moves) * std::abs(step); }
 };
 
 Axis axis(int from, int to, int side, std::ptrdiff_t pitch) {
@@ -57,13 +57,8 @@ int wholePixel(double value) {
     return static_cast<int>(std::floor(std::clamp(value + 0.5, -reach, reach)));
 }
 
-} // namespace
-
-void drawClipped(const Canvas& canvas, int x0, int y0, int x1, int y1, std::uint32_t color) {
-    if (canvas.width <= 0 || canvas.height <= 0) return;
-    Axis major = axis(x0, x1, canvas.width, 1);
-    Axis minor = axis(y0, y1, canvas.height, canvas.stride);
-    if (major.length() < minor.length()) std::swap(major, minor);
+/// The pixels on the canvas of a line one pixel wide.
+void drawThin(const Canvas& canvas, const Axis& major, const Axis& minor, const Stroke& stroke) {
     const Wide n = major.length();
     const Wide m = minor.length();
 
@@ -82,16 +77,29 @@ void drawClipped(const Canvas& canvas, int x0, int y0, int x1, int y1, std::uint
     const Wide sum = 2 * first * m + n;
     const Wide moves = n > 0 ? sum / (2 * n) : 0;
     const LineRun run{major.step, minor.step, sum - moves * 2 * n, 2 * m, 2 * n};
-    run.draw(canvas.pixels + major.offsetAfter(first) + minor.offsetAfter(moves), last - first,
-             color);
+    std::uint32_t* const pixel =
+        canvas.pixels + major.offsetAfter(first) + minor.offsetAfter(moves);
+    if (first == 0) *pixel = stroke.color;
+    run.draw(pixel, last - first, stroke, static_cast<int>(major.placeAfter(first)), major.back());
+}
+
+} // namespace
+
+void drawClipped(const Canvas& canvas, int x0, int y0, int x1, int y1, const Stroke& stroke) {
+    if (canvas.width <= 0 || canvas.height <= 0) return;
+    Axis major = axis(x0, x1, canvas.width, 1);
+    Axis minor = axis(y0, y1, canvas.height, canvas.stride);
+    if (major.length() < minor.length()) std::swap(major, minor);
+    minor.start -= stroke.width / 2;
+    for (int i = 0; i < stroke.width; ++i, ++minor.start) drawThin(canvas, major, minor, stroke);
 }
 
 void drawLine(const Canvas& canvas, double x0, double y0, double x1, double y1,
-              std::uint32_t color) {
+              const Stroke& stroke) {
     const auto usable = [](double value) { return std::abs(value) <= 1e300; };
     if (!usable(x0) || !usable(y0) || !usable(x1) || !usable(y1)) return;
     if (!cut(x0, y0, x1, y1) || !cut(y0, x0, y1, x1)) return;
-    drawClipped(canvas, wholePixel(x0), wholePixel(y0), wholePixel(x1), wholePixel(y1), color);
+    drawClipped(canvas, wholePixel(x0), wholePixel(y0), wholePixel(x1), wholePixel(y1), stroke);
 }
 
 } // namespace polyfab

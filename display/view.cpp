@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The view transform, its inverse, and the fitting of the mesh into both panes.
+// The view transform, its inverse, what moves and turns it, and the fitting of the mesh into both
+// panes.
 #include "display/view.h"
+
+#include "display/affine.h"
+#include "display/box.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +13,8 @@
 namespace polyfab {
 namespace {
 
-constexpr double fill = 0.88;      ///< share of a pane side that a fitted mesh takes
-constexpr double farthest = 1e300; ///< sums and products of what lies nearer stay finite
+constexpr double fill = 0.88;            ///< share of a pane side that a fitted mesh takes
+constexpr double smallestScale = 1e-305; ///< the largest is its inverse
 constexpr double direction[3] = {1, -1, -1};
 
 using Triple = std::array<double, 3>;
@@ -24,87 +28,76 @@ Triple sides(Size client) {
 
 double smallest(const Triple& values) { return *std::min_element(values.begin(), values.end()); }
 
-double middle(double side) { return (side - 1) / 2; }
-
-void placeOffset(const Triple& offset) { view.offset = {offset[0], offset[1], offset[2]}; }
-
-/// The turned axes at one pixel per unit, without the offset.
-AffineMap turn() {
-    AffineMap map;
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) map.row[i][k] = direction[i] * view.rotation[i][k];
-    }
-    return map;
-}
-
-/// Inverse of the linear part, by cofactors: a rotation that has drifted is inverted as it is.
-AffineMap inverted(const AffineMap& map) {
-    const auto minor = [&](int i, int k) {
-        const double* const a = map.row[(i + 1) % 3];
-        const double* const b = map.row[(i + 2) % 3];
-        return a[(k + 1) % 3] * b[(k + 2) % 3] - a[(k + 2) % 3] * b[(k + 1) % 3];
+/// The rotation's rows made unit vectors at right angles again, the first one kept in direction.
+void straighten(double (&rotation)[3][3]) {
+    double(&r)[3][3] = rotation;
+    const auto normalise = [](double* row) {
+        const double length = std::hypot(row[0], row[1], row[2]);
+        for (int k = 0; k < 3; ++k) row[k] /= length;
     };
-    double determinant = 0;
-    for (int k = 0; k < 3; ++k) determinant += map.row[0][k] * minor(0, k);
-    AffineMap inverse;
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) inverse.row[i][k] = minor(k, i) / determinant;
+    normalise(r[0]);
+    const double shared = r[0][0] * r[1][0] + r[0][1] * r[1][1] + r[0][2] * r[1][2];
+    for (int k = 0; k < 3; ++k) r[1][k] -= shared * r[0][k];
+    normalise(r[1]);
+    for (int k = 0; k < 3; ++k) {
+        const int next = (k + 1) % 3;
+        const int last = (k + 2) % 3;
+        r[2][k] = r[0][next] * r[1][last] - r[0][last] * r[1][next];
     }
-    return inverse;
 }
 
-/// The box of positions along the turned axes.
-struct Box {
-    AffineMap map = turn();
-    Triple low{farthest, farthest, farthest};
-    Triple high{-farthest, -farthest, -farthest};
-
-    void add(const Point& p) {
-        const auto near = [](double v) { return std::abs(v) <= farthest; };
-        if (!near(p.x) || !near(p.y) || !near(p.z)) return;
-        const Vec3 v = map({p.x, p.y, p.z});
-        const Triple at{v.x, v.y, v.z};
-        for (std::size_t i = 0; i < 3; ++i) {
-            low[i] = std::min(low[i], at[i]);
-            high[i] = std::max(high[i], at[i]);
+/// Takes another scale and offset, and the box with them.
+void placeView(double scale, const Vec3& offset) {
+    for (Vec3* const corner : {&box.left, &box.right}) {
+        for (int i = 0; i < 3; ++i) {
+            const double from = along(*corner, i) - along(view.offset, i);
+            along(*corner, i) = along(offset, i) + from * (scale / view.scale);
         }
     }
-    bool empty() const { return low[0] > high[0]; }
-};
+    view.scale = scale;
+    view.offset = offset;
+    applyView();
+}
 
-Box boxOf(const Mesh& mesh) {
-    Box box;
-    bool live = false;
-    for (int i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
-        if (face.q == nullptr) continue;
-        live = true;
-        for (int k = 0; k < face.n; ++k) {
-            if (face.q[k].p != nullptr) box.add(*face.q[k].p);
-        }
-    }
-    for (int i = 0; !live && i < mesh.np; ++i) box.add(mesh.points[i]);
-    if (box.empty()) box.low = box.high = {0, 0, 0};
-    return box;
+/// Takes another rotation. The world position in the middle of the panes stays there.
+void takeRotation(const AffineMap& turned) {
+    const Vec3 middles = middleOfPanes();
+    const Vec3 centre = projection.toWorld(middles);
+    for (int i = 0; i < 3; ++i) std::copy_n(turned.row[i], 3, view.rotation[i]);
+    straighten(view.rotation);
+    const Vec3 from = screenAxes()(centre);
+    view.offset = {middles.x - view.scale * from.x, middles.y - view.scale * from.y,
+                   middles.z - view.scale * from.z};
+    applyView();
 }
 
 /// Pixels per unit at which the box fills the tightest of the three sides.
-double fittingScale(const Box& box, const Triple& side) {
+double fittingScale(const Extent& extent, const Triple& side) {
     double size = 0;
     double reach = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        size = std::max(size, box.high[i] - box.low[i]);
-        reach = std::max({reach, std::abs(box.low[i]), std::abs(box.high[i])});
+    for (int i = 0; i < 3; ++i) {
+        const double low = along(extent.low, i);
+        const double high = along(extent.high, i);
+        size = std::max(size, high - low);
+        reach = std::max({reach, std::abs(low), std::abs(high)});
     }
     // What is as good as one point has no size of its own; further magnified, rounding would throw
     // it off the panes.
     if (size <= 1e-9 * reach || size == 0) return smallest(side) * fill / std::max(1.0, reach);
     double scale = farthest;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const double extent = box.high[i] - box.low[i];
-        if (extent > 0) scale = std::min(scale, side[i] * fill / extent);
+    for (int i = 0; i < 3; ++i) {
+        const double length = along(extent.high, i) - along(extent.low, i);
+        if (length > 0) scale = std::min(scale, side[static_cast<std::size_t>(i)] * fill / length);
     }
     return scale;
+}
+
+void fitExtent(const Extent& extent) {
+    const double scale = fittingScale(extent, sides(view.client));
+    const Vec3 middle = extent.middle();
+    const Vec3 centre = middleOfPanes();
+    placeView(scale, {centre.x - scale * middle.x, centre.y - scale * middle.y,
+                      centre.z - scale * middle.z});
 }
 
 } // namespace
@@ -116,60 +109,99 @@ Panes panesOf(Size client) {
 
 void resetView() {
     const Size client = view.client;
-    const Triple side = sides(client);
     view = View();
     view.client = client;
-    view.scale = smallest(side) / 2;
-    view.offset = {middle(side[0]), middle(side[1]), middle(side[2])};
+    view.scale = smallest(sides(client)) / 2;
+    view.offset = middleOfPanes();
     stale = Stale();
     applyView();
+}
+
+AffineMap screenAxes() {
+    AffineMap map;
+    for (int i = 0; i < 3; ++i) {
+        for (int k = 0; k < 3; ++k) map.row[i][k] = direction[i] * view.rotation[i][k];
+    }
+    return map;
+}
+
+Vec3 middleOfPanes() {
+    const Triple side = sides(view.client);
+    return {(side[0] - 1) / 2, (side[1] - 1) / 2, (side[2] - 1) / 2};
 }
 
 void applyView() {
     AffineMap& forth = projection.toScreen;
     AffineMap& back = projection.toWorld;
-    forth = turn();
-    back = inverted(forth);
-    const double offset[3] = {view.offset.x, view.offset.y, view.offset.z};
+    forth = screenAxes();
+    back = inverseOf(forth); // a rotation that has drifted is inverted as it is
     for (int i = 0; i < 3; ++i) {
         for (int k = 0; k < 3; ++k) {
             forth.row[i][k] *= view.scale;
             back.row[i][k] /= view.scale;
         }
-        forth.row[i][3] = offset[i];
+        forth.row[i][3] = along(view.offset, i);
         back.row[i][3] = 0;
     }
     const Vec3 origin = back(view.offset);
-    back.row[0][3] = -origin.x;
-    back.row[1][3] = -origin.y;
-    back.row[2][3] = -origin.z;
+    for (int i = 0; i < 3; ++i) back.row[i][3] = -along(origin, i);
     stale.points = true;
 }
 
-void fitView(const Mesh& mesh) {
-    const Triple side = sides(view.client);
-    const Box box = boxOf(mesh);
-    view.scale = fittingScale(box, side);
-    Triple offset;
-    for (std::size_t i = 0; i < 3; ++i) {
-        offset[i] = middle(side[i]) - view.scale * (box.low[i] / 2 + box.high[i] / 2);
+void panView(const Vec3& by) {
+    placeView(view.scale, {view.offset.x + by.x, view.offset.y + by.y, view.offset.z + by.z});
+}
+
+void zoomView(double factor, const Vec3& about) {
+    const double scale = view.scale * factor;
+    if (!(scale >= smallestScale && scale <= 1 / smallestScale)) return;
+    Vec3 offset;
+    for (int i = 0; i < 3; ++i) {
+        along(offset, i) = along(about, i) + (along(view.offset, i) - along(about, i)) * factor;
+        if (!std::isfinite(along(offset, i))) return;
     }
-    placeOffset(offset);
-    applyView();
+    placeView(scale, offset);
+}
+
+void turnView(int axis, double radians, bool screenAxis) {
+    AffineMap existing;
+    for (int i = 0; i < 3; ++i) std::copy_n(view.rotation[i], 3, existing.row[i]);
+    // The screen's y and z run against the world's.
+    const AffineMap added = rotation(axis, direction[axis] * radians);
+    takeRotation(screenAxis ? product(added, existing) : product(existing, added));
+}
+
+void resetAttitude() { takeRotation(AffineMap()); }
+
+void centreOrigin() { placeView(view.scale, middleOfPanes()); }
+
+void fitView(const Mesh& mesh) {
+    Extent extent = extentOfFaces(mesh, screenAxes(), false);
+    const auto live = [](const Face& face) { return face.q != nullptr; };
+    if (std::none_of(mesh.faces, mesh.faces + mesh.nf, live)) {
+        extent = extentOfPoints(mesh, screenAxes());
+    }
+    if (extent.empty()) extent = {{0, 0, 0}, {0, 0, 0}};
+    fitExtent(extent);
+}
+
+bool fitViewToSelected(const Mesh& mesh) {
+    const Extent extent = extentOfFaces(mesh, screenAxes(), true);
+    if (extent.empty()) return false;
+    fitExtent(extent);
+    return true;
 }
 
 void resizeView(Size client) {
-    const Triple before = sides(view.client);
-    const Triple after = sides(client);
-    const double factor = smallest(after) / smallest(before);
-    Triple offset{view.offset.x, view.offset.y, view.offset.z};
-    for (std::size_t i = 0; i < 3; ++i) {
-        offset[i] = middle(after[i]) + (offset[i] - middle(before[i])) * factor;
-    }
-    placeOffset(offset);
-    view.scale *= factor;
+    const double factor = smallest(sides(client)) / smallest(sides(view.client));
+    const Vec3 before = middleOfPanes();
     view.client = client;
-    applyView();
+    const Vec3 after = middleOfPanes();
+    Vec3 offset;
+    for (int i = 0; i < 3; ++i) {
+        along(offset, i) = along(after, i) + (along(view.offset, i) - along(before, i)) * factor;
+    }
+    placeView(view.scale * factor, offset);
 }
 
 void transformPoints(Mesh& mesh) {

@@ -47,10 +47,41 @@ void resetView();
 /// view; the operations below do so themselves.
 void applyView();
 
+/// World positions along the screen's axes, at one unit per unit and without an offset.
+[[nodiscard]] AffineMap screenAxes();
+
+/// The screen position in the middles of both panes.
+[[nodiscard]] Vec3 middleOfPanes();
+
+// Moving and magnifying the view carries the box along, so that it stays around what it was around.
+// Turning the view leaves the box alone.
+
+/// Moves the picture by this many pixels.
+void panView(const Vec3& by);
+
+/// Magnifies the picture; the screen position `about` stays where it is. What would leave the range
+/// of usable scales (1e-305 to 1e305 pixels per unit) is not done.
+void zoomView(double factor, const Vec3& about);
+
+/// Turns the view about an axis (0 x, 1 y, 2 z) through the middle of the panes, in the sense of
+/// rotation(): about the screen's axis, which comes after all existing rotations, or about the
+/// object's own axis, which comes before them. The rotation is made exact each time, so it never
+/// drifts.
+void turnView(int axis, double radians, bool screenAxis);
+
+/// Shows the world's axes along the screen's; what is in the middle of the panes stays there.
+void resetAttitude();
+
+/// Moves the world's origin into the middles of the panes.
+void centreOrigin();
+
 /// Scales and centres the corners of all live faces (all points if there is none) so that they fill
 /// both panes but for a margin. The rotation stays. Positions beyond 1e300 do not count; a mesh
 /// without extent is shown at a scale to build on.
 void fitView(const Mesh& mesh);
+
+/// The same for the corners of the selected faces. False, and nothing done, when there is none.
+bool fitViewToSelected(const Mesh& mesh);
 
 /// The panes of another client size show what they showed, around the same middle, scaled with the
 /// smaller pane side. Empty panes count as one pixel wide, so that nothing is lost on the way back.

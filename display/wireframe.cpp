@@ -4,6 +4,10 @@
 #include "display/wireframe.h"
 
 #include "display/edge_list.h"
+#include "display/look.h"
+#include "display/options.h"
+#include "display/overlay.h"
+#include "display/pane.h"
 #include "display/raster.h"
 #include "display/view.h"
 
@@ -22,9 +26,9 @@ struct PanePoint {
 };
 
 // Bits of PanePoint::beyond.
-constexpr unsigned leftPane = 0x33;  ///< left, right; above, below
-constexpr unsigned rightPane = 0x3C; ///< front, back; above, below
-constexpr unsigned tooFar = 0x40;    ///< a position that 16 bits cannot hold
+constexpr unsigned leftSides = 0x33;  ///< left, right; above, below
+constexpr unsigned rightSides = 0x3C; ///< front, back; above, below
+constexpr unsigned tooFar = 0x40;     ///< a position that 16 bits cannot hold
 
 struct Wireframe {
     Bitmap picture;
@@ -59,42 +63,36 @@ PanePoint panePoint(const Point& p, const Panes& panes) {
             static_cast<std::int16_t>(z), static_cast<std::uint16_t>(far ? tooFar : beyond)};
 }
 
-/// One pane: its part of the picture and which of the positions run across it.
-struct Pane {
-    Canvas canvas;
-    unsigned sides; ///< the bits of PanePoint::beyond that count here
-    std::int16_t PanePoint::*across;
-    double Point::*exact; ///< the same before rounding
+/// Edges that are drawn alike: those that have just the marks `value` of those in `mask`.
+struct Layer {
+    const Stroke& stroke;
+    unsigned mask;
+    unsigned value;
 };
 
-Pane makePane(Bitmap& picture, const Panes& panes, bool left) {
-    const Canvas canvas{picture.pixels.data() + (left ? 0 : panes.rightStart),
-                        left ? panes.leftWidth : panes.rightWidth, panes.height, picture.width};
-    return left ? Pane{canvas, leftPane, &PanePoint::x, &Point::sx}
-                : Pane{canvas, rightPane, &PanePoint::z, &Point::sz};
-}
-
-/// An edge that is not wholly inside the pane.
+/// An edge that is not wholly inside the pane, or wider than a pixel.
 void drawCrossing(const Mesh& mesh, const Pane& pane, std::uint32_t from, std::uint32_t to,
-                  std::uint32_t color) {
+                  const Stroke& stroke) {
     const PanePoint& a = wireframe.points[from];
     const PanePoint& b = wireframe.points[to];
+    const unsigned sides = pane.left ? leftSides : rightSides;
     if (((a.beyond | b.beyond) & tooFar) != 0) {
-        const Point& p = mesh.points[from];
-        const Point& q = mesh.points[to];
-        drawLine(pane.canvas, p.*pane.exact, p.sy, q.*pane.exact, q.sy, color);
-    } else if ((a.beyond & b.beyond & pane.sides) == 0) {
-        drawClipped(pane.canvas, a.*pane.across, a.y, b.*pane.across, b.y, color);
+        pane.line(pane.at(mesh.points[from]), pane.at(mesh.points[to]), stroke);
+    } else if ((a.beyond & b.beyond & sides) == 0 || stroke.width > 1) {
+        const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
+        drawClipped(pane.canvas, a.*across, a.y, b.*across, b.y, stroke);
     }
 }
 
-/// Draws the edges that have the selected bit, or those that have not.
-void drawEdges(const Mesh& mesh, const Pane& pane, bool selected, std::uint32_t color) {
+void drawEdges(const Mesh& mesh, const Pane& pane, const Layer& layer) {
     const DrawnEdges& edges = wireframe.edges;
-    const std::uint32_t wanted = selected ? DrawnEdges::selectedBit : 0;
+    if (!edges.has(layer.mask, layer.value)) return;
     const Canvas canvas = pane.canvas;
-    const auto across = pane.across;
-    const unsigned outside = pane.sides | tooFar;
+    const Stroke stroke = layer.stroke;
+    const bool thin = stroke.width == 1;
+    const bool dashed = stroke.pattern != Stroke::solid;
+    const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
+    const unsigned outside = (pane.left ? leftSides : rightSides) | tooFar;
     const auto count = static_cast<std::uint32_t>(wireframe.points.size());
     const std::size_t last = edges.other.size() - 1;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -102,18 +100,32 @@ void drawEdges(const Mesh& mesh, const Pane& pane, bool selected, std::uint32_t 
         const std::uint32_t end = edges.first[i + 1];
         for (std::uint32_t k = edges.first[i]; k < end; ++k) {
             // In a mesh of no order the next points are far apart; they are called for in time.
-            const std::uint32_t soon = edges.other[std::min<std::size_t>(k + 24, last)];
-            __builtin_prefetch(&wireframe.points[soon & ~DrawnEdges::selectedBit]);
-            if ((edges.other[k] & DrawnEdges::selectedBit) != wanted) continue;
-            const std::uint32_t to = edges.other[k] & ~DrawnEdges::selectedBit;
+            __builtin_prefetch(&wireframe.points[edges.other[std::min<std::size_t>(k + 24, last)]]);
+            if ((edges.marks[k] & layer.mask) != layer.value) continue;
+            const std::uint32_t to = edges.other[k];
             const PanePoint b = wireframe.points[to];
-            if (((a.beyond | b.beyond) & outside) == 0) {
-                drawInside(canvas, a.*across, a.y, b.*across, b.y, color);
+            if (!thin || ((a.beyond | b.beyond) & outside) != 0) {
+                drawCrossing(mesh, pane, i, to, stroke);
+            } else if (dashed) {
+                drawInside<true>(canvas, a.*across, a.y, b.*across, b.y, stroke);
             } else {
-                drawCrossing(mesh, pane, i, to, color);
+                drawInside<false>(canvas, a.*across, a.y, b.*across, b.y, stroke);
             }
         }
     }
+}
+
+/// Each layer over those before it: what is selected or out of order is not covered.
+void drawLayers(const Mesh& mesh, const Pane& pane) {
+    const DisplayOptions& options = displayOptions;
+    const unsigned shown = pane.left ? edgemark::inLeft : edgemark::inRight;
+    const auto draw = [&](const Stroke& stroke, unsigned mark, unsigned value) {
+        drawEdges(mesh, pane, {stroke, shown | mark, shown | value});
+    };
+    draw(options.unselectedGrey ? look.unselectedGrey : look.unselected, edgemark::selected, 0);
+    draw(look.selected, edgemark::selected, edgemark::selected);
+    if (options.looseEdges) draw(look.loose, edgemark::shared, 0);
+    if (options.badEdges) draw(look.bad, edgemark::bad, edgemark::bad);
 }
 
 /// An empty picture: the background and the line between the panes.
@@ -122,55 +134,53 @@ void clearPicture(Bitmap& picture, const Panes& panes) {
     picture.height = panes.height;
     picture.pixels.assign(static_cast<std::size_t>(picture.width)
                               * static_cast<std::size_t>(picture.height),
-                          palette.background);
+                          look.background);
     if (picture.width == 0) return;
     for (auto i = static_cast<std::size_t>(panes.leftWidth); i < picture.pixels.size();
          i += static_cast<std::size_t>(picture.width)) {
-        picture.pixels[i] = palette.divider;
+        picture.pixels[i] = look.divider;
     }
 }
 
-void draw(Mesh& mesh) {
+void draw(Mesh& mesh, const Markers& markers) {
     const Panes panes = panesOf(view.client);
     clearPicture(wireframe.picture, panes);
     if (wireframe.picture.pixels.empty()) return;
     wireframe.points.resize(static_cast<std::size_t>(mesh.np));
     std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
                    [&](const Point& p) { return panePoint(p, panes); });
-    const DrawnEdges& edges = wireframe.edges;
     for (const bool left : {true, false}) {
-        const Pane pane = makePane(wireframe.picture, panes, left);
-        // Selected edges last, so that no other lies over them.
-        if (edges.selected < edges.other.size()) {
-            drawEdges(mesh, pane, false, palette.unselected);
-        }
-        if (edges.selected > 0) drawEdges(mesh, pane, true, palette.edge);
+        const Pane pane = makePane(wireframe.picture, left);
+        drawGrid(pane);
+        drawLayers(mesh, pane);
+        drawOverlay(mesh, pane, markers);
     }
 }
 
 /// Brings everything up to date. A list of edges made for another number of points would lead
-/// outside the arrays, whatever the flags say.
-void refresh(Mesh& mesh, Size client) {
+/// outside the arrays, whatever the flags say. Which faces are hidden changes with the points.
+void refresh(Mesh& mesh, Size client, const Markers& markers) {
     if (client.width != view.client.width || client.height != view.client.height) {
         resizeView(client);
     }
     if (stale.points) transformPoints(mesh);
+    stale.edges |= stale.points && displayOptions.hideFacingAway;
     if (stale.edges || wireframe.edges.first.size() != static_cast<std::size_t>(mesh.np) + 1) {
         listEdges(mesh, wireframe.edges);
     }
-    draw(mesh);
+    draw(mesh, markers);
     stale = {false, false, false};
 }
 
 } // namespace
 
-const Bitmap& drawPanes(Mesh& mesh, Size client) {
+const Bitmap& drawPanes(Mesh& mesh, Size client, const Markers& markers) {
     const bool resized = client.width != view.client.width || client.height != view.client.height;
     if (!resized && !stale.points && !stale.edges && !stale.picture) {
         return wireframe.picture;
     }
     try {
-        refresh(mesh, client);
+        refresh(mesh, client, markers);
     } catch (const std::bad_alloc&) {
         wireframe.picture = Bitmap();
         stale = Stale();

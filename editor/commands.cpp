@@ -1,17 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands.h"
 
+#include "display/view.h"
+#include "editor/box_commands.h"
+#include "editor/display_commands.h"
 #include "editor/face_commands.h"
+#include "editor/menus.h"
+#include "editor/modes.h"
+#include "editor/name_list.h"
 #include "editor/selection.h"
 #include "editor/state.h"
+#include "editor/subview.h"
+#include "editor/view_commands.h"
+#include "editor/volume.h"
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "mesh/mesh.h"
 #include "mesh/name_commands.h"
 #include "platform/platform.h"
+#include "tools/delete_faces.h"
+#include "tools/duplicate.h"
+#include "tools/names_from_numbers.h"
+#include "tools/same_corners.h"
+#include "tools/separate_glued.h"
+#include "tools/unweld.h"
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace polyfab {
 namespace {
@@ -30,9 +46,20 @@ constexpr const char* parts = "&parts";
 constexpr const char* display = "&display";
 constexpr const char* rendering = "&rendering";
 constexpr const char* makeObject = "make &object";
-constexpr const char* help = "&help";
 
 constexpr void (*later)() = nullptr;
+
+using Show = DisplayOptions;
+
+template <int command>
+void goTo() {
+    enterMode(command);
+}
+
+template <int number>
+void openList() {
+    openSubview(number);
+}
 
 template <void (*act)(Mesh&)>
 void onMesh() {
@@ -40,71 +67,73 @@ void onMesh() {
 }
 
 constexpr auto table = std::to_array<Command>({
-    {256, file, "&read mesh file", readMeshFile},
+    {256, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
     {296, file, "&append mesh file", appendMeshFile},
     {2001, file, "&import other mesh file", importOtherMesh},
-    {262, file, "e&xit", [] { platform().requestClose(); }},
+    {262, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
 
     {257, write, "&DXF mesh file", writeDxfMeshFile},
     {258, write, "&3DS mesh file", write3dsMeshFile},
-    {259, write, "&OBJ mesh file", writeObjMeshFile},
+    {259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"},
     {2002, write, "e&xport other mesh file", exportOtherMesh},
 
-    {358, mode, "go to defa&ult mode", later},
-    {348, mode, "go to &edge-handling mode", later},
-    {349, mode, "go to &face-handling mode", later},
-    {350, mode, "go to &group-handling mode", later},
-    {351, mode, "go to &move-an-object mode", later},
-    {352, mode, "go to move-the-&display mode", later},
-    {353, mode, "go to &vertex-handling mode", later},
-    {357, mode, "go to set-&left-cutoff mode", later},
-    {359, mode, "go to resize-an-o&bject mode", later},
+    {358, mode, "go to defa&ult mode", goTo<358>},
+    {348, mode, "go to &edge-handling mode", goTo<348>},
+    {349, mode, "go to &face-handling mode", goTo<349>},
+    {350, mode, "go to &group-handling mode", goTo<350>},
+    {351, mode, "go to &move-an-object mode", goTo<351>},
+    {352, mode, "go to move-the-&display mode", goTo<352>},
+    {353, mode, "go to &vertex-handling mode", goTo<353>},
+    {357, mode, "go to set-&left-cutoff mode", goTo<357>},
+    {359, mode, "go to resize-an-o&bject mode", goTo<359>},
     {361, mode, "go to &texture-map-coordinate-handling mode", later},
-    {362, mode, "go to set-&right-cutoff mode", later},
-    {363, mode, "go to re&size-the-display mode", later},
-    {364, mode, "go to rotate-around-x mode: &x", later},
-    {365, mode, "go to rescale-in-x mode: &i", later},
-    {366, mode, "go to rotate-around-y mode: &y", later},
-    {367, mode, "go to rescale-in-y mode: &j", later},
-    {368, mode, "go to rotate-around-z mode: &z", later},
-    {369, mode, "go to rescale-in-z mode: &k", later},
-    {1062, mode, "go to twist-around-x mode: &1", later},
-    {1063, mode, "go to twist-around-y mode: &2", later},
-    {1064, mode, "go to twist-around-z mode: &3", later},
+    {362, mode, "go to set-&right-cutoff mode", goTo<362>},
+    {363, mode, "go to re&size-the-display mode", goTo<363>},
+    {364, mode, "go to rotate-around-x mode: &x", goTo<364>},
+    {365, mode, "go to rescale-in-x mode: &i", goTo<365>},
+    {366, mode, "go to rotate-around-y mode: &y", goTo<366>},
+    {367, mode, "go to rescale-in-y mode: &j", goTo<367>},
+    {368, mode, "go to rotate-around-z mode: &z", goTo<368>},
+    {369, mode, "go to rescale-in-z mode: &k", goTo<369>},
+    {1062, mode, "go to twist-around-x mode: &1", goTo<1062>},
+    {1063, mode, "go to twist-around-y mode: &2", goTo<1063>},
+    {1064, mode, "go to twist-around-z mode: &3", goTo<1064>},
     {1040, mode, "go to move-by-gra&phs mode", later},
     {1049, mode, "go to s&cale-by-graphs mode", later},
 
     {260, tools, "&info", showInfo},
     {261, tools, "color&sep", later},
     {267, tools, "collect &garbage", collectGarbageNow},
-    {271, tools, "add new rotation &after existing rotations", later},
-    {297, tools, "rotate &view", later},
-    {281, tools, "reset a&ttitude", later},
-    {298, tools, "rotate &objects", later},
+    {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
+     rotationComesAfter},
+    {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
+    {281, tools, "reset a&ttitude", resetAttitude},
+    {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
     {324, tools, "contro&l smoothing", later},
     {371, tools, "s&moothing", later},
     {372, tools, "move all vertexes out by a set &distance", later},
-    {398, tools, "duplicate selected faces, &join edges", later},
-    {389, tools, "du&plicate selected faces", later},
-    {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", later},
+    {398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>},
+    {389, tools, "du&plicate selected faces", onMesh<duplicateSelected>},
+    {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
-     later},
+     removeTexCoords},
     {394, tools, "&boolean: weld intersecting selected faces", later},
-    {409, tools, "mi&rror-image in x or y or z coordinates as on screen", later},
-    {413, tools, "chang&e sign of absolute x or y or z", later},
-    {1055, tools, "s&wop y and z absolute axes", later},
-    {1084, tools, "rotate 90° degrees clockwise about the absolute y-axis", later},
+    {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
+    {413, tools, "chang&e sign of absolute x or y or z", changeSign},
+    {1055, tools, "s&wop y and z absolute axes", swopYAndZ},
+    {1084, tools, "rotate 90° degrees clockwise about the absolute y-axis", rotateAboutY},
     {415, tools, "output group names to text &file",
      [] { writeGroupNames(*OB, editorState.fileName); }},
     {1073, tools, "output material names to text file",
      [] { writeMaterialNames(*OB, editorState.fileName); }},
-    {1024, tools, "move selected faces to &center the box on absolute x or y or z = 0", later},
-    {1051, tools, "if 2 selected faces have all the same corners, remove one: &7", later},
-    {1057, tools, "find absolute volume bounded by selected faces: &8", later},
-    {1058, tools, "say absolute size of box: &9", later},
-    {1082, tools, "say absolute range of box in x and y and z", later},
-    {1067, tools, "unselect all selected duplicated faces: &0", later},
-    {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", later},
+    {1024, tools, "move selected faces to &center the box on absolute x or y or z = 0", centerBox},
+    {1051, tools, "if 2 selected faces have all the same corners, remove one: &7",
+     onMesh<removeFacesOnSamePoints>},
+    {1057, tools, "find absolute volume bounded by selected faces: &8", tellVolume},
+    {1058, tools, "say absolute size of box: &9", tellBoxSize},
+    {1082, tools, "say absolute range of box in x and y and z", tellBoxRange},
+    {1067, tools, "unselect all selected duplicated faces: &0", onMesh<unselectFacesOnSamePoints>},
+    {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
     {1085, tools, "noise", later},
     {1037, tools, "special", later},
 
@@ -121,25 +150,26 @@ constexpr auto table = std::to_array<Command>({
     {1077, graphs, "set to scale as a function of &z", later},
 
     {280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces},
-    {290, facesMenu, "&select all faces", selectAllFaces},
+    {290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"},
     {291, facesMenu, "&unselect all faces", unselectAllFaces},
-    {292, facesMenu, "select faces in &box", later},
-    {293, facesMenu, "unselect faces in box : &9", later},
-    {294, facesMenu, "select faces out o&f box", later},
-    {295, facesMenu, "unselect faces ou&t of box", later},
-    {325, facesMenu, "unselect faces &clockwise on left pane", later},
-    {326, facesMenu, "unselect faces ant&iclockwise on left pane", later},
-    {299, facesMenu, "&delete selected faces", later},
-    {316, facesMenu, "de&lete unselected faces", later},
+    {292, facesMenu, "select faces in &box", selectInBox},
+    {293, facesMenu, "unselect faces in box : &9", unselectInBox},
+    {294, facesMenu, "select faces out o&f box", selectOutOfBox},
+    {295, facesMenu, "unselect faces ou&t of box", unselectOutOfBox},
+    {2003, facesMenu, "fit the box to the selected faces: &0", fitBoxToSelected},
+    {325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise},
+    {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise},
+    {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
+    {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
     {268, facesMenu, "det&riangularize (quickly)", later},
     {1083, facesMenu, "detriangularize (thoroughly)", later},
     {274, facesMenu, "trian&gularize", later},
     {344, facesMenu, "break up faces with &5 or more sides", later},
-    {360, facesMenu, "find and start showing bad &edges", later},
+    {360, facesMenu, "find and start showing bad &edges", findBadEdges},
     {395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later},
     {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
-    {284, facesMenu, "set to `n&o current face'", later},
-    {396, facesMenu, "set to `no &curren&t edge'", later},
+    {284, facesMenu, "set to `n&o current face'", forgetCurrentFace},
+    {396, facesMenu, "set to `no &curren&t edge'", forgetCurrentEdge},
     {403, facesMenu, "split selected faces along the box's maximum &x", later},
     {404, facesMenu, "split selected faces along the box's maximum &y", later},
     {405, facesMenu, "split selected faces along the box's maximum z: &1", later},
@@ -149,16 +179,18 @@ constexpr auto table = std::to_array<Command>({
     {1035, facesMenu, "insert faces to fill a &hole", later},
     {1052, facesMenu, "insert faces to fill all holes: &8", later},
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
-    {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners", later},
-    {1088, facesMenu, "unselect all selected faces with non-&zero area", later},
+    {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
+     unselectSmallFaces},
+    {1088, facesMenu, "unselect all selected faces with non-&zero area", unselectFacesWithArea},
 
     {390, vertexes, "weld &all very close points", later},
     {1061, vertexes, "&bring all very close points together, don't weld them", later},
     {269, vertexes, "&weld all very close points which are on loose edges", later},
     {317, vertexes, "w&eld all very close points, by edges and repeat", later},
     {329, vertexes, "&thin out the faces", later},
-    {370, vertexes, "separate surfaces that are &glued at one point", later},
-    {393, vertexes, "&unweld selected from unselected faces", later},
+    {370, vertexes, "separate surfaces that are &glued at one point",
+     onMesh<separateGluedSurfaces>},
+    {393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>},
     {1050, vertexes, "find &far it is between the two settable points", later},
 
     {277, texture, "s&tart editing texture map coords", later},
@@ -166,8 +198,8 @@ constexpr auto table = std::to_array<Command>({
     {515, texture, "new texture map: &cylinder", later},
     {533, texture, "new texture map: cu&bic", later},
     {517, texture, "new texture map: cylinder with &ends", later},
-    {276, texture, "&select texture map areas by menu", later},
-    {380, texture, "go to select-texture-map-areas-by-c&licking mode", later},
+    {276, texture, "&select texture map areas by menu", openList<subview::textureMapAreas>},
+    {380, texture, "go to select-texture-map-areas-by-c&licking mode", goTo<380>},
     {265, texture, "make texture map of selected faces on &file", later},
     {273, texture, "&weld equal texture map coords of selected faces", later},
     {288, texture, "&unweld texture map coords of selected from unselected faces", later},
@@ -178,39 +210,44 @@ constexpr auto table = std::to_array<Command>({
     {387, texture, "say the range of texture map coords: &5", later},
     {391, texture, "set the range of texture map coords: &6", later},
     {275, texture, "find texture map &areas", later},
-    {285, texture, "make texture map areas into &groups", later},
+    {285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>},
 
-    {264, groups, "&select groups by menu", later},
-    {378, groups, "go to select-groups-by-&clicking mode", later},
+    {264, groups, "&select groups by menu", openList<subview::groups>},
+    {378, groups, "go to select-groups-by-&clicking mode", goTo<378>},
     {322, groups, "put selected &faces into new group", onMesh<putSelectedIntoNewGroup>},
     {1025, groups, "&amalgamate groups with same name", onMesh<amalgamateGroups>},
 
-    {328, materials, "&select materials by menu", later},
-    {379, materials, "go to select-materials-by-&clicking mode", later},
+    {328, materials, "&select materials by menu", openList<subview::materials>},
+    {379, materials, "go to select-materials-by-&clicking mode", goTo<379>},
     {327, materials, "put selected &faces into new material", onMesh<putSelectedIntoNewMaterial>},
     {1026, materials, "a&malgamate materials with same name", onMesh<amalgamateMaterials>},
 
-    {278, parts, "&select parts by menu", later},
-    {381, parts, "go to select-parts-by-&clicking mode", later},
+    {278, parts, "&select parts by menu", openList<subview::parts>},
+    {381, parts, "go to select-parts-by-&clicking mode", goTo<381>},
     {279, parts, "&find parts", later},
-    {287, parts, "make parts into &groups", later},
-    {1072, parts, "make parts into &materials", later},
-    {402, parts, "&unweld selected parts", later},
-    {1065, parts, "delete all selected parts that contain only &1 face", later},
+    {287, parts, "make parts into &groups", onMesh<makePartsIntoGroups>},
+    {1072, parts, "make parts into &materials", onMesh<makePartsIntoMaterials>},
+    {402, parts, "&unweld selected parts", onMesh<unweldSelectedParts>},
+    {1065, parts, "delete all selected parts that contain only &1 face",
+     onMesh<deletePartsOfOneFace>},
 
-    {382, display, "show &vertexes", later},
-    {346, display, "show &selected vertexes", later},
-    {347, display, "show &normals", later},
-    {270, display, "show bad &edges", later},
-    {266, display, "show unselected faces &grey", later},
-    {323, display, "show &loose edges", later},
-    {354, display, "&hide faces that face away", later},
-    {373, display, "show the &box", later},
-    {1029, display, "show the &current face, edge and vertex", later},
-    {1030, display, "show the settable &points", later},
-    {1031, display, "show the &axes", later},
-    {1032, display, "show a g&rid", later},
-    {1033, display, "show &face and vertex numbers", later},
+    {382, display, "show &vertexes", flip<&Show::vertexes>, isOn<&Show::vertexes>},
+    {346, display, "show &selected vertexes", flip<&Show::selectedVertexes>,
+     isOn<&Show::selectedVertexes>},
+    {347, display, "show &normals", flip<&Show::normals>, isOn<&Show::normals>},
+    {270, display, "show bad &edges", flip<&Show::badEdges>, isOn<&Show::badEdges>},
+    {266, display, "show unselected faces &grey", flip<&Show::unselectedGrey>,
+     isOn<&Show::unselectedGrey>},
+    {323, display, "show &loose edges", flip<&Show::looseEdges>, isOn<&Show::looseEdges>},
+    {354, display, "&hide faces that face away", flip<&Show::hideFacingAway>,
+     isOn<&Show::hideFacingAway>},
+    {373, display, "show the &box", flip<&Show::box>, isOn<&Show::box>},
+    {1029, display, "show the &current face, edge and vertex", flip<&Show::current>,
+     isOn<&Show::current>},
+    {1030, display, "show the settable &points", flip<&Show::settable>, isOn<&Show::settable>},
+    {1031, display, "show the &axes", flip<&Show::axes>, isOn<&Show::axes>},
+    {1032, display, "show a g&rid", flip<&Show::grid>, isOn<&Show::grid>},
+    {1033, display, "show &face and vertex numbers", flip<&Show::numbers>, isOn<&Show::numbers>},
     {1034, display, "show the pane backgroun&ds", later},
 
     {330, rendering, "&render the left pane", later},
@@ -245,19 +282,22 @@ constexpr auto table = std::to_array<Command>({
     {1068, makeObject, "face with spira&l edge", later},
     {283, makeObject, "alien &rifle", later},
 
-    {263, help, "&help", [] { platform().openHelp(); }},
+    {385, listMenu, "&show texture map numbers", toggleTextureNumbers, showsTextureNumbers},
+
+    {263, helpMenu, "&help", [] { platform().openHelp(); }},
 });
 
-constexpr bool idsAreUnique() {
+constexpr bool idsAndKeysAreUnique() {
     for (std::size_t i = 0; i < table.size(); ++i) {
+        const std::string_view key = table[i].key;
         for (std::size_t j = 0; j < i; ++j) {
-            if (table[i].id == table[j].id) return false;
+            if (table[i].id == table[j].id || (!key.empty() && key == table[j].key)) return false;
         }
     }
     return true;
 }
 
-static_assert(idsAreUnique(), "two commands have the same id");
+static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
 
 } // namespace
 
@@ -267,6 +307,13 @@ const Command* findCommand(int id) {
     const auto row =
         std::find_if(table.begin(), table.end(), [id](const Command& c) { return c.id == id; });
     return row == table.end() ? nullptr : &*row;
+}
+
+void runCommand(int id) {
+    const Command* const command = findCommand(id);
+    if (command == nullptr || command->handler == nullptr) return;
+    command->handler();
+    updateCheckMarks();
 }
 
 } // namespace polyfab

@@ -9,15 +9,26 @@ namespace polyfab {
 
 struct Command {
     int id;
-    const char* menu;  ///< heading that it stands under
-    const char* label; ///< "&" before the mnemonic letter
-    void (*handler)(); ///< null: not built yet
+    const char* menu;            ///< heading that it stands under
+    const char* label;           ///< "&" before the mnemonic letter
+    void (*handler)();           ///< null: not built yet
+    bool (*checked)() = nullptr; ///< whether its check mark shows; null: it never has one
+    const char* key = "";        ///< shortcut such as "Ctrl+O"
 };
 
-/// Every command of the main menu, in menu order.
+/// Heading of what stands only in the menu bars of name lists.
+inline constexpr const char* listMenu = "&list";
+/// Heading that every menu bar has.
+inline constexpr const char* helpMenu = "&help";
+
+/// Every command, in menu order.
 [[nodiscard]] std::span<const Command> commandTable();
 
 /// The command of this id, or null.
 [[nodiscard]] const Command* findCommand(int id);
+
+/// Carries the command out and brings the check marks up to date. What is not built yet, or no
+/// command at all, does nothing.
+void runCommand(int id);
 
 } // namespace polyfab

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The command table as menus and as a printable list.
+// Menu bars and command lists, built from the command table.
 #pragma once
 
 #include "platform/platform.h"
 
-#include <vector>
+#include <string>
 
 namespace polyfab {
 
-/// The menu bar of the mesh view; what is not built yet is greyed.
-[[nodiscard]] MenuBar mainMenu();
+/// Puts the menu bar of this name on the window: "POLYFAB" for the mesh itself, "GMENUMENU" for the
+/// list of groups, "MENUMENU" for the other lists. What is not built yet is greyed.
+void showMenuBar(const std::string& name);
+
+/// Brings the check marks of the present menu bar up to date.
+void updateCheckMarks();
 
 [[nodiscard]] std::vector<CommandInfo> listCommands();
 

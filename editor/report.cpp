@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/report.h"
 
+#include "editor/commands.h"
 #include "editor/selection.h"
 #include "editor/state.h"
 #include "mesh/mesh.h"
@@ -28,6 +29,15 @@ Json keysDown() {
         if (editorState.keys[code] != 0) keys.push_back(code);
     }
     return keys;
+}
+
+/// The ids of the menu toggles that are on.
+Json commandsChecked() {
+    Json ids = Json::array();
+    for (const Command& command : commandTable()) {
+        if (command.checked != nullptr && command.checked()) ids.push_back(command.id);
+    }
+    return ids;
 }
 
 void addCounts(Json& state) {
@@ -98,7 +108,7 @@ std::string stateJson() {
     state["keys"] = keysDown();
     state["history"] = editor.history;
     state["mouse"] = vector(editor.mouse);
-    state["checks"] = Json::array(); // no toggle is built yet
+    state["checks"] = commandsChecked();
     state["storeBlocks"] = storeBlocks();
     return line(state);
 }

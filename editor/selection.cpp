@@ -4,6 +4,8 @@
 #include "display/view.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "tools/elements.h"
+#include "tools/face_area.h"
 
 #include <algorithm>
 #include <string>
@@ -18,6 +20,19 @@ void setSelected(std::uint8_t selected) {
     stale.edges = true;
 }
 
+/// Unselects the selected faces that `which` picks out, and reports how many under the caption.
+template <typename Which>
+void unselectWhere(Which which, const char* caption) {
+    int count = 0;
+    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
+        if (!isLiveSelected(*face) || !which(*face)) continue;
+        face->selected = 0;
+        ++count;
+    }
+    if (count > 0) stale.edges = true;
+    platform().message(caption, std::to_string(count) + " such faces found", Icon::none);
+}
+
 /// The name of the group that the face is in.
 std::string groupOf(const Face& face) {
     return face.g >= 0 && face.g < OB->ng ? OB->groups[face.g].name : "";
@@ -28,6 +43,14 @@ std::string groupOf(const Face& face) {
 void selectAllFaces() { setSelected(1); }
 
 void unselectAllFaces() { setSelected(0); }
+
+void unselectSmallFaces() {
+    unselectWhere([](const Face& face) { return face.n < 5; }, "faces with 5 or more corners");
+}
+
+void unselectFacesWithArea() {
+    unselectWhere([](const Face& face) { return !hasNoArea(face); }, "zero-area faces");
+}
 
 int countSelectedPoints() {
     OB->markPointsOnSelected();

@@ -8,6 +8,10 @@ namespace polyfab {
 void selectAllFaces();
 void unselectAllFaces();
 
+/// Unselect the selected faces with less than 5 corners (with an area), and report how many.
+void unselectSmallFaces();
+void unselectFacesWithArea();
+
 /// Puts the mesh's counts, current face and current vertex into the title.
 void showInfo();
 

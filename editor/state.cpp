@@ -7,6 +7,8 @@ namespace polyfab {
 
 void resetEditorState() { editorState = EditorState(); }
 
+bool abortRequested() { return platform().escapeDown() || keyIsDown(key::escape); }
+
 void updateTitle() {
     platform().setTitle(std::string(programName) + " [" + editorState.fileName + "] "
                         + editorState.modeName);

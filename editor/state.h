@@ -6,6 +6,7 @@
 #include "mesh/projection.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -13,6 +14,20 @@ namespace polyfab {
 
 /// The default interaction mode; the other modes are further character codes and plain numbers.
 inline constexpr int defaultMode = ' ';
+
+/// What the four name lists share. The switches outlive an opening, the rest does not.
+struct NameListState {
+    int pointed = -1;    ///< entry under the mouse; -1: none
+    int pressed = -1;    ///< entry of the last left press: a drag starts there
+    int closingKey = 0;  ///< Escape, F1, F2 or F3: closed the list; 0: a click did
+    int firstColumn = 0; ///< first column of names that the window shows
+    int x = -1;          ///< where the mouse was last, in client pixels
+    int y = -1;
+    double wheel = 0;            ///< what fine wheels have turned short of a whole step
+    bool longTextShown = false;  ///< the title is the text of the pointed entry
+    bool selectedOnly = false;   ///< only selected faces are counted
+    bool textureNumbers = false; ///< texture-map numbers stand before the names of groups
+};
 
 struct EditorState {
     int mode = defaultMode;
@@ -22,20 +37,37 @@ struct EditorState {
     std::string fileName;   ///< path of the last file read, written or dropped
     std::string lastChosen; ///< its name without the directory, offered by the next file dialog
     bool busy = false;      ///< a mesh file is being read or written
-    bool wholeMeshWritten = false;   ///< set by each writer: true when it left no live face out
-    bool showUnselectedGrey = false; ///< the display option of command 266
+    bool wholeMeshWritten = false; ///< set by each writer: true when it left no live face out
+    int currentEdgeFace = -1;      ///< face of the current edge; -1: there is none
+    int currentEdgeCorner = -1;    ///< the corner of that face at which the edge begins
     std::array<std::uint8_t, 256> keys{}; ///< 0xFF while the virtual key is down
     std::uint8_t history = 0; ///< buttons now (bits 0-1) and at the mouse event before (bits 2-3)
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     std::array<Vec3, 2> settable; ///< the two settable points
+    int textureNumber = 0;        ///< the texture map that is chosen, 0-7
+    NameListState nameList;
 };
 
 inline EditorState editorState;
+inline NameListState& nameList = editorState.nameList;
 
 /// Puts every field back to its state at start-up.
 void resetEditorState();
 
 inline constexpr const char* programName = "polyfab";
+
+/// Whether the virtual key is down.
+[[nodiscard]] inline bool keyIsDown(int code) {
+    return editorState.keys[static_cast<std::size_t>(code)] != 0;
+}
+
+/// The mouse buttons as the last two mouse events tell them.
+[[nodiscard]] inline bool leftPressed() { return (editorState.history & 5) == 1; }
+[[nodiscard]] inline bool leftReleased() { return (editorState.history & 5) == 4; }
+
+/// Whether the user wants long work to stop: the Escape key is down. Lets the window redraw itself;
+/// to be asked every few milliseconds of work, not for every element.
+[[nodiscard]] bool abortRequested();
 
 /// Shows "PROGRAM [FILE] MODE" in the window title, the program's only status line.
 void updateTitle();

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/window.h"
 
+#include "display/pane_images.h"
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "editor/commands.h"
+#include "editor/handling_modes.h"
+#include "editor/input.h"
 #include "editor/menus.h"
+#include "editor/modes.h"
+#include "editor/navigation.h"
 #include "editor/report.h"
+#include "editor/settable_points.h"
 #include "editor/state.h"
+#include "editor/subview.h"
 #include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 
+#include <new>
 #include <string_view>
 
 namespace polyfab {
@@ -18,8 +26,11 @@ namespace {
 
 void onCreate(const Event&) {
     createMesh();
+    paneImages = PaneImages();
+    resetDrags();
+    endNavigation();
     resizeView(platform().clientSize());
-    platform().setMenuBar("POLYFAB", mainMenu());
+    showMenuBar("POLYFAB");
     platform().setTitle(programName);
 }
 
@@ -37,33 +48,18 @@ void onResize(const Event&) {
     platform().requestPaint();
 }
 
-void clearKeys(const Event&) { editorState.keys.fill(0); }
+void onKeysLost(const Event&) { clearKeys(); }
 
-void onPaint(const Event&) { platform().present(drawPanes(*OB, platform().clientSize())); }
-
-void onClose(const Event&) {
-    if (editorState.busy) {
-        platform().beep();
-        platform().setTitle("Whoa there, I got a file open!!");
-        return;
-    }
-    if (OB->changed
-        && platform().question("you have not saved this object since you altered it last",
-                               "do you want to exit?", Buttons::yesNo)
-               != Choice::yes) {
-        return;
-    }
-    platform().destroyWindow();
+void onPaint(const Event&) {
+    const Markers markers{editorState.currentEdgeFace, editorState.currentEdgeCorner,
+                          editorState.settable};
+    platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 
-void setKey(int code, std::uint8_t state) {
-    if (code >= 0 && code < 256) editorState.keys[static_cast<std::size_t>(code)] = state;
-}
-
-void onKeyDown(const Event& event) { setKey(event.key, 0xFF); }
+void onClose(const Event&) { closeUnlessRefused(); }
 
 void onKeyUp(const Event& event) {
-    setKey(event.key, 0);
+    noteKey(event);
     constexpr std::string_view refreshing = "CVI";
     if (event.key > 0 && event.key < 128
         && refreshing.find(static_cast<char>(event.key)) != std::string_view::npos) {
@@ -71,23 +67,31 @@ void onKeyUp(const Event& event) {
     }
 }
 
-void onMouse(const Event& event) {
-    EditorState& editor = editorState;
-    const unsigned before = editor.history;
-    editor.history = static_cast<std::uint8_t>((before << 2 | (event.buttons & 3)) & 0xF);
-    const bool rightWasDown = (editor.history & 8) != 0;
-    (rightWasDown ? editor.mouse.z : editor.mouse.x) = event.x;
-    editor.mouse.y = event.y;
-}
-
 void repaintIfStale() {
     if (stale.points || stale.edges || stale.picture) platform().requestPaint();
 }
 
+void onKeyDown(const Event& event) {
+    noteKey(event);
+    if (event.key == key::escape) cancelDrag();
+    if (!navigateByKey(event.key)) handlingKeyDown(event.key);
+    repaintIfStale();
+}
+
+void onMouse(const Event& event) {
+    noteMouse(event);
+    navigateByMouse(event);
+    if (!settablePointPress(event)) modeMouse(event);
+    repaintIfStale();
+}
+
+void onWheel(const Event& event) {
+    zoomByWheel(event);
+    repaintIfStale();
+}
+
 void onCommand(const Event& event) {
-    const Command* const command = findCommand(event.command);
-    if (command == nullptr || command->handler == nullptr) return;
-    command->handler();
+    runCommand(event.command);
     repaintIfStale();
 }
 
@@ -103,15 +107,17 @@ void onDrop(const Event& event) {
 struct Route {
     EventKind kind;
     void (*handle)(const Event&);
+    bool endsDrag = false; ///< a drag that runs ends first, and keeps what it did
 };
 
 constexpr Route routes[] = {
-    {EventKind::create, onCreate},       {EventKind::destroy, onDestroy},
-    {EventKind::resize, onResize},       {EventKind::deactivate, clearKeys},
-    {EventKind::menuOpening, clearKeys}, {EventKind::paint, onPaint},
-    {EventKind::close, onClose},         {EventKind::keyDown, onKeyDown},
-    {EventKind::keyUp, onKeyUp},         {EventKind::mouse, onMouse},
-    {EventKind::command, onCommand},     {EventKind::drop, onDrop},
+    {EventKind::create, onCreate},        {EventKind::destroy, onDestroy},
+    {EventKind::resize, onResize, true},  {EventKind::deactivate, onKeysLost, true},
+    {EventKind::menuOpening, onKeysLost}, {EventKind::paint, onPaint},
+    {EventKind::close, onClose, true},    {EventKind::keyDown, onKeyDown},
+    {EventKind::keyUp, onKeyUp},          {EventKind::mouse, onMouse},
+    {EventKind::wheel, onWheel},          {EventKind::command, onCommand, true},
+    {EventKind::drop, onDrop, true},
 };
 
 constexpr bool routesAreInOrder() {
@@ -126,7 +132,21 @@ static_assert(routesAreInOrder(), "routes is indexed by the event's kind");
 
 } // namespace
 
-void handleEvent(const Event& event) { routes[static_cast<int>(event.kind)].handle(event); }
+void handleEvent(const Event& event) try {
+    if (editorState.subview != 0 && event.kind != EventKind::destroy) {
+        handleInSubview(event);
+        return;
+    }
+    const Route& route = routes[static_cast<int>(event.kind)];
+    if (route.endsDrag) {
+        endDrag();
+        endNavigation();
+    }
+    route.handle(event);
+} catch (const std::bad_alloc&) {
+    // What the user did so far is not to be lost for a table that found no room.
+    platform().message(programName, "I can't get enough memory", Icon::exclamation);
+}
 
 const Program& editorProgram() {
     static constexpr Program program = {handleEvent, listCommands, stateJson, dumpJson};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/file_command.h"
 
+#include "display/box.h"
 #include "display/view.h"
 #include "editor/state.h"
 #include "mesh/check.h"
@@ -28,6 +29,7 @@ void resetForNewMesh() {
     OB->curface = OB->curvertex = OB->curtexcoord = -1;
     stale.edges = true;
     fitView(*OB);
+    fitBox(*OB, false);
 }
 
 Busy::Busy(const char* text) : notice(*text != '\0') {

@@ -16,7 +16,7 @@ void complain(const std::string& what, const std::string& path);
 /// Makes this the current file, whose name the next file dialog offers.
 void setFileName(const std::string& path);
 
-/// No current elements; the view fitted anew.
+/// No current elements; the view fitted anew, and the box around the mesh.
 void resetForNewMesh();
 
 /// Holds the busy mark, and a busy notice where there is a text for one, until `end` or for as long

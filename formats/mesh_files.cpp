@@ -2,6 +2,7 @@
 // Everything around a read or a write that does not depend on the format.
 #include "formats/mesh_files.h"
 
+#include "display/options.h"
 #include "editor/state.h"
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
@@ -52,7 +53,7 @@ Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
         return Outcome::refused;
     }
     // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
-    return readObjFile(path, editorState.showUnselectedGrey) ? Outcome::read : Outcome::failed;
+    return readObjFile(path, displayOptions.unselectedGrey) ? Outcome::read : Outcome::failed;
 }
 
 /// What a failed read leaves: no geometry, but the names that were there. Where memory ran out an

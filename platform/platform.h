@@ -24,6 +24,11 @@ struct Size {
     int height = 0;
 };
 
+struct Font {
+    int height = 12;  ///< pixels of a line of text
+    int weight = 400; ///< 100 thin, 400 regular, 700 bold
+};
+
 enum class Icon { none, exclamation };
 enum class Buttons { yesNo, yesNoCancel };
 enum class Choice { cancel = -1, no = 0, yes = 1 };
@@ -49,23 +54,13 @@ struct DialogField {
     bool checkBox = false; ///< a check box instead of a text field
 };
 
-/// One modal prompt: labelled fields from top to bottom, then "accept" and "cancel".
-struct Dialog {
-    std::string name; ///< which of the editor's dialogs it is, such as "ASKDB"
-    std::string title;
-    std::vector<DialogField> fields;
-};
-
-/// How a prompt was left. The fields hold the edited texts after accept and escape; after cancel
-/// they are unchanged.
-enum class DialogResult { accept, cancel, escape };
-
 struct MenuItem {
     int id = 0;        ///< 0: a separator
     std::string label; ///< "&" stands before the mnemonic letter
     bool enabled = true;
     bool checkable = false;
     bool checked = false;
+    std::string key{}; ///< shortcut such as "Ctrl+O"; empty: none
 };
 
 struct Menu {
@@ -83,7 +78,7 @@ inline constexpr int shift = 16, ctrl = 17, alt = 18, escape = 27, pageUp = 33, 
 
 /// Mouse buttons as a bit set.
 namespace button {
-inline constexpr unsigned left = 1, right = 2;
+inline constexpr unsigned left = 1, right = 2, middle = 4;
 }
 
 enum class EventKind {
@@ -94,9 +89,10 @@ enum class EventKind {
     menuOpening, ///< a menu is about to open
     paint,       ///< the handler answers with Platform::present
     close,       ///< a wish to close; the handler calls Platform::destroyWindow to grant it
-    keyDown,     ///< key
+    keyDown,     ///< key; a held key repeats it
     keyUp,       ///< key
     mouse,       ///< x, y, buttons (the state after whatever happened)
+    wheel,       ///< x, y, steps
     command,     ///< command
     drop,        ///< paths: files dropped on the window, or the file named on the command line
 };
@@ -104,12 +100,27 @@ enum class EventKind {
 struct Event {
     EventKind kind = EventKind::paint;
     int command = 0;
-    int key = 0;
-    int x = 0; ///< client position in device pixels
+    int key = 0; ///< virtual-key code, 1 to 255
+    int x = 0;   ///< client position in device pixels
     int y = 0;
     unsigned buttons = 0;
     std::vector<std::string> paths{};
+    double steps = 0; ///< of the wheel, away from the user; fractions come from fine wheels
 };
+
+/// One modal prompt: labelled fields from top to bottom, then "accept" and "cancel".
+struct Dialog {
+    std::string name; ///< which of the editor's dialogs it is, such as "ASKDB"
+    std::string title;
+    std::vector<DialogField> fields;
+    /// Told of each key that goes down or up while the dialog is open; no event tells of them. Keys
+    /// that are still down when it closes are told to be up, Escape included.
+    std::function<void(const Event&)> onKey{};
+};
+
+/// How a prompt was left. The fields hold the edited texts after accept and escape; after cancel
+/// they are unchanged.
+enum class DialogResult { accept, cancel, escape };
 
 /// The windowing operations. All texts are UTF-8. All sizes and positions are device pixels.
 /// A question that nobody will ever answer (a headless run without answers) does not return: the
@@ -157,6 +168,13 @@ class Platform {
     /// Opens the help at its index.
     virtual void openHelp() = 0;
     virtual std::optional<Bitmap> clipboardBitmap() const = 0;
+    /// Draws one line of text in a proportional font, its upper left corner at (x, y), cut off at
+    /// the picture's sides. Bytes that are no UTF-8 are shown as U+FFFD.
+    /// No font, or a height below 1: nothing is drawn, and the width is 0.
+    virtual void drawText(Bitmap& picture, int x, int y, const std::string& text, const Font& font,
+                          std::uint32_t color) = 0;
+    /// Pixels that drawText advances for this text.
+    virtual int textWidth(const std::string& text, const Font& font) = 0;
 };
 
 /// The backend of this run. setPlatform comes before anything else that the editor does.

@@ -2,6 +2,8 @@
 // The modelled window of batch mode.
 #include "platform/batch/batch_platform.h"
 
+#include "platform/batch/text.h"
+
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -95,6 +97,9 @@ BatchPlatform::BatchPlatform(const Program& runProgram, Size clientSize)
 void BatchPlatform::send(const Event& event) {
     const bool down = event.kind == EventKind::keyDown;
     if (event.key == key::escape && (down || event.kind == EventKind::keyUp)) escapeKey = down;
+    if (event.kind == EventKind::deactivate || event.kind == EventKind::menuOpening) {
+        escapeKey = false;
+    }
     program.handle(event);
 }
 
@@ -247,9 +252,9 @@ DialogResult BatchPlatform::dialog(Dialog& dialog) {
     // The fields after the one that left the dialog hold what they held before.
     for (std::size_t i = 0; i < dialog.fields.size(); ++i) record.answer(i, dialog.fields[i].text);
     print(text(record.json));
-    if (result == DialogResult::escape) {
-        send(keyEvent(EventKind::keyDown, key::escape));
-        send(keyEvent(EventKind::keyUp, key::escape));
+    if (result == DialogResult::escape && dialog.onKey) {
+        dialog.onKey(keyEvent(EventKind::keyDown, key::escape));
+        dialog.onKey(keyEvent(EventKind::keyUp, key::escape));
     }
     return result;
 }
@@ -269,5 +274,14 @@ bool BatchPlatform::escapeDown() {
 }
 
 void BatchPlatform::openHelp() { print(eventLine("help")); }
+
+void BatchPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& shown,
+                             const Font& font, std::uint32_t color) {
+    layText(drawn, x, y, shown, font, color);
+}
+
+int BatchPlatform::textWidth(const std::string& shown, const Font& font) {
+    return laidWidth(shown, font);
+}
 
 } // namespace polyfab

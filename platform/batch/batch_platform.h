@@ -59,6 +59,9 @@ class BatchPlatform : public Platform {
     bool escapeDown() override;
     void openHelp() override;
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+    void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
+                  std::uint32_t color) override;
+    int textWidth(const std::string& text, const Font& font) override;
 
   private:
     std::optional<Answer> takeAnswer();

@@ -9,8 +9,8 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFormLayout>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,6 +19,7 @@
 #include <QSpacerItem>
 #include <QWindow>
 
+#include <algorithm>
 #include <set>
 
 namespace polyfab {
@@ -26,17 +27,21 @@ namespace {
 
 constexpr int escapeCode = 2; ///< beside QDialog::Accepted and QDialog::Rejected
 
+/// A box is only as wide as its text, but here the title says what happened.
+void makeRoomForTitle(const QWidget& box, QGridLayout& grid) {
+    constexpr int frameButtons = 160;
+    if (box.windowTitle().isEmpty()) return;
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + frameButtons;
+    grid.addItem(new QSpacerItem(width, 0), grid.rowCount(), 0, 1, grid.columnCount());
+}
+
 void prepare(QMessageBox& box, const std::string& title, const std::string& text,
              QMessageBox::Icon icon) {
     box.setIcon(icon); // first: it lays the box out anew
     box.setWindowTitle(titleText(title));
     box.setTextFormat(Qt::PlainText);
     box.setText(QString::fromStdString(text));
-    // A box is only as wide as its text, but here the title says what happened.
-    auto* const grid = static_cast<QGridLayout*>(box.layout());
-    constexpr int frameButtons = 160;
-    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + frameButtons;
-    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    makeRoomForTitle(box, *static_cast<QGridLayout*>(box.layout()));
 }
 
 /// "*.DXF;*.OBJ" as "description (*.DXF *.dxf *.OBJ *.obj)": some file dialogs heed case.
@@ -50,23 +55,32 @@ QString nameFilter(const FileFilter& filter) {
            + QStringLiteral(" (%1)").arg(globs.join(QLatin1Char(' ')));
 }
 
+/// The width of so many characters of running text.
+int widthOf(const QWidget& widget, int characters) {
+    return widget.fontMetrics().averageCharWidth() * characters;
+}
+
 /// One field of a prompt as a widget that keeps its text.
 class FieldWidget {
   public:
-    FieldWidget(QFormLayout& form, const DialogField& field) {
+    /// Goes into this row of a grid of two columns. A label stands on the left of its field, or
+    /// above where that is the only one.
+    FieldWidget(QGridLayout& grid, int row, const DialogField& field, bool labelAbove) {
         const QString label = QString::fromStdString(field.label);
         if (field.checkBox) {
             box = new QCheckBox(QString(label).replace(QLatin1Char('&'), QLatin1String("&&")));
             box->setChecked(field.text == "1");
-            form.addRow(box);
+            grid.addWidget(box, row, 0, 1, 2);
             return;
         }
-        auto* const shown = new QLabel(label);
-        shown->setTextFormat(Qt::PlainText);
         line = new QLineEdit(QString::fromStdString(field.text));
-        line->setMinimumWidth(300);
+        // Room for an answer, and for reading the default as far as it is not very long.
+        const int whole = line->fontMetrics().horizontalAdvance(line->text());
+        line->setMinimumWidth(
+            std::clamp(whole + widthOf(*line, 4), widthOf(*line, 40), widthOf(*line, 80)));
         line->setAccessibleName(label);
-        form.addRow(shown, line);
+        grid.addWidget(newLabel(label), row, 0, 1, labelAbove ? 2 : 1);
+        grid.addWidget(line, row + (labelAbove ? 1 : 0), labelAbove ? 0 : 1, 1, labelAbove ? 2 : 1);
     }
 
     std::string text() const {
@@ -74,7 +88,27 @@ class FieldWidget {
         return line->text().toStdString();
     }
 
+    /// Whether there is a text to be typed over.
+    bool focus() const {
+        if (line == nullptr) return false;
+        line->setFocus(Qt::TabFocusReason);
+        line->selectAll();
+        return true;
+    }
+
   private:
+    /// A label in one line, or in more where it is very long.
+    static QLabel* newLabel(const QString& text) {
+        auto* const label = new QLabel(text);
+        label->setTextFormat(Qt::PlainText);
+        const int widest = widthOf(*label, 80);
+        if (label->fontMetrics().horizontalAdvance(text) > widest) {
+            label->setWordWrap(true);
+            label->setMinimumWidth(widest);
+        }
+        return label;
+    }
+
     QCheckBox* box = nullptr;
     QLineEdit* line = nullptr;
 };
@@ -83,8 +117,8 @@ class FieldWidget {
 /// the focus.
 class KeyTeller : public QObject {
   public:
-    KeyTeller(QDialog& owner, const std::function<void(const Event&)>& tellKey)
-        : dialog(owner), tell(tellKey) {
+    KeyTeller(QDialog& owner, const std::function<void(const Event&)>& onKey)
+        : dialog(owner), tell(onKey) {
         dialog.winId(); // makes the native window
         dialog.windowHandle()->installEventFilter(this);
     }
@@ -114,6 +148,7 @@ class KeyTeller : public QObject {
 
   private:
     void send(EventKind kind, int code) {
+        if (!tell || code == 0) return; // 0: a key without a code
         Event event;
         event.kind = kind;
         event.key = code;
@@ -125,18 +160,18 @@ class KeyTeller : public QObject {
     std::set<int> down;
 };
 
-void addButtons(QFormLayout& form, QDialog& dialog) {
+/// The button that has the focus is the one that Enter presses; from a field it is "accept".
+QLayout* newButtons(QDialog& dialog) {
     auto* const accept = new QPushButton(QStringLiteral("accept"));
     auto* const cancel = new QPushButton(QStringLiteral("cancel"));
     accept->setDefault(true);
-    cancel->setAutoDefault(false);
     QObject::connect(accept, &QPushButton::clicked, &dialog, &QDialog::accept);
     QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
     auto* const row = new QHBoxLayout;
     row->addWidget(accept);
     row->addWidget(cancel);
     row->addStretch();
-    form.addRow(row);
+    return row;
 }
 
 } // namespace
@@ -201,16 +236,20 @@ std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Q
     return chosen;
 }
 
-DialogResult askFields(QWidget* owner, Dialog& dialog,
-                       const std::function<void(const Event&)>& tellKey) {
+DialogResult askFields(QWidget* owner, Dialog& dialog) {
     QDialog box(owner);
     box.setWindowTitle(titleText(dialog.title));
-    QFormLayout form(&box);
-    form.setRowWrapPolicy(QFormLayout::WrapLongRows);
+    QGridLayout grid(&box);
     std::vector<FieldWidget> widgets;
-    for (const DialogField& field : dialog.fields) widgets.emplace_back(form, field);
-    addButtons(form, box);
-    KeyTeller keys(box, tellKey);
+    for (const DialogField& field : dialog.fields) {
+        widgets.emplace_back(grid, grid.rowCount(), field, dialog.fields.size() == 1);
+    }
+    grid.addLayout(newButtons(box), grid.rowCount(), 0, 1, 2);
+    makeRoomForTitle(box, grid);
+    for (const FieldWidget& widget : widgets) {
+        if (widget.focus()) break;
+    }
+    KeyTeller keys(box, dialog.onKey);
     const int code = box.exec();
     keys.releaseAll();
     if (code == QDialog::Rejected) return DialogResult::cancel;

@@ -5,7 +5,6 @@
 #include "platform/platform.h"
 
 #include <QString>
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,9 +24,6 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
 /// Starts in the directory, and changes it to the one of the file chosen.
 std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory);
 
-/// Each key that goes down or up in the dialog is told; those that are still down when the dialog
-/// closes are told to be up, because their release may reach no window of ours.
-DialogResult askFields(QWidget* owner, Dialog& dialog,
-                       const std::function<void(const Event&)>& tellKey);
+DialogResult askFields(QWidget* owner, Dialog& dialog);
 
 } // namespace polyfab

@@ -50,6 +50,7 @@ constexpr KeyRow keyRows[] = {
     {Qt::Key_Insert, Qt::Key_Insert, 45},
     {Qt::Key_Delete, Qt::Key_Delete, 46},
     {Qt::Key_Meta, Qt::Key_Meta, 91},
+    {Qt::Key_Super_L, Qt::Key_Super_R, 91}, // left, right
     {Qt::Key_Menu, Qt::Key_Menu, 93},
     {Qt::Key_NumLock, Qt::Key_NumLock, 144},
     {Qt::Key_ScrollLock, Qt::Key_ScrollLock, 145},

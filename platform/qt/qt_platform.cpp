@@ -6,6 +6,7 @@
 
 #include "platform/qt/dialogs.h"
 #include "platform/qt/help.h"
+#include "platform/qt/text.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,73 +14,22 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QTimer>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace polyfab {
 namespace {
 
-/// Gives the keyboard back to the window after a modal box; not every window manager does.
-struct FocusBack {
+/// What follows a modal box, however it ends: the window gets the keyboard back (not every window
+/// manager sees to that), and an Escape that closed the box is not meant for what comes next.
+struct AfterBox {
     QWidget& window;
-    ~FocusBack() {
+    InputFilter& input;
+    ~AfterBox() {
         if (window.isVisible()) window.activateWindow();
+        input.forgetEscape();
     }
-};
-
-bool isKey(QEvent::Type type) {
-    return type == QEvent::KeyPress || type == QEvent::KeyRelease || type == QEvent::Shortcut
-           || type == QEvent::ShortcutOverride;
-}
-
-bool isPointer(QEvent::Type type) {
-    constexpr QEvent::Type types[] = {
-        QEvent::MouseButtonPress,
-        QEvent::MouseButtonRelease,
-        QEvent::MouseButtonDblClick,
-        QEvent::MouseMove,
-        QEvent::Wheel,
-        QEvent::ContextMenu,
-        QEvent::TouchBegin,
-        QEvent::TouchUpdate,
-        QEvent::TouchEnd,
-        QEvent::TabletPress,
-        QEvent::TabletMove,
-        QEvent::TabletRelease,
-        QEvent::DragEnter,
-        QEvent::Drop,
-    };
-    return std::find(std::begin(types), std::end(types), type) != std::end(types);
-}
-
-/// While it lives no user input reaches any widget; it notes what happens to the Escape key.
-class InputFilter : public QObject {
-  public:
-    explicit InputFilter(bool& escapeKey) : escape(escapeKey) {
-        QCoreApplication::instance()->installEventFilter(this);
-    }
-    bool pressed = false; ///< in the meantime, even if not for long
-
-  protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        const QEvent::Type type = event->type();
-        if (type == QEvent::KeyPress || type == QEvent::KeyRelease) {
-            note(*static_cast<QKeyEvent*>(event));
-        }
-        return isKey(type) || isPointer(type);
-    }
-
-  private:
-    void note(const QKeyEvent& event) {
-        if (event.key() != Qt::Key_Escape || event.isAutoRepeat()) return;
-        escape = event.type() == QEvent::KeyPress;
-        pressed = pressed || escape;
-    }
-    bool& escape;
 };
 
 } // namespace
@@ -120,12 +70,14 @@ void QtPlatform::send(const Event& event) {
             return;
         }
     }
-    if (event.key == key::escape) escapeKey = event.kind == EventKind::keyDown;
-    if (event.kind == EventKind::deactivate) escapeKey = false; // the release goes elsewhere
+    if (event.kind == EventKind::deactivate || event.kind == EventKind::menuOpening) {
+        input.forgetEscape();
+    }
     ++depth;
     program.handle(event);
     --depth;
     if (depth > 0) return;
+    for (const int code : input.takeReleased()) window.canvas().keyWentUp(code);
     if (paintDue) window.canvas().update();
     if (!waiting.empty()) QTimer::singleShot(0, &window, [this] { sendQueued(); });
 }
@@ -141,6 +93,10 @@ void QtPlatform::sendQueued() {
     waiting.pop_front();
     if (event.kind == EventKind::drop && event.paths.size() == 1) {
         directory = QFileInfo(QFile::decodeName(event.paths.front().c_str())).absolutePath();
+    }
+    if (event.kind == EventKind::command) {
+        // The key may have gone down or up while a menu had the keyboard.
+        window.canvas().tellCtrl(QApplication::queryKeyboardModifiers() & Qt::ControlModifier);
     }
     send(event);
 }
@@ -199,23 +155,23 @@ void QtPlatform::destroyWindow() {
 }
 
 void QtPlatform::message(const std::string& title, const std::string& text, Icon icon) {
-    const FocusBack focusBack{window};
+    const AfterBox afterBox{window, input};
     showMessage(owner(), title, text, icon);
 }
 
 Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons) {
-    const FocusBack focusBack{window};
+    const AfterBox afterBox{window, input};
     return askQuestion(owner(), title, text, buttons);
 }
 
 std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
-    const FocusBack focusBack{window};
+    const AfterBox afterBox{window, input};
     return askFile(owner(), request, directory);
 }
 
 DialogResult QtPlatform::dialog(Dialog& dialog) {
-    const FocusBack focusBack{window};
-    return askFields(owner(), dialog, [this](const Event& event) { send(event); });
+    const AfterBox afterBox{window, input};
+    return askFields(owner(), dialog);
 }
 
 void QtPlatform::showBusy(const std::string& text) {
@@ -240,9 +196,10 @@ void QtPlatform::showBusy(const std::string& text) {
 void QtPlatform::beep() { QApplication::beep(); }
 
 bool QtPlatform::escapeDown() {
-    InputFilter filter(escapeKey);
+    input.beginWork();
     QCoreApplication::processEvents();
-    return filter.pressed || escapeKey;
+    input.endWork();
+    return input.escapePressed() || input.escapeDown();
 }
 
 void QtPlatform::openHelp() { showManual(owner()); }
@@ -258,6 +215,15 @@ std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
         copy.pixels.insert(copy.pixels.end(), row, row + found.width());
     }
     return copy;
+}
+
+void QtPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
+                          std::uint32_t color) {
+    paintText(drawn, x, y, text, font, color);
+}
+
+int QtPlatform::textWidth(const std::string& text, const Font& font) {
+    return paintedWidth(text, font);
 }
 
 } // namespace polyfab

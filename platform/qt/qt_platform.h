@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/qt/input_filter.h"
 #include "platform/qt/window.h"
 
 #include <QEventLoop>
@@ -43,6 +44,9 @@ class QtPlatform : public Platform {
     bool escapeDown() override;
     void openHelp() override;
     std::optional<Bitmap> clipboardBitmap() const override;
+    void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
+                  std::uint32_t color) override;
+    int textWidth(const std::string& text, const Font& font) override;
 
   private:
     void send(const Event& event);
@@ -54,6 +58,7 @@ class QtPlatform : public Platform {
     QWidget* owner() { return window.isVisible() ? &window : nullptr; }
 
     const Program& program;
+    InputFilter input;
     Window window;
     QLabel busy; ///< shows the last of the notices
     std::vector<std::string> notices;
@@ -64,8 +69,7 @@ class QtPlatform : public Platform {
     QImage image;
     std::deque<Event> waiting;
     QEventLoop loop;
-    bool escapeKey = false; ///< as the last key event of it has it
-    int depth = 0;          ///< handlers that are running now, one inside the other
+    int depth = 0; ///< handlers that are running now, one inside the other
     bool paintDue = true;
     bool open = false;
 };

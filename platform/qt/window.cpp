@@ -24,9 +24,17 @@ Event simple(EventKind kind) {
     return event;
 }
 
-Event keyRecord(EventKind kind, const QKeyEvent& key) {
+Event keyRecord(EventKind kind, int code) {
     Event event = simple(kind);
-    event.key = virtualKey(key);
+    event.key = code;
+    return event;
+}
+
+/// An event at this place, given in the toolkit's units.
+Event placed(EventKind kind, QPointF place, double ratio) {
+    Event event = simple(kind);
+    event.x = int(std::floor(place.x() * ratio));
+    event.y = int(std::floor(place.y() * ratio));
     return event;
 }
 
@@ -68,7 +76,7 @@ void Canvas::resizeEvent(QResizeEvent*) { events.send(simple(EventKind::resize))
 
 void Canvas::keyPressEvent(QKeyEvent* event) {
     down.insert(virtualKey(*event));
-    events.send(keyRecord(EventKind::keyDown, *event));
+    events.send(keyRecord(EventKind::keyDown, virtualKey(*event)));
     QWidget::keyPressEvent(event);
 }
 
@@ -76,18 +84,28 @@ void Canvas::keyReleaseEvent(QKeyEvent* event) {
     // A held key repeats its presses only; it goes up once. A key that went down elsewhere, in a
     // menu for instance, is none of the window's.
     if (!event->isAutoRepeat() && down.erase(virtualKey(*event)) != 0) {
-        events.send(keyRecord(EventKind::keyUp, *event));
+        events.send(keyRecord(EventKind::keyUp, virtualKey(*event)));
     }
     QWidget::keyReleaseEvent(event);
 }
 
+void Canvas::keyWentUp(int code) {
+    if (down.erase(code) != 0) events.send(keyRecord(EventKind::keyUp, code));
+}
+
+void Canvas::tellCtrl(bool isDown) {
+    if (!isDown) {
+        keyWentUp(key::ctrl);
+    } else if (down.insert(key::ctrl).second) {
+        events.send(keyRecord(EventKind::keyDown, key::ctrl));
+    }
+}
+
 void Canvas::sendMouse(const QMouseEvent& mouse) {
-    const double ratio = devicePixelRatioF();
-    Event event = simple(EventKind::mouse);
-    event.x = int(std::floor(mouse.position().x() * ratio));
-    event.y = int(std::floor(mouse.position().y() * ratio));
+    Event event = placed(EventKind::mouse, mouse.position(), devicePixelRatioF());
     if (mouse.buttons() & Qt::LeftButton) event.buttons |= button::left;
     if (mouse.buttons() & Qt::RightButton) event.buttons |= button::right;
+    if (mouse.buttons() & Qt::MiddleButton) event.buttons |= button::middle;
     events.send(event);
 }
 
@@ -96,6 +114,15 @@ void Canvas::mousePressEvent(QMouseEvent* event) { sendMouse(*event); }
 void Canvas::mouseReleaseEvent(QMouseEvent* event) { sendMouse(*event); }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event) { sendMouse(*event); }
+
+void Canvas::wheelEvent(QWheelEvent* event) {
+    constexpr double step = 120;
+    // With Alt held the toolkit turns the wheel on its side.
+    const QPoint turned = event->angleDelta();
+    Event turn = placed(EventKind::wheel, event->position(), devicePixelRatioF());
+    turn.steps = (turned.y() != 0 ? turned.y() : turned.x()) / step;
+    if (turn.steps != 0) events.send(turn);
+}
 
 void Canvas::dragEnterEvent(QDragEnterEvent* event) {
     if (!localFiles(*event->mimeData()).empty()) event->acceptProposedAction();
@@ -123,8 +150,10 @@ void Window::showMenuBar(const MenuBar& bar) {
     menus->setNativeMenuBar(false);
     for (const Menu& menu : bar) {
         QMenu* const shown = menus->addMenu(QString::fromStdString(menu.title));
-        QObject::connect(shown, &QMenu::aboutToShow, this,
-                         [this] { events.send(simple(EventKind::menuOpening)); });
+        QObject::connect(shown, &QMenu::aboutToShow, this, [this] {
+            pane->forgetKeys();
+            events.send(simple(EventKind::menuOpening));
+        });
         for (const MenuItem& item : menu.items) addItem(*shown, item);
     }
     setMenuBar(menus);
@@ -137,6 +166,7 @@ void Window::addItem(QMenu& menu, const MenuItem& item) {
     }
     QAction* const added = menu.addAction(QString::fromStdString(item.label));
     added->setData(item.id);
+    added->setShortcut(QKeySequence(QString::fromStdString(item.key)));
     added->setEnabled(item.enabled);
     added->setCheckable(item.checkable);
     added->setChecked(item.checked);
@@ -161,6 +191,7 @@ QAction* Window::action(int id) const {
 
 void Window::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
+        pane->forgetKeys();
         events.send(simple(EventKind::deactivate));
     }
     QMainWindow::changeEvent(event);

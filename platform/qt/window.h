@@ -26,6 +26,14 @@ class Canvas : public QWidget {
     /// In device pixels.
     Size clientSize() const;
 
+    // Of the keys the program knows what went through here; what happened to them elsewhere:
+    /// Tells of the release of a key whose press was told.
+    void keyWentUp(int code);
+    /// Tells whether Ctrl is down, if the program believes otherwise.
+    void tellCtrl(bool isDown);
+    /// The program takes all keys for released.
+    void forgetKeys() { down.clear(); }
+
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -34,13 +42,14 @@ class Canvas : public QWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
   private:
-    void sendMouse(const QMouseEvent& event);
+    void sendMouse(const QMouseEvent& mouse);
     WindowEvents events;
-    std::set<int> down; ///< codes of the keys that went down here
+    std::set<int> down; ///< codes of the keys that the program knows to be down
 };
 
 class Window : public QMainWindow {

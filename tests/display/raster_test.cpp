@@ -34,8 +34,9 @@ struct Sheet {
 };
 
 /// The rule of the header, stated pixel by pixel: at each column or row of the canvas, where is the
-/// line there?
-void drawPlainly(Sheet& sheet, std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_t y1) {
+/// line there, and do its dashes leave it out?
+void drawPlainly(Sheet& sheet, std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_t y1,
+                 const Stroke& stroke = {ink}) {
     const std::int64_t dx = x1 - x0;
     const std::int64_t dy = y1 - y0;
     const bool flat = std::abs(dx) >= std::abs(dy);
@@ -45,27 +46,33 @@ void drawPlainly(Sheet& sheet, std::int64_t x0, std::int64_t y0, std::int64_t x1
         const std::int64_t i =
             flat ? (dx < 0 ? x0 - place : place - x0) : (dy < 0 ? y0 - place : place - y0);
         if (i < 0 || i > n) continue;
+        if (i > 0 && (stroke.pattern >> place % 16 & 1) == 0) continue;
         const auto moves = n == 0 ? 0 : static_cast<std::int64_t>((2 * i * m + n) / (2 * n));
-        const std::int64_t x = flat ? place : x0 + (dx < 0 ? -moves : moves);
-        const std::int64_t y = flat ? y0 + (dy < 0 ? -moves : moves) : place;
-        if (x >= 0 && x < sheet.width && y >= 0 && y < sheet.height) sheet.at(x, y) = ink;
+        for (int beside = -(stroke.width / 2); beside <= stroke.width / 2; ++beside) {
+            const std::int64_t x = flat ? place : x0 + (dx < 0 ? -moves : moves) + beside;
+            const std::int64_t y = flat ? y0 + (dy < 0 ? -moves : moves) + beside : place;
+            if (x >= 0 && x < sheet.width && y >= 0 && y < sheet.height) {
+                sheet.at(x, y) = stroke.color;
+            }
+        }
     }
 }
 
 using Segment = std::array<int, 4>;
 
-void expectAsPlain(const Segment& segment, int width, int height) {
+void expectAsPlain(const Segment& segment, const Stroke& stroke, int width, int height) {
     const auto [x0, y0, x1, y1] = segment;
     Sheet plain(width, height), clipped(width, height), real(width, height);
-    drawPlainly(plain, x0, y0, x1, y1);
-    drawClipped(clipped.canvas(), x0, y0, x1, y1, ink);
-    drawLine(real.canvas(), x0, y0, x1, y1, ink);
+    drawPlainly(plain, x0, y0, x1, y1, stroke);
+    drawClipped(clipped.canvas(), x0, y0, x1, y1, stroke);
+    drawLine(real.canvas(), x0, y0, x1, y1, stroke);
     ASSERT_EQ(clipped.pixels, plain.pixels);
     ASSERT_EQ(real.pixels, plain.pixels);
     const auto on = [&](int x, int y) { return x >= 0 && x < width && y >= 0 && y < height; };
-    if (!on(x0, y0) || !on(x1, y1)) return;
+    if (!on(x0, y0) || !on(x1, y1) || stroke.width > 1) return;
     Sheet inside(width, height);
-    drawInside(inside.canvas(), x0, y0, x1, y1, ink);
+    const auto draw = stroke.pattern == Stroke::solid ? drawInside<false> : drawInside<true>;
+    draw(inside.canvas(), x0, y0, x1, y1, stroke);
     ASSERT_EQ(inside.pixels, plain.pixels);
 }
 
@@ -75,6 +82,8 @@ TEST(Raster, RandomLinesAreThePlainLineLessWhatIsOffTheCanvas) {
         return std::uniform_int_distribution<int>(-reach, reach)(random);
     };
     // From lines within the canvas to lines that only graze it from very far.
+    constexpr Stroke strokes[] = {{ink},    {ink, 1, 0x0F0F}, {ink, 1, 0x83A1},
+                                  {ink, 3}, {ink, 5},         {ink, 3, 0x0707}};
     constexpr int reaches[] = {2, 20, 45, 200, 30000, 10000000, 1000000000, lineReach};
     for (int round = 0; round < 40000; ++round) {
         Segment segment;
@@ -89,7 +98,8 @@ TEST(Raster, RandomLinesAreThePlainLineLessWhatIsOffTheCanvas) {
         if (round % 8 == 3) segment[0] = segment[2] = upTo(20);
         if (round % 8 == 5) segment = {-usual, -usual, usual, usual};
         SCOPED_TRACE(testing::PrintToString(segment));
-        ASSERT_NO_FATAL_FAILURE(expectAsPlain(segment, 1 + round % 41, 1 + round % 37));
+        ASSERT_NO_FATAL_FAILURE(
+            expectAsPlain(segment, strokes[random() % 6], 1 + round % 41, 1 + round % 37));
     }
 }
 
@@ -98,14 +108,14 @@ TEST(Raster, EndsBeyondWholeNumbersStillCrossTheCanvas) {
         Sheet sheet(21, 21), expected(21, 21);
         // Through the canvas's middle row and column. Of slanted lines from so far away rounding
         // leaves the pixels open.
-        drawLine(sheet.canvas(), -far, 10, far, 10, ink);
-        drawLine(sheet.canvas(), 10, far, 10, 10, ink);
+        drawLine(sheet.canvas(), -far, 10, far, 10, {ink});
+        drawLine(sheet.canvas(), 10, far, 10, 10, {ink});
         drawPlainly(expected, -1, 10, 21, 10);
         drawPlainly(expected, 10, 21, 10, 10);
         EXPECT_EQ(sheet.pixels, expected.pixels) << far;
     }
     Sheet diagonal(21, 21), expected(21, 21);
-    drawLine(diagonal.canvas(), 1e12, 1e12, -1e12, -1e12, ink);
+    drawLine(diagonal.canvas(), 1e12, 1e12, -1e12, -1e12, {ink});
     drawPlainly(expected, 0, 0, 20, 20);
     EXPECT_EQ(diagonal.pixels, expected.pixels);
 }
@@ -118,7 +128,7 @@ TEST(Raster, EndsThatAreNoPlaceDrawNothing) {
             double ends[4] = {1, 1, 6, 6};
             ends[place] = odd;
             Sheet sheet(8, 8);
-            drawLine(sheet.canvas(), ends[0], ends[1], ends[2], ends[3], ink);
+            drawLine(sheet.canvas(), ends[0], ends[1], ends[2], ends[3], {ink});
             EXPECT_EQ(sheet.pixels, blank.pixels);
         }
     }

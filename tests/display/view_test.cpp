@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/view.h"
 
+#include "display/affine.h"
+#include "display/box.h"
 #include "tests/display/meshes.h"
 
 #include <gtest/gtest.h>
@@ -31,10 +33,10 @@ class ViewTest : public testing::Test {
     }
 };
 
-double at(const Vec3& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
-
 void expectNear(const Vec3& a, const Vec3& b, double tolerance) {
-    for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(at(a, axis), at(b, axis), tolerance) << axis;
+    for (int axis = 0; axis < 3; ++axis) {
+        EXPECT_NEAR(along(a, axis), along(b, axis), tolerance) << axis;
+    }
 }
 
 TEST_F(ViewTest, InverseLeadsBackToTheWorld) {
@@ -69,8 +71,8 @@ TEST_F(ViewTest, FitCentresInBothPanesAndTouchesTheMargin) {
             double low = infinity, high = -infinity;
             for (int i = 0; i < mesh.np; ++i) {
                 const Point& p = mesh.points[i];
-                low = std::min(low, at({p.sx, p.sy, p.sz}, axis));
-                high = std::max(high, at({p.sx, p.sy, p.sz}, axis));
+                low = std::min(low, along(Vec3{p.sx, p.sy, p.sz}, axis));
+                high = std::max(high, along(Vec3{p.sx, p.sy, p.sz}, axis));
             }
             EXPECT_NEAR(low + high, sides[axis] - 1, 1e-6) << axis;
             share = std::max(share, (high - low) / sides[axis]);
@@ -143,6 +145,93 @@ TEST_F(ViewTest, ResizeKeepsTheMiddleAndFollowsTheSmallerSide) {
     }
     EXPECT_NEAR(view.scale, scale, 1e-12);
     expectNear(view.offset, {70, 30, -20}, 1e-6);
+}
+
+/// How the view shows a direction of the world, in world units along the screen's axes.
+Vec3 shown(const Vec3& direction) { return screenAxes()(direction); }
+
+TEST_F(ViewTest, TurnsAreRightHandedAboutTheScreensOrTheObjectsAxes) {
+    constexpr double quarter = 1.5707963267948966;
+    struct Row {
+        int axis;
+        Vec3 x, y, z; ///< how the world's axes are shown after a quarter turn
+    };
+    // Upright, the world's axes are shown as right, up (-y) and towards the viewer (-z).
+    const Row rows[] = {{0, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+                        {1, {0, 0, -1}, {0, -1, 0}, {-1, 0, 0}},
+                        {2, {0, 1, 0}, {1, 0, 0}, {0, 0, -1}}};
+    for (const Row& row : rows) {
+        for (const bool screenAxis : {true, false}) {
+            resetView();
+            turnView(row.axis, quarter, screenAxis);
+            expectNear(shown({1, 0, 0}), row.x, 1e-15);
+            expectNear(shown({0, 1, 0}), row.y, 1e-15);
+            expectNear(shown({0, 0, 1}), row.z, 1e-15);
+        }
+    }
+    // After a quarter about z the object's x axis is shown pointing down.
+    for (const bool screenAxis : {true, false}) {
+        resetView();
+        turnView(2, quarter, true);
+        turnView(0, quarter, screenAxis);
+        expectNear(shown({1, 0, 0}), screenAxis ? Vec3{0, 0, 1} : Vec3{0, 1, 0}, 1e-15);
+    }
+}
+
+TEST_F(ViewTest, NoChainOfTurnsDriftsOrLosesTheMiddle) {
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> unit(-1, 1);
+    view.offset = {13, -70, 255};
+    applyView();
+    const Vec3 middle = projection.toWorld(middleOfPanes());
+    for (int i = 0; i < 20000; ++i) turnView(i % 3, 3 * unit(random), i % 2 == 0);
+    for (int i = 0; i < 3; ++i) {
+        for (int k = 0; k < 3; ++k) {
+            double product = 0;
+            for (int j = 0; j < 3; ++j) product += view.rotation[i][j] * view.rotation[k][j];
+            EXPECT_NEAR(product, i == k, 1e-15);
+        }
+    }
+    EXPECT_NEAR(determinantOf(screenAxes()), 1, 1e-15);
+    expectNear(projection.toWorld(middleOfPanes()), middle, 1e-9);
+    resetAttitude();
+    expectNear(shown({1, 2, 3}), {1, -2, -3}, 1e-15);
+    expectNear(projection.toWorld(middleOfPanes()), middle, 1e-9);
+}
+
+TEST_F(ViewTest, PanAndZoomMoveThePictureAndTheBox) {
+    box = {{10, 20, 30}, {110, 220, 330}};
+    const Vec3 below = projection.toWorld({50, 60, 70});
+    const Vec3 left = projection.toWorld(box.left);
+    const Vec3 right = projection.toWorld(box.right);
+    zoomView(3, {50, 60, 70});
+    expectNear(projection.toWorld({50, 60, 70}), below, 1e-12);
+    EXPECT_DOUBLE_EQ(view.scale, 3 * 200);
+    panView({5, -6, 7});
+    expectNear(projection.toWorld({55, 54, 77}), below, 1e-12);
+    resizeView({1601, 900});
+    expectNear(projection.toWorld(box.left), left, 1e-12);
+    expectNear(projection.toWorld(box.right), right, 1e-12);
+    centreOrigin();
+    expectNear(projection.toScreen({0, 0, 0}), middleOfPanes(), 0);
+    // Out of the range of scales nothing happens, and the way back is open.
+    for (const double factor : {1e10, 1e-10}) {
+        for (int i = 0; i < 100; ++i) zoomView(factor, {1e5, 0, 0});
+        EXPECT_TRUE(std::isfinite(projection.toScreen({0, 0, 0}).x));
+        EXPECT_TRUE(std::isfinite(projection.toWorld({0, 0, 0}).x));
+    }
+}
+
+TEST_F(ViewTest, TheSelectedFacesAreFitted) {
+    OwnMesh mesh;
+    addPoints(mesh, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {900, 0, 0}});
+    addFace(mesh, {0, 1, 2});
+    addFace(mesh, {0, 1, 3})->selected = 0;
+    EXPECT_TRUE(fitViewToSelected(mesh));
+    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
+    mesh.faces[0].selected = 0;
+    EXPECT_FALSE(fitViewToSelected(mesh));
+    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
 }
 
 } // namespace

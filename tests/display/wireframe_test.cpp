@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/wireframe.h"
 
-#include "display/view.h"
+#include "display/look.h"
 #include "tests/display/meshes.h"
-#include "tests/support/mesh_fixture.h"
+#include "tests/display/pane_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,24 +14,16 @@
 namespace polyfab::test {
 namespace {
 
-constexpr Size client{241, 120};
-
 /// A box of three different sides in a fitted view; faces 0 and 1 are its back and front.
-class WireframeTest : public MeshTest {
+class WireframeTest : public PaneTest {
   protected:
-    WireframeTest() {
+    WireframeTest() : PaneTest({241, 120}) {
         addCube();
         for (int i = 0; i < OB->np; ++i) {
             OB->points[i].x *= 2;
             OB->points[i].y *= 1.5;
         }
-        view.client = client;
-        resetView();
         fitView(*OB);
-    }
-    ~WireframeTest() override {
-        view.client = {};
-        resetView();
     }
 
     const Bitmap& draw() { return drawPanes(*OB, client); }
@@ -43,17 +35,14 @@ class WireframeTest : public MeshTest {
         const auto y = static_cast<int>(std::floor(down + 0.5));
         return draw().pixels.at(static_cast<std::size_t>(y * client.width + x));
     }
-    static auto count(const Bitmap& picture, std::uint32_t color) {
-        return std::count(picture.pixels.begin(), picture.pixels.end(), color);
-    }
 };
 
 TEST_F(WireframeTest, BoxShowsItsFrontLeftAndItsSideRight) {
-    const auto ink = count(draw(), palette.edge);
+    const auto ink = count(draw(), look.selected.color);
     for (int i = 0; i < OB->np; ++i) {
         const Point& p = OB->points[i];
-        EXPECT_EQ(pixel(true, p.sx, p.sy), palette.edge) << i;
-        EXPECT_EQ(pixel(false, p.sz, p.sy), palette.edge) << i;
+        EXPECT_EQ(pixel(true, p.sx, p.sy), look.selected.color) << i;
+        EXPECT_EQ(pixel(false, p.sz, p.sy), look.selected.color) << i;
     }
     // Seen along its axes the box is one rectangle in each pane and nothing else.
     const Point& low = OB->points[4]; // at the front, left, below
@@ -63,8 +52,8 @@ TEST_F(WireframeTest, BoxShowsItsFrontLeftAndItsSideRight) {
     };
     EXPECT_EQ(ink,
               2 * steps(low.sx, high.sx) + 4 * steps(low.sy, high.sy) + 2 * steps(low.sz, high.sz));
-    EXPECT_EQ(count(draw(), palette.divider), client.height);
-    EXPECT_EQ(pixel(false, -1, 0), palette.divider);
+    EXPECT_EQ(count(draw(), look.divider), client.height);
+    EXPECT_EQ(pixel(false, -1, 0), look.divider);
     // Right is right, up is up, and the front stands left in the side view.
     EXPECT_LT(low.sx, high.sx);
     EXPECT_LT(low.sz, high.sz);
@@ -73,19 +62,74 @@ TEST_F(WireframeTest, BoxShowsItsFrontLeftAndItsSideRight) {
 
 TEST_F(WireframeTest, SharedEdgesTakeTheSelectedColour) {
     for (int i = 0; i < OB->nf; ++i) OB->faces[i].selected = i == 1;
+    displayOptions.unselectedGrey = true;
     draw();
     const Point& front = OB->points[4];
     const Point& back = OB->points[3];
     const double middle = (front.sy + back.sy) / 2;
     // Right pane: the front face is selected, the edges from there to the back are not.
-    EXPECT_EQ(pixel(false, front.sz, middle), palette.edge);
-    EXPECT_EQ(pixel(false, (front.sz + back.sz) / 2, front.sy), palette.unselected);
-    EXPECT_EQ(pixel(false, back.sz, middle), palette.unselected);
+    EXPECT_EQ(pixel(false, front.sz, middle), look.selected.color);
+    EXPECT_EQ(pixel(false, (front.sz + back.sz) / 2, front.sy), look.unselectedGrey.color);
+    EXPECT_EQ(pixel(false, back.sz, middle), look.unselectedGrey.color);
     // Left pane: the selected front lies over the back.
-    EXPECT_EQ(pixel(true, front.sx, middle), palette.edge);
+    EXPECT_EQ(pixel(true, front.sx, middle), look.selected.color);
     OB->faces[1].q = nullptr;
     stale.edges = true;
-    EXPECT_EQ(count(draw(), palette.edge), 0);
+    EXPECT_EQ(count(draw(), look.selected.color), 0);
+}
+
+TEST_F(WireframeTest, FacesThatFaceAwayAreHiddenInTheirPane) {
+    turnView(30, 20, -15);
+    redraw();
+    displayOptions.hideFacingAway = true;
+    // Faces of the cube by the axis that they look along: -z (away), z, -y, y, -x, x.
+    constexpr bool left[] = {false, true, false, true, true, false};
+    constexpr bool right[] = {false, true, false, true, false, true};
+    for (int i = 0; i < OB->nf; ++i) {
+        EXPECT_EQ(isShown(OB->faces[i], true), left[i]) << i;
+        EXPECT_EQ(isShown(OB->faces[i], false), right[i]) << i;
+    }
+    // The corner that only hidden faces have is seen no more.
+    const Point far = OB->points[1];
+    EXPECT_EQ(pixel(true, far.sx, far.sy), look.selected.color);
+    redraw();
+    EXPECT_EQ(pixel(true, far.sx, far.sy), look.background);
+    // What is seen edge-on is shown, what is deleted is not.
+    turnView(0, 0);
+    redraw();
+    for (const int edgeOn : {2, 3, 4, 5}) EXPECT_TRUE(isShown(OB->faces[edgeOn], true)) << edgeOn;
+    for (const int edgeOn : {0, 1, 2, 3}) EXPECT_TRUE(isShown(OB->faces[edgeOn], false)) << edgeOn;
+    OB->faces[1].q = nullptr;
+    displayOptions.hideFacingAway = false;
+    EXPECT_FALSE(isShown(OB->faces[1], true));
+    // Turning the view alone changes what is hidden.
+    displayOptions.hideFacingAway = true;
+    redraw();
+    turnView(180, 0);
+    EXPECT_GT(count(draw(), look.selected.color), 0);
+    EXPECT_EQ(draw().pixels, Bitmap(redraw()).pixels);
+}
+
+TEST_F(WireframeTest, APictureOwesNothingToThoseBefore) {
+    OB->faces[1].selected = 0;
+    OB->curface = 2;
+    bool* const switches = reinterpret_cast<bool*>(&displayOptions);
+    constexpr std::size_t count = sizeof(DisplayOptions) / sizeof(bool);
+    std::vector<Bitmap> alone;
+    for (std::size_t i = 0; i < count; ++i) {
+        displayOptions = {};
+        switches[i] = !switches[i];
+        alone.push_back(redraw());
+    }
+    for (std::size_t i = count; i-- > 0;) {
+        std::fill_n(switches, count, i % 2 == 0);
+        turnView(40, 30);
+        redraw();
+        turnView(0, 0);
+        displayOptions = {};
+        switches[i] = !switches[i];
+        EXPECT_EQ(redraw().pixels, alone[i].pixels) << i;
+    }
 }
 
 TEST_F(WireframeTest, OnlyWhatIsStaleIsMadeAgain) {
@@ -95,11 +139,11 @@ TEST_F(WireframeTest, OnlyWhatIsStaleIsMadeAgain) {
     stale.points = true;
     EXPECT_NE(draw().pixels, first.pixels);
     // More points than the edges were listed for: listed again, whoever forgot to say so.
-    const auto before = count(draw(), palette.edge);
+    const auto before = count(draw(), look.selected.color);
     OB->addPoint(0, 1, 0, false);
     addFace(*OB, {3, OB->np - 1});
     stale.picture = true;
-    EXPECT_GT(count(draw(), palette.edge), before);
+    EXPECT_GT(count(draw(), look.selected.color), before);
 }
 
 TEST_F(WireframeTest, EdgesFarBeyondThePanesStillCrossThem) {
@@ -112,7 +156,7 @@ TEST_F(WireframeTest, EdgesFarBeyondThePanesStillCrossThem) {
         const Panes panes = panesOf(client);
         // Left: half a row from a column on, and a short line; right: the column alone.
         const auto shortLine = std::lround(0.6 * view.scale) + 1;
-        EXPECT_EQ(count(drawPanes(cross, client), palette.edge),
+        EXPECT_EQ(count(drawPanes(cross, client), look.selected.color),
                   panes.leftWidth / 2 - 1 + panes.height + shortLine + panes.height)
             << far;
     }
@@ -126,7 +170,7 @@ TEST_F(WireframeTest, AnyClientSizeIsDrawn) {
         EXPECT_EQ(picture.height, std::max(size.height, 0));
         EXPECT_EQ(picture.pixels.size(), std::size_t(picture.width) * std::size_t(picture.height));
     }
-    EXPECT_GT(count(drawPanes(*OB, {7680, 40}), palette.edge), 100);
+    EXPECT_GT(count(drawPanes(*OB, {7680, 40}), look.selected.color), 100);
 }
 
 } // namespace

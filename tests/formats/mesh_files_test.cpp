@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/mesh_files.h"
 
+#include "display/options.h"
 #include "editor/state.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
@@ -17,7 +18,10 @@ constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 class MeshFiles : public test::MeshTest {
   protected:
     MeshFiles() { resetEditorState(); }
-    ~MeshFiles() override { resetEditorState(); }
+    ~MeshFiles() override {
+        resetEditorState();
+        displayOptions = {};
+    }
 
     /// What was shown since the last call, busy notices and titles left out.
     Log newLog() {
@@ -80,7 +84,7 @@ TEST_F(MeshFiles, OtherSuffixes) {
     read(path);
     EXPECT_EQ(OB->nf, 1);
     shown.choices = {Choice::yes};
-    editorState.showUnselectedGrey = true; // then such a file is appended
+    displayOptions.unselectedGrey = true; // then such a file is appended
     read(path);
     EXPECT_EQ(OB->nf, 2);
 }

@@ -20,11 +20,19 @@ class BatchDriver : public Driver {
         testing::internal::GetCapturedStdout();
     }
     void choose(int command, const std::deque<Answer>& answers) override {
-        const bool works = command == toy::longWork;
-        if (works && !answers.empty()) window.setAbort(2);
-        if (!works) window.setAnswers(answers);
+        window.setAnswers(answers);
         window.send({EventKind::command, command});
+    }
+    void work(const std::vector<Event>& typed) override {
+        for (const Event& event : typed) {
+            if (event.kind == EventKind::keyDown && event.key == key::escape) window.setAbort(2);
+        }
+        window.send({EventKind::command, toy::longWork});
         window.setAbort(std::nullopt);
+        // A script has nobody who could do it earlier.
+        for (const Event& event : typed) {
+            if (event.kind == EventKind::keyUp) window.send(event);
+        }
     }
     void input(const Event& event) override { window.send(event); }
     void resize(Size size) override { window.resize(size); }

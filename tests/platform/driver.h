@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <memory>
+#include <vector>
 
 namespace polyfab::test {
 
@@ -16,6 +17,8 @@ class Driver {
     virtual ~Driver() = default;
     /// Chooses a command from the menu and answers its box, as batch mode's answer steps do.
     virtual void choose(int command, const std::deque<Answer>& answers) = 0;
+    /// Runs the long work, during which these keys go down and up.
+    virtual void work(const std::vector<Event>& typed) = 0;
     /// Makes what the event tells of happen: keys, mouse, drop, close and the window events.
     virtual void input(const Event& event) = 0;
     virtual void resize(Size size) = 0;

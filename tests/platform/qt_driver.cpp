@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
@@ -22,28 +23,14 @@
 namespace polyfab::test {
 namespace {
 
-/// One application for the whole test program, gone before its static objects are.
-class Application : public testing::Environment {
-    void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        application.emplace(argc, argv);
-        QApplication::setQuitOnLastWindowClosed(false);
-    }
-    void TearDown() override { application.reset(); }
-
-    int argc = 1;
-    char name[8] = "polyfab";
-    char* argv[2] = {name, nullptr};
-    std::optional<QApplication> application;
-};
-
-[[maybe_unused]] const testing::Environment* const environment =
-    testing::AddGlobalTestEnvironment(new Application);
-
 void sendKey(const QWidget& box, int code, bool down) {
-    const int toolkitKey = code == key::escape ? int(Qt::Key_Escape) : code; // letters are equal
-    QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, toolkitKey, Qt::NoModifier);
+    const int toolkitKey = code == key::escape ? int(Qt::Key_Escape)
+                           : code == key::ctrl ? int(Qt::Key_Control)
+                                               : code; // letters are equal
+    // A modifier's own event carries what held before it.
+    const bool held = code == key::ctrl && !down;
+    QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, toolkitKey,
+                    held ? Qt::ControlModifier : Qt::NoModifier);
     QCoreApplication::sendEvent(box.windowHandle(), &event);
 }
 
@@ -72,8 +59,15 @@ void answerBox(QWidget& box, const std::deque<Answer>& answers) {
 
 void sendMouse(QWidget& target, const Event& mouse) {
     const QPointF place = QPointF(mouse.x, mouse.y) / target.devicePixelRatioF();
-    const auto held = Qt::MouseButtons::fromInt(int(mouse.buttons)); // left 1, right 2 here too
+    const auto held = Qt::MouseButtons::fromInt(int(mouse.buttons)); // as the bits of button
     QMouseEvent event(QEvent::MouseMove, place, place, Qt::NoButton, held, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &event);
+}
+
+void sendWheel(QWidget& target, const Event& wheel) {
+    const QPointF place = QPointF(wheel.x, wheel.y) / target.devicePixelRatioF();
+    QWheelEvent event(place, place, QPoint(), QPoint(0, int(wheel.steps * 120)), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&target, &event);
 }
 
@@ -96,13 +90,14 @@ class QtDriver : public Driver {
         setPlatform(&backend);
         backend.start("");
         settle();
+        QTest::keyRelease(&window, Qt::Key_F1); // no modifier is held any more
     }
     ~QtDriver() override { backend.destroyWindow(); }
     void choose(int command, const std::deque<Answer>& answers) override {
         QTimer answering;
         QObject::connect(&answering, &QTimer::timeout, &answering, [this, &answers] {
             QWidget* const box = QApplication::activeModalWidget();
-            if (!box) return duringWork(!answers.empty());
+            if (!box) return;
             disturb();
             answerBox(*box, answers);
         });
@@ -110,11 +105,33 @@ class QtDriver : public Driver {
         if (QAction* const action = window.action(command)) action->trigger();
         settle();
     }
+    void work(const std::vector<Event>& typed) override {
+        QTimer typing;
+        const auto type = [this, &typed] {
+            for (const Event& event : typed) {
+                sendKey(window, event.key, event.kind == EventKind::keyDown);
+            }
+        };
+        QObject::connect(&typing, &QTimer::timeout, &typing, [&] {
+            if (!toyState.working) return;
+            typing.stop();
+            disturb();
+            sendMouse(window.canvas(), {EventKind::mouse, 0, 0, 5, 5, button::left});
+            sendKey(window, 'A', true);
+            sendKey(window, 'A', false);
+            type();
+        });
+        typing.start(1);
+        if (QAction* const action = window.action(toy::longWork)) action->trigger();
+        settle();
+        if (typing.isActive()) type(); // the work was over at once
+    }
     void input(const Event& event) override {
         QWidget other;
         const bool down = event.kind == EventKind::keyDown;
         if (down || event.kind == EventKind::keyUp) sendKey(window, event.key, down);
         if (event.kind == EventKind::mouse) sendMouse(window.canvas(), event);
+        if (event.kind == EventKind::wheel) sendWheel(window.canvas(), event);
         if (event.kind == EventKind::drop) drop(window.canvas(), event.paths);
         if (event.kind == EventKind::close) window.close();
         if (event.kind == EventKind::menuOpening) {
@@ -123,6 +140,8 @@ class QtDriver : public Driver {
             menu->hide();
         }
         if (event.kind == EventKind::deactivate) {
+            window.activateWindow();
+            settle();
             other.show();
             other.activateWindow();
         }
@@ -146,16 +165,6 @@ class QtDriver : public Driver {
     }
 
   private:
-    /// The user tries a key and the mouse while a command works, Escape last.
-    void duringWork(bool stop) {
-        if (!toyState.working) return;
-        sendKey(window, 'A', true);
-        sendMouse(window.canvas(), {EventKind::mouse, 0, 0, 5, 5, button::left});
-        if (!stop) return;
-        disturb();
-        sendKey(window, key::escape, true);
-        sendKey(window, key::escape, false);
-    }
     /// What a window manager may do while a box is open.
     void disturb() {
         window.resize(window.size() + QSize(1, 1));

@@ -18,6 +18,7 @@ void askFields() {
     Dialog dialog{"ASKDB2",
                   "fill & in",
                   {{"first <b>", "one"}, {"second & third", "two"}, {"tick", "1", true}}};
+    dialog.onKey = [](const Event& event) { note("dialog " + describe(event)); };
     constexpr const char* words[] = {"accept", "cancel", "escape"};
     std::string line = words[int(platform().dialog(dialog))];
     for (const DialogField& field : dialog.fields) line += "|" + field.text;
@@ -134,14 +135,15 @@ const Program& toyProgram() {
 }
 
 std::string describe(const Event& event) {
-    constexpr const char* kinds[] = {"create", "destroy", "resize",  "deactivate",
-                                     "menu",   "paint",   "close",   "keyDown",
-                                     "keyUp",  "mouse",   "command", "drop"};
+    constexpr const char* kinds[] = {"create", "destroy", "resize",  "deactivate", "menu",
+                                     "paint",  "close",   "keyDown", "keyUp",      "mouse",
+                                     "wheel",  "command", "drop"};
     std::string line = kinds[int(event.kind)];
     for (const int value :
          {event.command, event.key, event.x, event.y, static_cast<int>(event.buttons)}) {
         if (value != 0) line += " " + std::to_string(value);
     }
+    if (event.steps != 0) line += " steps " + std::to_string(event.steps);
     for (const std::string& path : event.paths) line += "|" + path;
     return line;
 }

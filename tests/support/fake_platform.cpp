@@ -57,10 +57,21 @@ DialogResult FakePlatform::dialog(Dialog& dialog) {
     }
     if (dialogAnswers.empty()) return DialogResult::cancel;
     const std::vector<std::string> answers = take(dialogAnswers, {});
+    const DialogResult result = take(dialogResults, DialogResult::accept);
+    if (result == DialogResult::cancel) return result;
     for (std::size_t i = 0; i < answers.size() && i < dialog.fields.size(); ++i) {
         dialog.fields[i].text = answers[i];
     }
-    return DialogResult::accept;
+    if (result == DialogResult::escape && dialog.onKey) {
+        dialog.onKey({EventKind::keyDown, 0, key::escape});
+        dialog.onKey({EventKind::keyUp, 0, key::escape});
+    }
+    return result;
+}
+
+void FakePlatform::drawText(Bitmap&, int x, int y, const std::string& text, const Font&,
+                            std::uint32_t color) {
+    texts.push_back({x, y, text, color});
 }
 
 } // namespace polyfab::test

@@ -24,6 +24,7 @@ class FakePlatform : public Platform {
     std::deque<Choice> choices;                         ///< for questions; empty: no
     std::deque<std::optional<std::string>> files;       ///< for file dialogs; empty: cancel
     std::deque<std::vector<std::string>> dialogAnswers; ///< field texts; empty: cancel
+    std::deque<DialogResult> dialogResults; ///< how those prompts are left; empty: accept
 
     int escapeAfter = -1; ///< looks until Escape is down; -1: it never is
 
@@ -32,6 +33,13 @@ class FakePlatform : public Platform {
     MenuBar bar;
     Bitmap picture; ///< what was presented last
     int paintRequests = 0;
+
+    struct Text {
+        int x, y;
+        std::string text;
+        std::uint32_t color;
+    };
+    std::vector<Text> texts; ///< what was drawn
 
     std::string title() const override { return windowTitle; }
     void setTitle(const std::string& text) override;
@@ -51,6 +59,12 @@ class FakePlatform : public Platform {
     bool escapeDown() override { return escapeAfter >= 0 && escapeAfter-- == 0; }
     void openHelp() override { log.push_back("help"); }
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+    void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
+                  std::uint32_t color) override;
+    /// Half a line height for each byte.
+    int textWidth(const std::string& text, const Font& font) override {
+        return static_cast<int>(text.size()) * font.height / 2;
+    }
 
   private:
     Platform* before;

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The grid and the axes: straight off the projection, without the mesh.
+#include "display/look.h"
+#include "display/options.h"
+#include "display/overlay.h"
+#include "io/print_number.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+constexpr double gridPixels = 50;
+constexpr int mostLines = 1000; ///< more come only of a degenerate view
+constexpr double axisPixels = 60;
+constexpr double letterPixels = 10; ///< an axis that looks shorter points at the viewer
+constexpr int textGap = 4;
+constexpr Font gridFont{12};
+constexpr Font axisFont{13, 700};
+
+/// The power of ten, or 2 or 5 times one, that is nearest by ratio.
+double roundStep(double wanted) {
+    const double power = std::pow(10, std::floor(std::log10(wanted)));
+    const double share = wanted / power;
+    return power
+           * (share < std::sqrt(2)    ? 1
+              : share < std::sqrt(10) ? 2
+              : share < std::sqrt(50) ? 5
+                                      : 10);
+}
+
+/// Lowest and highest world coordinate along one axis of the grid's plane.
+struct Range {
+    double low = std::numeric_limits<double>::infinity();
+    double high = -std::numeric_limits<double>::infinity();
+
+    void add(double value) {
+        low = std::min(low, value);
+        high = std::max(high, value);
+    }
+};
+
+/// A plane through the origin in the pane: where the origin is and how far a unit along each of the
+/// two axes leads.
+struct Plane {
+    Place origin;
+    Place first;
+    Place second;
+
+    Place at(double a, double b) const {
+        return {origin.x + a * first.x + b * second.x, origin.y + a * first.y + b * second.y};
+    }
+    /// The inverse of `at`.
+    std::pair<double, double> coordinates(double x, double y) const {
+        const double dx = x - origin.x;
+        const double dy = y - origin.y;
+        const double area = first.x * second.y - first.y * second.x;
+        return {(dx * second.y - dy * second.x) / area, (first.x * dy - first.y * dx) / area};
+    }
+};
+
+/// The plane whose own axis runs most nearly along the pane's depth.
+Plane planeSeen(bool left) {
+    const auto& row = projection.toScreen.row;
+    const double* const across = row[left ? 0 : 2];
+    const double* const down = row[1];
+    const double* const depth = row[left ? 2 : 0];
+    const auto nearer = [](double a, double b) { return std::abs(a) < std::abs(b); };
+    const auto normal = std::max_element(depth, depth + 3, nearer) - depth;
+    const auto a = (normal + 1) % 3;
+    const auto b = (normal + 2) % 3;
+    return {{across[3], down[3]}, {across[a], down[a]}, {across[b], down[b]}};
+}
+
+/// The lines of equal first coordinates, or of equal second ones, within both ranges.
+void drawLines(const Pane& pane, const Plane& plane, double step, const Range& values,
+               const Range& length, bool first) {
+    const double start = std::ceil(values.low / step);
+    const double count = std::floor(values.high / step) - start + 1;
+    if (!(count <= mostLines)) return;
+    for (int i = 0; i < count; ++i) {
+        const double value = (start + i) * step;
+        pane.line(first ? plane.at(value, length.low) : plane.at(length.low, value),
+                  first ? plane.at(value, length.high) : plane.at(length.high, value), look.grid);
+    }
+}
+
+} // namespace
+
+void drawGrid(const Pane& pane) {
+    if (!displayOptions.grid) return;
+    const double step = roundStep(gridPixels / view.scale);
+    const Plane plane = planeSeen(pane.left);
+    Range firsts;
+    Range seconds;
+    for (const double x : {-1, pane.canvas.width}) {
+        for (const double y : {-1, pane.canvas.height}) {
+            const auto [a, b] = plane.coordinates(x, y);
+            firsts.add(a);
+            seconds.add(b);
+        }
+    }
+    drawLines(pane, plane, step, firsts, seconds, true);
+    drawLines(pane, plane, step, seconds, firsts, false);
+    char text[numberRoom];
+    const std::string label = "grid " + std::string(text, printG6(text, step, 0));
+    const double down = pane.canvas.height - gridFont.height - textGap;
+    drawLabel(pane, {textGap, down}, label, gridFont, look.gridText);
+}
+
+void drawAxes(const Pane& pane) {
+    if (!displayOptions.axes) return;
+    constexpr const char* letters[] = {"x", "y", "z"};
+    const Place origin = pane.at(Vec3{});
+    for (std::size_t i = 0; i < 3; ++i) {
+        double unit[3] = {};
+        unit[i] = axisPixels / view.scale;
+        const Place end = pane.at(Vec3{unit[0], unit[1], unit[2]});
+        pane.line(origin, end, look.axes[i]);
+        if (std::hypot(end.x - origin.x, end.y - origin.y) < letterPixels) continue;
+        drawLabel(pane, {end.x + textGap, end.y - axisFont.height / 2.0}, letters[i], axisFont,
+                  look.axes[i].color);
+    }
+}
+
+} // namespace polyfab

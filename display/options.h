@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the wireframe shows: the switches of the display menu.
+#pragma once
+
+#include "mesh/mesh.h"
+
+namespace polyfab {
+
+struct DisplayOptions {
+    bool vertexes = false;         ///< 382
+    bool selectedVertexes = false; ///< 346
+    bool normals = false;          ///< 347
+    bool badEdges = false;         ///< 270
+    bool unselectedGrey = false;   ///< 266: unselected faces solid and grey, otherwise dashed
+    bool looseEdges = false;       ///< 323: edges of one face only are marked
+    bool hideFacingAway = false;   ///< 354
+    bool box = false;              ///< 373
+    bool current = true;           ///< 1029: current face, edge and vertex
+    bool settable = true;          ///< 1030: the two settable points
+    bool axes = false;             ///< 1031
+    bool grid = false;             ///< 1032
+    bool numbers = false;          ///< 1033: of faces and vertexes
+};
+
+inline DisplayOptions displayOptions;
+
+/// Whether the wireframe shows this face in the pane: it is live, and not hidden because it faces
+/// away there (runs clockwise as the pane shows it, by the screen positions). A face that is seen
+/// edge-on is shown.
+[[nodiscard]] bool isShown(const Face& face, bool leftPane);
+
+} // namespace polyfab

@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/overlay.h"
+
+#include "display/box.h"
+#include "display/edge_list.h"
+#include "display/look.h"
+#include "display/options.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace polyfab {
+namespace {
+
+constexpr double normalPixels = 20;
+constexpr int squareRadius = 2;
+constexpr double diamondRadius = 7;
+constexpr double crossRadius = 6;
+constexpr std::size_t mostNumbers = 2000; ///< of more in a pane hardly any could be read
+constexpr Font numberFont{11};
+constexpr Font faceFont{11, 700};
+constexpr Font settableFont{13, 700};
+
+/// Calls use(face) for the faces that the pane shows.
+template <typename Use>
+void forEachShown(const Mesh& mesh, const Pane& pane, Use use) {
+    for (int i = 0; i < mesh.nf; ++i) {
+        const Face& face = mesh.faces[i];
+        if (isSound(mesh, face) && isShown(face, pane.left)) use(face);
+    }
+}
+
+/// The middle of the corners, world and screen.
+Point middleOf(const Face& face) {
+    Point middle{};
+    for (int k = 0; k < face.n; ++k) {
+        const Point& p = *face.q[k].p;
+        middle.x += p.x / face.n;
+        middle.y += p.y / face.n;
+        middle.z += p.z / face.n;
+        middle.sx += p.sx / face.n;
+        middle.sy += p.sy / face.n;
+        middle.sz += p.sz / face.n;
+    }
+    return middle;
+}
+
+/// Normal to the face by Newell's method, as long as twice its area; it points to where the face
+/// runs anticlockwise.
+Vec3 normalOf(const Face& face) {
+    Vec3 normal;
+    const Point& base = *face.q[0].p;
+    const auto from = [&base](const Point& p) {
+        return Vec3{p.x - base.x, p.y - base.y, p.z - base.z};
+    };
+    for (int k = 0; k < face.n; ++k) {
+        const Vec3 a = from(*face.q[k].p);
+        const Vec3 b = from(*face.q[(k + 1) % face.n].p);
+        normal.x += a.y * b.z - a.z * b.y;
+        normal.y += a.z * b.x - a.x * b.z;
+        normal.z += a.x * b.y - a.y * b.x;
+    }
+    return normal;
+}
+
+void drawNormal(const Pane& pane, const Point& from, const Vec3& normal) {
+    const double length = std::hypot(normal.x, normal.y, normal.z);
+    if (!(length > 0) || !pane.shows(pane.at(from), normalPixels)) return;
+    const double factor = normalPixels / view.scale / length;
+    pane.line(pane.at(from),
+              pane.at(Vec3{from.x + normal.x * factor, from.y + normal.y * factor,
+                           from.z + normal.z * factor}),
+              look.normal);
+}
+
+/// The normals that corners have stand on their points; a face without any has its own.
+void drawNormals(const Mesh& mesh, const Pane& pane) {
+    forEachShown(mesh, pane, [&](const Face& face) {
+        bool onCorners = false;
+        for (int k = 0; k < face.n; ++k) {
+            if (face.q[k].d == nullptr) continue;
+            onCorners = true;
+            drawNormal(pane, *face.q[k].p, {face.q[k].d->x, face.q[k].d->y, face.q[k].d->z});
+        }
+        if (!onCorners) drawNormal(pane, middleOf(face), normalOf(face));
+    });
+}
+
+// What faces make of a point.
+constexpr unsigned used = 1;     ///< a corner of a live face
+constexpr unsigned shown = 2;    ///< of one that the pane shows
+constexpr unsigned selected = 4; ///< of a selected one
+
+/// Per point, these bits; of a point that only hidden faces use, none but `used`.
+std::vector<unsigned char> pointUses(const Mesh& mesh, const Pane& pane) {
+    std::vector<unsigned char> uses(static_cast<std::size_t>(mesh.np), 0);
+    for (int i = 0; i < mesh.nf; ++i) {
+        const Face& face = mesh.faces[i];
+        if (!isSound(mesh, face)) continue;
+        const unsigned bits =
+            !isShown(face, pane.left) ? used : used | shown | (face.selected != 0 ? selected : 0);
+        for (int k = 0; k < face.n; ++k) {
+            auto& use = uses[static_cast<std::size_t>(indexIn<Point>(mesh.points, face.q[k].p))];
+            use = static_cast<unsigned char>(use | bits);
+        }
+    }
+    return uses;
+}
+
+/// Whether the pane shows a point: not if it belongs to hidden faces only.
+bool isPointShown(unsigned uses) { return uses == 0 || (uses & shown) != 0; }
+
+void drawSquare(const Pane& pane, const Place& at, bool filled) {
+    if (!pane.shows(at, squareRadius)) return;
+    const double x0 = at.x - squareRadius, x1 = at.x + squareRadius;
+    const double y0 = at.y - squareRadius, y1 = at.y + squareRadius;
+    if (filled) {
+        pane.line({x0, at.y}, {x1, at.y}, {look.vertex.color, 2 * squareRadius + 1});
+        return;
+    }
+    pane.line({x0, y0}, {x1, y0}, look.vertex);
+    pane.line({x0, y1}, {x1, y1}, look.vertex);
+    pane.line({x0, y0}, {x0, y1}, look.vertex);
+    pane.line({x1, y0}, {x1, y1}, look.vertex);
+}
+
+void drawVertexes(const Mesh& mesh, const Pane& pane, const std::vector<unsigned char>& uses) {
+    for (int i = 0; i < mesh.np; ++i) {
+        const unsigned use = uses[static_cast<std::size_t>(i)];
+        const bool filled = displayOptions.selectedVertexes && (use & selected) != 0;
+        if (filled || (displayOptions.vertexes && isPointShown(use))) {
+            drawSquare(pane, pane.at(mesh.points[i]), filled);
+        }
+    }
+}
+
+/// A number that would stand in the pane.
+struct Number {
+    Place at;
+    double depth; ///< the lower, the nearer to the viewer
+    std::string text;
+};
+
+/// The numbers of the elements for which where(i, p) fills p with a position, nearest first; none
+/// when they are too many.
+template <typename Where>
+std::vector<Number> gatherNumbers(const Pane& pane, int n, Where where) {
+    std::vector<Number> numbers;
+    for (int i = 0; i < n; ++i) {
+        Point p{};
+        if (!where(i, p) || !pane.shows(pane.at(p))) continue;
+        if (numbers.size() == mostNumbers) return {};
+        const double depth = pane.left ? p.sz : -p.sx;
+        if (std::isnan(depth)) continue; // has no order
+        numbers.push_back({pane.at(p), depth, std::to_string(i + 1)});
+    }
+    std::stable_sort(numbers.begin(), numbers.end(),
+                     [](const Number& a, const Number& b) { return a.depth < b.depth; });
+    return numbers;
+}
+
+/// Writes numbers so that none lies over another.
+class Writer {
+  public:
+    explicit Writer(const Pane& shownPane) : pane(shownPane) {}
+
+    /// The text at its place, moved by so many of its widths and heights and then so many pixels.
+    void write(const Number& number, double shift, int gap, const Font& font, std::uint32_t color) {
+        const double width = platform().textWidth(number.text, font);
+        const Place at{number.at.x + shift * width + gap, number.at.y + shift * font.height + gap};
+        const auto covers = [&](const Span& other) {
+            return at.x < other.end + 2 && other.at.x < at.x + width + 2
+                   && std::abs(other.at.y - at.y) < font.height;
+        };
+        if (std::any_of(taken.begin(), taken.end(), covers)) return;
+        taken.push_back({at, at.x + width});
+        drawLabel(pane, at, number.text, font, color);
+    }
+
+  private:
+    /// A line of text, from its upper left corner to this column.
+    struct Span {
+        Place at;
+        double end;
+    };
+    const Pane& pane;
+    std::vector<Span> taken;
+};
+
+void drawNumbers(const Mesh& mesh, const Pane& pane, const std::vector<unsigned char>& uses) {
+    Writer writer(pane);
+    const auto middle = [&](int i, Point& p) {
+        const Face& face = mesh.faces[i];
+        if (!isSound(mesh, face) || !isShown(face, pane.left)) return false;
+        p = middleOf(face);
+        return true;
+    };
+    for (const Number& number : gatherNumbers(pane, mesh.nf, middle)) {
+        writer.write(number, -0.5, 0, faceFont, look.faceNumber);
+    }
+    const auto point = [&](int i, Point& p) {
+        p = mesh.points[i];
+        return isPointShown(uses[static_cast<std::size_t>(i)]);
+    };
+    for (const Number& number : gatherNumbers(pane, mesh.np, point)) {
+        writer.write(number, 0, squareRadius + 1, numberFont, look.vertexNumber);
+    }
+}
+
+void drawBox(const Pane& pane) {
+    const double x0 = pane.left ? box.left.x : box.left.z;
+    const double x1 = pane.left ? box.right.x : box.right.z;
+    const double y0 = box.left.y;
+    const double y1 = box.right.y;
+    pane.line({x0, y0}, {x1, y0}, look.box);
+    pane.line({x0, y1}, {x1, y1}, look.box);
+    pane.line({x0, y0}, {x0, y1}, look.box);
+    pane.line({x1, y0}, {x1, y1}, look.box);
+}
+
+/// The face of this index if it is there and sound.
+const Face* soundFace(const Mesh& mesh, int index) {
+    if (index < 0 || index >= mesh.nf || !isSound(mesh, mesh.faces[index])) return nullptr;
+    return &mesh.faces[index];
+}
+
+void drawSide(const Pane& pane, const Face& face, int corner, const Stroke& stroke) {
+    pane.line(pane.at(*face.q[corner].p), pane.at(*face.q[(corner + 1) % face.n].p), stroke);
+}
+
+/// The current face, edge and vertex, shown even where they are hidden.
+void drawCurrent(const Mesh& mesh, const Pane& pane, const Markers& markers) {
+    if (const Face* const face = soundFace(mesh, mesh.curface)) {
+        for (int k = 0; k < face->n; ++k) drawSide(pane, *face, k, look.currentFace);
+    }
+    const Face* const face = soundFace(mesh, markers.edgeFace);
+    if (face != nullptr && markers.edgeCorner >= 0 && markers.edgeCorner < face->n) {
+        drawSide(pane, *face, markers.edgeCorner, look.currentEdge);
+    }
+    if (mesh.curvertex < 0 || mesh.curvertex >= mesh.np) return;
+    const Place at = pane.at(mesh.points[mesh.curvertex]);
+    const Place tips[] = {{at.x - diamondRadius, at.y},
+                          {at.x, at.y - diamondRadius},
+                          {at.x + diamondRadius, at.y},
+                          {at.x, at.y + diamondRadius}};
+    for (std::size_t i = 0; i < 4; ++i) pane.line(tips[i], tips[(i + 1) % 4], look.currentVertex);
+}
+
+void drawSettable(const Pane& pane, const std::array<Vec3, 2>& points) {
+    const auto atOrigin = [](const Vec3& p) { return p.x == 0 && p.y == 0 && p.z == 0; };
+    if (atOrigin(points[0]) && atOrigin(points[1])) return;
+    for (std::size_t i = 0; i < 2; ++i) {
+        const Place at = pane.at(points[i]);
+        pane.line({at.x - crossRadius, at.y - crossRadius},
+                  {at.x + crossRadius, at.y + crossRadius}, look.settable);
+        pane.line({at.x - crossRadius, at.y + crossRadius},
+                  {at.x + crossRadius, at.y - crossRadius}, look.settable);
+        drawLabel(pane, {at.x + crossRadius + 3, at.y - settableFont.height / 2.0},
+                  i == 0 ? "1" : "2", settableFont, look.settable.color);
+    }
+}
+
+} // namespace
+
+void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers) {
+    const DisplayOptions& options = displayOptions;
+    std::vector<unsigned char> uses;
+    if (options.vertexes || options.selectedVertexes || options.numbers) {
+        uses = pointUses(mesh, pane);
+    }
+    if (options.normals) drawNormals(mesh, pane);
+    if (options.vertexes || options.selectedVertexes) drawVertexes(mesh, pane, uses);
+    if (options.box) drawBox(pane);
+    drawAxes(pane);
+    if (options.current) drawCurrent(mesh, pane, markers);
+    if (options.settable) drawSettable(pane, markers.settable);
+    if (options.numbers) drawNumbers(mesh, pane, uses);
+}
+
+void drawLabel(const Pane& pane, Place place, const std::string& text, const Font& font,
+               std::uint32_t color) {
+    const bool inside = place.x >= 0 && place.y >= 0 && place.y + font.height <= pane.canvas.height
+                        && place.x + platform().textWidth(text, font) <= pane.canvas.width;
+    if (!inside) return;
+    platform().drawText(pane.picture, pane.start + static_cast<int>(place.x),
+                        static_cast<int>(place.y), text, font, color);
+}
+
+} // namespace polyfab

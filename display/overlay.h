@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What lies under and over the edges in a pane: grid, axes, vertexes, normals, box, what is
+// current, settable points and numbers, each when displayOptions asks for it. Damaged faces are
+// left out.
+#pragma once
+
+#include "display/markers.h"
+#include "display/pane.h"
+#include "mesh/mesh.h"
+
+namespace polyfab {
+
+/// The grid. Its lines are a power of ten, or 2 or 5 times one, apart, as comes nearest to 50
+/// pixels; they lie on the plane of two world axes that the pane sees least aslant.
+void drawGrid(const Pane& pane);
+
+/// The world's axes, each with its letter.
+void drawAxes(const Pane& pane);
+
+/// All the rest. Screen positions must be up to date. May throw std::bad_alloc.
+void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers);
+
+/// One line of text, its upper left corner at the place, or nothing unless all of it is in the
+/// pane.
+void drawLabel(const Pane& pane, Place place, const std::string& text, const Font& font,
+               std::uint32_t color);
+
+} // namespace polyfab

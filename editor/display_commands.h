@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The switches of the display menu.
+#pragma once
+
+#include "display/options.h"
+#include "display/view.h"
+
+namespace polyfab {
+
+/// Throws one switch.
+template <bool DisplayOptions::*option>
+void flip() {
+    displayOptions.*option = !(displayOptions.*option);
+    stale.edges = true; // some switches change which edges are drawn
+}
+
+template <bool DisplayOptions::*option>
+[[nodiscard]] bool isOn() {
+    return displayOptions.*option;
+}
+
+/// Collects the garbage, marks the bad edges anew and shows them. There is no current edge
+/// afterwards.
+void findBadEdges();
+
+} // namespace polyfab

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Face handling: the current face, its selection, and splitting by a drag from point to point.
+#include "editor/face_mode.h"
+
+#include "display/options.h"
+#include "editor/state.h"
+#include "editor/under_mouse.h"
+#include "mesh/split_face.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+namespace polyfab {
+namespace {
+
+/// Where the button went down, and the point there or -1. It is looked up then, since the view may
+/// be another one when the button goes up.
+struct Press {
+    int x, y;
+    int point;
+};
+
+Press pressed{};
+
+void press(const Event& event) {
+    const auto place = pickingPlace(event);
+    pressed = {event.x, event.y, place ? pointAt(*OB, *place) : -1};
+    dropCurrentEdge();
+    OB->curface = place ? faceAt(*OB, *place) : -1;
+    stale.picture = true;
+    if (OB->curface >= 0 && keyIsDown(key::shift)) {
+        Face& face = OB->faces[OB->curface];
+        face.selected = face.selected ? 0 : 1;
+        stale.edges = true;
+    }
+    updateTitle();
+}
+
+/// Whether the face runs anticlockwise as the pane shows it.
+bool facesViewer(const Face& face, bool leftPane) {
+    double area = 0;
+    for (int k = 0; k < face.n; ++k) {
+        const Point& a = *face.q[k].p;
+        const Point& b = *face.q[k + 1 < face.n ? k + 1 : 0].p;
+        area += leftPane ? (b.sx - a.sx) * (b.sy + a.sy) : (b.sz - a.sz) * (b.sy + a.sy);
+    }
+    return area > 0; // y runs down
+}
+
+/// The face under the mouse where the drag ended or, since that is at a corner, else at the middle
+/// of the diagonal.
+std::optional<Diagonal> atMouse(const std::vector<Diagonal>& found, const PanePlace& end, int a,
+                                int b) {
+    const Point& p = OB->points[a];
+    const Point& q = OB->points[b];
+    const double x = end.left ? (p.sx + q.sx) / 2 : (p.sz + q.sz) / 2;
+    for (const PanePlace& place : {end, PanePlace{end.left, x, (p.sy + q.sy) / 2}}) {
+        const int face = faceAt(*OB, place);
+        for (const Diagonal& diagonal : found) {
+            if (diagonal.face == face) return diagonal;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The only one that faces the viewer.
+std::optional<Diagonal> byOrientation(const std::vector<Diagonal>& found, bool leftPane) {
+    const auto faces = [&](const Diagonal& d) { return facesViewer(OB->faces[d.face], leftPane); };
+    if (std::count_if(found.begin(), found.end(), faces) != 1) return std::nullopt;
+    return *std::find_if(found.begin(), found.end(), faces);
+}
+
+/// Splits a face along the line between two points; gives the words for the title.
+const char* splitBetween(int a, int b, const PanePlace& end) {
+    std::vector<Diagonal> found = diagonalsBetween(*OB, a, b);
+    std::erase_if(found, [&](const Diagonal& d) { return !isShown(OB->faces[d.face], end.left); });
+    if (found.empty()) return "there is no face to split between these points";
+    std::optional<Diagonal> chosen = found.front();
+    if (found.size() > 1) {
+        const bool mouse =
+            platform().question("", "split how? (Y = at mouse, N = by orientation)", Buttons::yesNo)
+            == Choice::yes;
+        chosen = mouse ? atMouse(found, end, a, b) : byOrientation(found, end.left);
+        if (!chosen) {
+            return mouse ? "none of these faces is under the mouse"
+                         : "not exactly one of these faces faces you";
+        }
+    }
+    const bool done = splitFace(*OB, *chosen);
+    stale.edges = true;
+    return done ? "split face OK" : "there is no room";
+}
+
+const char* resolveDrag(const Event& event) {
+    if (pressed.point < 0) return "start point of drag not found";
+    const auto end = pickingPlace(event);
+    const int point = end ? pointAt(*OB, *end) : -1;
+    if (point < 0) return "end point of drag not found";
+    if (point == pressed.point) return "start and end of drag are the same point";
+    return splitBetween(pressed.point, point, *end);
+}
+
+void release(const Event& event) {
+    if (isDrag(event.x - pressed.x, event.y - pressed.y)) {
+        platform().setTitle(resolveDrag(event));
+    }
+}
+
+} // namespace
+
+void handleFaces(const Event& event) {
+    if (leftPressed()) press(event);
+    if (leftReleased()) release(event);
+}
+
+void deleteCurrentFace() {
+    if (OB->curface < 0 || OB->curface >= OB->nf || OB->faces[OB->curface].q == nullptr) return;
+    if (platform().question("", "do you want to delete this face?", Buttons::yesNo)
+        != Choice::yes) {
+        return;
+    }
+    OB->faces[OB->curface].q = nullptr;
+    OB->curface = -1;
+    OB->changed = 1;
+    dropCurrentEdge();
+    stale.edges = true;
+}
+
+} // namespace polyfab

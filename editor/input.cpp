@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/input.h"
+
+#include "editor/state.h"
+#include "mesh/mesh.h"
+
+namespace polyfab {
+
+void noteKey(const Event& event) {
+    if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
+    editorState.keys[static_cast<std::size_t>(event.key)] =
+        event.kind == EventKind::keyDown ? 0xFF : 0;
+}
+
+void clearKeys() { editorState.keys.fill(0); }
+
+void noteMouse(const Event& event) {
+    EditorState& editor = editorState;
+    const unsigned before = editor.history;
+    editor.history = static_cast<std::uint8_t>((before << 2 | (event.buttons & 3)) & 0xF);
+    const bool rightWasDown = (editor.history & 8) != 0;
+    (rightWasDown ? editor.mouse.z : editor.mouse.x) = event.x;
+    editor.mouse.y = event.y;
+}
+
+void closeUnlessRefused() {
+    if (editorState.busy) {
+        platform().beep();
+        platform().setTitle("Whoa there, I got a file open!!");
+        return;
+    }
+    if (OB->changed
+        && platform().question("you have not saved this object since you altered it last",
+                               "do you want to exit?", Buttons::yesNo)
+               != Choice::yes) {
+        return;
+    }
+    platform().destroyWindow();
+}
+
+} // namespace polyfab

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The four lists take the same events; where they differ, they ask their row of the table. Whatever
+// closes the list does so last: there is no row to ask afterwards.
+#include "editor/name_list.h"
+
+#include "display/view.h"
+#include "editor/commands.h"
+#include "editor/input.h"
+#include "editor/name_list_picture.h"
+#include "editor/name_list_table.h"
+#include "editor/prompts.h"
+#include "editor/state.h"
+#include "editor/subview.h"
+#include "mesh/group_order.h"
+#include "mesh/names.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string>
+
+namespace polyfab {
+namespace {
+
+using List = NameListRow;
+
+/// The entry at this client position, or -1.
+int entryAt(const List& list, int x, int y) {
+    const ListGrid grid(platform().clientSize());
+    if (x < 0 || y < 0 || grid.columnWidth <= 0 || grid.rowHeight <= 0) return -1;
+    const std::int64_t column = x / grid.columnWidth + nameList.firstColumn;
+    const std::int64_t entry = column * listRows + y / grid.rowHeight;
+    return entry < OB->*list.count ? static_cast<int>(entry) : -1;
+}
+
+/// The entry under the mouse becomes the pointed and the current one.
+void pointAtMouse(const List& list) {
+    nameList.pointed = entryAt(list, nameList.x, nameList.y);
+    OB->*list.current = static_cast<std::int16_t>(nameList.pointed);
+}
+
+/// The text of the pointed entry when it is too long for its column; otherwise "".
+std::string longText(const List& list, const std::vector<int>& counts) {
+    const int entry = nameList.pointed;
+    if (entry < 0 || entry >= OB->*list.count) return "";
+    const ListGrid grid(platform().clientSize());
+    const std::string text = entryText(list, entry, counts[static_cast<std::size_t>(entry)]);
+    const int room = grid.columnWidth - textIndent;
+    return platform().textWidth(text, listFont(grid)) > room ? text : "";
+}
+
+/// The title says where we are, unless there is a long text to be read.
+void showTitle(const std::string& text) {
+    nameList.longTextShown = !text.empty();
+    if (text.empty()) {
+        updateTitle();
+    } else {
+        platform().setTitle(text);
+    }
+}
+
+/// Something that the list shows has changed.
+void refresh(const List& list) {
+    const std::string text = longText(list, countFaces(list));
+    if (!text.empty() || nameList.longTextShown) showTitle(text);
+    platform().requestPaint();
+}
+
+void pickAll(const List& list, bool picked) {
+    for (int entry = 0; entry < OB->*list.count; ++entry) list.pick(entry, picked);
+}
+
+void rename(const List& list, int entry) {
+    OB->changed = 1;
+    askText("new name?", list.name(entry));
+    // The buffer holds what was typed, or after cancel the name itself.
+    const std::string_view kept = storedName(prompts.answer[0]);
+    char* const name = list.name(entry);
+    std::fill_n(std::copy(kept.begin(), kept.end(), name), nameSize - kept.size(), '\0');
+}
+
+void clickEntry(const List& list, int entry) {
+    const bool adds = keyIsDown(key::ctrl);
+    if (!adds) pickAll(list, false);
+    list.pick(entry, !list.picked(entry));
+    if (adds || keyIsDown(key::alt)) return;
+    nameList.closingKey = 0;
+    closeSubview();
+}
+
+/// What the buttons do to the pointed entry.
+void useButtons(const List& list) {
+    const int entry = nameList.pointed;
+    const int history = editorState.history;
+    if (leftPressed()) nameList.pressed = entry;
+    if (entry < 0) return;
+    const int pressed = nameList.pressed;
+    if (history == 1) clickEntry(list, entry);
+    if (history == 2 && list.name != nullptr) rename(list, entry);
+    if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
+        moveGroup(*OB, pressed, entry);
+    }
+}
+
+void onMouse(const List& list, const Event& event) {
+    noteMouse(event);
+    const int before = nameList.pointed;
+    nameList.x = event.x;
+    nameList.y = event.y;
+    pointAtMouse(list);
+    useButtons(list);
+    if (editorState.subview == 0) return;
+    const bool buttonsMoved = (editorState.history >> 2) != (editorState.history & 3);
+    if (buttonsMoved || nameList.pointed != before) refresh(list);
+}
+
+/// Scrolls sideways, as far as there are entries for a full window.
+void scroll(const List& list, int columns) {
+    const int all = (OB->*list.count + listRows - 1) / listRows;
+    const int last = std::max(all - listColumns, 0);
+    nameList.firstColumn = std::clamp(nameList.firstColumn + columns, 0, last);
+    if (nameList.x >= 0) pointAtMouse(list); // another entry has come under the mouse
+}
+
+void onWheel(const List& list, const Event& event) {
+    nameList.x = event.x;
+    nameList.y = event.y;
+    nameList.wheel = std::clamp(nameList.wheel + event.steps, -1000.0, 1000.0);
+    const double whole = std::trunc(nameList.wheel);
+    nameList.wheel -= whole;
+    if (whole == 0) return;
+    scroll(list, -static_cast<int>(whole));
+    refresh(list);
+}
+
+void closeByKey(const List&, int code) {
+    nameList.closingKey = code;
+    closeSubview();
+}
+
+void addEntry(const List& list, int) {
+    if (list.add != nullptr) list.add();
+}
+
+void toggleSelectedOnly(const List&, int) { nameList.selectedOnly = !nameList.selectedOnly; }
+
+void setTextureNumbers(const List& list, int) {
+    if (!list.texturesShow) return;
+    for (Group* group = OB->groups; group != OB->groups + OB->ng; ++group) {
+        if (group->selected) group->texture = static_cast<std::uint8_t>(editorState.textureNumber);
+    }
+}
+
+struct KeyRow {
+    int code;
+    void (*act)(const List& list, int code);
+};
+
+constexpr KeyRow keyRows[] = {
+    {key::escape, closeByKey},
+    {key::f1, closeByKey},
+    {key::f2, closeByKey},
+    {key::f3, closeByKey},
+    {key::pageUp, [](const List& list, int) { scroll(list, -listColumns); }},
+    {key::pageDown, [](const List& list, int) { scroll(list, listColumns); }},
+    {'A', [](const List& list, int) { pickAll(list, true); }},
+    {'C', [](const List& list, int) { pickAll(list, false); }},
+    {'N', addEntry},
+    {'S', toggleSelectedOnly},
+    {'T', setTextureNumbers},
+};
+
+void onKeyDown(const List& list, const Event& event) {
+    const auto row = std::find_if(std::begin(keyRows), std::end(keyRows),
+                                  [&](const KeyRow& each) { return each.code == event.key; });
+    const bool acts = row != std::end(keyRows) && !keyIsDown(event.key); // no repeats
+    noteKey(event);
+    if (!acts) return;
+    row->act(list, event.key);
+    if (editorState.subview != 0) refresh(list);
+}
+
+void onKeyUp(const List&, const Event& event) { noteKey(event); }
+
+void onKeysLost(const List&, const Event&) { clearKeys(); }
+
+void onPaint(const List& list, const Event&) {
+    const std::vector<int> counts = countFaces(list);
+    showTitle(longText(list, counts));
+    platform().present(drawNameList(list, counts, platform().clientSize()));
+}
+
+void onResize(const List&, const Event&) {
+    resizeView(platform().clientSize());
+    platform().requestPaint();
+}
+
+void onCommand(const List& list, const Event& event) {
+    constexpr int help = 263;
+    constexpr int showTextureNumbers = 385;
+    if (event.command != help && event.command != showTextureNumbers) return;
+    runCommand(event.command);
+    refresh(list);
+}
+
+void onClose(const List&, const Event&) { closeUnlessRefused(); }
+
+void onDrop(const List&, const Event&) {
+    platform().beep();
+    platform().setTitle("close this list first, then drop the file");
+}
+
+struct Route {
+    EventKind kind;
+    void (*handle)(const List&, const Event&);
+};
+
+/// The window has been created before any list opens, and destroys itself.
+constexpr Route routes[] = {
+    {EventKind::resize, onResize},
+    {EventKind::deactivate, onKeysLost},
+    {EventKind::menuOpening, onKeysLost},
+    {EventKind::paint, onPaint},
+    {EventKind::close, onClose},
+    {EventKind::keyDown, onKeyDown},
+    {EventKind::keyUp, onKeyUp},
+    {EventKind::mouse, onMouse},
+    {EventKind::wheel, onWheel},
+    {EventKind::command, onCommand},
+    {EventKind::drop, onDrop},
+};
+
+} // namespace
+
+void openNameList() {
+    const NameListState before = nameList;
+    nameList = NameListState();
+    nameList.selectedOnly = before.selectedOnly;
+    nameList.textureNumbers = before.textureNumbers;
+}
+
+void handleInNameList(const Event& event) {
+    for (const Route& route : routes) {
+        if (route.kind == event.kind) route.handle(nameListRow(editorState.subview), event);
+    }
+}
+
+void applyNameList(int subview) {
+    const NameListRow& list = nameListRow(subview);
+    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
+        if (face->q == nullptr) continue;
+        const int entry = face->*list.field;
+        face->selected = entry >= 0 && entry < OB->*list.count && list.picked(entry);
+    }
+    stale.edges = true;
+}
+
+void toggleTextureNumbers() { nameList.textureNumbers = !nameList.textureNumbers; }
+
+bool showsTextureNumbers() { return nameList.textureNumbers; }
+
+} // namespace polyfab

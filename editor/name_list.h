@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The name lists: groups, materials, parts and texture map areas as a full-window grid of names,
+// from which the user picks.
+#pragma once
+
+#include "platform/platform.h"
+
+namespace polyfab {
+
+/// Starts the list of the open sub-view at its first column.
+void openNameList();
+
+/// An event of the window while the list is open.
+void handleInNameList(const Event& event);
+
+/// The list of this sub-view has closed: selects every live face whose entry is picked, and
+/// unselects the others.
+void applyNameList(int subview);
+
+void toggleTextureNumbers();
+[[nodiscard]] bool showsTextureNumbers();
+
+} // namespace polyfab

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/name_list_picture.h"
+
+#include "display/pane_images.h"
+#include "editor/state.h"
+
+#include <algorithm>
+
+namespace polyfab {
+namespace {
+
+constexpr std::uint32_t background = 0xFFFAFAF7;
+constexpr std::uint32_t black = 0xFF000000;
+constexpr std::uint32_t red = 0xFFC80000;
+
+struct Cell {
+    Cell(const ListGrid& grid, int place)
+        : x(place / listRows * grid.columnWidth),
+          y(place % listRows * grid.rowHeight), size{grid.columnWidth, grid.rowHeight} {}
+    int x, y;
+    Size size;
+};
+
+/// Texts of the column to the left may reach into this cell; they end where another entry begins.
+void drawCell(Bitmap& picture, const ListGrid& grid, int place, const std::string& text,
+              bool picked, std::uint32_t color) {
+    const Cell cell(grid, place);
+    fillRectangle(picture, cell.x, cell.y, cell.size, background);
+    if (picked) drawImage(picture, cell.x + 1, cell.y + 2, paneImages.right);
+    platform().drawText(picture, cell.x + textIndent, cell.y + 1, text, listFont(grid), color);
+}
+
+} // namespace
+
+Bitmap drawNameList(const NameListRow& list, const std::vector<int>& counts, Size client) {
+    constexpr int cells = listColumns * listRows;
+    Bitmap picture =
+        plainPicture(std::max(client.width, 0), std::max(client.height, 0), background);
+    const ListGrid grid(client);
+    if (grid.columnWidth <= 0 || grid.rowHeight <= 0) return picture;
+    const int entries = OB->*list.count;
+    const int first = nameList.firstColumn * listRows;
+    const int shown = std::min(entries - first, cells);
+    for (int place = 0; place < shown; ++place) {
+        const int entry = first + place;
+        const std::string text = entryText(list, entry, counts[static_cast<std::size_t>(entry)]);
+        drawCell(picture, grid, place, text, list.picked(entry),
+                 entry == OB->*list.current ? red : black);
+    }
+    if (entries < cells) {
+        drawCell(picture, grid, cells - 1, "(press esc or click a name)", false, black);
+    }
+    return picture;
+}
+
+} // namespace polyfab

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the handling modes share: where the mouse is, and when a press with some movement is a drag.
+#pragma once
+
+#include "display/picking.h"
+#include "display/view.h"
+
+#include <cstdlib>
+#include <optional>
+
+namespace polyfab {
+
+/// The pane position of the event, with all screen positions up to date.
+[[nodiscard]] inline std::optional<PanePlace> pickingPlace(const Event& event) {
+    if (stale.points) transformPoints(*OB);
+    return placeInPane(platform().clientSize(), event.x, event.y);
+}
+
+/// Whether the mouse is off the place where the button went down by more than a hand trembles in a
+/// click: up to two pixels along either axis.
+[[nodiscard]] inline bool isDrag(int right, int down) {
+    constexpr int tremble = 2;
+    return std::abs(right) > tremble || std::abs(down) > tremble;
+}
+
+/// There is no current edge any more.
+void dropCurrentEdge();
+
+} // namespace polyfab

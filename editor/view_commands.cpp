@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/view_commands.h"
+
+#include "display/affine.h"
+#include "display/view.h"
+#include "editor/prompts.h"
+#include "editor/transform_modes.h"
+#include "editor/transform_selected.h"
+#include "platform/platform.h"
+
+#include <string>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+/// The axis that the user names, or -1 when the question is cancelled.
+int askAxis(const std::string& question) {
+    constexpr std::string_view letters = "xyzXYZ";
+    for (;;) {
+        askText(question, "x");
+        if (prompts.cancelled) return -1;
+        const std::string_view answer = prompts.answer[0];
+        if (answer.size() == 1 && letters.find(answer[0]) != std::string_view::npos) {
+            return static_cast<int>(letters.find(answer[0])) % 3;
+        }
+    }
+}
+
+AffineMap mirror(int axis) {
+    Vec3 factors{1, 1, 1};
+    along(factors, axis) = -1;
+    return scaling(factors);
+}
+
+bool anySelected() {
+    const bool any = !extentOfFaces(*OB, AffineMap(), true).empty();
+    if (!any) platform().message("", "no face is selected", Icon::none);
+    return any;
+}
+
+void transform(const AffineMap& map) {
+    if (anySelected()) transformSelected(*OB, map);
+}
+
+} // namespace
+
+void letRotationTurnView() { turnOptions.view = true; }
+void letRotationTurnObjects() { turnOptions.view = false; }
+bool rotationTurnsView() { return turnOptions.view; }
+bool rotationTurnsObjects() { return !turnOptions.view; }
+
+void toggleRotationAfter() { turnOptions.after = !turnOptions.after; }
+bool rotationComesAfter() { return turnOptions.after; }
+
+void mirrorOnScreen() {
+    if (!anySelected()) return;
+    const int axis = askAxis("mirror-image in which coordinate as on screen: x or y or z?");
+    if (axis < 0) return;
+    const AffineMap axes = screenAxes();
+    const AffineMap back = inverseOf(axes);
+    const Vec3 middle = back(extentOfFaces(*OB, axes, true).middle());
+    transformSelected(*OB, about(middle, product(back, product(mirror(axis), axes))));
+}
+
+void changeSign() {
+    if (!anySelected()) return;
+    const int axis = askAxis("change sign of which absolute coordinate: x or y or z?");
+    if (axis >= 0) transformSelected(*OB, mirror(axis));
+}
+
+void swopYAndZ() { transform({{{1, 0, 0, 0}, {0, 0, 1, 0}, {0, 1, 0, 0}}}); }
+
+void rotateAboutY() { transform({{{0, 0, -1, 0}, {0, 1, 0, 0}, {1, 0, 0, 0}}}); }
+
+} // namespace polyfab

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Fontconfig names the font file, FreeType makes grey pictures of its characters, which are laid
+// one behind the other without kerning.
+#include "platform/batch/text.h"
+
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <algorithm>
+#include <bit>
+#include <map>
+#include <memory>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+constexpr char32_t replacement = 0xFFFD;
+
+template <auto destroy>
+struct Destroy {
+    void operator()(auto* owned) const { destroy(owned); }
+};
+
+using Config = std::unique_ptr<FcConfig, Destroy<FcConfigDestroy>>;
+using Pattern = std::unique_ptr<FcPattern, Destroy<FcPatternDestroy>>;
+using Library = std::unique_ptr<FT_LibraryRec_, Destroy<FT_Done_FreeType>>;
+using Face = std::unique_ptr<FT_FaceRec_, Destroy<FT_Done_Face>>;
+
+struct FontFile {
+    std::string path; ///< empty: there is none
+    int index = 0;    ///< of the face in the file
+};
+
+FontFile findFont(int weight) {
+    // A configuration of our own: the one of the process may be in use elsewhere.
+    const Config config(FcInitLoadConfigAndFonts());
+    const Pattern wanted(FcPatternBuild(nullptr, FC_FAMILY, FcTypeString, "sans-serif", FC_WEIGHT,
+                                        FcTypeInteger, FcWeightFromOpenType(weight), FC_SCALABLE,
+                                        FcTypeBool, FcTrue, nullptr));
+    if (!config || !wanted) return {};
+    FcConfigSubstitute(config.get(), wanted.get(), FcMatchPattern);
+    FcDefaultSubstitute(wanted.get());
+    FcResult result = FcResultNoMatch;
+    const Pattern found(FcFontMatch(config.get(), wanted.get(), &result));
+    FontFile file;
+    FcChar8* path = nullptr;
+    if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &path) != FcResultMatch) return {};
+    FcPatternGetInteger(found.get(), FC_INDEX, 0, &file.index);
+    file.path = reinterpret_cast<const char*>(path);
+    return file;
+}
+
+/// The fonts that have been opened, by weight; null where there is none.
+FT_Face openFont(int weight) {
+    static const Library library = [] {
+        FT_Library made = nullptr;
+        FT_Init_FreeType(&made);
+        return Library(made);
+    }();
+    static std::map<int, Face> faces; // declared later, so it goes before the library does
+    const auto [entry, isNew] = faces.try_emplace(weight);
+    if (isNew && library) {
+        const FontFile file = findFont(weight);
+        FT_Face face = nullptr;
+        FT_New_Face(library.get(), file.path.c_str(), file.index, &face);
+        entry->second.reset(face);
+    }
+    return entry->second.get();
+}
+
+constexpr int pixels(FT_Pos length) { return static_cast<int>((length + 32) >> 6); }
+
+/// Of the font's units in its present size. Its own size record rounds up for hinted characters.
+int scaled(FT_Face face, FT_Short units) {
+    return pixels(FT_MulFix(units, face->size->metrics.y_scale));
+}
+
+/// The font in the largest size whose lines are not higher than wanted, or null.
+FT_Face sizedFont(const Font& font) {
+    constexpr int largest = 4096;
+    const FT_Face face = font.height < 1 ? nullptr : openFont(font.weight);
+    if (face == nullptr) return nullptr;
+    for (int size = std::min(font.height, largest); size > 0; --size) {
+        if (FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size)) != 0) return nullptr;
+        const int lineHeight = scaled(face, face->ascender) - scaled(face, face->descender);
+        if (lineHeight <= font.height) return face;
+    }
+    return face; // a single pixel is the smallest
+}
+
+/// Takes the first character off; a byte that begins none is one of its own.
+char32_t takeCharacter(std::string_view& text) {
+    constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000}; // by the number of bytes
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    // The ones that the first byte begins with count the bytes, but none means one.
+    const auto ones = static_cast<std::size_t>(std::countl_one(byte(0)));
+    const std::size_t length = std::max<std::size_t>(ones, 1);
+    bool valid = ones != 1 && ones <= 4 && length <= text.size();
+    char32_t code = byte(0) & (0x7FU >> ones);
+    for (std::size_t i = 1; valid && i < length; ++i) {
+        valid = (byte(i) & 0xC0) == 0x80;
+        code = code << 6 | (byte(i) & 0x3F);
+    }
+    const bool surrogate = code >= 0xD800 && code < 0xE000;
+    valid = valid && code >= least[length] && code <= 0x10FFFF && !surrogate;
+    text.remove_prefix(valid ? length : 1);
+    return valid ? code : replacement;
+}
+
+std::uint32_t blend(std::uint32_t below, std::uint32_t color, std::uint32_t coverage) {
+    std::uint32_t mixed = 0xFF;
+    for (const int shift : {16, 8, 0}) {
+        const std::uint32_t from = below >> shift & 0xFF;
+        const std::uint32_t to = color >> shift & 0xFF;
+        mixed = mixed << 8 | (from * (255 - coverage) + to * coverage + 127) / 255;
+    }
+    return mixed;
+}
+
+/// Lays the grey picture of a character, its upper left corner at (left, top), into the picture.
+void layGlyph(Bitmap& picture, int left, int top, const FT_Bitmap& glyph, std::uint32_t color) {
+    const int firstRow = std::max(0, -top);
+    const int lastRow = std::min(static_cast<int>(glyph.rows), picture.height - top);
+    const int first = std::max(0, -left);
+    const int last = std::min(static_cast<int>(glyph.width), picture.width - left);
+    for (int row = firstRow; row < lastRow; ++row) {
+        const unsigned char* const coverage = glyph.buffer + std::ptrdiff_t{row} * glyph.pitch;
+        const std::ptrdiff_t begin = std::ptrdiff_t{top + row} * picture.width + left;
+        for (int column = first; column < last; ++column) {
+            std::uint32_t& pixel = picture.pixels[static_cast<std::size_t>(begin + column)];
+            pixel = blend(pixel, color, coverage[column]);
+        }
+    }
+}
+
+/// Calls `use` with each character and its left edge in 64ths of a pixel from the beginning of the
+/// line, while that gives true. Returns the length of what it has gone over.
+template <typename Use>
+FT_Pos walk(FT_Face face, std::string_view text, FT_Int32 how, Use use) {
+    FT_Pos pen = 0;
+    while (!text.empty()) {
+        const char32_t character = takeCharacter(text);
+        // Unhinted, so that a character looks the same in every place and width follows size.
+        if (FT_Load_Char(face, character, how | FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0) {
+            continue;
+        }
+        if (!use(*face->glyph, pen)) break;
+        pen += face->glyph->advance.x;
+    }
+    return pen;
+}
+
+} // namespace
+
+void layText(Bitmap& picture, int x, int y, const std::string& text, const Font& font,
+             std::uint32_t color) {
+    const FT_Face face = sizedFont(font);
+    if (face == nullptr) return;
+    const int baseline = y + scaled(face, face->ascender);
+    walk(face, text, FT_LOAD_RENDER, [&](const FT_GlyphSlotRec& glyph, FT_Pos pen) {
+        const int place = x + pixels(pen);
+        layGlyph(picture, place + glyph.bitmap_left, baseline - glyph.bitmap_top, glyph.bitmap,
+                 color);
+        return place < picture.width;
+    });
+}
+
+int laidWidth(const std::string& text, const Font& font) {
+    const FT_Face face = sizedFont(font);
+    if (face == nullptr) return 0;
+    return pixels(walk(face, text, 0, [](const FT_GlyphSlotRec&, FT_Pos) { return true; }));
+}
+
+} // namespace polyfab

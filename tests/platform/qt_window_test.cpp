@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What only the real window has: menus worked by keys, shortcuts, and the looks of the prompts.
+#ifdef POLYFAB_QT
+#include "platform/qt/qt_platform.h"
+#include "tests/platform/toy_program.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace polyfab::test {
+namespace {
+
+using Log = std::vector<std::string>;
+
+class QtWindow : public testing::Test {
+  protected:
+    QtWindow() {
+        toyState = {};
+        setPlatform(&backend);
+        backend.start("");
+        activate();
+    }
+    ~QtWindow() override {
+        backend.destroyWindow();
+        setPlatform(nullptr);
+    }
+    /// What came in since the last time, the activation left out.
+    Log taken() {
+        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+        std::erase(toyState.log, "deactivate");
+        return std::exchange(toyState.log, {});
+    }
+    /// Off screen a menu makes its window inactive, unlike elsewhere.
+    void activate() {
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        QTest::keyRelease(&window, Qt::Key_F1); // no modifier is held any more
+    }
+    /// Opens a menu by Alt and its letter.
+    QMenu* open(char letter) {
+        activate();
+        taken();
+        QTest::keyClick(&window, letter, Qt::AltModifier);
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (menu == nullptr) throw std::runtime_error("no menu opens");
+        return menu;
+    }
+    QtPlatform backend{toyProgram()};
+    Window& window = backend.mainWindow();
+};
+
+const MenuBar bar = {
+    {"&one", {{21, "&first"}, {22, "&second"}, {23, "another: &s"}, {24, "&grey", false}}},
+    {"t&wo", {{25, "&first", true, false, false, "Ctrl+K"}, {26, "l&ast", true, true, true}}},
+};
+
+TEST_F(QtWindow, LettersWorkTheMenus) {
+    backend.setMenuBar("A", bar);
+    taken();
+    QTest::keyClick(open('o'), 'f');
+    EXPECT_EQ(taken(), (Log{"menu", "command 21"}));
+    QTest::keyClick(open('w'), 'a');
+    EXPECT_EQ(taken(), (Log{"menu", "command 26"}));
+    QMenu* const menu = open('o');
+    QTest::keyClick(menu, 's'); // two have it: it goes from one to the next
+    QTest::keyClick(menu, 's');
+    EXPECT_EQ(taken(), Log{"menu"});
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_EQ(taken(), Log{"command 23"});
+    QTest::keyClick(open('o'), 'g');
+    EXPECT_EQ(taken(), Log{"menu"});
+}
+
+TEST_F(QtWindow, ShortcutsChooseFromThePresentBar) {
+    backend.setMenuBar("A", bar);
+    backend.setMenuBar("B", bar); // and the one before takes no part any more
+    taken();
+    const auto press = [&] {
+        QTest::keyClick(&window.canvas(), Qt::Key_K, Qt::ControlModifier);
+        Log log = taken();
+        std::erase_if(log, [](const std::string& line) { return line.starts_with("key"); });
+        return log;
+    };
+    EXPECT_EQ(press(), Log{"command 25"});
+    backend.setMenuItem(25, false, false);
+    EXPECT_EQ(press(), Log{});
+    backend.setMenuBar("C", {});
+    EXPECT_EQ(press(), Log{});
+}
+
+TEST_F(QtWindow, ACommandSeesCtrlAsItIs) {
+    backend.setMenuBar("A", bar);
+    const auto choose = [&](Qt::KeyboardModifiers held) {
+        QMenu* const menu = open('o');
+        const QPoint place = menu->actionGeometry(menu->actions().constFirst()).center();
+        QTest::mouseClick(menu, Qt::LeftButton, held, place);
+        return taken();
+    };
+    EXPECT_EQ(choose(Qt::ControlModifier), (Log{"menu", "keyDown 17", "command 21"}));
+    EXPECT_EQ(choose(Qt::NoModifier), (Log{"menu", "command 21"}));
+    // Pressed in the window, released elsewhere, and the other way round.
+    Canvas& canvas = window.canvas();
+    QTest::keyPress(&canvas, Qt::Key_Control);
+    QTest::keyClick(&window, Qt::Key_F1);
+    taken();
+    window.action(21)->trigger();
+    EXPECT_EQ(taken(), (Log{"keyUp 17", "command 21"}));
+    QTest::keyClick(&window, Qt::Key_F1, Qt::ControlModifier);
+    window.action(21)->trigger();
+    EXPECT_EQ(taken(), (Log{"keyDown 17", "command 21"}));
+    QTest::keyRelease(&canvas, Qt::Key_Control, Qt::ControlModifier);
+    EXPECT_EQ(taken(), Log{"keyUp 17"});
+}
+
+TEST_F(QtWindow, MouseAndWheelArriveWhateverTheirKind) {
+    const QPoint place(8, 12);
+    const QPoint pixel = place * window.devicePixelRatioF();
+    const std::string at = ' ' + std::to_string(pixel.x()) + ' ' + std::to_string(pixel.y());
+    taken();
+    QTest::mouseDClick(&window.canvas(), Qt::LeftButton, {}, place);
+    QTest::mouseRelease(&window.canvas(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(taken(), (Log{"mouse" + at + " 1", "mouse" + at}));
+    QTest::mouseClick(&window.canvas(), Qt::MiddleButton, {}, place);
+    EXPECT_EQ(taken(), (Log{"mouse" + at + " 4", "mouse" + at}));
+    QWheelEvent sideways(place, place, QPoint(), QPoint(-60, 0), Qt::NoButton, Qt::AltModifier,
+                         Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&window.canvas(), &sideways);
+    EXPECT_EQ(taken(), Log{"wheel" + at + " steps -0.500000"});
+}
+
+/// Opens the prompt and lets `act` be its user.
+DialogResult use(Dialog& dialog, const std::function<void(QWidget&)>& act) {
+    QTimer::singleShot(0, [&act] {
+        QWidget* const box = QApplication::activeModalWidget();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+        act(*box);
+        if (box->isVisible()) box->close();
+    });
+    return platform().dialog(dialog);
+}
+
+Dialog promptOf(int fields) {
+    Dialog dialog{"ASKDB", "", {}};
+    for (int i = 0; i < fields; ++i) dialog.fields.push_back({"a & b?", "text"});
+    return dialog;
+}
+
+TEST_F(QtWindow, PromptsAreFilledInFromTheKeyboard) {
+    for (const int fields : {1, 2, 3}) {
+        Dialog dialog = promptOf(fields);
+        const DialogResult result = use(dialog, [&](QWidget& box) {
+            for (int i = 0; i < fields; ++i) {
+                auto* const line = qobject_cast<QLineEdit*>(box.focusWidget());
+                ASSERT_NE(line, nullptr);
+                EXPECT_EQ(line->selectedText(), "text");
+                EXPECT_EQ(line->accessibleName(), "a & b?");
+                EXPECT_GE(line->width(), line->fontMetrics().averageCharWidth() * 40);
+                QTest::keyClicks(line, QString::number(i));
+                QTest::keyClick(line, Qt::Key_Tab);
+            }
+            for (const char* const name : {"accept", "cancel"}) {
+                auto* const button = qobject_cast<QPushButton*>(box.focusWidget());
+                ASSERT_NE(button, nullptr);
+                EXPECT_EQ(button->text(), name);
+                QTest::keyClick(button, Qt::Key_Tab);
+            }
+            QTest::keyClick(box.focusWidget(), Qt::Key_Return);
+        });
+        EXPECT_EQ(result, DialogResult::accept);
+        for (int i = 0; i < fields; ++i)
+            EXPECT_EQ(dialog.fields[std::size_t(i)].text, std::to_string(i));
+    }
+    Dialog dialog = promptOf(1);
+    const DialogResult result = use(dialog, [](QWidget& box) {
+        QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+        QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+        QTest::keyClick(box.focusWidget(), Qt::Key_Return); // presses what has the focus
+    });
+    EXPECT_EQ(result, DialogResult::cancel);
+}
+
+TEST_F(QtWindow, KeysInAPromptAreToldToItAlone) {
+    Dialog dialog = promptOf(1);
+    Log keys;
+    dialog.onKey = [&](const Event& event) { keys.push_back(describe(event)); };
+    taken();
+    use(dialog, [](QWidget& box) {
+        QTest::keyClick(box.windowHandle(), Qt::Key_C);
+        QTest::keyPress(box.windowHandle(), Qt::Key_Shift);
+        QTest::keyClick(box.windowHandle(), Qt::Key_VolumeUp); // has no code
+        QTest::keyPress(box.windowHandle(), Qt::Key_Return);
+    });
+    EXPECT_EQ(keys,
+              (Log{"keyDown 67", "keyUp 67", "keyDown 16", "keyDown 13", "keyUp 13", "keyUp 16"}));
+    EXPECT_EQ(dialog.fields[0].text, "c");
+    for (const std::string& line : taken()) EXPECT_FALSE(line.starts_with("key")) << line;
+}
+
+TEST_F(QtWindow, PromptsGiveTheirLabelsRoom) {
+    struct {
+        int fields;
+        std::string label;
+        bool above;
+    } const cases[] = {
+        {1, "name?", true},
+        {1, "how far? " + std::string(50, 'n'), true},
+        {1, "how far? " + std::string(300, 'n') + " or " + std::string(60, 'x'), true},
+        {2, "name?", false},
+        {3, "how many of these shall there be along the longer side of it?", false},
+    };
+    for (const auto& row : cases) {
+        Dialog dialog = promptOf(row.fields);
+        dialog.fields[0].label = row.label;
+        use(dialog, [&](QWidget& box) {
+            const auto* const label = box.findChild<QLabel*>();
+            const auto* const line = box.findChild<QLineEdit*>();
+            EXPECT_EQ(label->text().toStdString(), row.label);
+            EXPECT_EQ(label->geometry().bottom() < line->geometry().top(), row.above) << row.label;
+            EXPECT_EQ(label->geometry().right() < line->geometry().left(), !row.above);
+            EXPECT_TRUE(box.rect().contains(label->geometry()));
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+            if (!label->wordWrap()) {
+                EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(label->text()));
+            }
+        });
+    }
+}
+
+} // namespace
+} // namespace polyfab::test
+#endif

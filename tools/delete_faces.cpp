@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/delete_faces.h"
+
+#include "display/view.h"
+#include "editor/state.h"
+#include "mesh/table.h"
+#include "platform/platform.h"
+#include "tools/elements.h"
+
+#include <cstdint>
+
+namespace polyfab {
+namespace {
+
+bool isDeleted(const Mesh& mesh, int face) {
+    return face >= 0 && (face >= mesh.nf || !isLive(mesh.faces[face]));
+}
+
+void deleteAfterQuestion(Mesh& mesh, bool selected) {
+    const Choice choice = platform().question(
+        "bulk delete", "do you really want to delete these faces?", Buttons::yesNo);
+    if (choice != Choice::yes) return;
+    deleteFaces(mesh, [&](const Face& face) { return (face.selected != 0) == selected; });
+}
+
+} // namespace
+
+void noteDeletedFaces(Mesh& mesh) {
+    mesh.changed = 1;
+    stale.edges = true;
+    if (isDeleted(mesh, mesh.curface)) mesh.curface = -1;
+    if (isDeleted(mesh, editorState.currentEdgeFace)) {
+        editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
+    }
+}
+
+void deleteSelectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, true); }
+
+void deleteUnselectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, false); }
+
+void deletePartsOfOneFace(Mesh& mesh) {
+    Table<std::int32_t> faces(mesh.nprt, 0);
+    if (!faces) return;
+    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        if (isLive(*face)) ++faces[face->prt];
+    }
+    deleteFaces(mesh, [&](const Face& face) { return face.selected && faces[face.prt] == 1; });
+}
+
+} // namespace polyfab

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Everything is counted before anything is changed, so that a mesh that would grow beyond what can
+// be counted in it is refused whole.
+#include "tools/duplicate.h"
+
+#include "display/view.h"
+#include "mesh/table.h"
+#include "platform/platform.h"
+#include "tools/elements.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <tuple>
+
+namespace polyfab {
+namespace {
+
+constexpr std::int32_t none = -1;
+
+/// Of each point its copy's number.
+using Copies = Table<std::int32_t>;
+
+/// What is to be added.
+struct Counts {
+    std::int64_t points = 0;
+    std::int64_t corners = 0;
+    std::int64_t faces = 0;
+};
+
+/// A side of a selected face: the edge that it lies on, and the corner that it begins at.
+struct Side {
+    std::int32_t low, high;
+    std::int32_t face;
+    std::int32_t place;
+};
+
+/// Counts the selected faces and what they use, and gives each point of theirs a number behind the
+/// last point of the mesh.
+Counts countCopies(const Mesh& mesh, Copies& copies) {
+    Counts counts;
+    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        if (!isLiveSelected(*face)) continue;
+        ++counts.faces;
+        counts.corners += face->n;
+        for (int k = 0; k < face->n; ++k) copies[pointAt(mesh, *face, k)] = 0;
+    }
+    for (std::int32_t i = 0; i < mesh.np; ++i) {
+        if (copies[i] != none) copies[i] = static_cast<std::int32_t>(mesh.np + counts.points++);
+    }
+    return counts;
+}
+
+std::int64_t listSides(const Mesh& mesh, Table<Side>& sides) {
+    std::int64_t count = 0;
+    for (std::int32_t i = 0; i < mesh.nf; ++i) {
+        const Face& face = mesh.faces[i];
+        if (!isLiveSelected(face)) continue;
+        for (int k = 0; k < face.n; ++k) {
+            const auto [low, high] =
+                std::minmax({pointAt(mesh, face, k), pointAt(mesh, face, k + 1)});
+            if (low != high) sides[count++] = {low, high, i, k};
+        }
+    }
+    return count;
+}
+
+/// Lists the sides that no other side of a selected face lies on, in the order of faces, and gives
+/// their number.
+std::int64_t findBorder(const Mesh& mesh, Table<Side>& sides) {
+    Side* const first = &sides[0];
+    Side* const end = first + listSides(mesh, sides);
+    std::sort(first, end, [](const Side& a, const Side& b) {
+        return std::tie(a.low, a.high) < std::tie(b.low, b.high);
+    });
+    Side* kept = first;
+    for (Side* run = first; run != end;) {
+        Side* const next = std::find_if(run, end, [edge = *run](const Side& side) {
+            return side.low != edge.low || side.high != edge.high;
+        });
+        if (next - run == 1) *kept++ = *run;
+        run = next;
+    }
+    std::sort(first, kept, [](const Side& a, const Side& b) {
+        return std::tie(a.face, a.place) < std::tie(b.face, b.place);
+    });
+    return kept - first;
+}
+
+bool makeRoom(Mesh& mesh, const Counts& added) {
+    return mesh.growPoints(mesh.np + added.points, false)
+           && mesh.growCorners(mesh.nq + added.corners, false)
+           && mesh.growFaces(mesh.nf + added.faces, false);
+}
+
+/// A new face like this one, with corners yet to be appended.
+Face& appendFace(Mesh& mesh, const Face& like) {
+    Face& face = mesh.faces[mesh.nf++];
+    face = like;
+    face.q = mesh.corners + mesh.nq;
+    return face;
+}
+
+FaceCorner onCopy(const Mesh& mesh, const Copies& copies, FaceCorner corner) {
+    corner.p = mesh.points + copies[indexIn(mesh.points, corner.p)];
+    return corner;
+}
+
+void appendCopies(Mesh& mesh, const Copies& copies) {
+    for (std::int32_t i = 0, before = mesh.np; i < before; ++i) {
+        if (copies[i] != none) copyPoint(mesh, i);
+    }
+    for (std::int32_t i = 0, before = mesh.nf; i < before; ++i) {
+        Face& face = mesh.faces[i];
+        if (!isLiveSelected(face)) continue;
+        appendFace(mesh, face);
+        for (int k = 0; k < face.n; ++k) {
+            mesh.corners[mesh.nq++] = onCopy(mesh, copies, face.q[k]);
+        }
+        face.selected = 0;
+    }
+}
+
+/// The wall runs the copy's edge against the copy, and so the original's along with the original.
+void appendWall(Mesh& mesh, const Side& side, const Copies& copies) {
+    const Face& original = mesh.faces[side.face];
+    FaceCorner from = original.q[side.place];
+    FaceCorner to = original.q[side.place + 1 == original.n ? 0 : side.place + 1];
+    from.d = to.d = nullptr; // those of the surface, which the wall stands on
+    from.edgeuse = to.edgeuse = 2;
+    appendFace(mesh, original).n = 4;
+    for (const FaceCorner& corner :
+         {onCopy(mesh, copies, to), onCopy(mesh, copies, from), from, to}) {
+        mesh.corners[mesh.nq++] = corner;
+    }
+}
+
+/// False when there is nothing selected or no memory, which has been said then.
+bool duplicate(Mesh& mesh, bool join) {
+    Copies copies(mesh.np, none);
+    if (!copies) return false;
+    Counts added = countCopies(mesh, copies);
+    if (added.faces == 0) {
+        platform().message("", "I have no selected faces to duplicate", Icon::none);
+        return false;
+    }
+    Table<Side> border(join ? added.corners : 0);
+    if (!border) return false;
+    const std::int64_t walls = join ? findBorder(mesh, border) : 0;
+    added.corners += 4 * walls;
+    added.faces += walls;
+    if (!makeRoom(mesh, added)) return false;
+    appendCopies(mesh, copies);
+    for (std::int64_t i = 0; i < walls; ++i) appendWall(mesh, border[i], copies);
+    mesh.changed = 1;
+    stale.edges = true;
+    return true;
+}
+
+void duplicateAndReport(Mesh& mesh, bool join) {
+    if (!duplicate(mesh, join)) return;
+    platform().message("", "I have duplicated the selected faces like you told me to", Icon::none);
+}
+
+} // namespace
+
+void duplicateSelected(Mesh& mesh) { duplicateAndReport(mesh, false); }
+
+void duplicateSelectedJoined(Mesh& mesh) { duplicateAndReport(mesh, true); }
+
+} // namespace polyfab
