@@ -2,26 +2,21 @@
 #include "display/options.h"
 
 namespace polyfab {
-namespace {
-
-/// Twice the area that the face takes in the pane, negative for one that runs anticlockwise.
-double doubledArea(const Face& face, double Point::*across) {
+double areaInPane(const Face& face, bool leftPane) {
+    double Point::*const across = leftPane ? &Point::sx : &Point::sz;
     double area = 0;
-    const Point* from = face.q[face.n - 1].p;
     for (int k = 0; k < face.n; ++k) {
-        const Point* const to = face.q[k].p;
-        area -= (to->*across - from->*across) * (to->sy + from->sy);
-        from = to;
+        const Point& from = *face.q[k].p;
+        const Point& to = *face.q[k + 1 < face.n ? k + 1 : 0].p;
+        area -= (to.*across - from.*across) * (to.sy + from.sy) / 2;
     }
     return area;
 }
 
-} // namespace
-
 bool isShown(const Face& face, bool leftPane) {
     if (face.q == nullptr) return false;
     if (!displayOptions.hideFacingAway || face.n <= 0) return true;
-    return !(doubledArea(face, leftPane ? &Point::sx : &Point::sz) > 0);
+    return !(areaInPane(face, leftPane) > 0);
 }
 
 } // namespace polyfab

@@ -24,6 +24,10 @@ struct DisplayOptions {
 
 inline DisplayOptions displayOptions;
 
+/// Area in square pixels that the face takes in the pane, negative for one that runs anticlockwise
+/// there.
+[[nodiscard]] double areaInPane(const Face& face, bool leftPane);
+
 /// Whether the wireframe shows this face in the pane: it is live, and not hidden because it faces
 /// away there (runs clockwise as the pane shows it, by the screen positions). A face that is seen
 /// edge-on is shown.

@@ -143,7 +143,7 @@ std::optional<PanePlace> placeInPane(Size client, int x, int y) {
     return PanePlace{false, double(across), double(y)};
 }
 
-int pointAt(const Mesh& mesh, const PanePlace& place, double radius) {
+int pointAt(const Mesh& mesh, const PanePlace& place, double radius, int except) {
     int found = -1;
     Near best;
     eachFaceNear(mesh, place, radius, [&](int i) {
@@ -153,6 +153,7 @@ int pointAt(const Mesh& mesh, const PanePlace& place, double radius) {
             const Near near{seen.depth, seen.awayFrom(place)};
             if (!seen.isFinite() || near.distance > radius * radius) continue;
             const int index = indexIn(mesh.points, face.q[k].p);
+            if (index == except) continue;
             if (near < best || (near == best && index < found)) {
                 best = near;
                 found = index;

@@ -25,8 +25,9 @@ struct PanePlace {
 inline constexpr double pickRadius = 6;
 
 /// The point within the radius that is nearest to the viewer (of equally near ones the nearest to
-/// the place, then the lowest index), or -1.
-[[nodiscard]] int pointAt(const Mesh& mesh, const PanePlace& place, double radius = pickRadius);
+/// the place, then the lowest index), or -1. `except` is never found.
+[[nodiscard]] int pointAt(const Mesh& mesh, const PanePlace& place, double radius = pickRadius,
+                          int except = -1);
 
 struct PickedEdge {
     int face = -1;   ///< -1: none

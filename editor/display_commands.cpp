@@ -2,7 +2,7 @@
 #include "editor/display_commands.h"
 
 #include "display/view.h"
-#include "editor/face_commands.h"
+#include "editor/state.h"
 #include "mesh/edges.h"
 #include "mesh/mesh.h"
 

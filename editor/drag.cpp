@@ -3,6 +3,7 @@
 
 #include "display/view.h"
 
+#include <cmath>
 #include <utility>
 
 namespace polyfab {
@@ -22,7 +23,9 @@ Vec3 positionOf(std::int32_t point) {
     return {p.x, p.y, p.z};
 }
 
+/// A place that is not finite is none: the point stays.
 void setPosition(std::int32_t point, const Vec3& to) {
+    if (!std::isfinite(to.x) || !std::isfinite(to.y) || !std::isfinite(to.z)) return;
     Point& p = OB->points[point];
     p.x = to.x;
     p.y = to.y;

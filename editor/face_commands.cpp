@@ -55,13 +55,13 @@ void removeNormals() { removeFromSelected(&FaceCorner::d); }
 
 void removeTexCoords() { removeFromSelected(&FaceCorner::t); }
 
-void forgetCurrentFace() {
+void setNoCurrentFace() {
     OB->curface = -1;
     stale.picture = true;
 }
 
-void forgetCurrentEdge() {
-    editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
+void setNoCurrentEdge() {
+    forgetCurrentEdge();
     stale.picture = true;
 }
 

@@ -21,7 +21,7 @@ void removeNormals();
 void removeTexCoords();
 
 /// No face (edge) is the current one.
-void forgetCurrentFace();
-void forgetCurrentEdge();
+void setNoCurrentFace();
+void setNoCurrentEdge();
 
 } // namespace polyfab

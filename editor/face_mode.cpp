@@ -6,6 +6,7 @@
 #include "editor/state.h"
 #include "editor/under_mouse.h"
 #include "mesh/split_face.h"
+#include "tools/delete_faces.h"
 
 #include <algorithm>
 #include <optional>
@@ -26,7 +27,7 @@ Press pressed{};
 void press(const Event& event) {
     const auto place = pickingPlace(event);
     pressed = {event.x, event.y, place ? pointAt(*OB, *place) : -1};
-    dropCurrentEdge();
+    forgetCurrentEdge();
     OB->curface = place ? faceAt(*OB, *place) : -1;
     stale.picture = true;
     if (OB->curface >= 0 && keyIsDown(key::shift)) {
@@ -35,17 +36,6 @@ void press(const Event& event) {
         stale.edges = true;
     }
     updateTitle();
-}
-
-/// Whether the face runs anticlockwise as the pane shows it.
-bool facesViewer(const Face& face, bool leftPane) {
-    double area = 0;
-    for (int k = 0; k < face.n; ++k) {
-        const Point& a = *face.q[k].p;
-        const Point& b = *face.q[k + 1 < face.n ? k + 1 : 0].p;
-        area += leftPane ? (b.sx - a.sx) * (b.sy + a.sy) : (b.sz - a.sz) * (b.sy + a.sy);
-    }
-    return area > 0; // y runs down
 }
 
 /// The face under the mouse where the drag ended or, since that is at a corner, else at the middle
@@ -66,7 +56,9 @@ std::optional<Diagonal> atMouse(const std::vector<Diagonal>& found, const PanePl
 
 /// The only one that faces the viewer.
 std::optional<Diagonal> byOrientation(const std::vector<Diagonal>& found, bool leftPane) {
-    const auto faces = [&](const Diagonal& d) { return facesViewer(OB->faces[d.face], leftPane); };
+    const auto faces = [&](const Diagonal& d) {
+        return areaInPane(OB->faces[d.face], leftPane) < 0;
+    };
     if (std::count_if(found.begin(), found.end(), faces) != 1) return std::nullopt;
     return *std::find_if(found.begin(), found.end(), faces);
 }
@@ -121,10 +113,7 @@ void deleteCurrentFace() {
         return;
     }
     OB->faces[OB->curface].q = nullptr;
-    OB->curface = -1;
-    OB->changed = 1;
-    dropCurrentEdge();
-    stale.edges = true;
+    noteDeletedFaces(*OB);
 }
 
 } // namespace polyfab

@@ -91,7 +91,7 @@ void deleteCurrentEdge() {
         platform().setTitle(refused);
         return;
     }
-    dropCurrentEdge();
+    forgetCurrentEdge();
     stale.edges = true;
     updateTitle();
 }
@@ -101,20 +101,22 @@ void pressVertex(const Event& event) {
     OB->curvertex = place ? pointAt(*OB, *place) : -1;
     OB->highlightPoint(OB->curvertex);
     stale.picture = true;
+    updateTitle();
     if (OB->curvertex >= 0) grab(event, *place, {OB->curvertex});
 }
 
 /// Welds the dragged vertex onto the one under the mouse. False when there is no other one.
 bool weldAt(const Event& event) {
-    cancelPointDrag(); // so that it is not itself under the mouse
+    cancelPointDrag(); // a weld moves it onto the other, not to where the mouse is
     const auto place = pickingPlace(event);
-    const int onto = place ? pointAt(*OB, *place) : -1;
-    if (onto < 0 || onto == OB->curvertex) return false;
+    const int onto = place ? pointAt(*OB, *place, pickRadius, OB->curvertex) : -1;
+    if (onto < 0) return false;
     weldPair(*OB, OB->curvertex, onto);
     OB->curvertex = onto;
     OB->highlightPoint(onto);
-    dropCurrentEdge(); // tidying may have numbered its face's corners anew
+    forgetCurrentEdge(); // tidying may have numbered its face's corners anew
     stale.edges = true;
+    platform().setTitle("welded onto vertex " + std::to_string(onto + 1));
     return true;
 }
 
@@ -158,8 +160,6 @@ constexpr auto keyRows = std::to_array<KeyRow>({
 });
 
 } // namespace
-
-void dropCurrentEdge() { editorState.currentEdgeFace = editorState.currentEdgeCorner = -1; }
 
 void handleEdges(const Event& event) {
     if (leftPressed()) {

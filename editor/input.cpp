@@ -6,12 +6,6 @@
 
 namespace polyfab {
 
-void noteKey(const Event& event) {
-    if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
-    editorState.keys[static_cast<std::size_t>(event.key)] =
-        event.kind == EventKind::keyDown ? 0xFF : 0;
-}
-
 void clearKeys() { editorState.keys.fill(0); }
 
 void noteMouse(const Event& event) {

@@ -6,9 +6,6 @@
 
 namespace polyfab {
 
-/// Enters a key that goes down or up into the key-state table.
-void noteKey(const Event& event);
-
 /// All keys are up as far as we know.
 void clearKeys();
 

@@ -70,7 +70,7 @@ void dropStaleEdge() {
     if (face < 0) return;
     if (face >= OB->nf || OB->faces[face].q == nullptr
         || editorState.currentEdgeCorner >= OB->faces[face].n) {
-        editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
+        forgetCurrentEdge();
     }
 }
 

@@ -104,14 +104,14 @@ void useButtons(const List& list) {
 
 void onMouse(const List& list, const Event& event) {
     noteMouse(event);
-    const int before = nameList.pointed;
+    const int before = OB->*list.current;
     nameList.x = event.x;
     nameList.y = event.y;
     pointAtMouse(list);
     useButtons(list);
     if (editorState.subview == 0) return;
     const bool buttonsMoved = (editorState.history >> 2) != (editorState.history & 3);
-    if (buttonsMoved || nameList.pointed != before) refresh(list);
+    if (buttonsMoved || OB->*list.current != before) refresh(list);
 }
 
 /// Scrolls sideways, as far as there are entries for a full window.
@@ -198,7 +198,8 @@ void onResize(const List&, const Event&) {
 void onCommand(const List& list, const Event& event) {
     constexpr int help = 263;
     constexpr int showTextureNumbers = 385;
-    if (event.command != help && event.command != showTextureNumbers) return;
+    const bool numbers = event.command == showTextureNumbers && list.texturesShow;
+    if (event.command != help && !numbers) return;
     runCommand(event.command);
     refresh(list);
 }

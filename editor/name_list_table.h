@@ -37,7 +37,8 @@ struct NameListRow {
 inline constexpr int listColumns = 4, listRows = 32; ///< of entries that the window shows at once
 
 /// Entries fill columns from top to bottom, and these the window from left to right. Pixels that
-/// are left over at the right and at the bottom belong to no cell.
+/// are left over at the right and at the bottom show nothing; by the same division they stand for
+/// the cells that would follow there.
 struct ListGrid {
     explicit ListGrid(Size client)
         : columnWidth(client.width / listColumns), rowHeight(client.height / listRows) {}

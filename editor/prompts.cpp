@@ -3,7 +3,6 @@
 
 #include "editor/state.h"
 
-#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -44,7 +43,6 @@ int ask(const char* name, std::initializer_list<Field> fields) {
         dialog.fields.push_back({prompts.question[i], prompts.answer[i]});
         ++i;
     }
-    prompts.cancelled = false;
     prompts.cancelled = runDialog(dialog) != DialogResult::accept;
     if (prompts.cancelled) return 0;
     for (i = 0; i < fields.size(); ++i) store(prompts.answer[i], dialog.fields[i].text);
@@ -79,11 +77,10 @@ int folded(char letter) { return (letter & 31) + 64; }
 void resetPrompts() { prompts = {}; }
 
 DialogResult runDialog(Dialog& dialog) {
-    dialog.onKey = [](const Event& event) {
-        const bool down = event.kind == EventKind::keyDown;
-        editorState.keys[static_cast<std::size_t>(event.key)] = down ? 0xFF : 0;
-    };
+    dialog.onKey = noteKey;
+    prompts.cancelled = false;
     const DialogResult result = platform().dialog(dialog);
+    prompts.cancelled = result == DialogResult::cancel;
     platform().requestPaint();
     return result;
 }
@@ -125,8 +122,9 @@ int askNumbers3(const std::string& question1, const std::string& default1, doubl
 }
 
 int askAxisPair(const std::string& question) {
+    const std::string hint = "(type any of XY YZ ZX YX ZY XZ)(1st horiz, 2nd vert)";
     for (;;) {
-        if (!askText(question, "(type any of XY YZ ZX YX ZY XZ)(1st horiz, 2nd vert)")) continue;
+        if (!askText(question, hint) || prompts.answer[0] == hint) continue;
         const int first = folded(prompts.answer[0][0]);
         const int second = folded(prompts.answer[0][1]);
         if (first != second) return second * 256 + first;

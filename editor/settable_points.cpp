@@ -74,7 +74,8 @@ bool held = false;
 } // namespace
 
 bool settablePointPress(const Event& event) {
-    if (leftPressed()) held = setSettablePoints(event);
+    const bool rightIsDown = (editorState.history & button::right) != 0; // a drag goes on
+    if (leftPressed()) held = !rightIsDown && setSettablePoints(event);
     return held && (editorState.history & 5) != 0;
 }
 

@@ -7,6 +7,12 @@ namespace polyfab {
 
 void resetEditorState() { editorState = EditorState(); }
 
+void noteKey(const Event& event) {
+    if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
+    editorState.keys[static_cast<std::size_t>(event.key)] =
+        event.kind == EventKind::keyDown ? 0xFF : 0;
+}
+
 bool abortRequested() { return platform().escapeDown() || keyIsDown(key::escape); }
 
 void updateTitle() {

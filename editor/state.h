@@ -12,6 +12,8 @@
 
 namespace polyfab {
 
+struct Event;
+
 /// The default interaction mode; the other modes are further character codes and plain numbers.
 inline constexpr int defaultMode = ' ';
 
@@ -56,9 +58,17 @@ void resetEditorState();
 
 inline constexpr const char* programName = "polyfab";
 
+/// Enters a key that goes down or up into the key-state table.
+void noteKey(const Event& event);
+
 /// Whether the virtual key is down.
 [[nodiscard]] inline bool keyIsDown(int code) {
     return editorState.keys[static_cast<std::size_t>(code)] != 0;
+}
+
+/// There is no current edge any more. To be called by whatever numbers faces or corners anew.
+inline void forgetCurrentEdge() {
+    editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
 }
 
 /// The mouse buttons as the last two mouse events tell them.

@@ -53,7 +53,10 @@ Vec3 step(const Event& event) {
     return rightWasDown ? Vec3{0, down, across} : Vec3{across, down, 0};
 }
 
-double factorOf(const Vec3& moved) { return std::exp2((moved.x + moved.z - moved.y) / doubling); }
+/// A thousandfold at most in one drag, so that nothing shrinks to a point or flies off for good.
+double factorOf(const Vec3& moved) {
+    return std::exp2(std::clamp((moved.x + moved.z - moved.y) / doubling, -10.0, 10.0));
+}
 
 /// About y, what faces the viewer moves to the right when the turn runs backwards.
 double angleOf(int axis, const Vec3& moved) {

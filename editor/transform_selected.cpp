@@ -4,6 +4,7 @@
 #include "display/affine.h"
 #include "display/view.h"
 #include "editor/drag.h"
+#include "editor/state.h"
 #include "mesh/edges.h"
 
 #include <cmath>
@@ -97,6 +98,7 @@ bool transformSelected(Mesh& mesh, const AffineMap& map) {
         for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
             if (face->q != nullptr && face->selected) reverseFace(*face);
         }
+        forgetCurrentEdge(); // corners are numbered the other way round
         stale.edges = true;
     }
     mesh.changed = 1;

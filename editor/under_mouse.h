@@ -23,7 +23,4 @@ namespace polyfab {
     return std::abs(right) > tremble || std::abs(down) > tremble;
 }
 
-/// There is no current edge any more.
-void dropCurrentEdge();
-
 } // namespace polyfab

@@ -41,6 +41,7 @@ void onDestroy(const Event&) {
         OB->clear(false); // nothing at exit may touch damaged arrays
     }
     destroyMesh();
+    paneImages = PaneImages();
 }
 
 void onResize(const Event&) {
@@ -130,9 +131,23 @@ constexpr bool routesAreInOrder() {
 
 static_assert(routesAreInOrder(), "routes is indexed by the event's kind");
 
+/// Counts the events that are being handled, one inside the other.
+struct Handling {
+    Handling() { ++depth; }
+    ~Handling() { --depth; }
+    static inline int depth = 0;
+};
+
 } // namespace
 
 void handleEvent(const Event& event) try {
+    const Handling handling;
+    if (event.kind == EventKind::close && Handling::depth > 1 && !editorState.busy) {
+        // The command that waits for this box, or works on this mesh, goes on with it.
+        platform().beep();
+        platform().setTitle("Whoa there, I am in the middle of something!!");
+        return;
+    }
     if (editorState.subview != 0 && event.kind != EventKind::destroy) {
         handleInSubview(event);
         return;

@@ -3,6 +3,7 @@
 // to the file only when the whole mesh has found room.
 #include "formats/3ds_writer.h"
 
+#include "display/view.h"
 #include "editor/state.h"
 #include "formats/face_order.h"
 #include "formats/only_selected.h"
@@ -274,6 +275,8 @@ int fail(const std::string& what, const std::string& path) {
 
 int write3dsFile(const std::string& path) try {
     if (!collectGarbage(*OB)) return 0;
+    forgetCurrentEdge();
+    stale.edges = true;
     const bool onlySelected = askOnlySelected(true);
     Writer writer(onlySelected);
     const std::string fault = writer.write();

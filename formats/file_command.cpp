@@ -27,6 +27,7 @@ void setFileName(const std::string& path) {
 
 void resetForNewMesh() {
     OB->curface = OB->curvertex = OB->curtexcoord = -1;
+    forgetCurrentEdge();
     stale.edges = true;
     fitView(*OB);
     fitBox(*OB, false);

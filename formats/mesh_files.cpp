@@ -3,6 +3,7 @@
 #include "formats/mesh_files.h"
 
 #include "display/options.h"
+#include "display/view.h"
 #include "editor/state.h"
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
@@ -74,6 +75,8 @@ void readFile(const std::string& path, bool append) {
     setFileName(path);
     if (!meshIsSound("mesh fault before reading")) return;
     collectGarbage(*OB);
+    forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
+    stale.edges = true;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;

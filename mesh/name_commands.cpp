@@ -49,7 +49,11 @@ void moveFaces(Mesh& mesh, std::int16_t Face::*field, const std::vector<std::int
 
 template <typename T>
 void writeNames(const T* array, int count, std::string& fileName, const char* prompt) {
-    if (fileName.size() > 3) fileName.replace(fileName.size() - 4, 4, ".txt");
+    if (fileName.size() > 3) {
+        std::size_t end = fileName.size() - 4;
+        while (end > 0 && (fileName[end] & 0xC0) == 0x80) --end; // no half of a character stays
+        fileName.replace(end, std::string::npos, ".txt");
+    }
     const auto path = platform().fileDialog({true, prompt, {{"text files", "*.txt"}}, fileName});
     if (!path) return;
     SaveFile file;

@@ -27,6 +27,7 @@ int weldPair(Mesh& mesh, int from, int onto) {
         moved += here;
         mesh.changed = 1;
         tidyFace(mesh, f, true);
+        if (mesh.faces == nullptr || mesh.corners == nullptr) return moved; // out of memory, told
     }
     if (mesh.curface >= 0 && mesh.faces[mesh.curface].q == nullptr) mesh.curface = -1;
     return moved;

@@ -144,7 +144,8 @@ class Platform {
     virtual void requestPaint() = 0;
     /// Copies the picture to the window; called while a paint event is handled.
     virtual void present(const Bitmap& picture) = 0;
-    /// Sends the window a close event, as its close box does.
+    /// Sends the window a close event, as its close box does, once the handler that runs now has
+    /// returned.
     virtual void requestClose() = 0;
     /// Sends the destroy event, removes the window and ends the event loop.
     virtual void destroyWindow() = 0;
@@ -162,8 +163,8 @@ class Platform {
     virtual void showBusy(const std::string& text) = 0;
     virtual void beep() = 0;
     /// Whether the Escape key is down: long work looks every now and then and stops if so. Lets the
-    /// window redraw itself meanwhile; what the user does to it, Escape and the close box excepted,
-    /// counts for nothing then.
+    /// window redraw itself meanwhile; what the user does to it, Escape excepted, counts for
+    /// nothing then. A close event comes all the same, inside the handler that runs: refuse it.
     virtual bool escapeDown() = 0;
     /// Opens the help at its index.
     virtual void openHelp() = 0;

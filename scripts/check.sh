@@ -10,6 +10,7 @@ echo "== format"
 scripts/format.sh
 scripts/build.sh release
 scripts/smoke.sh
+scripts/commands.sh --check
 scripts/build.sh asan
 scripts/quiet.sh "tests under AddressSanitizer and UndefinedBehaviorSanitizer" \
     ctest --preset asan --parallel "$(nproc)"

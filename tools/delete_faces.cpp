@@ -29,9 +29,7 @@ void noteDeletedFaces(Mesh& mesh) {
     mesh.changed = 1;
     stale.edges = true;
     if (isDeleted(mesh, mesh.curface)) mesh.curface = -1;
-    if (isDeleted(mesh, editorState.currentEdgeFace)) {
-        editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
-    }
+    if (isDeleted(mesh, editorState.currentEdgeFace)) forgetCurrentEdge();
 }
 
 void deleteSelectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, true); }

@@ -121,13 +121,15 @@ void appendCopies(Mesh& mesh, const Copies& copies) {
 }
 
 /// The wall runs the copy's edge against the copy, and so the original's along with the original.
-void appendWall(Mesh& mesh, const Side& side, const Copies& copies) {
+void appendWall(Mesh& mesh, const Side& side, const Copies& copies, int part) {
     const Face& original = mesh.faces[side.face];
     FaceCorner from = original.q[side.place];
     FaceCorner to = original.q[side.place + 1 == original.n ? 0 : side.place + 1];
     from.d = to.d = nullptr; // those of the surface, which the wall stands on
     from.edgeuse = to.edgeuse = 2;
-    appendFace(mesh, original).n = 4;
+    Face& wall = appendFace(mesh, original);
+    wall.n = 4;
+    wall.prt = static_cast<std::int16_t>(part);
     for (const FaceCorner& corner :
          {onCopy(mesh, copies, to), onCopy(mesh, copies, from), from, to}) {
         mesh.corners[mesh.nq++] = corner;
@@ -150,7 +152,9 @@ bool duplicate(Mesh& mesh, bool join) {
     added.faces += walls;
     if (!makeRoom(mesh, added)) return false;
     appendCopies(mesh, copies);
-    for (std::int64_t i = 0; i < walls; ++i) appendWall(mesh, border[i], copies);
+    // The walls are a part of their own, by which they can be picked.
+    const int part = walls > 0 && mesh.nprt < maxIndexed ? mesh.addPart() : 0;
+    for (std::int64_t i = 0; i < walls; ++i) appendWall(mesh, border[i], copies, part);
     mesh.changed = 1;
     stale.edges = true;
     return true;

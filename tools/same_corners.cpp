@@ -84,7 +84,7 @@ bool eachTwin(Mesh& mesh, Use use) {
     return true;
 }
 
-void report(const std::string& text) { platform().message("duplicated faces", text, Icon::none); }
+void report(const std::string& text) { platform().message("", text, Icon::none); }
 
 } // namespace
 

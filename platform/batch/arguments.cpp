@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <fstream>
 
 namespace polyfab {
@@ -84,7 +85,7 @@ std::optional<int> parseKey(std::string_view text) {
     if (name.size() == 1 && isLetter(name[0])) return name[0] - 'a' + 'A';
     if (const std::optional<int> code = find(keyNames, name)) return code;
     const std::optional<int> code = parseInt(name);
-    return code && *code >= 0 && *code <= 255 ? code : std::nullopt;
+    return code && *code >= 1 && *code <= 255 ? code : std::nullopt;
 }
 
 std::optional<Event> parseMouse(std::string_view text) {
@@ -93,13 +94,11 @@ std::optional<Event> parseMouse(std::string_view text) {
     const std::optional<int> x = parseInt(parts[0]);
     const std::optional<int> y = parseInt(parts[1]);
     const std::optional<int> buttons = find(buttonNames, parts.size() == 3 ? parts[2] : "none");
-    if (!x || !y || !buttons) return std::nullopt;
-    Event event;
-    event.kind = EventKind::mouse;
-    event.x = *x;
-    event.y = *y;
-    event.buttons = unsigned(*buttons);
-    return event;
+    constexpr int farthest = 1'000'000; // pixels; sums and differences of such positions are ints
+    if (!x || !y || !buttons || std::abs(*x) > farthest || std::abs(*y) > farthest) {
+        return std::nullopt;
+    }
+    return Event{.kind = EventKind::mouse, .x = *x, .y = *y, .buttons = unsigned(*buttons)};
 }
 
 std::string expandArgumentFiles(std::vector<std::string>& args) {

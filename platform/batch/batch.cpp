@@ -33,9 +33,7 @@ std::string runStep(BatchPlatform& window, const Step& step) {
 int runSteps(BatchPlatform& window, const Script& script) {
     std::string now = "start";
     try {
-        Event create;
-        create.kind = EventKind::create;
-        window.send(create);
+        window.send({.kind = EventKind::create});
         window.resize(window.clientSize());
         for (const Step& step : script.steps) {
             now = step.words;

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -82,12 +83,12 @@ struct PromptRecord {
     Json json;
 };
 
-Event keyEvent(EventKind kind, int code) {
-    Event event;
-    event.kind = kind;
-    event.key = code;
-    return event;
-}
+/// Counts the handlers that run, which an unanswered question leaves early.
+struct Handling {
+    explicit Handling(int& handlers) : depth(handlers) { ++depth; }
+    ~Handling() { --depth; }
+    int& depth;
+};
 
 } // namespace
 
@@ -100,7 +101,16 @@ void BatchPlatform::send(const Event& event) {
     if (event.kind == EventKind::deactivate || event.kind == EventKind::menuOpening) {
         escapeKey = false;
     }
-    program.handle(event);
+    {
+        const Handling handling{depth};
+        program.handle(event);
+    }
+    sendDueClose();
+}
+
+void BatchPlatform::sendDueClose() {
+    if (depth > 0 || !open || !std::exchange(closeDue, false)) return;
+    send({.kind = EventKind::close});
 }
 
 void BatchPlatform::print(const std::string& line) {
@@ -112,14 +122,13 @@ void BatchPlatform::print(const std::string& line) {
 void BatchPlatform::resize(Size newSize) {
     size = newSize;
     paintDue = true;
-    Event event;
-    event.kind = EventKind::resize;
-    send(event);
+    send({.kind = EventKind::resize});
 }
 
 void BatchPlatform::finish() {
     quiet = true;
     answers.clear();
+    closeDue = false;
     destroyWindow();
 }
 
@@ -158,17 +167,14 @@ void BatchPlatform::setMenuItem(int id, bool enabled, bool checked) {
 }
 
 void BatchPlatform::requestClose() {
-    Event event;
-    event.kind = EventKind::close;
-    send(event);
+    closeDue = true;
+    sendDueClose();
 }
 
 void BatchPlatform::destroyWindow() {
     if (!open) return;
     open = false;
-    Event event;
-    event.kind = EventKind::destroy;
-    send(event);
+    send({.kind = EventKind::destroy});
     print(eventLine("closed"));
 }
 
@@ -253,8 +259,8 @@ DialogResult BatchPlatform::dialog(Dialog& dialog) {
     for (std::size_t i = 0; i < dialog.fields.size(); ++i) record.answer(i, dialog.fields[i].text);
     print(text(record.json));
     if (result == DialogResult::escape && dialog.onKey) {
-        dialog.onKey(keyEvent(EventKind::keyDown, key::escape));
-        dialog.onKey(keyEvent(EventKind::keyUp, key::escape));
+        dialog.onKey({.kind = EventKind::keyDown, .key = key::escape});
+        dialog.onKey({.kind = EventKind::keyUp, .key = key::escape});
     }
     return result;
 }

@@ -21,6 +21,8 @@ class BatchPlatform : public Platform {
     BatchPlatform(const Program& program, Size size);
 
     // What the steps do to the window. The program's handler runs inside these.
+    /// A close that the program asks for meanwhile comes before this returns, so that the answers
+    /// of the step are there for its questions.
     void send(const Event& event);
     void resize(Size newSize);
     void setAnswers(std::deque<Answer> list) { answers = std::move(list); }
@@ -64,6 +66,7 @@ class BatchPlatform : public Platform {
     int textWidth(const std::string& text, const Font& font) override;
 
   private:
+    void sendDueClose();
     std::optional<Answer> takeAnswer();
     [[noreturn]] void stop(const std::string& question);
 
@@ -76,6 +79,8 @@ class BatchPlatform : public Platform {
     std::optional<int> abortAfter; ///< looks at Escape until it is down
     bool escapeKey = false;        ///< as the last key event of it has it
     int exclamations = 0;
+    int depth = 0; ///< handlers that are running now, one inside the other
+    bool closeDue = false;
     bool open = true;
     bool quiet = false;
     bool paintDue = true;

@@ -119,16 +119,20 @@ std::uint32_t blend(std::uint32_t below, std::uint32_t color, std::uint32_t cove
     return mixed;
 }
 
+/// A text may begin anywhere, where sums of its positions would leave the range of int.
+using Position = std::int64_t;
+
 /// Lays the grey picture of a character, its upper left corner at (left, top), into the picture.
-void layGlyph(Bitmap& picture, int left, int top, const FT_Bitmap& glyph, std::uint32_t color) {
-    const int firstRow = std::max(0, -top);
-    const int lastRow = std::min(static_cast<int>(glyph.rows), picture.height - top);
-    const int first = std::max(0, -left);
-    const int last = std::min(static_cast<int>(glyph.width), picture.width - left);
-    for (int row = firstRow; row < lastRow; ++row) {
-        const unsigned char* const coverage = glyph.buffer + std::ptrdiff_t{row} * glyph.pitch;
-        const std::ptrdiff_t begin = std::ptrdiff_t{top + row} * picture.width + left;
-        for (int column = first; column < last; ++column) {
+void layGlyph(Bitmap& picture, Position left, Position top, const FT_Bitmap& glyph,
+              std::uint32_t color) {
+    const Position firstRow = std::max<Position>(0, -top);
+    const Position lastRow = std::min<Position>(glyph.rows, picture.height - top);
+    const Position first = std::max<Position>(0, -left);
+    const Position last = std::min<Position>(glyph.width, picture.width - left);
+    for (Position row = firstRow; row < lastRow; ++row) {
+        const unsigned char* const coverage = glyph.buffer + row * glyph.pitch;
+        const Position begin = (top + row) * picture.width + left;
+        for (Position column = first; column < last; ++column) {
             std::uint32_t& pixel = picture.pixels[static_cast<std::size_t>(begin + column)];
             pixel = blend(pixel, color, coverage[column]);
         }
@@ -158,9 +162,9 @@ void layText(Bitmap& picture, int x, int y, const std::string& text, const Font&
              std::uint32_t color) {
     const FT_Face face = sizedFont(font);
     if (face == nullptr) return;
-    const int baseline = y + scaled(face, face->ascender);
+    const Position baseline = Position{y} + scaled(face, face->ascender);
     walk(face, text, FT_LOAD_RENDER, [&](const FT_GlyphSlotRec& glyph, FT_Pos pen) {
-        const int place = x + pixels(pen);
+        const Position place = Position{x} + pixels(pen);
         layGlyph(picture, place + glyph.bitmap_left, baseline - glyph.bitmap_top, glyph.bitmap,
                  color);
         return place < picture.width;

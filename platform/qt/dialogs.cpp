@@ -20,7 +20,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <set>
 
 namespace polyfab {
 namespace {
@@ -124,7 +123,8 @@ class KeyTeller : public QObject {
     }
 
     void releaseAll() {
-        for (const int code : std::exchange(down, {})) send(EventKind::keyUp, code);
+        for (const auto& [key, code] : down.all()) send(EventKind::keyUp, code);
+        down.clear();
     }
 
   protected:
@@ -133,31 +133,27 @@ class KeyTeller : public QObject {
         if (!press && event->type() != QEvent::KeyRelease) {
             return QObject::eventFilter(watched, event);
         }
-        const QKeyEvent& key = *static_cast<const QKeyEvent*>(event);
-        if (press) {
-            down.insert(virtualKey(key));
-            send(EventKind::keyDown, virtualKey(key));
-        } else if (!key.isAutoRepeat()) {
-            down.erase(virtualKey(key));
-            send(EventKind::keyUp, virtualKey(key));
+        const QKeyEvent& typed = *static_cast<const QKeyEvent*>(event);
+        const KeyName key(typed);
+        const bool repeated = typed.isAutoRepeat();
+        if (press && (!repeated || down.contains(key))) {
+            send(EventKind::keyDown, down.press(key, repeated));
+        } else if (!press && !repeated) {
+            send(EventKind::keyUp, down.release(key)); // it may have gone down before
         }
-        if (!press || key.key() != Qt::Key_Escape) return false;
+        if (!press || typed.key() != Qt::Key_Escape) return false;
         dialog.done(escapeCode);
         return true;
     }
 
   private:
     void send(EventKind kind, int code) {
-        if (!tell || code == 0) return; // 0: a key without a code
-        Event event;
-        event.kind = kind;
-        event.key = code;
-        tell(event);
+        if (tell && code != 0) tell({.kind = kind, .key = code}); // 0: a key without a code
     }
 
     QDialog& dialog;
     const std::function<void(const Event&)>& tell;
-    std::set<int> down;
+    HeldKeys down;
 };
 
 /// The button that has the focus is the one that Enter presses; from a field it is "accept".

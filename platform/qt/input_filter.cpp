@@ -3,8 +3,6 @@
 // must not depend on how often.
 #include "platform/qt/input_filter.h"
 
-#include "platform/qt/keys.h"
-
 #include <QCoreApplication>
 #include <QKeyEvent>
 
@@ -58,7 +56,7 @@ bool InputFilter::eventFilter(QObject*, QEvent* event) {
 void InputFilter::note(const QKeyEvent& event) {
     if (event.isAutoRepeat()) return;
     const bool down = event.type() == QEvent::KeyPress;
-    if (working && !down) released.insert(virtualKey(event));
+    if (working && !down) released.emplace(event);
     if (event.key() != Qt::Key_Escape) return;
     escape = down;
     pressed = pressed || down;

@@ -2,6 +2,8 @@
 // A look at all input of the application before any widget gets it.
 #pragma once
 
+#include "platform/qt/keys.h"
+
 #include <QObject>
 
 #include <set>
@@ -26,10 +28,11 @@ class InputFilter : public QObject {
     /// No widget gets any input from the one to the other.
     void beginWork();
     void endWork() { working = false; }
+    bool isWorking() const { return working; }
     /// Whether Escape went down since the last beginWork, even if not for long.
     bool escapePressed() const { return pressed; }
-    /// The codes of the keys that went up meanwhile, each only once.
-    std::set<int> takeReleased() { return std::exchange(released, {}); }
+    /// The keys that went up meanwhile, each only once.
+    std::set<KeyName> takeReleased() { return std::exchange(released, {}); }
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -40,7 +43,7 @@ class InputFilter : public QObject {
     bool escape = false;
     bool pressed = false;
     bool working = false;
-    std::set<int> released;
+    std::set<KeyName> released;
 };
 
 } // namespace polyfab

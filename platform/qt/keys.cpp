@@ -7,6 +7,9 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
+#include <string_view>
+
 namespace polyfab {
 namespace {
 
@@ -103,6 +106,30 @@ int digitOfScanCode(quint32 scanCode) {
     return '0' + int(scanCode - 9) % 10;
 }
 
+struct LetterRow {
+    quint32 first; ///< the scan code of the first letter
+    std::string_view letters;
+};
+
+constexpr LetterRow letterRows[] = {{24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}};
+
+/// For the layouts whose letters are not Latin ones: the letter of the US layout.
+int letterOfScanCode(quint32 scanCode) {
+    for (const LetterRow& row : letterRows) {
+        if (scanCode >= row.first && scanCode - row.first < row.letters.size()) {
+            return row.letters[scanCode - row.first];
+        }
+    }
+    return 0;
+}
+
+/// With Shift held X11 calls the Alt keys so.
+bool isMetaOfAlt(const QKeyEvent& event) {
+    constexpr quint32 leftAlt = 64, rightAlt = 108;
+    return event.key() == Qt::Key_Meta
+           && (event.nativeScanCode() == leftAlt || event.nativeScanCode() == rightAlt);
+}
+
 } // namespace
 
 int virtualKey(const QKeyEvent& event) {
@@ -110,7 +137,45 @@ int virtualKey(const QKeyEvent& event) {
         if (const int code = find(keypadRows, event.key())) return code;
     }
     if (const int code = digitOfScanCode(event.nativeScanCode())) return code;
-    return find(keyRows, event.key());
+    if (isMetaOfAlt(event)) return key::alt;
+    if (const int code = find(keyRows, event.key())) return code;
+    return letterOfScanCode(event.nativeScanCode());
+}
+
+KeyName::KeyName(const QKeyEvent& event)
+    : scanCode(event.nativeScanCode()), code(virtualKey(event)) {}
+
+bool HeldKeys::containsCode(int code) const {
+    return std::any_of(codes.begin(), codes.end(),
+                       [code](const auto& entry) { return entry.second == code; });
+}
+
+int HeldKeys::press(const KeyName& key, bool repeated) {
+    int& told = codes.try_emplace(place(key), key.code).first->second;
+    if (!repeated) told = key.code;
+    return told;
+}
+
+int HeldKeys::release(const KeyName& key) {
+    const auto entry = codes.find(place(key));
+    if (entry == codes.end()) return key.code;
+    const int told = entry->second;
+    codes.erase(entry);
+    return told;
+}
+
+void HeldKeys::releaseCode(int code) {
+    std::erase_if(codes, [code](const auto& entry) { return entry.second == code; });
+}
+
+KeyName HeldKeys::place(const KeyName& key) const {
+    KeyName byScanCode(0);
+    byScanCode.scanCode = key.scanCode;
+    const KeyName byCode(key.code);
+    // Some presses are inferred, and have no scan code.
+    return key.scanCode == 0 || (!codes.contains(byScanCode) && codes.contains(byCode))
+               ? byCode
+               : byScanCode;
 }
 
 } // namespace polyfab

@@ -46,6 +46,8 @@ int runQt(const Program& program, int& argc, char** argv, const std::string& fil
         return noWindow;
     }
     qInstallMessageHandler(endOnFatal);
+    // A box that is native makes its owner no different.
+    QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
     // Qt has just taken the user's locale over; number text keeps its decimal point.

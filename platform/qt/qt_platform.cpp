@@ -14,7 +14,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScreen>
 #include <QTimer>
+#include <QWindow>
 
 #include <utility>
 
@@ -48,11 +50,12 @@ QtPlatform::QtPlatform(const Program& runProgram)
 
 void QtPlatform::start(const std::string& file) {
     open = true;
-    Event create;
-    create.kind = EventKind::create;
-    send(create);
+    send({.kind = EventKind::create});
     firstFile = file;
     window.show();
+    // Another screen may have other pixels, and only then does the same size mean another one.
+    QObject::connect(window.windowHandle(), &QWindow::screenChanged, &window,
+                     [this] { queue({.kind = EventKind::resize}); });
 }
 
 void QtPlatform::run() {
@@ -77,7 +80,7 @@ void QtPlatform::send(const Event& event) {
     program.handle(event);
     --depth;
     if (depth > 0) return;
-    for (const int code : input.takeReleased()) window.canvas().keyWentUp(code);
+    for (const KeyName& key : input.takeReleased()) window.canvas().keyWentUp(key);
     if (paintDue) window.canvas().update();
     if (!waiting.empty()) QTimer::singleShot(0, &window, [this] { sendQueued(); });
 }
@@ -106,10 +109,7 @@ const QImage& QtPlatform::currentPicture() {
         paintDue = false;
         send(Event{});
         if (!firstFile.empty()) {
-            Event drop;
-            drop.kind = EventKind::drop;
-            drop.paths = {std::exchange(firstFile, {})};
-            queue(drop);
+            queue({.kind = EventKind::drop, .paths = {std::exchange(firstFile, {})}});
         }
     }
     image.setDevicePixelRatio(window.devicePixelRatioF());
@@ -141,15 +141,13 @@ void QtPlatform::present(const Bitmap& shown) {
                    bitmap.height, QImage::Format_RGB32);
 }
 
-void QtPlatform::requestClose() { window.close(); }
+void QtPlatform::requestClose() { queue({.kind = EventKind::close}); }
 
 void QtPlatform::destroyWindow() {
     if (!open) return;
     open = false;
     waiting.clear();
-    Event destroy;
-    destroy.kind = EventKind::destroy;
-    send(destroy);
+    send({.kind = EventKind::destroy});
     window.hide();
     loop.exit();
 }
@@ -202,7 +200,10 @@ bool QtPlatform::escapeDown() {
     return input.escapePressed() || input.escapeDown();
 }
 
-void QtPlatform::openHelp() { showManual(owner()); }
+void QtPlatform::openHelp() {
+    const AfterBox afterBox{window, input};
+    showManual(owner());
+}
 
 std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
     const QImage found = QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32);

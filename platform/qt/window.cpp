@@ -2,8 +2,6 @@
 // The main window's two widgets.
 #include "platform/qt/window.h"
 
-#include "platform/qt/keys.h"
-
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -18,24 +16,11 @@
 namespace polyfab {
 namespace {
 
-Event simple(EventKind kind) {
-    Event event;
-    event.kind = kind;
-    return event;
-}
-
-Event keyRecord(EventKind kind, int code) {
-    Event event = simple(kind);
-    event.key = code;
-    return event;
-}
-
 /// An event at this place, given in the toolkit's units.
 Event placed(EventKind kind, QPointF place, double ratio) {
-    Event event = simple(kind);
-    event.x = int(std::floor(place.x() * ratio));
-    event.y = int(std::floor(place.y() * ratio));
-    return event;
+    return {.kind = kind,
+            .x = int(std::floor(place.x() * ratio)),
+            .y = int(std::floor(place.y() * ratio))};
 }
 
 std::vector<std::string> localFiles(const QMimeData& data) {
@@ -72,48 +57,58 @@ void Canvas::paintEvent(QPaintEvent*) {
     painter.drawImage(QPoint(0, 0), picture);
 }
 
-void Canvas::resizeEvent(QResizeEvent*) { events.send(simple(EventKind::resize)); }
+void Canvas::resizeEvent(QResizeEvent*) { events.send({.kind = EventKind::resize}); }
 
 void Canvas::keyPressEvent(QKeyEvent* event) {
-    down.insert(virtualKey(*event));
-    events.send(keyRecord(EventKind::keyDown, virtualKey(*event)));
+    const KeyName key(*event);
+    // A key that went down elsewhere, in a box or a menu, did its work there: what it repeats here
+    // is not meant for the window.
+    if (!event->isAutoRepeat() || down.contains(key)) {
+        events.send({.kind = EventKind::keyDown, .key = down.press(key, event->isAutoRepeat())});
+    }
     QWidget::keyPressEvent(event);
 }
 
 void Canvas::keyReleaseEvent(QKeyEvent* event) {
-    // A held key repeats its presses only; it goes up once. A key that went down elsewhere, in a
-    // menu for instance, is none of the window's.
-    if (!event->isAutoRepeat() && down.erase(virtualKey(*event)) != 0) {
-        events.send(keyRecord(EventKind::keyUp, virtualKey(*event)));
-    }
+    // A held key repeats its presses only; it goes up once.
+    if (!event->isAutoRepeat()) keyWentUp(KeyName(*event));
     QWidget::keyReleaseEvent(event);
 }
 
-void Canvas::keyWentUp(int code) {
-    if (down.erase(code) != 0) events.send(keyRecord(EventKind::keyUp, code));
+void Canvas::keyWentUp(const KeyName& key) {
+    if (down.contains(key)) events.send({.kind = EventKind::keyUp, .key = down.release(key)});
 }
 
 void Canvas::tellCtrl(bool isDown) {
-    if (!isDown) {
-        keyWentUp(key::ctrl);
-    } else if (down.insert(key::ctrl).second) {
-        events.send(keyRecord(EventKind::keyDown, key::ctrl));
+    if (isDown == down.containsCode(key::ctrl)) return;
+    if (isDown) {
+        down.press(KeyName(key::ctrl), false);
+    } else {
+        down.releaseCode(key::ctrl);
     }
+    events.send({.kind = isDown ? EventKind::keyDown : EventKind::keyUp, .key = key::ctrl});
 }
 
-void Canvas::sendMouse(const QMouseEvent& mouse) {
+void Canvas::sendMouse(const QMouseEvent& mouse, Qt::MouseButtons held) {
     Event event = placed(EventKind::mouse, mouse.position(), devicePixelRatioF());
-    if (mouse.buttons() & Qt::LeftButton) event.buttons |= button::left;
-    if (mouse.buttons() & Qt::RightButton) event.buttons |= button::right;
-    if (mouse.buttons() & Qt::MiddleButton) event.buttons |= button::middle;
+    if (held & Qt::LeftButton) event.buttons |= button::left;
+    if (held & Qt::RightButton) event.buttons |= button::right;
+    if (held & Qt::MiddleButton) event.buttons |= button::middle;
+    toldButtons = held;
     events.send(event);
 }
 
-void Canvas::mousePressEvent(QMouseEvent* event) { sendMouse(*event); }
+void Canvas::mousePressEvent(QMouseEvent* event) {
+    // A button that went up over a box never told us so, and a press that seems to follow a press
+    // is none.
+    const Qt::MouseButtons before = event->buttons() & ~event->button();
+    if (toldButtons != before) sendMouse(*event, before);
+    sendMouse(*event, event->buttons());
+}
 
-void Canvas::mouseReleaseEvent(QMouseEvent* event) { sendMouse(*event); }
+void Canvas::mouseReleaseEvent(QMouseEvent* event) { sendMouse(*event, event->buttons()); }
 
-void Canvas::mouseMoveEvent(QMouseEvent* event) { sendMouse(*event); }
+void Canvas::mouseMoveEvent(QMouseEvent* event) { sendMouse(*event, event->buttons()); }
 
 void Canvas::wheelEvent(QWheelEvent* event) {
     constexpr double step = 120;
@@ -129,12 +124,10 @@ void Canvas::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void Canvas::dropEvent(QDropEvent* event) {
-    Event dropped = simple(EventKind::drop);
-    dropped.paths = localFiles(*event->mimeData());
     event->acceptProposedAction();
     // The program that the files come from waits until this handler returns, so reading (and
     // asking) comes later.
-    events.queue(dropped);
+    events.queue({.kind = EventKind::drop, .paths = localFiles(*event->mimeData())});
 }
 
 Window::Window(const WindowEvents& windowEvents)
@@ -152,7 +145,7 @@ void Window::showMenuBar(const MenuBar& bar) {
         QMenu* const shown = menus->addMenu(QString::fromStdString(menu.title));
         QObject::connect(shown, &QMenu::aboutToShow, this, [this] {
             pane->forgetKeys();
-            events.send(simple(EventKind::menuOpening));
+            events.send({.kind = EventKind::menuOpening});
         });
         for (const MenuItem& item : menu.items) addItem(*shown, item);
     }
@@ -173,10 +166,8 @@ void Window::addItem(QMenu& menu, const MenuItem& item) {
     QObject::connect(added, &QAction::triggered, this, [this, added, id = item.id](bool checked) {
         // The toolkit has just flipped the check mark, but only the program says what is on.
         if (added->isCheckable()) added->setChecked(!checked);
-        Event event = simple(EventKind::command);
-        event.command = id;
         // Later: the handler may replace the very menu that this comes from.
-        events.queue(event);
+        events.queue({.kind = EventKind::command, .command = id});
     });
 }
 
@@ -192,14 +183,14 @@ QAction* Window::action(int id) const {
 void Window::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
         pane->forgetKeys();
-        events.send(simple(EventKind::deactivate));
+        events.send({.kind = EventKind::deactivate});
     }
     QMainWindow::changeEvent(event);
 }
 
 void Window::closeEvent(QCloseEvent* event) {
     event->ignore(); // the program hides the window itself when it agrees
-    events.send(simple(EventKind::close));
+    events.send({.kind = EventKind::close});
 }
 
 } // namespace polyfab

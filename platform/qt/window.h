@@ -4,11 +4,11 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/qt/keys.h"
 
 #include <QImage>
 #include <QMainWindow>
 #include <functional>
-#include <set>
 
 namespace polyfab {
 
@@ -28,7 +28,7 @@ class Canvas : public QWidget {
 
     // Of the keys the program knows what went through here; what happened to them elsewhere:
     /// Tells of the release of a key whose press was told.
-    void keyWentUp(int code);
+    void keyWentUp(const KeyName& key);
     /// Tells whether Ctrl is down, if the program believes otherwise.
     void tellCtrl(bool isDown);
     /// The program takes all keys for released.
@@ -47,9 +47,10 @@ class Canvas : public QWidget {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    void sendMouse(const QMouseEvent& mouse);
+    void sendMouse(const QMouseEvent& mouse, Qt::MouseButtons held);
+    Qt::MouseButtons toldButtons; ///< as the last mouse event had them
     WindowEvents events;
-    std::set<int> down; ///< codes of the keys that the program knows to be down
+    HeldKeys down; ///< as the program knows it
 };
 
 class Window : public QMainWindow {

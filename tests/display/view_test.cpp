@@ -1,36 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/view.h"
-
-#include "display/affine.h"
-#include "display/box.h"
-#include "tests/display/meshes.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
+#include "tests/display/pane_fixture.h"
 
 namespace polyfab::test {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-class ViewTest : public testing::Test {
+class ViewTest : public PaneTest {
   protected:
-    void SetUp() override {
-        view.client = {801, 400};
-        resetView();
-    }
-    void TearDown() override {
-        view.client = {};
-        resetView();
-    }
+    ViewTest() : PaneTest({801, 400}) {}
+
+    double unit() { return random.below(20001) / 10000.0 - 1; }
     /// Any rotation, not quite upright: many small turns wear it out, and it is taken as it is.
-    static void turn(std::mt19937& random) {
-        std::uniform_real_distribution<double> part(-0.3, 0.3);
-        for (int i = 0; i < 9; ++i) view.rotation[i / 3][i % 3] = part(random) + (i % 4 == 0);
+    void turn() {
+        for (int i = 0; i < 9; ++i) view.rotation[i / 3][i % 3] = 0.3 * unit() + (i % 4 == 0);
         applyView();
     }
+
+    RandomMesh random{7};
 };
 
 void expectNear(const Vec3& a, const Vec3& b, double tolerance) {
@@ -39,171 +24,124 @@ void expectNear(const Vec3& a, const Vec3& b, double tolerance) {
     }
 }
 
-TEST_F(ViewTest, InverseLeadsBackToTheWorld) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> unit(-1, 1);
-    for (int round = 0; round < 2000; ++round) {
-        view.scale = std::pow(10, 12 * unit(random));
-        view.offset = {500 * unit(random), 500 * unit(random), 500 * unit(random)};
-        turn(random);
-        const double size = 400 / view.scale;
-        const Vec3 p{unit(random) * size, unit(random) * size, unit(random) * size};
-        expectNear(projection.toWorld(projection.toScreen(p)), p, 1e-9 * size);
-    }
-}
-
 TEST_F(ViewTest, FitCentresInBothPanesAndTouchesTheMargin) {
     const Size clients[] = {{801, 400}, {300, 900}, {2000, 100}, {61, 31}};
-    std::mt19937 random(3);
     for (int round = 0; round < 100; ++round) {
-        OwnMesh mesh;
-        fillRandom(mesh, random, 20, 0);
+        random.fill(20, 0, 1);
         // Flat meshes too: no extent along one axis.
-        for (int i = 0; round % 5 == 0 && i < mesh.np; ++i) mesh.points[i].y = 2;
+        for (int i = 0; round % 5 == 0 && i < OB->np; ++i) OB->points[i].y = 2;
         resizeView(clients[round % 4]);
-        turn(random);
-        fitView(mesh);
-        transformPoints(mesh);
+        turn();
+        fitView(*OB);
+        transformPoints(*OB);
         const Panes panes = panesOf(view.client);
         const int sides[] = {panes.leftWidth, panes.height, panes.rightWidth};
         double share = 0;
         for (int axis = 0; axis < 3; ++axis) {
-            double low = infinity, high = -infinity;
-            for (int i = 0; i < mesh.np; ++i) {
-                const Point& p = mesh.points[i];
-                low = std::min(low, along(Vec3{p.sx, p.sy, p.sz}, axis));
-                high = std::max(high, along(Vec3{p.sx, p.sy, p.sz}, axis));
-            }
-            EXPECT_NEAR(low + high, sides[axis] - 1, 1e-6) << axis;
-            share = std::max(share, (high - low) / sides[axis]);
+            double Point::*const at = std::array{&Point::sx, &Point::sy, &Point::sz}[axis];
+            const auto [low, high] = std::minmax_element(
+                OB->points, OB->points + OB->np, [&](auto& a, auto& b) { return a.*at < b.*at; });
+            EXPECT_NEAR(low->*at + high->*at, sides[axis] - 1, 1e-6) << axis;
+            share = std::max(share, (high->*at - low->*at) / sides[axis]);
         }
         EXPECT_NEAR(share, 0.88, 1e-9);
     }
 }
 
-TEST_F(ViewTest, FitLooksAtTheCornersOfLiveFacesOnly) {
-    OwnMesh mesh;
-    addPoints(mesh,
-              {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {900, 0, 0}, {infinity, NAN, 0}, {0, 1e308, 0}});
-    addFace(mesh, {0, 1, 2});
-    addFace(mesh, {0, 1, 3})->q = nullptr;
-    addFace(mesh, {0, 4, 5}); // no position that counts but the origin
-    addFace(mesh, {1})->q->p = nullptr;
-    fitView(mesh);
+TEST_F(ViewTest, FitLooksAtTheCornersOfLiveOrSelectedFaces) {
+    addPoints({{0, 0, 0}, {1, 0, 0}, {0, 3, 0}, {900, 0, 0}, {infinity, nan, 0}, {0, 1e308, 0}});
+    addFace({0, 1, 2});
+    addFace({0, 3})->q = nullptr;
+    addFace({0, 4, 5}); // no position that counts but the origin
+    addFace({1})->q->p = nullptr;
+    addFace({0, 1});
+    fitView(*OB);
+    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400 / 3);
+    OB->faces[0].selected = 0;
+    EXPECT_TRUE(fitViewToSelected(*OB));
     EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
     // Without a live face all points count.
-    for (int i = 0; i < mesh.nf; ++i) mesh.faces[i].q = nullptr;
-    fitView(mesh);
+    for (int i = 0; i < OB->nf; ++i) OB->faces[i].q = nullptr;
+    EXPECT_FALSE(fitViewToSelected(*OB));
+    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
+    fitView(*OB);
     EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400 / 900);
 }
 
 TEST_F(ViewTest, FitOfUnusualMeshesShowsWhatThereIs) {
     const std::vector<std::array<double, 3>> cases[] = {
         {},
-        {{3, 4, 5}},
-        {{1e20, -1e20, 1e20}},
         {{-1e300, 1e300, 0}, {1e300, -1e300, 1e300}},
         {{0, 0, 1e-300}, {0, 0, 2e-300}},
-        {{4e-324, 0, 0}, {0, 0, 0}},
-        {{NAN, 0, 0}, {0, infinity, 0}, {1.7e308, 1.7e308, 1.7e308}},
+        {{nan, 0, 0}, {0, infinity, 0}, {1.7e308, 1.7e308, 1.7e308}},
         {{1e20, 0, 0}, {1e20 + 16384, 0, 0}},
     };
     for (const auto& positions : cases) {
-        for (const Size client : {Size{800, 400}, Size{0, 0}, Size{1, 1}}) {
-            OwnMesh mesh;
-            addPoints(mesh, positions);
-            resizeView(client);
-            fitView(mesh);
-            transformPoints(mesh);
-            ASSERT_TRUE(std::isfinite(view.scale) && view.scale > 0) << positions.size();
-            for (int i = 0; i < mesh.np; ++i) {
-                const Point& p = mesh.points[i];
-                if (!(std::abs(p.x) <= 1e300) || !(std::abs(p.y) <= 1e300)) continue;
-                EXPECT_NEAR(p.sx, client.width / 4.0, client.width / 4.0 + 2) << p.x;
-                EXPECT_NEAR(p.sy, client.height / 2.0, client.height / 2.0 + 2) << p.y;
-                EXPECT_NEAR(p.sz, client.width / 4.0, client.width / 4.0 + 2) << p.z;
-            }
+        emptyMesh();
+        addPoints(positions);
+        fitView(*OB);
+        transformPoints(*OB);
+        ASSERT_TRUE(std::isfinite(view.scale) && view.scale > 0) << positions.size();
+        for (const Point* p = OB->points; p != OB->points + OB->np; ++p) {
+            if (!(std::abs(p->x) <= 1e300) || !(std::abs(p->y) <= 1e300)) continue;
+            EXPECT_NEAR(p->sx, 200, 202) << p->x;
+            EXPECT_NEAR(p->sy, 200, 202) << p->y;
         }
     }
 }
 
 TEST_F(ViewTest, ResizeKeepsTheMiddleAndFollowsTheSmallerSide) {
-    view.offset = {70, 30, -20};
-    applyView();
-    const double scale = view.scale;
-    const auto middles = [] {
-        const Panes panes = panesOf(view.client);
-        return projection.toWorld(
-            {(panes.leftWidth - 1) / 2.0, (panes.height - 1) / 2.0, (panes.rightWidth - 1) / 2.0});
-    };
-    const Vec3 before = middles();
+    panView({70, 30, -20});
+    const Vec3 offset = view.offset;
+    const Vec3 before = projection.toWorld(middleOfPanes());
     resizeView({1601, 600});
-    expectNear(middles(), before, 1e-12);
-    EXPECT_DOUBLE_EQ(view.scale, 1.5 * scale); // smaller sides: 400, then 600
-    for (const Size client : {Size{0, 0}, Size{5, 0}, Size{-3, 7}, Size{801, 400}}) {
-        resizeView(client);
-    }
-    EXPECT_NEAR(view.scale, scale, 1e-12);
-    expectNear(view.offset, {70, 30, -20}, 1e-6);
+    expectNear(projection.toWorld(middleOfPanes()), before, 1e-12);
+    EXPECT_DOUBLE_EQ(view.scale, 300); // smaller sides: 400, then 600
+    for (const Size size : {Size{0, 0}, Size{5, 0}, Size{-3, 7}, client}) resizeView(size);
+    EXPECT_NEAR(view.scale, 200, 1e-12);
+    expectNear(view.offset, offset, 1e-6);
 }
 
 /// How the view shows a direction of the world, in world units along the screen's axes.
-Vec3 shown(const Vec3& direction) { return screenAxes()(direction); }
+Vec3 shownAs(const Vec3& direction) { return screenAxes()(direction); }
 
 TEST_F(ViewTest, TurnsAreRightHandedAboutTheScreensOrTheObjectsAxes) {
-    constexpr double quarter = 1.5707963267948966;
-    struct Row {
-        int axis;
-        Vec3 x, y, z; ///< how the world's axes are shown after a quarter turn
-    };
-    // Upright, the world's axes are shown as right, up (-y) and towards the viewer (-z).
-    const Row rows[] = {{0, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-                        {1, {0, 0, -1}, {0, -1, 0}, {-1, 0, 0}},
-                        {2, {0, 1, 0}, {1, 0, 0}, {0, 0, -1}}};
-    for (const Row& row : rows) {
-        for (const bool screenAxis : {true, false}) {
-            resetView();
-            turnView(row.axis, quarter, screenAxis);
-            expectNear(shown({1, 0, 0}), row.x, 1e-15);
-            expectNear(shown({0, 1, 0}), row.y, 1e-15);
-            expectNear(shown({0, 0, 1}), row.z, 1e-15);
-        }
-    }
-    // After a quarter about z the object's x axis is shown pointing down.
+    // How the world's axes are shown after a quarter turn. Upright, they are shown as right, up
+    // (-y) and towards the viewer (-z).
+    const Vec3 rows[][3] = {{{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+                            {{0, 0, -1}, {0, -1, 0}, {-1, 0, 0}},
+                            {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}}};
     for (const bool screenAxis : {true, false}) {
-        resetView();
-        turnView(2, quarter, true);
-        turnView(0, quarter, screenAxis);
-        expectNear(shown({1, 0, 0}), screenAxis ? Vec3{0, 0, 1} : Vec3{0, 1, 0}, 1e-15);
+        for (int axis = 0; axis < 3; ++axis) {
+            resetView();
+            polyfab::turnView(axis, M_PI / 2, screenAxis);
+            expectNear(shownAs({1, 0, 0}), rows[axis][0], 1e-15);
+            expectNear(shownAs({0, 1, 0}), rows[axis][1], 1e-15);
+            expectNear(shownAs({0, 0, 1}), rows[axis][2], 1e-15);
+        }
+        // After a quarter about z the object's x axis is shown pointing down.
+        polyfab::turnView(0, M_PI / 2, screenAxis);
+        expectNear(shownAs({1, 0, 0}), screenAxis ? Vec3{0, 0, 1} : Vec3{0, 1, 0}, 1e-15);
     }
 }
 
 TEST_F(ViewTest, NoChainOfTurnsDriftsOrLosesTheMiddle) {
-    std::mt19937 random(11);
-    std::uniform_real_distribution<double> unit(-1, 1);
-    view.offset = {13, -70, 255};
-    applyView();
+    panView({13, -70, 255});
     const Vec3 middle = projection.toWorld(middleOfPanes());
-    for (int i = 0; i < 20000; ++i) turnView(i % 3, 3 * unit(random), i % 2 == 0);
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) {
-            double product = 0;
-            for (int j = 0; j < 3; ++j) product += view.rotation[i][j] * view.rotation[k][j];
-            EXPECT_NEAR(product, i == k, 1e-15);
-        }
-    }
-    EXPECT_NEAR(determinantOf(screenAxes()), 1, 1e-15);
+    for (int i = 0; i < 20000; ++i) polyfab::turnView(i % 3, 3 * unit(), i % 2 == 0);
+    const Vec3 x = shownAs({1, 0, 0}), y = shownAs({0, 1, 0}), z = shownAs({0, 0, 1});
+    expectNear({x.y * y.z - x.z * y.y, x.z * y.x - x.x * y.z, x.x * y.y - x.y * y.x}, z, 1e-15);
+    EXPECT_NEAR(x.x * x.x + x.y * x.y + x.z * x.z, 1, 1e-15);
     expectNear(projection.toWorld(middleOfPanes()), middle, 1e-9);
     resetAttitude();
-    expectNear(shown({1, 2, 3}), {1, -2, -3}, 1e-15);
+    expectNear(shownAs({1, 2, 3}), {1, -2, -3}, 1e-15);
     expectNear(projection.toWorld(middleOfPanes()), middle, 1e-9);
 }
 
 TEST_F(ViewTest, PanAndZoomMoveThePictureAndTheBox) {
     box = {{10, 20, 30}, {110, 220, 330}};
     const Vec3 below = projection.toWorld({50, 60, 70});
-    const Vec3 left = projection.toWorld(box.left);
-    const Vec3 right = projection.toWorld(box.right);
+    const Vec3 left = projection.toWorld(box.left), right = projection.toWorld(box.right);
     zoomView(3, {50, 60, 70});
     expectNear(projection.toWorld({50, 60, 70}), below, 1e-12);
     EXPECT_DOUBLE_EQ(view.scale, 3 * 200);
@@ -222,16 +160,39 @@ TEST_F(ViewTest, PanAndZoomMoveThePictureAndTheBox) {
     }
 }
 
-TEST_F(ViewTest, TheSelectedFacesAreFitted) {
-    OwnMesh mesh;
-    addPoints(mesh, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {900, 0, 0}});
-    addFace(mesh, {0, 1, 2});
-    addFace(mesh, {0, 1, 3})->selected = 0;
-    EXPECT_TRUE(fitViewToSelected(mesh));
-    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
-    mesh.faces[0].selected = 0;
-    EXPECT_FALSE(fitViewToSelected(mesh));
-    EXPECT_DOUBLE_EQ(view.scale, 0.88 * 400);
+using BoxTest = ViewTest;
+
+TEST_F(BoxTest, FittedItHoldsTheFacesExactlyAndStillDoesWhenThePictureIsResized) {
+    addCube();
+    turnView(40, 0); // the screen positions are out of date: fitting does not need them
+    ASSERT_TRUE(fitBox(*OB, false));
+    const double side = 2 * view.scale, turn = 40 * M_PI / 180;
+    EXPECT_NEAR(std::abs(box.right.x - box.left.x), side * (cos(turn) + sin(turn)), 1e-9);
+    EXPECT_NEAR(std::abs(box.right.y - box.left.y), side, 1e-9);
+    for (const Size size : {Size{801, 400}, Size{333, 1000}, Size{3, 2}, Size{1920, 1000}}) {
+        resizeView(size);
+        transformPoints(*OB);
+        for (int f = 0; f < OB->nf; ++f) EXPECT_TRUE(inBox(OB->faces[f])) << size.width;
+    }
+}
+
+TEST_F(BoxTest, OnlyLiveFacesWithPositionsCount) {
+    EXPECT_FALSE(fitBox(*OB, false));
+    addCube();
+    addPoints({{50, 50, 50}, {nan, 0, 0}});
+    addFace({0, 8, 1})->q = nullptr;
+    addFace({0, 9, 1});
+    for (int f = 0; f < OB->nf; ++f) OB->faces[f].selected = 0;
+    EXPECT_FALSE(fitBox(*OB, true));
+    EXPECT_EQ(box.right.x, 0);
+    OB->faces[0].selected = 1; // the side z = -1
+    // One world unit is 200 pixels; the middles are pixel 199.5.
+    for (const bool selected : {true, false}) {
+        ASSERT_TRUE(fitBox(*OB, selected));
+        EXPECT_EQ(std::pair(box.left.x, box.right.x), std::pair(-0.5, 399.5));
+        EXPECT_EQ(std::pair(box.left.z, box.right.z), std::pair(selected ? 399.5 : -0.5, 399.5));
+        for (int f = 0; f < 6; ++f) EXPECT_EQ(inBox(OB->faces[f]), f == 0 || !selected) << f;
+    }
 }
 
 } // namespace

@@ -136,8 +136,8 @@ TEST_F(NameList, ShowsEveryEntryInItsCell) {
     paint();
     EXPECT_EQ(textAt(5, 1), "default (0f sel)");
     press('S');
-    command(385);
-    EXPECT_FALSE(nameList.selectedOnly || nameList.textureNumbers);
+    command(385); // not in the menu of this list
+    EXPECT_TRUE(!nameList.selectedOnly && nameList.textureNumbers);
 }
 
 TEST_F(NameList, ThePicturesOfEntriesThatHaveNoNamesShowTheirNumbers) {

@@ -24,6 +24,7 @@ class WindowEvents : public MeshTest {
     WindowEvents() {
         resetAll();
         handleEvent({.kind = EventKind::create});
+        resetView();
         view.scale = 100;
         applyView();
         shown.log.clear();

@@ -30,47 +30,6 @@ void makeFace(const Loop& loop) {
     }
 }
 
-std::vector<Loop> loops() {
-    std::vector<Loop> result(static_cast<std::size_t>(OB->nf));
-    for (std::size_t i = 0; i < result.size(); ++i) {
-        const Face& face = OB->faces[i];
-        for (int k = 0; face.q != nullptr && k < face.n; ++k) {
-            result[i].push_back(100 * indexIn(OB->texcoords, face.q[k].t)
-                                + indexIn(OB->points, face.q[k].p));
-        }
-    }
-    return result;
-}
-
-TEST_F(Garbage, TidiesFaces) {
-    const struct {
-        std::string before;
-        bool thorough;
-        int result;
-        const char* after; // each corner with the place it came from; faces parted by " "
-    } rows[] = {{"ABACD", true, 1, "A0C3D4 "},
-                {"ABACD", false, 0, "A0B1A2C3D4 "},
-                {"AABCA", false, 2, "A1B2C3 "},
-                {"BACDA", true, 1, "A1C2D3 "},
-                {"ABAB", true, 1, " "},
-                {"", false, 1, " "},
-                {"ABCADEAFG", true, 0, "A6F7G8 A0B1C2 A3D4E5 "}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.before);
-        Loop before;
-        for (const char letter : row.before) before.push_back(letter - 'A');
-        makeFace(before);
-        EXPECT_EQ(tidyFace(*OB, 0, row.thorough), row.result);
-        std::string after;
-        for (const Loop& loop : loops()) {
-            for (const int c : loop) after += char('A' + c % 100) + std::to_string(c / 100);
-            after += " ";
-        }
-        EXPECT_EQ(after, row.after);
-        EXPECT_EQ(tidyFace(*OB, 0, row.thorough), 0);
-    }
-}
-
 /// The rules of tidying, one repair at a time.
 int plainTidy(std::vector<Loop>& faces, std::size_t index, bool thorough) {
     Loop loop = faces[index];
@@ -92,11 +51,8 @@ int plainTidy(std::vector<Loop>& faces, std::size_t index, bool thorough) {
         const auto rule = std::find_if(rules.begin(), rules.end(),
                                        [&](const auto& r) { return same(r[0], r[1]); });
         if (rule != rules.end()) {
-            Loop kept;
-            for (int k = 0; k < n; ++k) {
-                if (k != (*rule)[2] && k != (*rule)[3]) kept.push_back(at(k));
-            }
-            loop = kept;
+            const int first = at((*rule)[2]), second = at((*rule)[3]);
+            std::erase_if(loop, [&](int corner) { return corner == first || corner == second; });
             continue;
         }
         faces[index] = loop;
@@ -125,24 +81,23 @@ TEST_F(Garbage, TidyingIsTheOneByOneRule) {
             loop.push_back(100 * static_cast<int>(loop.size()) + random.below(points));
         }
         makeFace(loop);
-        std::vector<Loop> faces{loop};
-        ASSERT_EQ(tidyFace(*OB, 0, thorough), plainTidy(faces, 0, thorough)) << round;
-        ASSERT_EQ(loops(), faces) << round;
+        OB->faces[0].kind = 7;
+        OB->faces[0].selected = OB->changed = 0;
+        std::vector<Loop> expected{loop}, faces;
+        const int repairs = plainTidy(expected, 0, thorough);
+        ASSERT_EQ(tidyFace(*OB, 0, thorough), repairs) << round;
+        for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
+            Loop& corners = faces.emplace_back();
+            for (int k = 0; face->q != nullptr && k < face->n; ++k) {
+                corners.push_back(100 * indexIn(OB->texcoords, face->q[k].t)
+                                  + indexIn(OB->points, face->q[k].p));
+            }
+            ASSERT_EQ(std::tuple(face->kind, face->selected), std::tuple(7, 0));
+        }
+        ASSERT_EQ(faces, expected) << round;
+        ASSERT_EQ(OB->changed, repairs > 0 || OB->nf > 1);
         ASSERT_EQ(check(*OB), nullptr);
     }
-}
-
-TEST_F(Garbage, ASplitKeepsAttributesAndAddsOnlyTheCornersThatMove) {
-    for (const char* name : {"a", "b"}) OB->addGroup(name);
-    OB->curgroup = 1;
-    makeFace({0, 1, 2, 3, 1, 4});
-    OB->faces[0].selected = 0;
-    OB->changed = 0;
-    tidyFace(*OB, 0, true);
-    ASSERT_EQ(OB->nf, 2);
-    EXPECT_EQ(std::tuple(OB->faces[1].g, OB->faces[1].selected), std::tuple(1, 0));
-    EXPECT_EQ(OB->nq, 12);
-    EXPECT_EQ(OB->changed, 1);
 }
 
 TEST_F(Garbage, HugeFacesTakeNoSquareTime) {
@@ -157,33 +112,29 @@ TEST_F(Garbage, HugeFacesTakeNoSquareTime) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(tidy(32766, [](int k) { return k % 3 == 0 ? 0 : k; }), 0);
     EXPECT_EQ(OB->nf, 10922);
-    EXPECT_LE(OB->nq, 2 * 32766);
+    EXPECT_LE(OB->nq, 2 * 32766); // only corners that move are added
     EXPECT_EQ(tidy(32767, [](int k) { return k < 16384 ? k : 32766 - k; }), 1);
-    EXPECT_EQ(OB->faces[0].q, nullptr);
-    EXPECT_EQ(tidy(32767, [](int k) { return k / 8000; }), 16383);
-    EXPECT_EQ(OB->faces[0].n, 5);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 void expectNothingUnused() {
-    std::set<const void*> p, t, d;
-    std::set<int> g, mat;
+    std::set<const void*> elements;
+    std::set<int> groups, materials;
     int corners = 0;
     for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
         ASSERT_EQ(face->q, OB->corners + corners);
         corners += face->n;
-        g.insert(face->g);
-        mat.insert(face->mat);
+        groups.insert(face->g);
+        materials.insert(face->mat);
         for (const FaceCorner* c = face->q; c != face->q + face->n; ++c) {
-            p.insert(c->p);
-            t.insert(c->t);
-            if (c->d != nullptr) d.insert(c->d);
+            elements.insert({c->p, c->t, c->d});
         }
     }
+    elements.erase(nullptr);
     EXPECT_EQ(std::tuple(OB->nq, OB->nqmax), std::tuple(corners, corners));
-    EXPECT_EQ(std::tuple(OB->np, OB->nt, OB->nd), std::tuple(p.size(), t.size(), d.size()));
+    EXPECT_EQ(OB->np + OB->nt + OB->nd, elements.size());
     if (OB->nf == 0) return; // a group and a material stay
-    EXPECT_EQ(std::tuple(OB->ng, OB->nmat), std::tuple(g.size(), mat.size()));
+    EXPECT_EQ(std::tuple(OB->ng, OB->nmat), std::tuple(groups.size(), materials.size()));
 }
 
 TEST_F(Garbage, CollectionKeepsEveryFaceAndNothingElse) {
@@ -214,26 +165,19 @@ TEST_F(Garbage, CollectionKeepsEveryFaceAndNothingElse) {
     EXPECT_EQ(storeBlocks(), blocks);
 }
 
-TEST_F(Garbage, AnEmptiedMesh) {
-    test::addCube();
-    OB->curvertex = OB->curtexcoord = 0;
-    for (int i = 0; i < OB->nf; ++i) OB->faces[i].q = nullptr;
-    shown.windowTitle = "before";
-    EXPECT_TRUE(collectGarbage(*OB));
-    EXPECT_EQ(shown.log, (std::vector<std::string>{"title|collecting garbage", "title|before"}));
-    EXPECT_EQ(std::tuple(OB->np, OB->nq, OB->nf, OB->npmax), std::tuple(0, 0, 0, 0));
-    EXPECT_EQ(std::tuple(OB->ng, OB->nmat, OB->materials[0].color), std::tuple(1, 1, 0xffffffu));
-    EXPECT_STREQ(OB->groups[0].name, "default");
-    EXPECT_EQ(std::tuple(OB->curvertex, OB->curtexcoord, OB->curface), std::tuple(-1, -1, -1));
-}
-
-TEST_F(Garbage, AFaultStopsIt) {
+TEST_F(Garbage, AFaultStopsItAndOfNoFacesNothingStays) {
     test::addCube();
     OB->faces[5].q[3].p = nullptr;
     OB->faces[0].q = nullptr;
     EXPECT_FALSE(collectGarbage(*OB));
     EXPECT_EQ(shown.log.back(), "message!|fault in mesh|V->p==0");
     EXPECT_EQ(OB->nf, 6);
+    for (int i = 0; i < OB->nf; ++i) OB->faces[i].q = nullptr;
+    OB->curvertex = 0;
+    EXPECT_TRUE(collectGarbage(*OB));
+    EXPECT_EQ(std::tuple(OB->np, OB->npmax, OB->curvertex), std::tuple(0, 0, -1));
+    EXPECT_EQ(std::tuple(OB->ng, OB->nmat, OB->materials[0].color), std::tuple(1, 1, 0xffffffu));
+    EXPECT_STREQ(OB->groups[0].name, "default");
 }
 
 } // namespace

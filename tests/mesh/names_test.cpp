@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/names.h"
 
+#include "mesh/group_order.h"
 #include "mesh/name_commands.h"
-#include "tests/support/mesh_fixture.h"
+#include "tests/mesh/random_mesh.h"
 #include "tests/support/temp_folder.h"
 
 namespace polyfab {
@@ -10,66 +11,49 @@ namespace {
 
 using Names = test::MeshTest;
 using Log = std::vector<std::string>;
-using namespace std::string_literals;
 
-TEST_F(Names, AreStoredTrimmedAndCut) {
-    const struct {
-        std::string given, stored;
-    } rows[] = {{"left arm \t ", "left arm"},
-                {" in front", " in front"},
-                {"  ", ""},
-                {std::string(100, 'n'), std::string(63, 'n')},
-                {std::string(62, 'n') + " tail", std::string(62, 'n') + " "}};
-    for (const auto& row : rows) {
-        const int group = OB->findOrAddGroup(row.given);
-        EXPECT_EQ(OB->groups[group].name, row.stored);
-        EXPECT_EQ(OB->groups[group].selected, 1);
-        EXPECT_EQ(OB->findOrAddGroup(row.given + "\t"), group); // found again, however long
-        EXPECT_NE(OB->addGroup(row.given), group);
+TEST_F(Names, AreStoredTrimmedAndCutAndFoundAgainAlsoByTheTable) {
+    OB->addGroup("twice");
+    OB->addGroup("twice");
+    NameTable table(*OB, NameTable::Kind::groups);
+    EXPECT_EQ(table.findOrAdd("twice "), 0);
+    const std::pair<std::string, std::string> rows[] = {
+        {"left arm \t ", "left arm"},
+        {" in front", " in front"},
+        {"  ", ""},
+        {std::string(100, 'n'), std::string(63, 'n')},
+        {std::string(62, 'm') + " tail", std::string(62, 'm') + " "},
+        {"LEFT ARM", "LEFT ARM"}};
+    for (const auto& [given, stored] : rows) {
+        const int group = table.findOrAdd(given);
+        EXPECT_EQ(group, OB->ng - 1);
+        EXPECT_EQ(OB->groups[group].name, stored);
+        for (const char* blanks : {"", "\t"}) {
+            EXPECT_EQ(OB->findOrAddGroup(given + blanks), group);
+            EXPECT_EQ(table.findOrAdd(given + blanks), group);
+        }
     }
-    EXPECT_NE(OB->findOrAddGroup("LEFT ARM"), 0);
 }
 
-TEST_F(Names, AFoundMaterialKeepsItsColor) {
+TEST_F(Names, AFoundMaterialKeepsItsColorAndAnIndexNamesSoManyOnly) {
     EXPECT_EQ(OB->addMaterial(0x808080, "default"), 0);
     EXPECT_EQ(OB->findOrAddMaterial(0xFF0000, "default "), 0);
     EXPECT_EQ(OB->materials[0].color, 0x808080U);
-    EXPECT_EQ(OB->findOrAddMaterial(0xFF0000, {}), 1); // no name: always a new one
-    EXPECT_EQ(OB->findOrAddMaterial(0xFF0000, {}), 2);
-    EXPECT_EQ(OB->materials[2].color, 0xFF0000U);
-}
-
-TEST_F(Names, TheTableFindsWhatTheScanFinds) {
-    for (int i = 0; i < 2; ++i) OB->addGroup("twice");
-    NameTable table(*OB, NameTable::Kind::groups);
-    const std::string longName(80, 'x');
-    for (const std::string& name : {"twice "s, "new"s, longName, longName, "new\t"s, ""s}) {
-        const int found = table.findOrAdd(name);
-        EXPECT_EQ(found, OB->findOrAddGroup(name));
+    for (const int index : {1, 2}) { // no name: always a new one
+        EXPECT_EQ(OB->findOrAddMaterial(0xFF0000, {}), index);
+        EXPECT_EQ(OB->materials[index].color, 0xFF0000U);
     }
-    EXPECT_EQ(OB->ng, 5);
-}
-
-TEST_F(Names, MoreThanAnIndexCanNameAreRefusedOnce) {
+    OB->nmat = 0;
     NameTable table(*OB, NameTable::Kind::materials);
     for (int i = 0; i < 40'000; ++i) {
         EXPECT_EQ(table.findOrAdd("m" + std::to_string(i)), i < maxIndexed ? i : 0);
     }
-    EXPECT_EQ(OB->nmat, maxIndexed);
-    const Log expected = {"message!|too many names|a mesh can have at most 32767 materials"};
-    EXPECT_EQ(shown.log, expected);
+    EXPECT_EQ(shown.log, Log{"message!|too many names|a mesh can have at most 32767 materials"});
     EXPECT_EQ(table.findOrAdd("m32766"), 32766);
 }
 
-TEST_F(Names, CurrentNamesFallBackToDefault) {
-    EXPECT_STREQ(OB->currentGroupName(), "default");
-    OB->addGroup("a");
-    EXPECT_STREQ(OB->currentGroupName(), "a");
-    OB->curgroup = -1;
-    EXPECT_STREQ(OB->currentGroupName(), "default");
-}
-
 TEST_F(Names, SelectedFacesGoIntoANewGroupEachTime) {
+    EXPECT_STREQ(OB->currentGroupName(), "default"); // there is none
     test::addCube();
     OB->faces[0].selected = 0;
     OB->faces[1].q = nullptr;
@@ -83,23 +67,15 @@ TEST_F(Names, SelectedFacesGoIntoANewGroupEachTime) {
     EXPECT_STREQ(OB->groups[2].name, "NewGroup");
     putSelectedIntoNewMaterial(*OB);
     EXPECT_STREQ(OB->materials[1].name, "NewMaterial");
-    EXPECT_EQ(OB->materials[1].color, 0U);
-    const int expected[] = {0, 0, 2, 2, 2, 2};
     for (int f = 0; f < 6; ++f) {
-        EXPECT_EQ(OB->faces[f].g, expected[f]);
-        EXPECT_EQ(OB->faces[f].mat, expected[f] / 2);
+        EXPECT_EQ(OB->faces[f].g, f < 2 ? 0 : 2);
+        EXPECT_EQ(OB->faces[f].mat, f < 2 ? 0 : 1);
     }
-}
-
-TEST_F(Names, AmalgamationComparesByte) {
-    test::addCube();
-    for (const char* name : {"a", "b", "a", "A", "a"}) OB->addGroup(name);
-    for (int f = 0; f < 6; ++f) OB->faces[f].g = static_cast<std::int16_t>(f);
-    OB->changed = 0;
-    amalgamateGroups(*OB);
-    const int expected[] = {0, 1, 2, 1, 4, 1};
-    for (int f = 0; f < 6; ++f) EXPECT_EQ(OB->faces[f].g, expected[f]);
-    EXPECT_EQ(OB->changed, 1);
+    OB->faces[2].g = OB->faces[2].mat = 1;
+    amalgamateGroups(*OB); // group 2 is called as group 1
+    for (int f = 0; f < 6; ++f) EXPECT_EQ(OB->faces[f].g, f < 2 ? 0 : 1);
+    OB->curgroup = 1;
+    EXPECT_STREQ(OB->currentGroupName(), "NewGroup");
 }
 
 TEST_F(Names, AreWrittenOneALine) {
@@ -112,11 +88,31 @@ TEST_F(Names, AreWrittenOneALine) {
     writeGroupNames(*OB, fileName);
     EXPECT_EQ(folder.read("names.txt"), "b\na\nb\n");
     writeMaterialNames(*OB, shortName);
-    const Log expected = {"file|text file to write group names to?|/models/cow.txt",
-                          "file|text file to write group names to?|/models/cow.txt",
-                          "file|text file to write material names to?|abc",
-                          "message!|I can't open this file|" + nowhere};
-    EXPECT_EQ(shown.log, expected);
+    EXPECT_EQ(shown.log, (Log{"file|text file to write group names to?|/models/cow.txt",
+                              "file|text file to write group names to?|/models/cow.txt",
+                              "file|text file to write material names to?|abc",
+                              "message!|I can't open this file|" + nowhere}));
+}
+
+TEST_F(Names, OfFacesStayWhenAGroupMovesAndTheOthersCloseTheGap) {
+    test::RandomMesh random(7);
+    const auto names = [] {
+        Log list;
+        for (int g = 0; g < OB->ng; ++g) list.push_back(OB->groups[g].name);
+        return list;
+    };
+    for (int round = 0; round < 200; ++round) {
+        random.fill(3, 20, 3);
+        const auto faces = test::describe();
+        Log expected = names();
+        const int from = random.below(4), to = random.below(4);
+        moveGroup(*OB, from, to);
+        EXPECT_EQ(test::describe(), faces);
+        const std::string moved = expected[static_cast<std::size_t>(from)];
+        expected.erase(expected.begin() + from);
+        expected.insert(expected.begin() + to, moved);
+        EXPECT_EQ(names(), expected);
+    }
 }
 
 } // namespace

@@ -49,6 +49,16 @@ class RandomMesh {
     std::mt19937 random;
 };
 
+/// The points of a face; none of a deleted one.
+inline std::vector<int> pointsOf(int index) {
+    const Face& face = OB->faces[index];
+    std::vector<int> points;
+    for (int k = 0; face.q != nullptr && k < face.n; ++k) {
+        points.push_back(indexIn(OB->points, face.q[k].p));
+    }
+    return points;
+}
+
 /// The live faces by the names of group and material and what each corner refers to (position, u,
 /// x of the normal), so that they can be compared across meshes.
 inline auto describe() {

@@ -4,7 +4,6 @@
 #include "tests/platform/toy_program.h"
 
 #include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 
 namespace polyfab::test {
@@ -33,7 +32,6 @@ class Contract : public testing::TestWithParam<std::unique_ptr<Driver> (*)()> {
 TEST_P(Contract, WindowHasASizeATitleAndMenus) {
     EXPECT_EQ(toyState.log, std::vector<std::string>{"create"});
     EXPECT_TRUE(driver->isOpen());
-    EXPECT_GT(platform().clientSize().width, 0);
     driver->choose(toy::title, {});
     EXPECT_EQ(platform().title(), "polyfab [*] [cow.obj] ");
     EXPECT_FALSE(driver->item(toy::title).checked); // only the program sets a mark
@@ -41,7 +39,6 @@ TEST_P(Contract, WindowHasASizeATitleAndMenus) {
     EXPECT_EQ(driver->item(toy::yesNo).label, "&yes or no");
     EXPECT_TRUE(driver->item(toy::yesNo).enabled);
     EXPECT_FALSE(driver->item(toy::greyed).enabled);
-    EXPECT_FALSE(driver->item(toy::toggle).checked);
     driver->choose(toy::toggle, {});
     EXPECT_TRUE(driver->item(toy::toggle).checked);
     platform().setMenuItem(toy::yesNo, false, false);
@@ -53,21 +50,18 @@ TEST_P(Contract, WindowHasASizeATitleAndMenus) {
 }
 
 TEST_P(Contract, PictureIsShownPixelForPixelAndDrawnOnlyWhenDue) {
-    for (const auto& [x, y] : {std::pair(0, 0), std::pair(17, 3), std::pair(101, 77)}) {
-        EXPECT_EQ(driver->pixel(x, y), toyColor(x, y)) << x << "," << y;
-    }
+    EXPECT_EQ(driver->pixel(101, 77), toyColor(101, 77));
     const int paints = toyState.paints;
     driver->pixel(1, 1);
     EXPECT_EQ(toyState.paints, paints);
     platform().requestPaint();
     driver->pixel(1, 1);
     EXPECT_EQ(toyState.paints, paints + 1);
-
     const int resizes = toyState.resizes;
     driver->resize({400, 300});
     EXPECT_GT(toyState.resizes, resizes);
-    EXPECT_EQ(platform().clientSize().width, 400);
-    EXPECT_EQ(platform().clientSize().height, 300);
+    const Size size = platform().clientSize();
+    EXPECT_EQ(std::pair(size.width, size.height), std::pair(400, 300));
     EXPECT_EQ(driver->pixel(399, 299), toyColor(399, 299));
 }
 
@@ -79,10 +73,8 @@ TEST_P(Contract, BoxesReturnWhatTheUserDid) {
         std::string result;
     } const cases[] = {
         {toy::yesNo, {text("yes")}, "yes"},
-        {toy::yesNo, {text("no")}, "no"},
         {toy::yesNo, {escape}, "no"},
         {toy::yesNo, {cancel}, "no"},
-        {toy::yesNoCancel, {text("yes")}, "yes"},
         {toy::yesNoCancel, {text("no")}, "no"},
         {toy::yesNoCancel, {escape}, "cancel"},
         {toy::yesNoCancel, {cancel}, "cancel"},
@@ -113,52 +105,38 @@ const Event escapeDown{EventKind::keyDown, 0, key::escape};
 const Event escapeUp{EventKind::keyUp, 0, key::escape};
 
 TEST_P(Contract, LongWorkSeesEscapeAndNothingElseGetsThrough) {
-    driver->work({escapeDown, escapeUp});
-    driver->work({});
-    EXPECT_EQ(count("stopped") + count("done"), 2);
-    EXPECT_EQ(toyState.log.back(), "done");
-    for (const std::string& line : toyState.log) {
-        EXPECT_FALSE(line.starts_with("keyDown") || line.starts_with("mouse")) << line;
-    }
-    driver->input(escapeDown); // held since before the command
-    driver->work({});
-    EXPECT_EQ(toyState.log.back(), "stopped");
-}
-
-TEST_P(Contract, EscapeCountsAsDownNoLongerThanItIs) {
-    struct {
-        const char* what;
+    constexpr int ctrl = key::ctrl;
+    const struct {
         std::vector<Event> before, during, after;
-        const char* first;
-    } const cases[] = {
-        {"released after the work", {}, {escapeDown}, {escapeUp}, "stopped"},
-        {"released during the work", {escapeDown}, {escapeUp}, {}, "stopped"},
-        {"a menu opens", {escapeDown, {EventKind::menuOpening}}, {}, {}, "done"},
-        {"the window is left", {escapeDown, {EventKind::deactivate}}, {}, {}, "done"},
+        const char* result;
+        const char* told = "";
+    } cases[] = {
+        {{escapeDown}, {}, {escapeUp}, "stopped"},
+        {{}, {escapeDown}, {escapeUp}, "stopped"},
+        {{escapeDown}, {escapeUp}, {}, "stopped"},
+        {{escapeDown, {EventKind::menuOpening}}, {}, {escapeUp}, "done"},
+        {{escapeDown, {EventKind::deactivate}}, {}, {escapeUp}, "done"},
+        // A key that went down also goes up.
+        {{{EventKind::keyDown, 0, ctrl}}, {{EventKind::keyUp, 0, ctrl}}, {}, "done", "keyUp 17"},
     };
     for (const auto& row : cases) {
-        toyState.log.clear();
+        SCOPED_TRACE(&row - cases);
         for (const Event& event : row.before) driver->input(event);
+        toyState.log.clear();
         driver->work(row.during);
-        EXPECT_EQ(count(row.first), 1) << row.what;
+        EXPECT_EQ(count(row.result), 1);
+        for (const std::string& line : toyState.log) {
+            EXPECT_FALSE(line.starts_with("keyDown") || line.starts_with("mouse")) << line;
+        }
+        EXPECT_TRUE(*row.told == '\0' || count(row.told) == 1);
         for (const Event& event : row.after) driver->input(event);
-        const auto done = count("done");
         driver->work({});
-        EXPECT_EQ(count("done"), done + 1) << row.what;
-        driver->input(escapeUp);
+        EXPECT_EQ(toyState.log.back(), "done");
     }
-}
-
-TEST_P(Contract, AnEscapeThatClosedABoxStopsNothing) {
+    // An Escape that closed a box stops nothing.
     driver->choose(toy::prompt, {text("a"), escape});
     driver->work({});
-    EXPECT_EQ(count("done"), 1);
-}
-
-TEST_P(Contract, AKeyThatWentDownAlsoGoesUp) {
-    driver->input({EventKind::keyDown, 0, key::ctrl});
-    driver->work({{EventKind::keyUp, 0, key::ctrl}});
-    EXPECT_EQ(count("keyUp 17"), 1);
+    EXPECT_EQ(toyState.log.back(), "done");
 }
 
 TEST_P(Contract, CloseIsRefusedOrGranted) {
@@ -202,95 +180,74 @@ Bitmap whitePicture(int width, int height) {
     return {width, height, std::vector<std::uint32_t>(std::size_t(width * height), white)};
 }
 
-/// The smallest rectangle around what is not white: left, top, right and bottom, the last two just
-/// beyond it.
-std::array<int, 4> inked(const Bitmap& picture) {
-    std::array<int, 4> box{picture.width, picture.height, 0, 0};
-    for (int y = 0; y < picture.height; ++y) {
-        for (int x = 0; x < picture.width; ++x) {
-            if (picture.pixels[std::size_t(y * picture.width + x)] == white) continue;
-            box = {std::min(box[0], x), std::min(box[1], y), std::max(box[2], x + 1),
-                   std::max(box[3], y + 1)};
-        }
-    }
-    return box;
-}
-
-/// How dark the picture is, in all.
-std::uint64_t ink(const Bitmap& picture) {
-    std::uint64_t sum = 0;
-    for (const std::uint32_t pixel : picture.pixels) sum += (white - pixel) & 0xFF;
-    return sum;
-}
-
 TEST_P(Contract, TextFillsItsLineInItsColor) {
-    for (const int height : {8, 15, 40}) {
+    for (const int height : {8, 40}) {
         Bitmap picture = whitePicture(600, 100);
         const Font font{height, 400};
         const int width = platform().textWidth("Hygiene|", font);
         platform().drawText(picture, 20, 30, "Hygiene|", font, 0xFFFF8001);
-        const auto [left, top, right, bottom] = inked(picture);
+        int left = 600, top = 100, right = 0, bottom = 0;
+        for (int i = 0; i < 600 * 100; ++i) {
+            if (picture.pixels[std::size_t(i)] == white) continue;
+            left = std::min(left, i % 600);
+            right = std::max(right, i % 600);
+            top = std::min(top, i / 600);
+            bottom = i / 600;
+        }
         EXPECT_NEAR(left, 20, 1 + height / 8) << height;
-        EXPECT_NEAR(right, 20 + width, 1 + height / 4) << height;
+        EXPECT_NEAR(right, 20 + width, 2 + height / 4) << height;
         EXPECT_GE(top, 30) << height;
-        EXPECT_LE(bottom, 30 + height + 1) << height;
-        EXPECT_GE(bottom - top, height * 2 / 3) << height;
+        EXPECT_LE(bottom, 30 + height) << height;
+        EXPECT_GE(bottom - top, height * 2 / 3 - 1) << height;
         if (height < 40) continue; // thin lines cover no pixel wholly
-        EXPECT_NE(std::find(picture.pixels.begin(), picture.pixels.end(), 0xFFFF8001),
-                  picture.pixels.end());
-        for (const std::uint32_t pixel : picture.pixels) ASSERT_GE(pixel, 0xFFFF8001);
+        EXPECT_EQ(*std::min_element(picture.pixels.begin(), picture.pixels.end()), 0xFFFF8001);
     }
 }
 
 TEST_P(Contract, TextIsCutOffAtThePicturesSides) {
     const Font font{20, 400};
+    const char* const shown = "Wg\xC3\xA9y";
     Bitmap whole = whitePicture(200, 100);
-    platform().drawText(whole, 50, 40, "Wg\xC3\xA9y", font, 0xFF000000);
-    const auto [left, top, right, bottom] = inked(whole);
+    platform().drawText(whole, 50, 40, shown, font, 0xFF000000);
+    const int right = 50 + platform().textWidth(shown, font);
     // The picture as a window of 30 x 12 pixels on the whole, at places that cut each side off.
     for (const auto& [x, y] :
-         {std::pair(left + 5, top + 3), std::pair(left - 10, top - 4),
-          std::pair(right - 15, bottom - 8), std::pair(left - 10, bottom - 8),
-          std::pair(right - 15, top - 4), std::pair(left - 40, top), std::pair(right + 10, top),
-          std::pair(left, top - 30), std::pair(left, bottom + 30)}) {
-        Bitmap part = whitePicture(30, 12);
-        platform().drawText(part, 50 - x, 40 - y, "Wg\xC3\xA9y", font, 0xFF000000);
-        Bitmap expected = whitePicture(30, 12);
-        for (int row = std::max(0, -y); row < std::min(12, 100 - y); ++row) {
-            for (int column = std::max(0, -x); column < std::min(30, 200 - x); ++column) {
-                expected.pixels[std::size_t(row * 30 + column)] =
-                    whole.pixels[std::size_t((y + row) * 200 + x + column)];
-            }
+         {std::pair(55, 46), std::pair(40, 36), std::pair(right - 15, 52), std::pair(10, 44),
+          std::pair(right + 10, 44), std::pair(50, 10), std::pair(50, 70)}) {
+        Bitmap part = whitePicture(30, 12), expected = part;
+        platform().drawText(part, 50 - x, 40 - y, shown, font, 0xFF000000);
+        for (int i = 0; i < 30 * 12; ++i) {
+            expected.pixels[std::size_t(i)] =
+                whole.pixels[std::size_t((y + i / 30) * 200 + x + i % 30)];
         }
         EXPECT_EQ(part.pixels, expected.pixels) << x << "," << y;
     }
 }
 
 TEST_P(Contract, TextIsMeasured) {
-    const auto width = [](const std::string& text, int height = 16, int weight = 400) {
-        return platform().textWidth(text, {height, weight});
+    const auto width = [](const std::string& text, int height = 16) {
+        return platform().textWidth(text, {height, 400});
+    };
+    /// How dark such a text is, in all.
+    const auto ink = [](const std::string& text, Font font) {
+        Bitmap picture = whitePicture(300, 40);
+        platform().drawText(picture, 0, 0, text, font, 0xFF000000);
+        std::uint64_t sum = 0;
+        for (const std::uint32_t pixel : picture.pixels) sum += (white - pixel) & 0xFF;
+        return sum;
     };
     EXPECT_EQ(width(""), 0);
-    EXPECT_GT(width("i"), 0);
-    EXPECT_GT(width("iW"), width("i"));
     EXPECT_GT(width("WW"), width("ii")); // proportional
     EXPECT_GT(width("name", 32), width("name", 16));
     EXPECT_EQ(width("a\xFFz"), width("a\xEF\xBF\xBDz"));
-    EXPECT_EQ(width("\xC3"), width("\xEF\xBF\xBD"));
     EXPECT_EQ(width("name", 0) + width("name", -5), 0);
-
-    Bitmap thin = whitePicture(300, 40), bold = thin, bad = thin, empty;
-    platform().drawText(thin, 0, 0, "name", {32, 200}, 0xFF000000);
-    platform().drawText(bold, 0, 0, "name", {32, 700}, 0xFF000000);
-    EXPECT_GT(ink(bold), ink(thin) * 5 / 4);
-    for (const char* const text : {"\xC3", "\x80", "\xF8\x88", "\xED\xA0\x80", "\xC0\xAF"}) {
-        bad = whitePicture(300, 40);
-        platform().drawText(bad, 0, 0, text, {32, 400}, 0xFF000000);
-        EXPECT_GT(ink(bad), 0U);
+    EXPECT_GT(ink("name", {32, 700}), ink("name", {32, 200}) * 5 / 4);
+    for (const char* const bad : {"\xC3", "\x80", "\xF8\x88", "\xED\xA0\x80", "\xC0\xAF"}) {
+        EXPECT_GT(ink(bad, {32, 400}), 0U);
     }
+    EXPECT_EQ(ink("name", {0, 400}), 0U);
+    Bitmap empty;
     platform().drawText(empty, 0, 0, "name", {32, 400}, 0xFF000000);
-    platform().drawText(bad = whitePicture(9, 9), 0, 0, "name", {0, 400}, 0xFF000000);
-    EXPECT_EQ(ink(bad), 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Batch, Contract, testing::Values(makeBatchDriver));

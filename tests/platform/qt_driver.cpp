@@ -116,6 +116,7 @@ class QtDriver : public Driver {
             if (!toyState.working) return;
             typing.stop();
             disturb();
+            EXPECT_FALSE(window.close());
             sendMouse(window.canvas(), {EventKind::mouse, 0, 0, 5, 5, button::left});
             sendKey(window, 'A', true);
             sendKey(window, 'A', false);

@@ -11,6 +11,7 @@ class Application : public testing::Environment {
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
         application.emplace(argc, argv);
         QApplication::setQuitOnLastWindowClosed(false);
     }

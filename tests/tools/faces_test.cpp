@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Deletion of faces, twins, faces without area, and names made of numbers.
+#include "tests/tools/tool_test.h"
+#include "tools/delete_faces.h"
+#include "tools/face_area.h"
+#include "tools/names_from_numbers.h"
+#include "tools/same_corners.h"
+
+#include <cmath>
+#include <set>
+
+namespace polyfab::test {
+namespace {
+
+class DeleteFaces : public ToolTest {
+  protected:
+    DeleteFaces() {
+        addCube();
+        for (const int face : {0, 2, 3}) OB->faces[face].selected = 0;
+        OB->faces[5].q = nullptr;
+        OB->curface = editorState.currentEdgeFace = 4;
+        editorState.currentEdgeCorner = 2;
+        OB->changed = 0;
+    }
+};
+
+TEST_F(DeleteFaces, AfterAQuestionTheCurrentFaceAndEdgeStayOnlyIfTheirFaceDoes) {
+    shown.choices = {Choice::no, Choice::no, Choice::yes, Choice::yes};
+    deleteSelectedFaces(*OB);
+    deleteUnselectedFaces(*OB);
+    EXPECT_EQ(shown.log, Log(2, "question|bulk delete|do you really want to delete these faces?"));
+    EXPECT_EQ(liveFaces(), (Numbers{0, 1, 2, 3, 4}));
+    EXPECT_EQ(OB->changed, 0);
+    deleteUnselectedFaces(*OB);
+    EXPECT_EQ(liveFaces(), (Numbers{1, 4}));
+    EXPECT_EQ(std::tuple(OB->curface, editorState.currentEdgeCorner), std::tuple(4, 2));
+    EXPECT_EQ(OB->changed, 1);
+    deleteSelectedFaces(*OB);
+    EXPECT_EQ(liveFaces(), Numbers());
+    EXPECT_EQ(std::tuple(OB->curface, editorState.currentEdgeFace), std::tuple(-1, -1));
+}
+
+TEST_F(DeleteFaces, OnlySelectedFacesAloneInTheirPartGoUnasked) {
+    for (int i = 0; i < 3; ++i) OB->addPart();
+    const std::int16_t parts[] = {0, 0, 1, 2, 3, 3}; // face 5 is deleted and counts for nothing
+    for (int i = 0; i < 6; ++i) OB->faces[i].prt = parts[i];
+    deletePartsOfOneFace(*OB);
+    EXPECT_EQ(liveFaces(), (Numbers{0, 1, 2, 3}));
+    EXPECT_TRUE(shown.log.empty());
+}
+
+using SameCorners = ToolTest;
+
+TEST_F(SameCorners, AllTwinsAreFoundOneByOne) {
+    const auto points = [](int face) {
+        const Numbers list = pointsOf(face);
+        return std::set<int>(list.begin(), list.end());
+    };
+    for (int round = 0; round < 2000; ++round) {
+        fillWithParts(6, 12, 5);
+        OB->curface = OB->nf - 1;
+        const Numbers selected = liveFaces(true);
+        Numbers kept = liveFaces();
+        Numbers alone;
+        for (const int face : selected) {
+            const auto isTwin = [&](int other) {
+                return other != face && points(other) == points(face);
+            };
+            if (std::none_of(selected.begin(), selected.end(), isTwin)) alone.push_back(face);
+            const auto end = std::find(selected.begin(), selected.end(), face);
+            if (std::any_of(selected.begin(), end, isTwin)) std::erase(kept, face);
+        }
+        const auto twins = std::to_string(selected.size() - alone.size());
+        const auto removed = liveFaces().size() - kept.size();
+
+        unselectFacesOnSamePoints(*OB);
+        ASSERT_EQ(shown.log.back(), "message||" + twins + " such faces found");
+        ASSERT_EQ(liveFaces(true), alone) << round;
+        for (const int face : selected) OB->faces[face].selected = 1;
+        removeFacesOnSamePoints(*OB);
+        ASSERT_EQ(shown.log.back(), "message||I have removed " + std::to_string(removed)
+                                        + (removed == 1 ? " face" : " faces"));
+        ASSERT_EQ(liveFaces(), kept) << round;
+        const bool stays = removed == 0 || kept.back() == OB->nf - 1;
+        ASSERT_EQ(OB->curface, stays ? OB->nf - 1 : -1);
+    }
+}
+
+using FaceArea = ToolTest;
+
+TEST_F(FaceArea, IsNoneForLinesAndPointsOnly) {
+    const auto flat = [](const std::vector<std::array<double, 3>>& corners) {
+        Numbers points;
+        for (const auto& [x, y, z] : corners) points.push_back(OB->addPoint(x, y, z, false));
+        return hasNoArea(*addFace(points));
+    };
+    struct {
+        std::vector<std::array<double, 3>> corners;
+        bool flat;
+    } const cases[] = {
+        {{{7, 7, 7}, {7, 7, 7}, {7, 7, 7}}, true},
+        {{{0, 0, 0}, {1, 0, 0}, {0.5, 1e-9, 0}}, false},
+        {{{0, 0, 0}, {1e-200, 0, 0}, {0, 1e-200, 0}}, false},
+        {{{0, 0, 0}, {1e200, 0, 0}, {0, 0, 1e200}}, false},
+        {{{1e6, 1e6, 0}, {1e6 + 1e-3, 1e6, 0}, {1e6, 1e6 + 1e-3, 0}}, false},
+        {{{0, 0, 0}, {1, 1, 0}, {1, 0, 0}, {0, 1, 0}}, true}, // a bow whose halves cancel out
+        {{{0, 0, 0}, {1, 0, 0}, {std::nan(""), 1, 0}}, false},
+    };
+    for (const auto& row : cases) EXPECT_EQ(flat(row.corners), row.flat) << &row - cases;
+    for (int i = 0; i < 1000; ++i) { // lines, rounded
+        const double far = std::pow(10, random.below(7));
+        const auto at = [&](double along) {
+            return std::array{far + along / 3, along / 7 - far, along / 11};
+        };
+        EXPECT_TRUE(flat({at(0), at(random.below(99)), at(1 + random.below(99)), at(100)})) << i;
+    }
+}
+
+using NamesFromNumbers = ToolTest;
+
+TEST_F(NamesFromNumbers, OneNewNameForEachNumberInUseUnlessTheyAreTooMany) {
+    addCube();
+    for (int i = 0; i < 4; ++i) {
+        OB->addPart();
+        OB->addTextureMapArea();
+    }
+    for (int i = 0; i < 6; ++i) {
+        OB->faces[i].tma = static_cast<std::int16_t>(i / 2 + 1);
+        OB->faces[i].prt = static_cast<std::int16_t>(3 - i / 3);
+    }
+    OB->faces[0].q = OB->faces[1].q = nullptr;
+    OB->addMaterial(0x123456, "mine");
+    OB->faces[3].mat = 1;
+    makeAreasIntoGroups(*OB);
+    EXPECT_STREQ(OB->groups[OB->faces[5].g].name, "area 3");
+    makePartsIntoGroups(*OB);
+    EXPECT_EQ(OB->ng, 5);
+    makePartsIntoMaterials(*OB);
+    EXPECT_EQ(OB->nmat, 4);
+    const Material& made = OB->materials[OB->faces[5].mat];
+    EXPECT_STREQ(made.name, "part 2");
+    EXPECT_EQ(made.color, 0x123456U); // that of face 3, the first in the part
+
+    while (OB->ng < maxIndexed - 1) OB->addGroup("g");
+    EXPECT_TRUE(shown.log.empty());
+    makeAreasIntoGroups(*OB); // two of them
+    EXPECT_EQ(shown.log, Log{"message!|too many names|a mesh can have at most 32767 groups"});
+    EXPECT_EQ(OB->ng, maxIndexed - 1);
+    EXPECT_STREQ(OB->groups[OB->faces[2].g].name, "part 3");
+    --OB->ng;
+    makeAreasIntoGroups(*OB);
+    EXPECT_EQ(OB->faces[5].g, maxIndexed - 1);
+}
+
+} // namespace
+} // namespace polyfab::test
