@@ -96,6 +96,21 @@ void redrawShuffled(benchmark::State& state) {
     drawAgain(state, false);
 }
 
+/// A small piece of the mesh fills the window; all the rest is far beside it.
+void redrawNear(benchmark::State& state) {
+    showGrid(state.range(0));
+    zoomView(1000, middleOfPanes());
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    drawAgain(state, false);
+}
+
+template <bool DisplayOptions::*option>
+void redrawWith(benchmark::State& state) {
+    displayOptions.*option = true;
+    redraw(state);
+    displayOptions = {};
+}
+
 void redrawEdited(benchmark::State& state) {
     showGrid(state.range(0));
     drawAgain(state, true);
@@ -119,6 +134,9 @@ int main(int argc, char** argv) {
     addGrowth("redraw, all faces unselected", redrawUnselected, quarter);
     addGrowth("redraw, faces that face away hidden", redrawHidden, quarter);
     addGrowth("redraw, shuffled mesh", redrawShuffled, quarter);
+    addGrowth("redraw, seen from very near", redrawNear, quarter);
+    addGrowth("redraw with vertexes", redrawWith<&polyfab::DisplayOptions::vertexes>, quarter);
+    addGrowth("redraw with normals", redrawWith<&polyfab::DisplayOptions::normals>, quarter);
     addGrowth("redraw after an edit", redrawEdited, quarter);
     addGrowth("picture up to date", staticPicture, quarter);
     return runGrowth(argc, argv);

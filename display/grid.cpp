@@ -14,13 +14,7 @@
 namespace polyfab {
 namespace {
 
-constexpr double gridPixels = 50;
 constexpr int mostLines = 1000; ///< more come only of a degenerate view
-constexpr double axisPixels = 60;
-constexpr double letterPixels = 10; ///< an axis that looks shorter points at the viewer
-constexpr int textGap = 4;
-constexpr Font gridFont{12};
-constexpr Font axisFont{13, 700};
 
 /// The power of ten, or 2 or 5 times one, that is nearest by ratio.
 double roundStep(double wanted) {
@@ -93,7 +87,7 @@ void drawLines(const Pane& pane, const Plane& plane, double step, const Range& v
 
 void drawGrid(const Pane& pane) {
     if (!displayOptions.grid) return;
-    const double step = roundStep(gridPixels / view.scale);
+    const double step = roundStep(look.gridStep / view.scale);
     const Plane plane = planeSeen(pane.left);
     Range firsts;
     Range seconds;
@@ -108,22 +102,29 @@ void drawGrid(const Pane& pane) {
     drawLines(pane, plane, step, seconds, firsts, false);
     char text[numberRoom];
     const std::string label = "grid " + std::string(text, printG6(text, step, 0));
-    const double down = pane.canvas.height - gridFont.height - textGap;
-    drawLabel(pane, {textGap, down}, label, gridFont, look.gridText);
+    const double down = pane.canvas.height - look.gridFont.height - look.textGap;
+    drawLabel(pane, {double(look.textGap), down}, label, look.gridFont, look.gridText);
 }
 
 void drawAxes(const Pane& pane) {
     if (!displayOptions.axes) return;
     constexpr const char* letters[] = {"x", "y", "z"};
+    const Font& font = look.axisFont;
     const Place origin = pane.at(Vec3{});
     for (std::size_t i = 0; i < 3; ++i) {
         double unit[3] = {};
-        unit[i] = axisPixels / view.scale;
+        unit[i] = look.axisLength / view.scale;
         const Place end = pane.at(Vec3{unit[0], unit[1], unit[2]});
         pane.line(origin, end, look.axes[i]);
-        if (std::hypot(end.x - origin.x, end.y - origin.y) < letterPixels) continue;
-        drawLabel(pane, {end.x + textGap, end.y - axisFont.height / 2.0}, letters[i], axisFont,
-                  look.axes[i].color);
+        const double length = std::hypot(end.x - origin.x, end.y - origin.y);
+        if (length < look.shortAxis) continue;
+        // The letter's middle lies beyond the end, in the axis's own direction.
+        const double away = 1 + (look.textGap + font.height / 2.0) / length;
+        const double right = origin.x + (end.x - origin.x) * away;
+        const double down = origin.y + (end.y - origin.y) * away;
+        drawLabel(pane,
+                  {right - platform().textWidth(letters[i], font) / 2.0, down - font.height / 2.0},
+                  letters[i], font, look.axes[i].color);
     }
 }
 

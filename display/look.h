@@ -4,34 +4,58 @@
 #pragma once
 
 #include "display/raster.h"
+#include "platform/platform.h"
 
 #include <cstdint>
 
 namespace polyfab {
 
-/// Colours are 0xFFRRGGBB.
+/// Colours are 0xFFRRGGBB, sizes device pixels.
 struct Look {
     std::uint32_t background = 0xFFFAFAF7;
-    std::uint32_t divider = 0xFF9AA3AE;
+    std::uint32_t divider = 0xFF868F98;
     Stroke selected{0xFF17456B};
-    Stroke unselected{0xFF5F6B78, 1, 0x0F0F};
-    Stroke unselectedGrey{0xFF9DA5AD};
-    Stroke loose{0xFF007A5A, 3, 0x0FFF};
+    Stroke unselected{0xFF5F6B78, 1, 0x0F0F0F0F};
+    Stroke unselectedGrey{0xFF868F98, 1, 0x77777777};
+    Stroke loose{0xFF007A5A, 3, 0x0FFF0FFF};
     Stroke bad{0xFFC23B00, 3};
-    Stroke currentFace{0xFF8E2A8B, 3, 0x0707};
+    Stroke currentFace{0xFF8E2A8B, 3, 0x07070707};
     Stroke currentEdge{0xFF8E2A8B, 5};
     Stroke currentVertex{0xFF8E2A8B, 3};
     Stroke vertex{0xFF17456B};
-    Stroke normal{0xFF1B7FA8};
-    Stroke box{0xFF7A5200, 1, 0x03FF};
+    Stroke normal{0xFF1B7FA8, 1, 0x33333333};
+    Stroke box{0xFF7A5200, 1, 0x03FF03FF};
     Stroke settable{0xFF202020, 3};
-    Stroke axes[3] = {{0xFFB03A00, 1}, {0xFF00704F, 1}, {0xFF1F4FBF, 1}};
+    Stroke axes[3] = {
+        {0xFFB03A00, 1, 0x27FF27FF}, {0xFF00704F, 1, 0x27FF27FF}, {0xFF1F4FBF, 1, 0x27FF27FF}};
     Stroke grid{0xFFE2E5E8};
-    std::uint32_t gridText = 0xFF7A828B;
+    std::uint32_t gridText = 0xFF6A727B;
     std::uint32_t faceNumber = 0xFF7A3C00;
     std::uint32_t vertexNumber = 0xFF303840;
+
+    double pixel = 1; ///< device pixels to one of the desktop's
+    double normalLength = 20;
+    int squareRadius = 2; ///< of vertexes
+    double diamondRadius = 7;
+    double crossRadius = 6;
+    double gridStep = 50;
+    double axisLength = 60;
+    double shortAxis = 10; ///< one that looks shorter points at the viewer
+    int textGap = 4;
+    Font numberFont{11};
+    Font faceFont{11, 700};
+    Font settableFont{13, 700};
+    Font gridFont{12};
+    Font axisFont{13, 700};
+    double pickRadius = 6; ///< how near a point or an edge must be to be meant
+    double tremble = 2;    ///< what a hand moves the mouse in a click
+
+    Look() = default;
+    /// As large to the eye on a desktop of so many device pixels to one of its own.
+    explicit Look(double pixelScale);
 };
 
-inline constexpr Look look;
+/// The present look; each picture is drawn with that of the window's desktop.
+inline Look look;
 
 } // namespace polyfab

@@ -15,14 +15,7 @@
 namespace polyfab {
 namespace {
 
-constexpr double normalPixels = 20;
-constexpr int squareRadius = 2;
-constexpr double diamondRadius = 7;
-constexpr double crossRadius = 6;
 constexpr std::size_t mostNumbers = 2000; ///< of more in a pane hardly any could be read
-constexpr Font numberFont{11};
-constexpr Font faceFont{11, 700};
-constexpr Font settableFont{13, 700};
 
 /// Calls use(face) for the faces that the pane shows.
 template <typename Use>
@@ -36,26 +29,34 @@ void forEachShown(const Mesh& mesh, const Pane& pane, Use use) {
 /// The middle of the corners, world and screen.
 Point middleOf(const Face& face) {
     Point middle{};
+    const double share = 1.0 / face.n;
     for (int k = 0; k < face.n; ++k) {
         const Point& p = *face.q[k].p;
-        middle.x += p.x / face.n;
-        middle.y += p.y / face.n;
-        middle.z += p.z / face.n;
-        middle.sx += p.sx / face.n;
-        middle.sy += p.sy / face.n;
-        middle.sz += p.sz / face.n;
+        middle.x += p.x * share;
+        middle.y += p.y * share;
+        middle.z += p.z * share;
+        middle.sx += p.sx * share;
+        middle.sy += p.sy * share;
+        middle.sz += p.sz * share;
     }
     return middle;
 }
 
-/// Normal to the face by Newell's method, as long as twice its area; it points to where the face
-/// runs anticlockwise.
+/// Normal to the face by Newell's method; it points to where the face runs anticlockwise.
 Vec3 normalOf(const Face& face) {
-    Vec3 normal;
     const Point& base = *face.q[0].p;
-    const auto from = [&base](const Point& p) {
-        return Vec3{p.x - base.x, p.y - base.y, p.z - base.z};
+    double extent = 0;
+    for (int k = 1; k < face.n; ++k) {
+        const Point& p = *face.q[k].p;
+        extent = std::max(
+            {extent, std::abs(p.x - base.x), std::abs(p.y - base.y), std::abs(p.z - base.z)});
+    }
+    // In units of the face, so that no product overflows or vanishes.
+    const double scale = 1 / extent;
+    const auto from = [&](const Point& p) {
+        return Vec3{(p.x - base.x) * scale, (p.y - base.y) * scale, (p.z - base.z) * scale};
     };
+    Vec3 normal;
     for (int k = 0; k < face.n; ++k) {
         const Vec3 a = from(*face.q[k].p);
         const Vec3 b = from(*face.q[(k + 1) % face.n].p);
@@ -66,13 +67,23 @@ Vec3 normalOf(const Face& face) {
     return normal;
 }
 
+bool reachesPane(const Pane& pane, const Point& from) {
+    return pane.shows(pane.at(from), look.normalLength);
+}
+
 void drawNormal(const Pane& pane, const Point& from, const Vec3& normal) {
-    const double length = std::hypot(normal.x, normal.y, normal.z);
-    if (!(length > 0) || !pane.shows(pane.at(from), normalPixels)) return;
-    const double factor = normalPixels / view.scale / length;
-    pane.line(pane.at(from),
-              pane.at(Vec3{from.x + normal.x * factor, from.y + normal.y * factor,
-                           from.z + normal.z * factor}),
+    double length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
+    if (!(length > 1e-100 && length < 1e100)) {
+        length = std::hypot(normal.x, normal.y, normal.z); // squares may vanish or overflow
+        if (!(length > 0)) return;
+    }
+    const double factor = look.normalLength / view.scale / length;
+    const auto move = [&](const double(&row)[4]) {
+        return (row[0] * normal.x + row[1] * normal.y + row[2] * normal.z) * factor;
+    };
+    const auto& rows = projection.toScreen.row;
+    const Place start = pane.at(from);
+    pane.line(start, {start.x + move(rows[pane.left ? 0 : 2]), start.y + move(rows[1])},
               look.normal);
 }
 
@@ -83,9 +94,13 @@ void drawNormals(const Mesh& mesh, const Pane& pane) {
         for (int k = 0; k < face.n; ++k) {
             if (face.q[k].d == nullptr) continue;
             onCorners = true;
-            drawNormal(pane, *face.q[k].p, {face.q[k].d->x, face.q[k].d->y, face.q[k].d->z});
+            const Normal& normal = *face.q[k].d;
+            if (!reachesPane(pane, *face.q[k].p)) continue;
+            drawNormal(pane, *face.q[k].p, {normal.x, normal.y, normal.z});
         }
-        if (!onCorners) drawNormal(pane, middleOf(face), normalOf(face));
+        if (onCorners) return;
+        const Point middle = middleOf(face);
+        if (reachesPane(pane, middle)) drawNormal(pane, middle, normalOf(face));
     });
 }
 
@@ -114,17 +129,18 @@ std::vector<unsigned char> pointUses(const Mesh& mesh, const Pane& pane) {
 bool isPointShown(unsigned uses) { return uses == 0 || (uses & shown) != 0; }
 
 void drawSquare(const Pane& pane, const Place& at, bool filled) {
-    if (!pane.shows(at, squareRadius)) return;
-    const double x0 = at.x - squareRadius, x1 = at.x + squareRadius;
-    const double y0 = at.y - squareRadius, y1 = at.y + squareRadius;
-    if (filled) {
-        pane.line({x0, at.y}, {x1, at.y}, {look.vertex.color, 2 * squareRadius + 1});
-        return;
-    }
-    pane.line({x0, y0}, {x1, y0}, look.vertex);
-    pane.line({x0, y1}, {x1, y1}, look.vertex);
-    pane.line({x0, y0}, {x0, y1}, look.vertex);
-    pane.line({x1, y0}, {x1, y1}, look.vertex);
+    const int radius = look.squareRadius;
+    if (!pane.shows(at, radius)) return;
+    const int x = static_cast<int>(std::floor(at.x + 0.5));
+    const int y = static_cast<int>(std::floor(at.y + 0.5));
+    const auto line = [&](int left, int top, int right, int bottom, const Stroke& stroke) {
+        drawClipped(pane.canvas, x + left, y + top, x + right, y + bottom, stroke);
+    };
+    if (filled) return line(-radius, 0, radius, 0, {look.vertex.color, 2 * radius + 1});
+    line(-radius, -radius, radius, -radius, look.vertex);
+    line(-radius, radius, radius, radius, look.vertex);
+    line(-radius, -radius, -radius, radius, look.vertex);
+    line(radius, -radius, radius, radius, look.vertex);
 }
 
 void drawVertexes(const Mesh& mesh, const Pane& pane, const std::vector<unsigned char>& uses) {
@@ -177,6 +193,9 @@ class Writer {
         };
         if (std::any_of(taken.begin(), taken.end(), covers)) return;
         taken.push_back({at, at.x + width});
+        // The lines under it would make it hard to read.
+        const double middle = at.y + font.height / 2.0;
+        pane.line({at.x, middle}, {at.x + width - 1, middle}, {look.background, font.height});
         drawLabel(pane, at, number.text, font, color);
     }
 
@@ -199,26 +218,28 @@ void drawNumbers(const Mesh& mesh, const Pane& pane, const std::vector<unsigned 
         return true;
     };
     for (const Number& number : gatherNumbers(pane, mesh.nf, middle)) {
-        writer.write(number, -0.5, 0, faceFont, look.faceNumber);
+        writer.write(number, -0.5, 0, look.faceFont, look.faceNumber);
     }
     const auto point = [&](int i, Point& p) {
         p = mesh.points[i];
         return isPointShown(uses[static_cast<std::size_t>(i)]);
     };
     for (const Number& number : gatherNumbers(pane, mesh.np, point)) {
-        writer.write(number, 0, squareRadius + 1, numberFont, look.vertexNumber);
+        writer.write(number, 0, look.squareRadius + 1, look.numberFont, look.vertexNumber);
     }
 }
 
 void drawBox(const Pane& pane) {
-    const double x0 = pane.left ? box.left.x : box.left.z;
-    const double x1 = pane.left ? box.right.x : box.right.z;
-    const double y0 = box.left.y;
-    const double y1 = box.right.y;
-    pane.line({x0, y0}, {x1, y0}, look.box);
-    pane.line({x0, y1}, {x1, y1}, look.box);
-    pane.line({x0, y0}, {x0, y1}, look.box);
-    pane.line({x1, y0}, {x1, y1}, look.box);
+    const auto [x0, x1] =
+        pane.left ? std::minmax(box.left.x, box.right.x) : std::minmax(box.left.z, box.right.z);
+    const auto [y0, y1] = std::minmax(box.left.y, box.right.y);
+    // A pixel off, so that it does not cover the edges that it was fitted to.
+    const double off = look.pixel;
+    const Place low{x0 - off, y0 - off}, high{x1 + off, y1 + off};
+    pane.line(low, {high.x, low.y}, look.box);
+    pane.line({low.x, high.y}, high, look.box);
+    pane.line(low, {low.x, high.y}, look.box);
+    pane.line({high.x, low.y}, high, look.box);
 }
 
 /// The face of this index if it is there and sound.
@@ -242,10 +263,10 @@ void drawCurrent(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     }
     if (mesh.curvertex < 0 || mesh.curvertex >= mesh.np) return;
     const Place at = pane.at(mesh.points[mesh.curvertex]);
-    const Place tips[] = {{at.x - diamondRadius, at.y},
-                          {at.x, at.y - diamondRadius},
-                          {at.x + diamondRadius, at.y},
-                          {at.x, at.y + diamondRadius}};
+    const Place tips[] = {{at.x - look.diamondRadius, at.y},
+                          {at.x, at.y - look.diamondRadius},
+                          {at.x + look.diamondRadius, at.y},
+                          {at.x, at.y + look.diamondRadius}};
     for (std::size_t i = 0; i < 4; ++i) pane.line(tips[i], tips[(i + 1) % 4], look.currentVertex);
 }
 
@@ -254,12 +275,12 @@ void drawSettable(const Pane& pane, const std::array<Vec3, 2>& points) {
     if (atOrigin(points[0]) && atOrigin(points[1])) return;
     for (std::size_t i = 0; i < 2; ++i) {
         const Place at = pane.at(points[i]);
-        pane.line({at.x - crossRadius, at.y - crossRadius},
-                  {at.x + crossRadius, at.y + crossRadius}, look.settable);
-        pane.line({at.x - crossRadius, at.y + crossRadius},
-                  {at.x + crossRadius, at.y - crossRadius}, look.settable);
-        drawLabel(pane, {at.x + crossRadius + 3, at.y - settableFont.height / 2.0},
-                  i == 0 ? "1" : "2", settableFont, look.settable.color);
+        pane.line({at.x - look.crossRadius, at.y - look.crossRadius},
+                  {at.x + look.crossRadius, at.y + look.crossRadius}, look.settable);
+        pane.line({at.x - look.crossRadius, at.y + look.crossRadius},
+                  {at.x + look.crossRadius, at.y - look.crossRadius}, look.settable);
+        drawLabel(pane, {at.x + look.crossRadius + 3, at.y - look.settableFont.height / 2.0},
+                  i == 0 ? "1" : "2", look.settableFont, look.settable.color);
     }
 }
 

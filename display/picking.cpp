@@ -75,6 +75,21 @@ void eachFaceNear(const Mesh& mesh, const PanePlace& place, double radius, Use u
     }
 }
 
+/// Hands out the numbers of the points that no live face uses.
+template <typename Use>
+void eachUnusedPoint(const Mesh& mesh, Use use) {
+    Table<std::uint8_t> used(mesh.np, 0);
+    if (!used) return;
+    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        for (int k = 0; face->q != nullptr && k < face->n; ++k) {
+            used[indexIn(mesh.points, face->q[k].p)] = 1;
+        }
+    }
+    for (int i = 0; i < mesh.np; ++i) {
+        if (used[i] == 0) use(i);
+    }
+}
+
 const Point& cornerPoint(const Face& face, int corner) {
     return *face.q[corner == face.n ? 0 : corner].p;
 }
@@ -146,20 +161,20 @@ std::optional<PanePlace> placeInPane(Size client, int x, int y) {
 int pointAt(const Mesh& mesh, const PanePlace& place, double radius, int except) {
     int found = -1;
     Near best;
+    const auto consider = [&](int index) {
+        const Seen seen(mesh.points[index], place.left);
+        const Near near{seen.depth, seen.awayFrom(place)};
+        if (!seen.isFinite() || near.distance > radius * radius || index == except) return;
+        if (near < best || (near == best && index < found)) {
+            best = near;
+            found = index;
+        }
+    };
     eachFaceNear(mesh, place, radius, [&](int i) {
         const Face& face = mesh.faces[i];
-        for (int k = 0; k < face.n; ++k) {
-            const Seen seen(*face.q[k].p, place.left);
-            const Near near{seen.depth, seen.awayFrom(place)};
-            if (!seen.isFinite() || near.distance > radius * radius) continue;
-            const int index = indexIn(mesh.points, face.q[k].p);
-            if (index == except) continue;
-            if (near < best || (near == best && index < found)) {
-                best = near;
-                found = index;
-            }
-        }
+        for (int k = 0; k < face.n; ++k) consider(indexIn(mesh.points, face.q[k].p));
     });
+    if (displayOptions.vertexes) eachUnusedPoint(mesh, consider);
     return found;
 }
 

@@ -4,6 +4,7 @@
 // are points and edges that only they use.
 #pragma once
 
+#include "display/look.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 
@@ -21,12 +22,10 @@ struct PanePlace {
 /// The pane position of this client position; nothing on the line between the panes or outside.
 [[nodiscard]] std::optional<PanePlace> placeInPane(Size client, int x, int y);
 
-/// How near, in pixels, a point or an edge must be to be meant.
-inline constexpr double pickRadius = 6;
-
-/// The point within the radius that is nearest to the viewer (of equally near ones the nearest to
-/// the place, then the lowest index), or -1. `except` is never found.
-[[nodiscard]] int pointAt(const Mesh& mesh, const PanePlace& place, double radius = pickRadius,
+/// The point within the radius (pixels) that is nearest to the viewer (of equally near ones the
+/// nearest to the place, then the lowest index), or -1. `except` is never found, and a point that
+/// no face uses only while vertexes are shown.
+[[nodiscard]] int pointAt(const Mesh& mesh, const PanePlace& place, double radius = look.pickRadius,
                           int except = -1);
 
 struct PickedEdge {
@@ -37,7 +36,7 @@ struct PickedEdge {
 /// The edge within the radius that is nearest to the viewer at the place where it passes (of
 /// equally near ones the nearest to the place, then the first in the order of faces).
 [[nodiscard]] PickedEdge edgeAt(const Mesh& mesh, const PanePlace& place,
-                                double radius = pickRadius);
+                                double radius = look.pickRadius);
 
 /// The face whose outline in the pane has the place inside (even-odd rule) and that is nearest to
 /// the viewer there (of equally near ones the first), or -1.

@@ -83,15 +83,33 @@ void drawThin(const Canvas& canvas, const Axis& major, const Axis& minor, const 
     run.draw(pixel, last - first, stroke, static_cast<int>(major.placeAfter(first)), major.back());
 }
 
+bool isOn(const Canvas& canvas, int x, int y) {
+    return x >= 0 && x < canvas.width && y >= 0 && y < canvas.height;
+}
+
+/// One of the lines that lie side by side in a stroke.
+void drawOne(const Canvas& canvas, int x0, int y0, int x1, int y1, const Stroke& stroke) {
+    if (isOn(canvas, x0, y0) && isOn(canvas, x1, y1)) {
+        const auto draw = stroke.pattern == Stroke::solid ? drawInside<false> : drawInside<true>;
+        return draw(canvas, x0, y0, x1, y1, stroke);
+    }
+    Axis major = axis(x0, x1, canvas.width, 1);
+    Axis minor = axis(y0, y1, canvas.height, canvas.stride);
+    if (major.length() < minor.length()) std::swap(major, minor);
+    drawThin(canvas, major, minor, stroke);
+}
+
 } // namespace
 
 void drawClipped(const Canvas& canvas, int x0, int y0, int x1, int y1, const Stroke& stroke) {
     if (canvas.width <= 0 || canvas.height <= 0) return;
-    Axis major = axis(x0, x1, canvas.width, 1);
-    Axis minor = axis(y0, y1, canvas.height, canvas.stride);
-    if (major.length() < minor.length()) std::swap(major, minor);
-    minor.start -= stroke.width / 2;
-    for (int i = 0; i < stroke.width; ++i, ++minor.start) drawThin(canvas, major, minor, stroke);
+    const bool flat = std::abs(Wide{x1} - x0) >= std::abs(Wide{y1} - y0);
+    const int right = flat ? 0 : 1;
+    const int down = flat ? 1 : 0;
+    const int first = -(stroke.width / 2);
+    for (int i = first; i < first + stroke.width; ++i) {
+        drawOne(canvas, x0 + i * right, y0 + i * down, x1 + i * right, y1 + i * down, stroke);
+    }
 }
 
 void drawLine(const Canvas& canvas, double x0, double y0, double x1, double y1,

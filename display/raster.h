@@ -26,15 +26,15 @@ struct Canvas {
 
 /// How a line is drawn.
 struct Stroke {
-    static constexpr std::uint16_t solid = 0xFFFF;
+    static constexpr std::uint32_t solid = 0xFFFFFFFF;
 
     std::uint32_t color;
-    int width = 1; ///< odd: so many lines side by side
-    /// Bit i: whether the columns (rows) whose number is i modulo 16 are drawn. The first pixel of
+    int width = 1; ///< so many lines side by side; of an even number one more above or to the left
+    /// Bit i: whether the columns (rows) whose number is i modulo 32 are drawn. The first pixel of
     /// a line always is, so that nothing vanishes between two dashes.
-    std::uint16_t pattern = solid;
+    std::uint32_t pattern = solid;
 
-    bool draws(int place) const { return (pattern >> (place & 15) & 1) != 0; }
+    bool draws(int place) const { return (pattern >> (place & 31) & 1) != 0; }
 };
 
 /// Positions that drawClipped takes lie within plus and minus this.
@@ -75,7 +75,7 @@ struct LineRun {
             walk(pixel, steps, [color](std::uint32_t* p) { *p = color; });
             return;
         }
-        std::uint32_t bits = std::rotr(stroke.pattern * 0x10001U, place & 15);
+        std::uint32_t bits = std::rotr(stroke.pattern, place & 31);
         const int turn = back ? -1 : 1;
         walk(pixel, steps, [color, turn, &bits](std::uint32_t* p) {
             if ((bits & 1) != 0) *p = color;

@@ -19,16 +19,17 @@
 namespace polyfab {
 namespace {
 
-/// A point in pixels, with a bit for every pane side that it lies beyond.
+/// A point in pixels; a position that 16 bits cannot hold is brought to the nearest that they can,
+/// and one that is not a number is 0.
 struct PanePoint {
     std::int16_t x, y, z;
-    std::uint16_t beyond;
+    std::uint16_t outside;
 };
 
-// Bits of PanePoint::beyond.
-constexpr unsigned leftSides = 0x33;  ///< left, right; above, below
-constexpr unsigned rightSides = 0x3C; ///< front, back; above, below
-constexpr unsigned tooFar = 0x40;     ///< a position that 16 bits cannot hold
+// Bits of PanePoint::outside.
+constexpr unsigned ofLeft = 1;  ///< not in the left pane
+constexpr unsigned ofRight = 2; ///< not in the right one
+constexpr unsigned tooFar = 4;  ///< the pixels are not where the point is
 
 struct Wireframe {
     Bitmap picture;
@@ -38,16 +39,12 @@ struct Wireframe {
 
 Wireframe wireframe;
 
-unsigned sidesBeyond(int position, int size) {
-    return (position < 0 ? 1U : 0U) | (position >= size ? 2U : 0U);
-}
-
 /// Rounds to whole pixels; sets `far` for what 16 bits cannot hold, NaN included.
 int roundPixel(double value, bool& far) {
     constexpr int bias = 1 << 15;
     if (!(std::abs(value) < bias - 1)) {
         far = true;
-        return 0;
+        return std::isnan(value) ? 0 : value < 0 ? 1 - bias : bias - 1;
     }
     return static_cast<int>(value + (bias + 0.5)) - bias;
 }
@@ -57,10 +54,13 @@ PanePoint panePoint(const Point& p, const Panes& panes) {
     const int x = roundPixel(p.sx, far);
     const int y = roundPixel(p.sy, far);
     const int z = roundPixel(p.sz, far);
-    const unsigned beyond = sidesBeyond(x, panes.leftWidth) | sidesBeyond(z, panes.rightWidth) << 2
-                            | sidesBeyond(y, panes.height) << 4;
+    const auto within = [](int position, int size) { return position >= 0 && position < size; };
+    const bool high = within(y, panes.height);
+    const unsigned outside = (high && within(x, panes.leftWidth) ? 0 : ofLeft)
+                             | (high && within(z, panes.rightWidth) ? 0 : ofRight)
+                             | (far ? tooFar : 0);
     return {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-            static_cast<std::int16_t>(z), static_cast<std::uint16_t>(far ? tooFar : beyond)};
+            static_cast<std::int16_t>(z), static_cast<std::uint16_t>(outside)};
 }
 
 /// Edges that are drawn alike: those that have just the marks `value` of those in `mask`.
@@ -75,11 +75,18 @@ void drawCrossing(const Mesh& mesh, const Pane& pane, std::uint32_t from, std::u
                   const Stroke& stroke) {
     const PanePoint& a = wireframe.points[from];
     const PanePoint& b = wireframe.points[to];
-    const unsigned sides = pane.left ? leftSides : rightSides;
-    if (((a.beyond | b.beyond) & tooFar) != 0) {
+    const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
+    const auto beyondSide = [&stroke](int p, int q, int size) {
+        const int reach = stroke.width / 2;
+        return std::max(p, q) < -reach || std::min(p, q) >= size + reach;
+    };
+    if (beyondSide(a.*across, b.*across, pane.canvas.width)
+        || beyondSide(a.y, b.y, pane.canvas.height)) {
+        return;
+    }
+    if (((a.outside | b.outside) & tooFar) != 0) {
         pane.line(pane.at(mesh.points[from]), pane.at(mesh.points[to]), stroke);
-    } else if ((a.beyond & b.beyond & sides) == 0 || stroke.width > 1) {
-        const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
+    } else {
         drawClipped(pane.canvas, a.*across, a.y, b.*across, b.y, stroke);
     }
 }
@@ -92,7 +99,7 @@ void drawEdges(const Mesh& mesh, const Pane& pane, const Layer& layer) {
     const bool thin = stroke.width == 1;
     const bool dashed = stroke.pattern != Stroke::solid;
     const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
-    const unsigned outside = (pane.left ? leftSides : rightSides) | tooFar;
+    const unsigned outside = (pane.left ? ofLeft : ofRight) | tooFar;
     const auto count = static_cast<std::uint32_t>(wireframe.points.size());
     const std::size_t last = edges.other.size() - 1;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -104,7 +111,7 @@ void drawEdges(const Mesh& mesh, const Pane& pane, const Layer& layer) {
             if ((edges.marks[k] & layer.mask) != layer.value) continue;
             const std::uint32_t to = edges.other[k];
             const PanePoint b = wireframe.points[to];
-            if (!thin || ((a.beyond | b.beyond) & outside) != 0) {
+            if (!thin || ((a.outside | b.outside) & outside) != 0) {
                 drawCrossing(mesh, pane, i, to, stroke);
             } else if (dashed) {
                 drawInside<true>(canvas, a.*across, a.y, b.*across, b.y, stroke);
@@ -168,6 +175,7 @@ void refresh(Mesh& mesh, Size client, const Markers& markers) {
     if (stale.edges || wireframe.edges.first.size() != static_cast<std::size_t>(mesh.np) + 1) {
         listEdges(mesh, wireframe.edges);
     }
+    look = Look(platform().pixelScale());
     draw(mesh, markers);
     stale = {false, false, false};
 }

@@ -11,7 +11,9 @@ namespace polyfab {
 template <bool DisplayOptions::*option>
 void flip() {
     displayOptions.*option = !(displayOptions.*option);
-    stale.edges = true; // some switches change which edges are drawn
+    // Which faces face away is worked out with the list of edges.
+    constexpr bool changesEdges = option == &DisplayOptions::hideFacingAway;
+    (changesEdges ? stale.edges : stale.picture) = true;
 }
 
 template <bool DisplayOptions::*option>

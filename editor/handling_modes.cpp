@@ -109,7 +109,7 @@ void pressVertex(const Event& event) {
 bool weldAt(const Event& event) {
     cancelPointDrag(); // a weld moves it onto the other, not to where the mouse is
     const auto place = pickingPlace(event);
-    const int onto = place ? pointAt(*OB, *place, pickRadius, OB->curvertex) : -1;
+    const int onto = place ? pointAt(*OB, *place, look.pickRadius, OB->curvertex) : -1;
     if (onto < 0) return false;
     weldPair(*OB, OB->curvertex, onto);
     OB->curvertex = onto;

@@ -2,6 +2,7 @@
 #include "editor/navigation.h"
 
 #include "display/box.h"
+#include "display/look.h"
 #include "display/picking.h"
 #include "display/view.h"
 #include "editor/state.h"
@@ -36,8 +37,9 @@ bool modeButtonsAreDown() { return (editorState.history & 3) != 0; }
 /// About the axis that is seen vertical, then about the one seen horizontal: what faces the viewer
 /// of the pane follows the mouse.
 void turnByMouse(int across, int down) {
-    turnView(1, -radiansPerPixel * across, true);
-    turnView(drag.inRightPane ? 2 : 0, radiansPerPixel * down, true);
+    const double angle = radiansPerPixel / look.pixel;
+    turnView(1, -angle * across, true);
+    turnView(drag.inRightPane ? 2 : 0, angle * down, true);
 }
 
 void panByMouse(double across, double down) {

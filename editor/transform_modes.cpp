@@ -3,6 +3,7 @@
 
 #include "display/affine.h"
 #include "display/box.h"
+#include "display/look.h"
 #include "display/view.h"
 #include "editor/drag.h"
 #include "editor/state.h"
@@ -15,7 +16,7 @@
 namespace polyfab {
 namespace {
 
-constexpr double doubling = 100; ///< pixels that double a size
+constexpr double doubling = 100; ///< pixels of the desktop that double a size
 constexpr double radiansPerPixel = std::numbers::pi / 360;
 
 /// The drag of a mode, from press to release.
@@ -55,12 +56,12 @@ Vec3 step(const Event& event) {
 
 /// A thousandfold at most in one drag, so that nothing shrinks to a point or flies off for good.
 double factorOf(const Vec3& moved) {
-    return std::exp2(std::clamp((moved.x + moved.z - moved.y) / doubling, -10.0, 10.0));
+    return std::exp2(std::clamp((moved.x + moved.z - moved.y) / (doubling * look.pixel), -10.0, 10.0));
 }
 
 /// About y, what faces the viewer moves to the right when the turn runs backwards.
 double angleOf(int axis, const Vec3& moved) {
-    return (axis == 1 ? -1 : 1) * radiansPerPixel * (moved.x + moved.y + moved.z);
+    return (axis == 1 ? -1 : 1) * radiansPerPixel / look.pixel * (moved.x + moved.y + moved.z);
 }
 
 /// Begins to drag the selected faces, whose points and normals go with `drag.map`; `normals` false:

@@ -17,10 +17,9 @@ namespace polyfab {
 }
 
 /// Whether the mouse is off the place where the button went down by more than a hand trembles in a
-/// click: up to two pixels along either axis.
+/// click, along either axis.
 [[nodiscard]] inline bool isDrag(int right, int down) {
-    constexpr int tremble = 2;
-    return std::abs(right) > tremble || std::abs(down) > tremble;
+    return std::abs(right) > look.tremble || std::abs(down) > look.tremble;
 }
 
 } // namespace polyfab

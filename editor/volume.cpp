@@ -54,15 +54,35 @@ std::int64_t countOpenEdges(const Mesh& mesh) {
     return open;
 }
 
-/// Three times c . a, of positions relative to `origin`, and doubled.
-double sixfoldVolume(const Face& face, const Point& origin) {
+/// Positions from a point of the surface and in units of its extent: a small surface far away does
+/// not drown in large summands, and no product overflows or vanishes.
+struct Frame {
+    const Point* origin = nullptr;
+    double extent = 0;
+
+    Vec3 operator()(const Point& p) const {
+        return {(p.x - origin->x) / extent, (p.y - origin->y) / extent, (p.z - origin->z) / extent};
+    }
+};
+
+Frame frameOf(const Mesh& mesh) {
+    Frame frame;
+    eachSelectedEdge(mesh, [&](std::int32_t index, std::int32_t) {
+        const Point& p = mesh.points[index];
+        if (frame.origin == nullptr) frame.origin = &p;
+        frame.extent = std::max({frame.extent, std::abs(p.x - frame.origin->x),
+                                 std::abs(p.y - frame.origin->y), std::abs(p.z - frame.origin->z)});
+    });
+    return frame;
+}
+
+/// Three times c . a, and doubled.
+double sixfoldVolume(const Face& face, const Frame& frame) {
     Vec3 sum;
     Vec3 area;
     for (int k = 0; k < face.n; ++k) {
-        const Point& p = *face.q[k].p;
-        const Point& q = *face.q[k + 1 == face.n ? 0 : k + 1].p;
-        const Vec3 a{p.x - origin.x, p.y - origin.y, p.z - origin.z};
-        const Vec3 b{q.x - origin.x, q.y - origin.y, q.z - origin.z};
+        const Vec3 a = frame(*face.q[k].p);
+        const Vec3 b = frame(*face.q[k + 1 == face.n ? 0 : k + 1].p);
         sum = {sum.x + a.x, sum.y + a.y, sum.z + a.z};
         area = {area.x + a.y * b.z - a.z * b.y, area.y + a.z * b.x - a.x * b.z,
                 area.z + a.x * b.y - a.y * b.x};
@@ -70,17 +90,16 @@ double sixfoldVolume(const Face& face, const Point& origin) {
     return (sum.x * area.x + sum.y * area.y + sum.z * area.z) / face.n;
 }
 
-/// Positive when the faces face outwards. The origin is one of their points, so that a small
-/// surface far away does not drown in large summands.
+/// Positive when the faces face outwards.
 double volumeWithin(const Mesh& mesh) {
-    const Point* origin = nullptr;
+    const Frame frame = frameOf(mesh);
+    if (frame.extent == 0) return 0;
     double sum = 0;
     for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
         if (face->q == nullptr || !face->selected || face->n < 1) continue;
-        if (origin == nullptr) origin = face->q->p;
-        sum += sixfoldVolume(*face, *origin);
+        sum += sixfoldVolume(*face, frame);
     }
-    return sum / 6;
+    return sum / 6 * frame.extent * frame.extent * frame.extent;
 }
 
 bool anySelected(const Mesh& mesh) {

@@ -4,6 +4,7 @@
 #include "formats/dxf_reader.h"
 
 #include "display/view.h"
+#include "editor/title.h"
 #include "formats/file_command.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
@@ -13,7 +14,6 @@
 #include "mesh/point_index.h"
 #include "platform/platform.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <new>
@@ -88,18 +88,6 @@ double decimalIn(std::string_view line) {
 }
 
 bool isLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
-
-/// The title, as far as it is put back after the reading: 128 characters.
-std::string keptTitle() {
-    std::string title = platform().title();
-    const auto startsCharacter = [](char c) { return (c & 0xC0) != 0x80; };
-    int characters = 0;
-    const auto end = std::find_if(title.begin(), title.end(), [&](char c) {
-        return startsCharacter(c) && characters++ == 128;
-    });
-    title.erase(end, title.end());
-    return title;
-}
 
 /// The reading pass.
 class Reader {
@@ -219,7 +207,7 @@ int readEntities(const std::string& path) try {
 
 int readDxfFile(const std::string& path, bool append) {
     if (!append) OB->clear(true);
-    const std::string title = keptTitle();
+    const std::string title = titleUpTo(128);
     const int boundaries = readEntities(path);
     if (boundaries == 0) return 0;
     stale.edges = true;

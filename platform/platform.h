@@ -136,6 +136,9 @@ class Platform {
     virtual std::string title() const = 0;
     virtual void setTitle(const std::string& text) = 0;
     virtual Size clientSize() const = 0;
+    /// Device pixels to one of the desktop's pixels, 1 or more: 2 where everything on the desktop is
+    /// drawn twice as large, so that it keeps its size to the eye.
+    virtual double pixelScale() const = 0;
     /// Puts the menu bar of this name on the window, in place of the one before.
     virtual void setMenuBar(const std::string& name, const MenuBar& bar) = 0;
     /// Changes one item of the present menu bar; an id that is not there is ignored.

@@ -3,13 +3,13 @@
 
 #include "display/view.h"
 #include "editor/state.h"
+#include "editor/title.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/elements.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -106,17 +106,14 @@ void unweldPart(Mesh& mesh, PartTables& t, std::int32_t part) {
 
 void unweldPartByPart(Mesh& mesh, PartTables& t) {
     const auto total = static_cast<int>(std::count(&t.selected[0], &t.selected[0] + mesh.nprt, 1));
-    const std::string title = platform().title();
+    const SavedTitle title(512);
     int number = 0;
     for (std::int32_t part = 0; part < mesh.nprt; ++part) {
         if (!t.selected[part]) continue;
         if (abortRequested()) break;
-        char text[64];
-        std::snprintf(text, sizeof text, "I am working on part %4d out of %d", ++number, total);
-        platform().setTitle(text);
+        showTitle("I am working on part %4d out of %d", ++number, total);
         unweldPart(mesh, t, part);
     }
-    platform().setTitle(title);
 }
 
 } // namespace

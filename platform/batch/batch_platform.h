@@ -46,6 +46,7 @@ class BatchPlatform : public Platform {
     std::string title() const override { return windowTitle; }
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return size; }
+    double pixelScale() const override { return 1; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
     void requestPaint() override { paintDue = true; }

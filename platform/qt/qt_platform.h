@@ -29,6 +29,7 @@ class QtPlatform : public Platform {
     std::string title() const override { return windowTitle; }
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return window.canvas().clientSize(); }
+    double pixelScale() const override { return window.devicePixelRatioF(); }
     void setMenuBar(const std::string& name, const MenuBar& bar) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
     void requestPaint() override;

@@ -95,7 +95,10 @@ TEST_F(Golden, CubeWithEverything) {
     OB->curface = 1;
     OB->curvertex = 2;
     box = {{60, 170, 40}, {150, 20, 150}};
-    compare("everything", {5, 1, {Vec3{1.2, 0.3, 0}, Vec3{-1.2, -0.3, 0}}});
+    const Markers markers{5, 1, {Vec3{1.2, 0.3, 0}, Vec3{-1.2, -0.3, 0}}};
+    compare("everything", markers);
+    text.scale = 2;
+    compare("everything_on_a_fine_screen", markers);
 }
 
 TEST_F(Golden, HalfSelectedShell) {

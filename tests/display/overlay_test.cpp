@@ -3,6 +3,7 @@
 
 #include "display/look.h"
 #include "display/pane_images.h"
+#include "mesh/edges.h"
 #include "tests/display/pane_fixture.h"
 
 #include <set>
@@ -53,6 +54,41 @@ TEST_F(OverlayTest, EachSwitchBringsItsOwnColours) {
         displayOptions.*option = true;
         EXPECT_GT(count(redraw(markers), color), 20);
         displayOptions.*option = false;
+    }
+}
+
+TEST_F(OverlayTest, NormalsPointToWhereTheFacesRunAnticlockwise) {
+    displayOptions.normals = true;
+    for (const double size : {1.0, 1e-170, 1e160}) {
+        for (int i = 0; i < OB->np; ++i) {
+            Point& p = OB->points[i];
+            p.x = std::copysign(size, p.x);
+            p.y = std::copysign(size, p.y);
+            p.z = std::copysign(size, p.z);
+        }
+        fitView(*OB);
+        zoomView(0.5, middleOfPanes());
+        for (const bool outwards : {true, false}) {
+            const Bitmap& picture = redraw();
+            const int left = static_cast<int>(std::lround(OB->points[0].sx));
+            const int side = std::min(left, 200 - left); // the cube's in the left pane
+            std::ptrdiff_t beside = 0;
+            for (int y = 0; y < client.height; ++y) {
+                const auto row = picture.pixels.begin() + y * picture.width + side;
+                beside += std::count(row - 10, row - 4, look.normal.color);
+            }
+            EXPECT_EQ(beside > 0, outwards) << size;
+            for (int i = 0; i < OB->nf; ++i) reverseFace(OB->faces[i]);
+        }
+    }
+}
+
+TEST_F(OverlayTest, WhatIsCurrentShowsThoughItIsHidden) {
+    displayOptions.current = displayOptions.hideFacingAway = true;
+    OB->faces[0].selected = 0;
+    for (OB->curface = 0; OB->curface < OB->nf; ++OB->curface) {
+        const Bitmap& picture = redraw();
+        EXPECT_GT(count(picture, look.currentFace.color), 40) << OB->curface;
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "display/affine.h"
 #include "display/box.h"
+#include "display/look.h"
 #include "display/options.h"
 #include "display/view.h"
 #include "display/wireframe.h"
@@ -26,6 +27,7 @@ class PaneTest : public MeshTest {
     }
     ~PaneTest() override {
         displayOptions = {};
+        look = Look();
         box = {};
         view.client = {};
         resetView();

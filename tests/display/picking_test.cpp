@@ -4,6 +4,7 @@
 #include "tests/display/pane_fixture.h"
 
 #include <map>
+#include <set>
 
 namespace polyfab::test {
 namespace {
@@ -116,6 +117,7 @@ TEST_F(Picking, PointsAndEdgesAgreeWithTheRule) {
         // Few points on a lattice, so that ties are frequent. Some are at no number, unless faces
         // are hidden.
         displayOptions.hideFacingAway = round % 3 == 0;
+        displayOptions.vertexes = round % 5 < 2;
         random.fill(3 + random.below(12), 1 + random.below(9), 5);
         const auto coordinate = [&] {
             const int die = random.below(displayOptions.hideFacingAway ? 39 : 41);
@@ -131,20 +133,24 @@ TEST_F(Picking, PointsAndEdgesAgreeWithTheRule) {
         const double pointRadius = 5;   // met exactly by 3, 4
         const double edgeRadius = 1.07; // no edge of the lattice is just as far away
         Spot bestPoint{infinity, infinity, -1}, nextPoint = bestPoint;
+        const auto meet = [&](int number, double right, double down, double depth) {
+            const Spot rank{depth, right * right + down * down, double(number)};
+            if (rank[1] > pointRadius * pointRadius || rank == bestPoint) return;
+            nextPoint = std::min(nextPoint, std::max(rank, bestPoint));
+            bestPoint = std::min(bestPoint, rank);
+        };
+        std::set<int> used;
         double nearest = infinity;
         std::map<std::pair<int, int>, std::array<double, 4>> found; // of each edge its first side
         for (int f = 0; f < OB->nf; ++f) {
             const auto c = outline(OB->faces[f], place.left);
             const std::vector<int> numbers = pointsOf(f);
+            used.insert(numbers.begin(), numbers.end());
             for (std::size_t k = 0; k + 1 < c.size(); ++k) {
                 const Spot &a = c[k], &b = c[k + 1];
                 if (!isFinite(a)) continue;
                 const double right = place.x - a[0], down = place.y - a[1];
-                const Spot rank{a[2], right * right + down * down, double(numbers[k])};
-                if (rank[1] <= pointRadius * pointRadius && rank != bestPoint) {
-                    nextPoint = std::min(nextPoint, std::max(rank, bestPoint));
-                    bestPoint = std::min(bestPoint, rank);
-                }
+                meet(numbers[k], right, down, a[2]);
                 if (!isFinite(b)) continue;
                 // Of the edge, the point next to the place.
                 const double dx = b[0] - a[0], dy = b[1] - a[1], length = dx * dx + dy * dy;
@@ -157,6 +163,11 @@ TEST_F(Picking, PointsAndEdgesAgreeWithTheRule) {
                 found.try_emplace(std::minmax({numbers[k], numbers[(k + 1) % numbers.size()]}),
                                   std::array{away, depth, double(f), double(k)});
             }
+        }
+        for (int i = 0; displayOptions.vertexes && i < OB->np; ++i) {
+            const Spot at = seen(OB->points[i], place.left);
+            if (used.contains(i) || !isFinite(at)) continue;
+            meet(i, place.x - at[0], place.y - at[1], at[2]);
         }
         const int best = static_cast<int>(bestPoint[2]), next = static_cast<int>(nextPoint[2]);
         points += best >= 0;

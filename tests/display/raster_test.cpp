@@ -45,9 +45,10 @@ void drawPlainly(Sheet& sheet, std::int64_t x0, std::int64_t y0, std::int64_t x1
         const std::int64_t i =
             flat ? (dx < 0 ? x0 - place : place - x0) : (dy < 0 ? y0 - place : place - y0);
         if (i < 0 || i > n) continue;
-        if (i > 0 && (stroke.pattern >> place % 16 & 1) == 0) continue;
+        if (i > 0 && (stroke.pattern >> place % 32 & 1) == 0) continue;
         const auto moves = n == 0 ? 0 : static_cast<std::int64_t>((2 * i * m + n) / (2 * n));
-        for (int beside = -(stroke.width / 2); beside <= stroke.width / 2; ++beside) {
+        for (int k = 0; k < stroke.width; ++k) {
+            const int beside = k - stroke.width / 2;
             const std::int64_t x = flat ? place : x0 + (dx < 0 ? -moves : moves) + beside;
             const std::int64_t y = flat ? y0 + (dy < 0 ? -moves : moves) + beside : place;
             if (x >= 0 && x < sheet.width && y >= 0 && y < sheet.height) {
@@ -81,8 +82,8 @@ TEST(Raster, RandomLinesAreThePlainLineLessWhatIsOffTheCanvas) {
         return std::uniform_int_distribution<int>(-reach, reach)(random);
     };
     // From lines within the canvas to lines that only graze it from very far.
-    constexpr Stroke strokes[] = {{ink},    {ink, 1, 0x0F0F}, {ink, 1, 0x83A1},
-                                  {ink, 3}, {ink, 5},         {ink, 3, 0x0707}};
+    constexpr Stroke strokes[] = {{ink},    {ink, 1, 0x0F0F0F0F}, {ink, 1, 0x83A1F0C3}, {ink, 2},
+                                  {ink, 5}, {ink, 3, 0x07070707}};
     constexpr int reaches[] = {2, 20, 45, 200, 30000, 10000000, 1000000000, lineReach};
     for (int round = 0; round < 40000; ++round) {
         Segment segment;

@@ -29,6 +29,7 @@ class FakePlatform : public Platform {
     int escapeAfter = -1; ///< looks until Escape is down; -1: it never is
 
     Size size{1024, 512};
+    double scale = 1;
     std::string windowTitle;
     MenuBar bar;
     Bitmap picture; ///< what was presented last
@@ -44,6 +45,7 @@ class FakePlatform : public Platform {
     std::string title() const override { return windowTitle; }
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return size; }
+    double pixelScale() const override { return scale; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
     void requestPaint() override { ++paintRequests; }
