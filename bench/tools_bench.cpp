@@ -4,11 +4,17 @@
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "display/view.h"
+#include "generators/block.h"
 #include "mesh/mesh.h"
 #include "tools/duplicate.h"
+#include "tools/find_areas.h"
+#include "tools/find_parts.h"
 #include "tools/names_from_numbers.h"
+#include "tools/point_normals.h"
 #include "tools/same_corners.h"
 #include "tools/separate_glued.h"
+#include "tools/smooth.h"
+#include "tools/thicken.h"
 #include "tools/unweld.h"
 
 #include <cstdint>
@@ -49,6 +55,22 @@ void buildFan(std::int64_t triangles) {
     }
 }
 
+/// Separate cubes, which have this many faces.
+void buildCubes(std::int64_t faces) {
+    OB->clear(true);
+    constexpr int quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
+                                 {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
+    while (OB->nf < faces) {
+        const int base = OB->np;
+        for (int i = 0; i < 8; ++i) OB->addPoint(base + (i & 1), i >> 1 & 1, i >> 2, false);
+        for (const auto& quad : quads) {
+            polyfab::Point* list[4];
+            for (int k = 0; k < 4; ++k) list[k] = OB->points + base + quad[k];
+            OB->addFaceByPoints(list, 4, false);
+        }
+    }
+}
+
 template <void (*build)(std::int64_t), void (*tool)(Mesh&)>
 void run(benchmark::State& state) {
     for (auto _ : state) {
@@ -59,6 +81,20 @@ void run(benchmark::State& state) {
     }
     bench::showRate(state, "faces/s", static_cast<double>(state.range(0)));
 }
+
+/// One pass over the normals of the points.
+void smoothNormals(benchmark::State& state) {
+    bench::buildGridMesh(state.range(0));
+    polyfab::SelectedSurface surface(*OB);
+    surface.findNormals();
+    for (auto _ : state) surface.smoothNormals();
+    bench::showRate(state, "faces/s", static_cast<double>(state.range(0)));
+}
+
+void findParts(Mesh& mesh) { polyfab::findparts(mesh, 0); }
+void findSharpParts(Mesh& mesh) { polyfab::findparts(mesh, 30); }
+void makeBlock(Mesh& mesh) { polyfab::makeBlock(mesh, 5, 6, 5, 6, 5, 6); }
+void smoothView(Mesh& mesh) { polyfab::smoothView(mesh, 'x'); }
 
 } // namespace
 
@@ -73,5 +109,14 @@ int main(int argc, char** argv) {
     bench::addGrowth("unweld", run<buildParts, polyfab::unweldSelected>, n);
     bench::addGrowth("unweld_parts", run<buildParts, polyfab::unweldSelectedParts>, n);
     bench::addGrowth("parts_to_materials", run<buildParts, polyfab::makePartsIntoMaterials>, n);
+    bench::addGrowth("find_parts", run<bench::buildGridMesh, findParts>, n);
+    bench::addGrowth("find_parts_sharp", run<bench::buildGridMesh, findSharpParts>, n);
+    bench::addGrowth("find_parts_cubes", run<buildCubes, findParts>, 30'000);
+    bench::addGrowth("find_areas", run<bench::buildGridMesh, polyfab::findareas>, n);
+    bench::addGrowth("block", run<bench::buildGridMesh, makeBlock>, n);
+    bench::addGrowth("thicken", run<bench::buildGridMesh, polyfab::thicken>, n);
+    bench::addGrowth("smooth_normals", smoothNormals, n);
+    bench::addGrowth("smooth_dents", run<bench::buildGridMesh, polyfab::smoothDents>, n);
+    bench::addGrowth("smooth_view", run<bench::buildGridMesh, smoothView>, n);
     return bench::runGrowth(argc, argv);
 }

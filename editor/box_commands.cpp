@@ -6,6 +6,7 @@
 #include "display/view.h"
 #include "editor/drag.h"
 #include "editor/prompts.h"
+#include "editor/selection.h"
 #include "io/print_number.h"
 #include "mesh/edges.h"
 #include "mesh/mesh.h"
@@ -30,12 +31,6 @@ void setSelectedWhere(std::uint8_t selected, Test test) {
 }
 
 bool outOfBox(const Face& face) { return !inBox(face); }
-
-bool anySelected() {
-    const bool any = !extentOfFaces(*OB, AffineMap(), true).empty();
-    if (!any) platform().message("", "no face is selected", Icon::none);
-    return any;
-}
 
 /// Some of the letters x, y and z, as often as the user likes them, or "" when the question is
 /// cancelled.
@@ -110,7 +105,7 @@ void fitBoxToSelected() {
 }
 
 void centerBox() {
-    if (!anySelected()) return;
+    if (!hasSelection()) return;
     const std::string axes =
         askAxes("center the box on 0 of which absolute coordinates: x or y or z?");
     if (axes.empty()) return;

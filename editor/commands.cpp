@@ -8,31 +8,48 @@
 #include "editor/menus.h"
 #include "editor/modes.h"
 #include "editor/name_list.h"
+#include "editor/recent_files.h"
 #include "editor/selection.h"
 #include "editor/state.h"
 #include "editor/subview.h"
+#include "editor/undo.h"
 #include "editor/view_commands.h"
 #include "editor/volume.h"
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
+#include "generators/block.h"
 #include "mesh/mesh.h"
 #include "mesh/name_commands.h"
 #include "platform/platform.h"
 #include "tools/delete_faces.h"
+#include "tools/detriangularize.h"
+#include "tools/distance.h"
 #include "tools/duplicate.h"
+#include "tools/find_areas.h"
+#include "tools/find_parts.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
 #include "tools/separate_glued.h"
+#include "tools/smooth.h"
+#include "tools/thicken.h"
+#include "tools/triangularize.h"
 #include "tools/unweld.h"
+#include "tools/weld_edges.h"
+#include "tools/weld_points.h"
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 namespace polyfab {
 namespace {
 
 constexpr const char* file = "&file";
+constexpr const char* edit = "&edit";
 constexpr const char* write = "&write";
 constexpr const char* mode = "&mode";
 constexpr const char* tools = "&tools";
@@ -66,16 +83,94 @@ void onMesh() {
     act(*OB);
 }
 
+/// Which of the two smoothings it is depends on the Ctrl key.
+void smooth() {
+    if (keyIsDown(key::ctrl)) return smoothDents(*OB);
+    smoothView(*OB, editorState.smoothingAxis);
+}
+
+/// A command that looks at the Escape key.
+constexpr Command stoppable(Command row, Escape escape = Escape::stops) {
+    row.escape = escape;
+    return row;
+}
+
+/// A path as a menu shows it: the end of a long one, from a folder on.
+std::string menuPath(std::string path) {
+    constexpr std::size_t most = 60;
+    if (path.size() > most) {
+        const std::size_t folder = path.find('/', path.size() - most);
+        if (folder != std::string::npos) path = "..." + path.substr(folder);
+    }
+    for (std::size_t at = 0; (at = path.find('&', at)) != std::string::npos; at += 2) {
+        path.insert(at, 1, '&');
+    }
+    return path;
+}
+
+template <std::size_t number>
+Shown shownRecentFile() {
+    const std::vector<RecentFile> files = recentFiles();
+    if (number >= files.size()) return {"", false, true};
+    const std::string key = number == 9 ? "1&0" : "&" + std::to_string(number + 1);
+    std::error_code failure;
+    const std::string& path = files[number].path;
+    return {key + " " + menuPath(path), std::filesystem::is_regular_file(path, failure)};
+}
+
+template <std::size_t number>
+void openRecentFile() {
+    const std::vector<RecentFile> files = recentFiles();
+    if (number >= files.size()) return;
+    const auto& [path, imported] = files[number];
+    imported ? importNamedMesh(path, false) : readNamedMeshFile(path);
+}
+
+Shown shownStep(const char* label, const std::string& step) {
+    return {step.empty() ? label : label + (" " + step), !step.empty()};
+}
+
+Shown shownUndo() { return shownStep("&undo", undoLabel()); }
+Shown shownRedo() { return shownStep("&redo", redoLabel()); }
+
+constexpr int firstRecentFile = 2020;
+
+template <std::size_t number>
+constexpr Command recentRow(const char* label) {
+    return {firstRecentFile + static_cast<int>(number),
+            file,
+            label,
+            openRecentFile<number>,
+            nullptr,
+            "",
+            shownRecentFile<number>,
+            Escape::stopsReading};
+}
+
 constexpr auto table = std::to_array<Command>({
-    {256, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
-    {296, file, "&append mesh file", appendMeshFile},
-    {2001, file, "&import other mesh file", importOtherMesh},
+    stoppable({256, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
+              Escape::stopsReading),
+    stoppable({296, file, "&append mesh file", appendMeshFile}, Escape::stopsReading),
+    stoppable({2001, file, "&import other mesh file", importOtherMesh}),
+    recentRow<0>("recent file &1"),
+    recentRow<1>("recent file &2"),
+    recentRow<2>("recent file &3"),
+    recentRow<3>("recent file &4"),
+    recentRow<4>("recent file &5"),
+    recentRow<5>("recent file &6"),
+    recentRow<6>("recent file &7"),
+    recentRow<7>("recent file &8"),
+    recentRow<8>("recent file &9"),
+    recentRow<9>("recent file 1&0"),
     {262, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
+
+    {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
+    {redoCommand, edit, "&redo", redo, nullptr, "Ctrl+Shift+Z; Ctrl+Y", shownRedo},
 
     {257, write, "&DXF mesh file", writeDxfMeshFile},
     {258, write, "&3DS mesh file", write3dsMeshFile},
     {259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"},
-    {2002, write, "e&xport other mesh file", exportOtherMesh},
+    stoppable({2002, write, "e&xport other mesh file", exportOtherMesh}),
 
     {358, mode, "go to defa&ult mode", goTo<358>},
     {348, mode, "go to &edge-handling mode", goTo<348>},
@@ -109,9 +204,9 @@ constexpr auto table = std::to_array<Command>({
     {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
     {281, tools, "reset a&ttitude", resetAttitude},
     {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
-    {324, tools, "contro&l smoothing", later},
-    {371, tools, "s&moothing", later},
-    {372, tools, "move all vertexes out by a set &distance", later},
+    {324, tools, "contro&l smoothing", askSmoothingAxis},
+    {371, tools, "s&moothing", smooth},
+    {372, tools, "move all vertexes out by a set &distance", onMesh<thicken>},
     {398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>},
     {389, tools, "du&plicate selected faces", onMesh<duplicateSelected>},
     {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
@@ -161,10 +256,10 @@ constexpr auto table = std::to_array<Command>({
     {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise},
     {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
     {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
-    {268, facesMenu, "det&riangularize (quickly)", later},
-    {1083, facesMenu, "detriangularize (thoroughly)", later},
-    {274, facesMenu, "trian&gularize", later},
-    {344, facesMenu, "break up faces with &5 or more sides", later},
+    {268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }},
+    {1083, facesMenu, "detriangularize (thoroughly)", [] { detrithorough(*OB, false); }},
+    {274, facesMenu, "trian&gularize", onMesh<triangularize>},
+    {344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>},
     {360, facesMenu, "find and start showing bad &edges", findBadEdges},
     {395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later},
     {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
@@ -183,15 +278,18 @@ constexpr auto table = std::to_array<Command>({
      unselectSmallFaces},
     {1088, facesMenu, "unselect all selected faces with non-&zero area", unselectFacesWithArea},
 
-    {390, vertexes, "weld &all very close points", later},
-    {1061, vertexes, "&bring all very close points together, don't weld them", later},
-    {269, vertexes, "&weld all very close points which are on loose edges", later},
-    {317, vertexes, "w&eld all very close points, by edges and repeat", later},
+    stoppable({390, vertexes, "weld &all very close points", [] { weldclose(*OB, true); }}),
+    stoppable({1061, vertexes, "&bring all very close points together, don't weld them",
+               [] { bringclose(*OB, false); }}),
+    stoppable({269, vertexes, "&weld all very close points which are on loose edges",
+               [] { weldclose(*OB, false); }}),
+    stoppable(
+        {317, vertexes, "w&eld all very close points, by edges and repeat", onMesh<weldedges>}),
     {329, vertexes, "&thin out the faces", later},
     {370, vertexes, "separate surfaces that are &glued at one point",
      onMesh<separateGluedSurfaces>},
     {393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>},
-    {1050, vertexes, "find &far it is between the two settable points", later},
+    {1050, vertexes, "find &far it is between the two settable points", tellDistance},
 
     {277, texture, "s&tart editing texture map coords", later},
     {528, texture, "new texture map: &planar", later},
@@ -209,7 +307,7 @@ constexpr auto table = std::to_array<Command>({
     {321, texture, "bring texture map coords into the range 0 to 1: &4", later},
     {387, texture, "say the range of texture map coords: &5", later},
     {391, texture, "set the range of texture map coords: &6", later},
-    {275, texture, "find texture map &areas", later},
+    {275, texture, "find texture map &areas", onMesh<findareas>},
     {285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>},
 
     {264, groups, "&select groups by menu", openList<subview::groups>},
@@ -224,10 +322,10 @@ constexpr auto table = std::to_array<Command>({
 
     {278, parts, "&select parts by menu", openList<subview::parts>},
     {381, parts, "go to select-parts-by-&clicking mode", goTo<381>},
-    {279, parts, "&find parts", later},
+    {279, parts, "&find parts", onMesh<askAndFindParts>},
     {287, parts, "make parts into &groups", onMesh<makePartsIntoGroups>},
     {1072, parts, "make parts into &materials", onMesh<makePartsIntoMaterials>},
-    {402, parts, "&unweld selected parts", onMesh<unweldSelectedParts>},
+    stoppable({402, parts, "&unweld selected parts", onMesh<unweldSelectedParts>}),
     {1065, parts, "delete all selected parts that contain only &1 face",
      onMesh<deletePartsOfOneFace>},
 
@@ -271,7 +369,7 @@ constexpr auto table = std::to_array<Command>({
     {384, rendering, "&write texture map image", later},
     {1069, rendering, "put the rendered picture on the clipb&oard", later},
 
-    {282, makeObject, "&cube", later},
+    {282, makeObject, "&cube", onMesh<askAndMakeBlock>},
     {392, makeObject, "&sphere", later},
     {401, makeObject, "c&ylinder with flat ends", later},
     {414, makeObject, "cylinder with rounded &ends", later},
@@ -287,17 +385,41 @@ constexpr auto table = std::to_array<Command>({
     {263, helpMenu, "&help", [] { platform().openHelp(); }},
 });
 
+/// Whether one of the shortcuts in `a` is one of those in `b`.
+constexpr bool shareKey(std::string_view a, std::string_view b) {
+    const std::size_t end = a.find("; ");
+    if (end < a.size()) return shareKey(a.substr(0, end), b) || shareKey(a.substr(end + 2), b);
+    if (b.find("; ") < b.size()) return shareKey(b, a);
+    return a == b;
+}
+
 constexpr bool idsAndKeysAreUnique() {
     for (std::size_t i = 0; i < table.size(); ++i) {
-        const std::string_view key = table[i].key;
         for (std::size_t j = 0; j < i; ++j) {
-            if (table[i].id == table[j].id || (!key.empty() && key == table[j].key)) return false;
+            if (table[i].id == table[j].id) return false;
+            const bool both = *table[i].key != '\0' && *table[j].key != '\0';
+            if (both && shareKey(table[i].key, table[j].key)) return false;
         }
     }
     return true;
 }
 
 static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
+
+/// What works through large meshes for seconds, or leaves it to another program.
+constexpr int longCommands[] = {256,  296,  2001, 2020, 2021, 2022, 2023, 2024, 2025, 2026, 2027,
+                                2028, 2029, 257,  258,  259,  2002, 371,  372,  390,  1061, 269,
+                                317,  329,  370,  393,  268,  1083, 274,  344,  395,  394,  280,
+                                360,  1052, 275,  285,  279,  402,  398,  389,  1051, 1067};
+
+constexpr bool longCommandsExist() {
+    return std::all_of(std::begin(longCommands), std::end(longCommands), [](int id) {
+        return std::any_of(table.begin(), table.end(),
+                           [id](const Command& row) { return row.id == id; });
+    });
+}
+
+static_assert(longCommandsExist());
 
 } // namespace
 
@@ -307,6 +429,11 @@ const Command* findCommand(int id) {
     const auto row =
         std::find_if(table.begin(), table.end(), [id](const Command& c) { return c.id == id; });
     return row == table.end() ? nullptr : &*row;
+}
+
+bool runsLong(int id) {
+    return std::find(std::begin(longCommands), std::end(longCommands), id)
+           != std::end(longCommands);
 }
 
 void runCommand(int id) {

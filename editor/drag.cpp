@@ -2,6 +2,7 @@
 #include "editor/drag.h"
 
 #include "display/view.h"
+#include "tools/elements.h"
 
 #include <cmath>
 #include <utility>
@@ -79,7 +80,7 @@ void forgetPointDrag() { drag = PointDrag(); }
 std::vector<std::int32_t> pointsOfSelectedFaces() {
     std::vector<bool> used(static_cast<std::size_t>(OB->np));
     for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q == nullptr || !face->selected) continue;
+        if (!isLiveSelected(*face)) continue;
         for (const FaceCorner* q = face->q; q != face->q + face->n; ++q) {
             used[static_cast<std::size_t>(indexIn(OB->points, q->p))] = true;
         }

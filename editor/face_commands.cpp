@@ -8,6 +8,7 @@
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
+#include "tools/elements.h"
 
 namespace polyfab {
 namespace {
@@ -15,7 +16,7 @@ namespace {
 template <typename T>
 void removeFromSelected(T* FaceCorner::*reference) {
     for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q == nullptr || !face->selected) continue;
+        if (!isLiveSelected(*face)) continue;
         for (FaceCorner* corner = face->q; corner != face->q + face->n; ++corner) {
             if (corner->*reference == nullptr) continue;
             corner->*reference = nullptr;
@@ -43,7 +44,7 @@ void orientFaces() {
 void reverseSelectedFaces() {
     for (int i = 0; i < OB->nf; ++i) {
         Face& face = OB->faces[i];
-        if (face.q == nullptr || !face.selected) continue;
+        if (!isLiveSelected(face)) continue;
         reverseFace(face);
         if (i == editorState.currentEdgeFace) forgetCurrentEdge(); // its corners moved
         OB->changed = 1;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/input.h"
 
+#include "editor/recovery.h"
 #include "editor/state.h"
 #include "mesh/mesh.h"
 
@@ -23,10 +24,12 @@ void closeUnlessRefused() {
         platform().setTitle("Whoa there, I got a file open!!");
         return;
     }
-    if (OB->changed
-        && platform().question("you have not saved this object since you altered it last",
-                               "do you want to exit?", Buttons::yesNo)
-               != Choice::yes) {
+    if (sessionIsEnding()) {
+        saveAtSessionEnd(false);
+    } else if (OB->changed
+               && platform().question("you have not saved this object since you altered it last",
+                                      "do you want to exit?", Buttons::yesNo)
+                      != Choice::yes) {
         return;
     }
     platform().destroyWindow();

@@ -4,6 +4,7 @@
 #include "editor/commands.h"
 
 #include <string_view>
+#include <vector>
 
 namespace polyfab {
 namespace {
@@ -20,14 +21,22 @@ constexpr BarRow bars[] = {
     {"MENUMENU", [](std::string_view menu) { return menu == helpMenu; }},
 };
 
-MenuItem menuItem(const Command& command) {
-    return {command.id,
-            command.label,
-            command.handler != nullptr,
-            command.checked != nullptr,
-            command.checked != nullptr && command.checked(),
-            command.key};
+Shown shownNow(const Command& command) {
+    if (command.shown != nullptr) return command.shown();
+    return {command.label, command.handler != nullptr, false};
 }
+
+/// What the rows that change say now.
+std::vector<std::string> changingLabels() {
+    std::vector<std::string> labels;
+    for (const Command& command : commandTable()) {
+        if (command.shown != nullptr) labels.push_back(command.shown().label);
+    }
+    return labels;
+}
+
+/// What they said when the bar of the mesh was put on the window.
+std::vector<std::string> labelsInBar;
 
 } // namespace
 
@@ -37,19 +46,29 @@ void showMenuBar(const std::string& name) {
         if (bar.name != name) continue;
         for (const Command& command : commandTable()) {
             if (!bar.has(command.menu)) continue;
+            const Shown now = shownNow(command);
+            if (now.hidden) continue;
             if (shown.empty() || shown.back().title != command.menu) {
                 shown.push_back({command.menu, {}});
             }
-            shown.back().items.push_back(menuItem(command));
+            const bool checkable = command.checked != nullptr;
+            shown.back().items.push_back({command.id, now.label, now.enabled, checkable,
+                                          checkable && command.checked(), command.key});
         }
     }
     platform().setMenuBar(name, shown);
+    labelsInBar = changingLabels();
+}
+
+void refreshMenuBar() {
+    if (changingLabels() != labelsInBar) showMenuBar("POLYFAB");
 }
 
 void updateCheckMarks() {
     for (const Command& command : commandTable()) {
-        if (command.checked == nullptr) continue;
-        platform().setMenuItem(command.id, command.handler != nullptr, command.checked());
+        if (command.checked == nullptr && command.shown == nullptr) continue;
+        platform().setMenuItem(command.id, shownNow(command).enabled,
+                               command.checked != nullptr && command.checked());
     }
 }
 

@@ -12,7 +12,10 @@ namespace polyfab {
 /// list of groups, "MENUMENU" for the other lists. What is not built yet is greyed.
 void showMenuBar(const std::string& name);
 
-/// Brings the check marks of the present menu bar up to date.
+/// Puts the bar of the mesh on the window anew when rows of it have to say something else by now.
+void refreshMenuBar();
+
+/// Brings the check marks of the present menu bar up to date, and the greying where that changes.
 void updateCheckMarks();
 
 [[nodiscard]] std::vector<CommandInfo> listCommands();

@@ -103,6 +103,8 @@ void modeMouse(const Event& event) {
     if (handler != nullptr) handler(event);
 }
 
+bool dragRuns() { return modeDrag.runs; }
+
 void endDrag() {
     endPointDrag();
     modeDrag.runs = false;

@@ -25,6 +25,9 @@ void restoreModeName();
 /// Hands a mouse event to the present mode, after history and position are up to date.
 void modeMouse(const Event& event);
 
+/// Whether a button that went down in the mesh view is still down, and nothing has ended the drag.
+[[nodiscard]] bool dragRuns();
+
 /// Ends a drag that runs, as if the buttons went up now; no mode hears of them until they are up.
 void endDrag();
 

@@ -12,18 +12,8 @@
 namespace polyfab {
 namespace {
 
-/// As much of the text as a buffer holds, without half a character at its end.
-std::string_view fitting(std::string_view text) {
-    constexpr std::size_t most = promptSize - 1;
-    constexpr std::size_t longestCharacter = 4;
-    if (text.size() <= most) return text;
-    std::size_t end = most;
-    while (end > most - longestCharacter && (text[end] & 0xC0) == 0x80) --end;
-    return text.substr(0, end);
-}
-
 void store(char (&buffer)[promptSize], std::string_view text) {
-    const std::string_view kept = fitting(text);
+    const std::string_view kept = fittingAnswer(text);
     std::memset(buffer, 0, sizeof buffer);
     kept.copy(buffer, kept.size());
 }
@@ -49,22 +39,11 @@ int ask(const char* name, std::initializer_list<Field> fields) {
     return std::strcmp(prompts.question[0], prompts.answer[0]) != 0;
 }
 
-/// Reads the number that the text begins with, its decimal point a point in every locale. False
-/// when there is none.
-bool parse(const char* text, double& number) {
-    static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t());
-    char* end = nullptr;
-    const double value = strtod_l(text, &end, plain);
-    if (end == text) return false;
-    number = value;
-    return true;
-}
-
 int parseAnswers(std::initializer_list<double*> numbers) {
     if (prompts.cancelled) return 0;
     std::size_t i = 0;
     for (double* const number : numbers) {
-        if (!parse(prompts.answer[i++], *number)) return 0;
+        if (!parseNumber(prompts.answer[i++], *number)) return 0;
     }
     return 1;
 }
@@ -73,6 +52,15 @@ int parseAnswers(std::initializer_list<double*> numbers) {
 int folded(char letter) { return (letter & 31) + 64; }
 
 } // namespace
+
+std::string_view fittingAnswer(std::string_view text) {
+    constexpr std::size_t most = promptSize - 1;
+    constexpr std::size_t longestCharacter = 4;
+    if (text.size() <= most) return text;
+    std::size_t end = most;
+    while (end > most - longestCharacter && (text[end] & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+}
 
 void resetPrompts() { prompts = {}; }
 
@@ -83,6 +71,15 @@ DialogResult runDialog(Dialog& dialog) {
     prompts.cancelled = result == DialogResult::cancel;
     platform().requestPaint();
     return result;
+}
+
+bool parseNumber(const char* text, double& number) {
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t());
+    char* end = nullptr;
+    const double value = strtod_l(text, &end, plain);
+    if (end == text) return false;
+    number = value;
+    return true;
 }
 
 int askText(const std::string& question, const std::string& defaultAnswer) {
@@ -104,7 +101,7 @@ double askNumber(const std::string& question, const std::string& defaultAnswer) 
     double number = 0;
     do {
         askText(question, defaultAnswer);
-    } while (!parse(prompts.answer[0], number));
+    } while (!parseNumber(prompts.answer[0], number));
     return number;
 }
 

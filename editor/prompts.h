@@ -8,6 +8,7 @@
 #include "platform/platform.h"
 
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 
@@ -27,6 +28,9 @@ void resetPrompts();
 /// Runs any prompt of the editor. Its keys enter the key-state table and do nothing else.
 DialogResult runDialog(Dialog& dialog);
 
+/// As much of the text as a text buffer holds, without half a character at its end.
+[[nodiscard]] std::string_view fittingAnswer(std::string_view text);
+
 /// One field. 1 when the user accepted and the answer differs from the question, otherwise 0. The
 /// answer is in prompts.answer[0]; after cancel that is the default. Longer texts are cut.
 int askText(const std::string& question, const std::string& defaultAnswer);
@@ -37,6 +41,10 @@ int askText2(const std::string& question1, const std::string& default1,
 int askText3(const std::string& question1, const std::string& default1,
              const std::string& question2, const std::string& default2,
              const std::string& question3, const std::string& default3);
+
+/// Reads the number that the text begins with, as C does (blanks before it, "inf", "0x10"), its
+/// decimal point a point in every locale. False, with `number` as it was, when there is none.
+bool parseNumber(const char* text, double& number);
 
 /// Asks until the answer begins with a number, and returns it. Cancelling answers with the default.
 double askNumber(const std::string& question, const std::string& defaultAnswer);

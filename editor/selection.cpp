@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/selection.h"
 
+#include "display/affine.h"
 #include "display/view.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
@@ -69,6 +70,12 @@ void showInfo() {
     }
     if (OB->curvertex >= 0) text += ", current vertex " + number(OB->curvertex + 1);
     platform().setTitle(text);
+}
+
+bool hasSelection() {
+    const bool any = !extentOfFaces(*OB, AffineMap(), true).empty();
+    if (!any) platform().message("", "no face is selected", Icon::none);
+    return any;
 }
 
 } // namespace polyfab

@@ -18,4 +18,8 @@ void showInfo();
 /// Works out anew which points are on selected faces, and counts them.
 [[nodiscard]] int countSelectedPoints();
 
+/// Whether some selected face has a place that counts in an extent; if not, a box says that none is
+/// selected.
+[[nodiscard]] bool hasSelection();
+
 } // namespace polyfab

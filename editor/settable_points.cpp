@@ -59,13 +59,11 @@ bool setSettablePoints(const Event& event) {
     bool set = false;
     for (std::size_t i = 0; place && i < editorState.settable.size(); ++i) {
         if (!keyIsDown('1' + static_cast<int>(i))) continue;
+        platform().beep();
         setSettable(editorState.settable[i], *place);
-        set = true;
+        stale.picture = set = true;
     }
-    if (!set) return false;
-    platform().beep();
-    stale.picture = true;
-    return true;
+    return set;
 }
 
 /// The left button went down to set a point, and what follows is no drag of the mode.
@@ -74,8 +72,7 @@ bool held = false;
 } // namespace
 
 bool settablePointPress(const Event& event) {
-    const bool rightIsDown = (editorState.history & button::right) != 0; // a drag goes on
-    if (leftPressed()) held = !rightIsDown && setSettablePoints(event);
+    if (leftPressed()) held = setSettablePoints(event);
     return held && (editorState.history & 5) != 0;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/state.h"
 
+#include "editor/long_work.h"
 #include "platform/platform.h"
 
 namespace polyfab {
@@ -13,7 +14,10 @@ void noteKey(const Event& event) {
         event.kind == EventKind::keyDown ? 0xFF : 0;
 }
 
-bool abortRequested() { return platform().escapeDown() || keyIsDown(key::escape); }
+bool abortRequested() {
+    moveProgress();
+    return platform().escapeDown() || keyIsDown(key::escape);
+}
 
 void updateTitle() {
     platform().setTitle(std::string(programName) + " [" + editorState.fileName + "] "

@@ -47,6 +47,7 @@ struct EditorState {
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     std::array<Vec3, 2> settable; ///< the two settable points
     int textureNumber = 0;        ///< the texture map that is chosen, 0-7
+    char smoothingAxis = 0; ///< 'x', 'y' or 'z': smoothing moves along that axis only; 0: none
     NameListState nameList;
 };
 
@@ -75,8 +76,8 @@ inline void forgetCurrentEdge() {
 [[nodiscard]] inline bool leftPressed() { return (editorState.history & 5) == 1; }
 [[nodiscard]] inline bool leftReleased() { return (editorState.history & 5) == 4; }
 
-/// Whether the user wants long work to stop: the Escape key is down. Lets the window redraw itself;
-/// to be asked every few milliseconds of work, not for every element.
+/// Whether the user wants long work to stop: the Escape key is down. Lets the window redraw itself
+/// and moves the progress strip. Cheap enough to be asked for each of millions of elements.
 [[nodiscard]] bool abortRequested();
 
 /// Shows "PROGRAM [FILE] MODE" in the window title, the program's only status line.

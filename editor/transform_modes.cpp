@@ -56,7 +56,8 @@ Vec3 step(const Event& event) {
 
 /// A thousandfold at most in one drag, so that nothing shrinks to a point or flies off for good.
 double factorOf(const Vec3& moved) {
-    return std::exp2(std::clamp((moved.x + moved.z - moved.y) / (doubling * look.pixel), -10.0, 10.0));
+    return std::exp2(
+        std::clamp((moved.x + moved.z - moved.y) / (doubling * look.pixel), -10.0, 10.0));
 }
 
 /// About y, what faces the viewer moves to the right when the turn runs backwards.

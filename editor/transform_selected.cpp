@@ -6,6 +6,7 @@
 #include "editor/drag.h"
 #include "editor/state.h"
 #include "mesh/edges.h"
+#include "tools/elements.h"
 
 #include <cmath>
 #include <vector>
@@ -96,7 +97,7 @@ bool transformSelected(Mesh& mesh, const AffineMap& map) {
     transformSelectedNormals(mesh, map);
     if (determinantOf(map) < 0) {
         for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-            if (face->q != nullptr && face->selected) reverseFace(*face);
+            if (isLiveSelected(*face)) reverseFace(*face);
         }
         forgetCurrentEdge(); // corners are numbered the other way round
         stale.edges = true;

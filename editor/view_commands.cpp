@@ -4,6 +4,7 @@
 #include "display/affine.h"
 #include "display/view.h"
 #include "editor/prompts.h"
+#include "editor/selection.h"
 #include "editor/transform_modes.h"
 #include "editor/transform_selected.h"
 #include "platform/platform.h"
@@ -33,14 +34,8 @@ AffineMap mirror(int axis) {
     return scaling(factors);
 }
 
-bool anySelected() {
-    const bool any = !extentOfFaces(*OB, AffineMap(), true).empty();
-    if (!any) platform().message("", "no face is selected", Icon::none);
-    return any;
-}
-
 void transform(const AffineMap& map) {
-    if (anySelected()) transformSelected(*OB, map);
+    if (hasSelection()) transformSelected(*OB, map);
 }
 
 } // namespace
@@ -54,7 +49,7 @@ void toggleRotationAfter() { turnOptions.after = !turnOptions.after; }
 bool rotationComesAfter() { return turnOptions.after; }
 
 void mirrorOnScreen() {
-    if (!anySelected()) return;
+    if (!hasSelection()) return;
     const int axis = askAxis("mirror-image in which coordinate as on screen: x or y or z?");
     if (axis < 0) return;
     const AffineMap axes = screenAxes();
@@ -64,7 +59,7 @@ void mirrorOnScreen() {
 }
 
 void changeSign() {
-    if (!anySelected()) return;
+    if (!hasSelection()) return;
     const int axis = askAxis("change sign of which absolute coordinate: x or y or z?");
     if (axis >= 0) transformSelected(*OB, mirror(axis));
 }

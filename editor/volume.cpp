@@ -4,11 +4,13 @@
 // run anticlockwise as seen from outside. For a face that is not flat c is the mean of its corners.
 #include "editor/volume.h"
 
+#include "editor/selection.h"
 #include "io/print_number.h"
 #include "mesh/mesh.h"
 #include "mesh/projection.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
+#include "tools/elements.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +23,7 @@ namespace {
 template <typename Use>
 void eachSelectedEdge(const Mesh& mesh, Use use) {
     for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || !face->selected) continue;
+        if (!isLiveSelected(*face)) continue;
         for (int k = 0; k < face->n; ++k) {
             const int next = k + 1 == face->n ? 0 : k + 1;
             use(indexIn(mesh.points, face->q[k].p), indexIn(mesh.points, face->q[next].p));
@@ -96,21 +98,16 @@ double volumeWithin(const Mesh& mesh) {
     if (frame.extent == 0) return 0;
     double sum = 0;
     for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || !face->selected || face->n < 1) continue;
+        if (!isLiveSelected(*face) || face->n < 1) continue;
         sum += sixfoldVolume(*face, frame);
     }
     return sum / 6 * frame.extent * frame.extent * frame.extent;
 }
 
-bool anySelected(const Mesh& mesh) {
-    return std::any_of(mesh.faces, mesh.faces + mesh.nf,
-                       [](const Face& face) { return face.q != nullptr && face.selected; });
-}
-
 } // namespace
 
 void tellVolume() {
-    if (!anySelected(*OB)) return platform().message("", "no face is selected", Icon::none);
+    if (!hasSelection()) return;
     const std::int64_t open = countOpenEdges(*OB);
     if (open < 0) return;
     if (open > 0) {

@@ -4,6 +4,7 @@
 // chunk may run over the end of its container, never over that of the bytes.
 #include "formats/3ds_reader.h"
 
+#include "formats/file_command.h"
 #include "io/read_file.h"
 #include "mesh/mesh.h"
 #include "mesh/table.h"
@@ -262,6 +263,7 @@ int read3dsFile(const std::string& path, bool append) {
     if (!buffer) return fail("file too big", path);
     std::span<std::uint8_t> bytes(&buffer[0], maxLength);
     bytes = bytes.first(readUpTo(file, bytes));
+    if (!readsOn(file, Pass::only)) return 0; // all in one piece
     if (bytes.size() < headerSize) return fail("bad 3DS file", path);
     const unsigned id = bytes[0] | unsigned{bytes[1]} << 8;
     const unsigned length = bytes[4] | unsigned{bytes[5]} << 8;

@@ -31,26 +31,38 @@ constexpr std::string_view entity = "3DFACE";
 /// The lines of a file, which end in LF, CR LF or with the file.
 class Lines {
   public:
-    explicit Lines(const std::string& path) : file(path) {}
+    Lines(const std::string& path, Pass which) : file(path), pass(which) {}
     [[nodiscard]] bool isOpen() const { return file.isOpen(); }
     [[nodiscard]] bool failed() const { return file.failed(); }
+    [[nodiscard]] bool stopped() const { return unwanted; }
 
     /// The next line without its end, followed by a character that belongs to no number and valid
-    /// until the next call. False behind the last one.
+    /// until the next call. False behind the last one, and when the user stops it.
     bool next(std::string_view& line);
 
   private:
+    void readOn();
+
     PieceReader file;
+    Pass pass;
+    bool unwanted = false;
     std::string_view rest; ///< not yet handed out
     bool ended = false;    ///< nothing comes behind `rest`
     std::array<char, maxLine + 1> cut;
 };
 
+void Lines::readOn() {
+    ended = !file.next(rest.size(), rest);
+    if (ended || readsOn(file, pass)) return;
+    unwanted = ended = true;
+    rest = {};
+}
+
 bool Lines::next(std::string_view& line) {
     constexpr std::size_t window = maxLine + 2; // more than a line and a CR LF take
     std::size_t feed = rest.substr(0, window).find('\n');
     while (feed == rest.npos && rest.size() < window && !ended) {
-        ended = !file.next(rest.size(), rest);
+        readOn();
         feed = rest.substr(0, window).find('\n');
     }
     if (rest.empty()) return false;
@@ -181,17 +193,18 @@ bool reserve(std::int64_t entities) {
            && OB->growPoints(OB->np + 4 * entities, false);
 }
 
-/// Number of boundaries, or 0 after a message.
+/// Number of boundaries; or 0, after a message unless the user stopped it.
 int readEntities(const std::string& path) try {
-    Lines counted(path);
-    Lines lines(path);
+    Lines counted(path, Pass::counting);
+    Lines lines(path, Pass::reading);
     if (!counted.isOpen() || !lines.isOpen()) {
         complain("I can't open this file", path);
         return 0;
     }
-    if (!reserve(countEntities(counted))) return 0;
+    const std::int64_t entities = countEntities(counted);
+    if (counted.stopped() || !reserve(entities)) return 0;
     const std::optional<int> boundaries = Reader().read(lines);
-    if (!boundaries) return 0;
+    if (!boundaries || lines.stopped()) return 0;
     if (counted.failed() || lines.failed()) {
         complain("I can't read this file", path);
         return 0;

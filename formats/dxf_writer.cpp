@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/dxf_writer.h"
 
+#include "editor/long_work.h"
 #include "editor/state.h"
 #include "formats/only_selected.h"
 #include "io/print_number.h"
@@ -67,7 +68,9 @@ bool fitsALine(const FaceCorner& corner) {
 
 /// False after a message when a coordinate cannot be written.
 bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
+    LoopProgress progress(OB->nf);
     for (const Face& face : std::span(OB->faces, static_cast<std::size_t>(OB->nf))) {
+        progress.step();
         if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         const Corners corners(face.q, static_cast<std::size_t>(face.n));
         if (!std::all_of(corners.begin(), corners.end(), fitsALine)) {

@@ -3,7 +3,9 @@
 
 #include "display/box.h"
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "editor/state.h"
+#include "io/read_file.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
@@ -31,6 +33,18 @@ void resetForNewMesh() {
     stale.edges = true;
     fitView(*OB);
     fitBox(*OB, false);
+}
+
+bool readsOn(const PieceReader& file, Pass pass) {
+    /// Where the pass begins and how long it is, in eighths of the work.
+    struct Share {
+        int begin, length;
+    };
+    constexpr Share shares[] = {{0, 8}, {0, 1}, {1, 7}};
+    const auto& [begin, length] = shares[static_cast<int>(pass)];
+    const auto size = static_cast<double>(file.size());
+    tellProgress(begin * size + length * static_cast<double>(file.bytesRead()), 8 * size);
+    return !abortRequested();
 }
 
 Busy::Busy(const char* text) : notice(*text != '\0') {

@@ -7,6 +7,8 @@
 
 namespace polyfab {
 
+class PieceReader;
+
 /// A message about a file: its path is the text, what happened the title.
 void complain(const std::string& what, const std::string& path);
 
@@ -18,6 +20,13 @@ void setFileName(const std::string& path);
 
 /// No current elements; the view fitted anew, and the box around the mesh.
 void resetForNewMesh();
+
+/// Which part of reading a file a pass over it is.
+enum class Pass { only, counting, reading };
+
+/// To be called for each piece of a file that is read: tells how far it is. False when the user
+/// wants it to stop.
+[[nodiscard]] bool readsOn(const PieceReader& file, Pass pass);
 
 /// Holds the busy mark, and a busy notice where there is a text for one, until `end` or for as long
 /// as it lives.

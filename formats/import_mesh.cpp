@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
+#include "editor/long_work.h"
+#include "editor/recent_files.h"
 #include "editor/state.h"
 #include "formats/file_command.h"
 #include "formats/import_process.h"
@@ -119,7 +121,9 @@ bool addTables(const StreamView& view) {
     const std::vector<std::int16_t> groups = addGroups(view);
     const std::vector<std::int16_t> materials = addMaterials(view);
     const StreamCorner* next = view.corners.data();
+    LoopProgress progress(std::ssize(view.faces));
     for (const StreamFace& face : view.faces) {
+        progress.step();
         OB->curgroup = groups[static_cast<std::size_t>(face.group)];
         OB->curmat = materials[static_cast<std::size_t>(face.material)];
         FaceCorner* corner = OB->newFace(face.corners)->q;
@@ -138,6 +142,7 @@ std::string importFile(const std::string& path, bool append) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"import", path}, -1, bytes);
+    tellTooLateToStop();
     if (!reason.empty()) return reason;
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
@@ -178,7 +183,9 @@ StreamTables tablesOf(bool onlySelected) {
     UsedElements points(OB->points, OB->np, tables.points);
     UsedElements texcoords(OB->texcoords, OB->nt, tables.texcoords);
     UsedElements normals(OB->normals, OB->nd, tables.normals);
+    LoopProgress progress(OB->nf);
     for (int i = 0; i < OB->nf; ++i) {
+        progress.step();
         const Face& face = OB->faces[i];
         if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         tables.faces.push_back({face.n, face.g, face.mat});
@@ -269,6 +276,7 @@ std::string exportFile(const std::string& path, bool onlySelected, SaveFile& fil
     const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
     const std::string reason = runExchangeProcess({"export", written}, input, bytes);
+    tellTooLateToStop();
     ::close(input);
     if (!reason.empty()) return reason;
     StreamView view;
@@ -291,13 +299,18 @@ void importOtherMesh() {
     if (!path) return;
     const Choice append = platform().question("add it to the mesh? (no: it replaces the mesh)",
                                               *path, Buttons::yesNoCancel);
-    if (append == Choice::cancel || !meshIsSound("mesh fault before reading")) return;
-    const std::string reason = importFile(*path, append == Choice::yes);
+    if (append != Choice::cancel) importNamedMesh(*path, append == Choice::yes);
+}
+
+void importNamedMesh(const std::string& path, bool append) {
+    if (!meshIsSound("mesh fault before reading")) return;
+    const std::string reason = importFile(path, append);
     if (!reason.empty()) {
-        explain("I tried to read this file but it didn't work", *path, reason);
+        explain("I tried to read this file but it didn't work", path, reason);
         return;
     }
-    setFileName(*path);
+    setFileName(path);
+    noteRecentFile(path, true);
     resetForNewMesh();
     static_cast<void>(meshIsSound("mesh fault after reading"));
     updateTitle();

@@ -3,12 +3,17 @@
 // child process; whatever becomes of it, the open mesh is safe.
 #pragma once
 
+#include <string>
+
 namespace polyfab {
 
 /// Asks for a file and whether its mesh is added or replaces the present one. After a failure,
 /// which a message explains, the mesh is as it was; only where the editor itself finds no memory
 /// for the new elements it is empty.
 void importOtherMesh();
+
+/// The same for a file that is known already.
+void importNamedMesh(const std::string& path, bool append);
 
 /// Asks for a file and writes the mesh, or the selected faces of it, in the format that the suffix
 /// names. The file and those beside it that the format may need are replaced when all are complete.

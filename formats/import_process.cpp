@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_process.h"
 
+#include "editor/state.h"
 #include "formats/import_child.h"
-#include "platform/platform.h"
 
 #include <cerrno>
 #include <csignal>
@@ -76,7 +76,7 @@ bool start(const std::vector<std::string>& args, int input, int output, Process&
 std::string collect(int pipe, std::vector<char>& output) {
     std::vector<char> piece(std::size_t{1} << 16);
     for (;;) {
-        if (platform().escapeDown()) return "stopped by the Escape key";
+        if (abortRequested()) return "stopped by the Escape key";
         pollfd wanted = {pipe, POLLIN, 0};
         if (::poll(&wanted, 1, lookEvery) <= 0) continue;
         const ssize_t count = ::read(pipe, piece.data(), piece.size());

@@ -4,6 +4,8 @@
 
 #include "display/options.h"
 #include "display/view.h"
+#include "editor/long_work.h"
+#include "editor/recent_files.h"
 #include "editor/state.h"
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
@@ -57,36 +59,35 @@ Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
     return readObjFile(path, displayOptions.unselectedGrey) ? Outcome::read : Outcome::failed;
 }
 
-/// What a failed read leaves: no geometry, but the names that were there. Where memory ran out an
-/// array is lost, and its count must not outlive it.
+/// What a failed read leaves: no geometry, but the names that were there.
 void emptyMesh() {
-    OB->np = 0;
-    OB->nq = 0;
-    OB->nf = 0;
-    if (OB->texcoords == nullptr) OB->nt = 0;
-    if (OB->normals == nullptr) OB->nd = 0;
-    if (OB->groups == nullptr) OB->ng = 0;
-    if (OB->materials == nullptr) OB->nmat = 0;
-    if (OB->tmas == nullptr) OB->ntma = 0;
-    if (OB->parts == nullptr) OB->nprt = 0;
+    OB->np = OB->nq = OB->nf = 0;
+    OB->settleLostArrays();
 }
 
 void readFile(const std::string& path, bool append) {
     setFileName(path);
     if (!meshIsSound("mesh fault before reading")) return;
     collectGarbage(*OB);
+    moveProgress();
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;
+    tellTooLateToStop();
     if (outcome == Outcome::failed) {
         complain("I tried to read this file but it didn't work", path);
         emptyMesh();
     }
+    if (outcome == Outcome::read) noteRecentFile(path, false);
     busy.end();
     // A split appends a face, which is tidied in its turn.
-    for (int face = 0; face < OB->nf; ++face) tidyFace(*OB, face, true);
+    LoopProgress progress(OB->nf);
+    for (int face = 0; face < OB->nf; ++face) {
+        progress.step();
+        tidyFace(*OB, face, true);
+    }
     resetForNewMesh();
     static_cast<void>(meshIsSound("mesh fault after reading"));
 }
@@ -147,9 +148,10 @@ void writeTo(const std::string& chosen, const WriteCommand& command) {
     busy.end();
     if (!done) {
         complain("I tried to write to this file but it didn't work", editorState.fileName);
-    } else if (editorState.wholeMeshWritten) {
-        OB->changed = 0;
+        return;
     }
+    noteRecentFile(editorState.fileName, false);
+    if (editorState.wholeMeshWritten) OB->changed = 0;
 }
 
 void writeMeshFile(const WriteCommand& command) {

@@ -6,6 +6,7 @@
 // then cuts the line into words and applies the rules in full. Both do the same to the mesh.
 #include "formats/obj_reader.h"
 
+#include "formats/file_command.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
 #include "mesh/mesh.h"
@@ -137,7 +138,7 @@ const char* plainLine(const char* line, const Bases& bases) {
 /// The reading pass.
 class Reader {
   public:
-    /// 1 or, after a message, 0.
+    /// 1; or 0, after a message unless the user stopped it.
     int read(PieceReader& file, const std::string& path);
 
   private:
@@ -192,7 +193,10 @@ const Reader::Keyword Reader::keywords[] = {
 int Reader::read(PieceReader& file, const std::string& path) {
     std::string_view text;
     std::size_t kept = 0;
-    while (reason == nullptr && file.next(kept, text)) kept = text.size() - readLines(text);
+    while (reason == nullptr && file.next(kept, text)) {
+        if (!readsOn(file, Pass::reading)) return 0;
+        kept = text.size() - readLines(text);
+    }
     if (reason != nullptr) {
         platform().message("line " + std::to_string(lineNumber) + " is bad: " + reason,
                            line.whole(), Icon::exclamation);
@@ -368,7 +372,10 @@ int countObjFile(const std::string& path, ObjCounts& counts) {
     }
     std::string_view text;
     std::size_t kept = 0;
-    while (file.next(kept, text)) kept = text.size() - countObjLines(text, counts);
+    while (file.next(kept, text)) {
+        if (!readsOn(file, Pass::counting)) return -1;
+        kept = text.size() - countObjLines(text, counts);
+    }
     if (file.failed()) cannot("read", path);
     return file.failed() ? 0 : 1;
 }
@@ -378,8 +385,9 @@ int readObjFile(const std::string& path, bool append) {
     ObjCounts counts{OB->nf, OB->nq, OB->np, OB->nt, OB->nd, OB->ng, OB->nmat};
     platform().showBusy("I am counting the vertexes etc in the file");
     // When it fails, reading fails in the same way, and that is what counts.
-    static_cast<void>(countObjFile(path, counts));
+    const bool stopped = countObjFile(path, counts) < 0;
     platform().showBusy("");
+    if (stopped) return 0;
     PieceReader file(path);
     if (!file.isOpen()) {
         cannot("open", path);

@@ -16,7 +16,8 @@ namespace polyfab {
 /// Moves the arrays and trims them. A line behind the last line end is not read.
 [[nodiscard]] int readObjFile(const std::string& path, bool append);
 
-/// Adds what the lines of the file announce to `counts`. 0 after a message when it can't be read.
+/// Adds what the lines of the file announce to `counts`. 1; 0 after a message when it can't be
+/// read; -1 when the user stops it.
 [[nodiscard]] int countObjFile(const std::string& path, ObjCounts& counts);
 
 } // namespace polyfab

@@ -3,6 +3,7 @@
 // groups and materials there are.
 #include "formats/obj_writer.h"
 
+#include "editor/long_work.h"
 #include "editor/state.h"
 #include "formats/face_order.h"
 #include "formats/only_selected.h"
@@ -75,13 +76,22 @@ void writeValues(SaveFile& file, std::string_view keyword, std::initializer_list
     file.wrote(out);
 }
 
-void writeElements(SaveFile& file) {
+void writeElements(SaveFile& file, LoopProgress& progress) {
     const std::span points(OB->points, static_cast<std::size_t>(OB->np));
     const std::span texcoords(OB->texcoords, static_cast<std::size_t>(OB->nt));
     const std::span normals(OB->normals, static_cast<std::size_t>(OB->nd));
-    for (const Point& point : points) writeValues(file, "v", {point.x, point.y, point.z});
-    for (const TexCoord& coord : texcoords) writeValues(file, "vt", {coord.u, coord.v});
-    for (const Normal& normal : normals) writeValues(file, "vn", {normal.x, normal.y, normal.z});
+    for (const Point& point : points) {
+        progress.step();
+        writeValues(file, "v", {point.x, point.y, point.z});
+    }
+    for (const TexCoord& coord : texcoords) {
+        progress.step();
+        writeValues(file, "vt", {coord.u, coord.v});
+    }
+    for (const Normal& normal : normals) {
+        progress.step();
+        writeValues(file, "vn", {normal.x, normal.y, normal.z});
+    }
 }
 
 /// The numbers that elements have in the file: counted from 1, or back from the end of the array.
@@ -121,11 +131,12 @@ void writeTrace(SaveFile& file, std::span<const FaceCorner> corners) {
     }
 }
 
-void writeFaces(SaveFile& file, bool onlySelected, unsigned flags) {
+void writeFaces(SaveFile& file, bool onlySelected, unsigned flags, LoopProgress& progress) {
     const Numbering numbering((flags & objRelative) != 0);
     int group = -1;
     int material = -1;
     for (const int index : facesToWrite(onlySelected)) {
+        progress.step();
         const Face& face = OB->faces[index];
         const std::span<const FaceCorner> corners(face.q, static_cast<std::size_t>(face.n));
         if (face.g != group) {
@@ -148,8 +159,9 @@ void writeFaces(SaveFile& file, bool onlySelected, unsigned flags) {
 bool writeMesh(SaveFile& file, bool onlySelected, unsigned flags) try {
     writeHeader(file);
     if (OB->mtllib[0] != 0) writeName(file, "mtllib ", OB->mtllib);
-    writeElements(file);
-    writeFaces(file, onlySelected, flags);
+    LoopProgress progress(std::int64_t{OB->np} + OB->nt + OB->nd + OB->nf);
+    writeElements(file, progress);
+    writeFaces(file, onlySelected, flags, progress);
     return file.commit();
 } catch (const std::bad_alloc&) { // the lists of faces
     return false;

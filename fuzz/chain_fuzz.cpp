@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The first bytes make a small mesh, repeated points and short faces included; each further byte is
-// a command on it. After each the mesh must pass the check, and the edge tables must agree with
-// themselves; what is written must read back.
+// an operation on it, any command of the menus with random answers, a drag or a key. After each the
+// mesh must pass the check, and the edge tables must agree with themselves; what is written must
+// read back.
+#include "display/box.h"
+#include "display/options.h"
+#include "editor/commands.h"
+#include "editor/state.h"
+#include "editor/window.h"
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
 #include "fuzz/fuzz_support.h"
@@ -12,12 +18,16 @@
 
 #include <filesystem>
 #include <iterator>
+#include <string>
 #include <tuple>
+#include <vector>
 
 namespace {
 
 using namespace polyfab;
 using fuzz::demand;
+
+test::FakePlatform* shown = nullptr;
 
 /// The input byte by byte; behind its end come zeros.
 class Bytes {
@@ -118,6 +128,7 @@ void writeAndReadBack(Bytes&) {
     static const std::string path = fuzz::scratchPath(".obj");
     // Faces of fewer corners and lines too long are not read as they are written.
     collectGarbage(*OB);
+    shown->escapeAfter = -1; // which would end the reading
     demand(writeObjFile(path, objPlain) == 1, "not written");
     const auto counts = [] { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); };
     const auto before = counts();
@@ -128,14 +139,79 @@ void writeAndReadBack(Bytes&) {
     demand(counts() == before, "what was written reads back with other counts");
 }
 
-constexpr void (*commands[])(Bytes&) = {deleteFace, repeatCorner,    tidy, collect, edges,
-                                        orient,     writeAndReadBack};
+/// Questions of any kind find an answer, also a wrong one; file dialogs are cancelled.
+void prepareAnswers(Bytes& bytes) {
+    constexpr const char* texts[] = {"1", "0.5", "0", "-1", "90", "2", "nan", "inf", "x", "a name"};
+    const auto text = [&] { return texts[bytes.below(static_cast<int>(std::size(texts)))]; };
+    shown->dialogAnswers.clear();
+    shown->choices.clear();
+    for (int i = 0; i < 6; ++i) {
+        // The prompts that come again until they get a number or two axes get them in the end.
+        const std::string first = i < 4 ? text() : "x";
+        shown->dialogAnswers.push_back({first, i < 4 ? text() : "y", text()});
+        shown->choices.push_back(static_cast<Choice>(bytes.below(3) - 1));
+    }
+    shown->escapeAfter = bytes.below(4) == 0 ? bytes.below(8) : -1;
+}
+
+void menuCommand(Bytes& bytes) {
+    static const std::vector<int> ready = [] {
+        std::vector<int> ids;
+        for (const Command& command : commandTable()) {
+            if (command.handler != nullptr) ids.push_back(command.id);
+        }
+        return ids;
+    }();
+    prepareAnswers(bytes);
+    handleEvent(
+        {.kind = EventKind::command,
+         .command = ready[static_cast<std::size_t>(bytes.below(static_cast<int>(ready.size())))]});
+    // A list of names takes the window; a key or a click in it, and it closes.
+    if (editorState.subview == 0) return;
+    handleEvent({.kind = EventKind::keyDown, .key = 'A' + bytes.below(26)});
+    handleEvent({.kind = EventKind::keyDown, .key = key::escape});
+    handleEvent({.kind = EventKind::keyUp, .key = key::escape});
+}
+
+void drag(Bytes& bytes) {
+    prepareAnswers(bytes);
+    const unsigned buttons = 1U + static_cast<unsigned>(bytes.below(4));
+    const auto mouse = [&](unsigned held) {
+        handleEvent({.kind = EventKind::mouse,
+                     .x = bytes.below(256) * 4,
+                     .y = bytes.below(256) * 2,
+                     .buttons = held});
+    };
+    mouse(0);
+    for (int i = 0; i < 3; ++i) mouse(buttons);
+    mouse(0);
+}
+
+void keyStroke(Bytes& bytes) {
+    prepareAnswers(bytes);
+    const int code = bytes.below(256);
+    handleEvent({.kind = bytes.below(2) != 0 ? EventKind::keyDown : EventKind::keyUp, .key = code});
+}
+
+constexpr void (*commands[])(Bytes&) = {deleteFace,  repeatCorner,     tidy, collect,   edges,
+                                        orient,      writeAndReadBack, drag, keyStroke, menuCommand,
+                                        menuCommand, menuCommand};
+
+/// The editor as it is at start-up, with an empty mesh.
+void startAnew() {
+    resetEditorState();
+    displayOptions = {};
+    box = {};
+    handleEvent({.kind = EventKind::create});
+    shown->log.clear();
+}
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static test::FakePlatform shown;
-    createMesh();
+    static test::FakePlatform screen;
+    shown = &screen;
+    startAnew();
     Bytes bytes(data, size);
     makeMesh(bytes);
     while (!bytes.empty()) {
@@ -144,7 +220,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         demand(fault == nullptr, fault);
     }
     fuzz::emptyMesh();
-    demand(storeBlocks() == 1, "blocks stay behind");
-    shown.log.clear();
+    handleEvent({.kind = EventKind::destroy});
+    demand(storeBlocks() == 0, "blocks stay behind");
     return 0;
 }

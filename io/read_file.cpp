@@ -12,7 +12,7 @@
 namespace polyfab {
 namespace {
 
-int openForReading(const std::string& path) {
+int openForReading(const std::string& path, std::int64_t& length) {
     // Without O_NONBLOCK a named pipe would wait here for somebody to write into it.
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status {};
@@ -20,13 +20,15 @@ int openForReading(const std::string& path) {
         close(file);
         return -1;
     }
+    length = status.st_size;
     return file;
 }
 
 } // namespace
 
 PieceReader::PieceReader(const std::string& path)
-    : file(openForReading(path)), buffer(new (std::nothrow) char[maxKept + pieceSize + slack]) {
+    : file(openForReading(path, length)),
+      buffer(new (std::nothrow) char[maxKept + pieceSize + slack]) {
     if (buffer == nullptr && file >= 0) {
         close(file);
         file = -1;
@@ -44,6 +46,7 @@ bool PieceReader::next(std::size_t kept, std::string_view& text) {
         got = read(file, buffer.get() + kept, pieceSize);
     } while (got < 0 && errno == EINTR);
     broken = got < 0;
+    if (!broken) done += got;
     text = {buffer.get(), kept + static_cast<std::size_t>(got < 0 ? 0 : got)};
     std::memset(buffer.get() + text.size(), 0, slack);
     return got > 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -30,13 +31,19 @@ class PieceReader {
     /// True once a read has failed, which `next` reports as the end.
     [[nodiscard]] bool failed() const { return broken; }
 
+    /// Bytes that the file had when it was opened, and those that were read so far.
+    [[nodiscard]] std::int64_t size() const { return length; }
+    [[nodiscard]] std::int64_t bytesRead() const { return done; }
+
     /// Reads on: `text` becomes its own last `kept` bytes followed by up to pieceSize new ones, and
     /// is valid until the next call. False when there are no new ones: `text` is then just the kept
     /// ones.
     [[nodiscard]] bool next(std::size_t kept, std::string_view& text);
 
   private:
+    std::int64_t length = 0; ///< set as the file is opened
     int file;
+    std::int64_t done = 0;
     bool broken = false;
     std::unique_ptr<char[]> buffer;
 };

@@ -27,18 +27,15 @@ bool take(T*& table, std::int32_t count) {
     return table != nullptr;
 }
 
-/// Takes the tables, with nothing found yet. There are at most as many edges as corners.
+/// Takes the tables of edges, with nothing found yet. There are at most as many edges as corners.
 bool takeTables(Mesh& mesh) {
     if (!take(mesh.cornerMate, mesh.nq) || !take(mesh.cornerSameDir, mesh.nq)
-        || !take(mesh.pointEdges, mesh.np) || !take(mesh.cornerFace, mesh.nq)
-        || !take(mesh.edges, mesh.nq)) {
+        || !take(mesh.pointEdges, mesh.np) || !take(mesh.edges, mesh.nq)) {
         return false;
     }
-    mesh.nqEdges = mesh.nq;
     std::fill_n(mesh.cornerMate, mesh.nq, -1);
     std::fill_n(mesh.cornerSameDir, mesh.nq, std::uint8_t{255});
     std::fill_n(mesh.pointEdges, mesh.np, EdgeList{});
-    std::fill_n(mesh.cornerFace, mesh.nq, CornerFace{noFace, 0});
     return true;
 }
 
@@ -59,7 +56,9 @@ void eachSide(const Mesh& mesh, Use use) {
     }
 }
 
-void enterOwners(Mesh& mesh) {
+bool enterOwners(Mesh& mesh) {
+    if (!take(mesh.cornerFace, mesh.nq)) return false;
+    std::fill_n(mesh.cornerFace, mesh.nq, CornerFace{noFace, 0});
     for (std::int32_t i = 0; i < mesh.nf; ++i) {
         const Face& face = mesh.faces[i];
         if (face.q == nullptr) continue;
@@ -68,6 +67,7 @@ void enterOwners(Mesh& mesh) {
             owners[k] = {static_cast<std::uint32_t>(i), static_cast<std::uint16_t>(k)};
         }
     }
+    return true;
 }
 
 /// Sorts the sides by their lower points; `first` of each point's list becomes the end of its sides
@@ -119,26 +119,29 @@ std::int32_t findEdges(Mesh& mesh, const Table<Side>& sides, Table<std::int32_t>
     return count;
 }
 
+/// All tables but that of the owners. False when memory runs out.
+bool enterEdges(Mesh& mesh) {
+    Table<Side> sides(mesh.nq);
+    Table<std::int32_t> found(mesh.np, -1);
+    if (!sides || !found || !takeTables(mesh)) return false;
+    for (std::int32_t c = 0; c < mesh.nq; ++c) mesh.corners[c].edgeuse = 0;
+    sortSides(mesh, sides);
+    const auto count = static_cast<std::size_t>(findEdges(mesh, sides, found));
+    mesh.edges = static_cast<Edge*>(farrealloc(mesh.edges, count * sizeof(Edge), "edgel2"));
+    return count == 0 || mesh.edges != nullptr;
+}
+
 } // namespace
 
 bool buildEdges(Mesh& mesh) {
     freeEdges(mesh);
-    Table<Side> sides(mesh.nq);
-    Table<std::int32_t> found(mesh.np, -1);
-    if (!sides || !found || !takeTables(mesh)) {
-        freeEdges(mesh);
-        return false;
+    // The table of owners comes last, when the memory for the sorting is free again.
+    if (enterEdges(mesh) && enterOwners(mesh)) {
+        mesh.nqEdges = mesh.nq;
+        return true;
     }
-    for (std::int32_t c = 0; c < mesh.nq; ++c) mesh.corners[c].edgeuse = 0;
-    enterOwners(mesh);
-    sortSides(mesh, sides);
-    const auto count = static_cast<std::size_t>(findEdges(mesh, sides, found));
-    mesh.edges = static_cast<Edge*>(farrealloc(mesh.edges, count * sizeof(Edge), "edgel2"));
-    if (count != 0 && mesh.edges == nullptr) {
-        freeEdges(mesh);
-        return false;
-    }
-    return true;
+    freeEdges(mesh);
+    return false;
 }
 
 void freeEdges(Mesh& mesh) {

@@ -27,7 +27,9 @@ void freeEdges(Mesh& mesh);
 /// so that it runs anticlockwise on the screen and they agree with it, and reports in a message
 /// box; nothing at all happens without a live current face. The screen positions of the points must
 /// be up to date. Always ends with a collection and without tables then.
-void checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables);
+///
+/// False after a message box: the collection found a fault, or memory ran out.
+bool checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables);
 
 /// Turns the face over: the order of its corners, which keep what they refer to, is reversed.
 void reverseFace(Face& face);

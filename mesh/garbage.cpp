@@ -156,7 +156,8 @@ bool collectGarbage(Mesh& mesh) {
     compactReferred(mesh, points, texcoords, normals);
     compactNames(mesh);
     if (sizes(mesh) != before) mesh.changed = 1;
-    return true;
+    // Never shrinks, but brings an exact capacity back to whole steps.
+    return mesh.growFaces(mesh.nf, false) != 0;
 }
 
 } // namespace polyfab

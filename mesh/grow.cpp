@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -99,6 +100,35 @@ int Mesh::growNormals(std::int64_t want, bool exact) {
 int Mesh::growTexCoords(std::int64_t want, bool exact) {
     return growReferred(texcoords, ntmax, want, exact, {"t", "texture map coords"}, corners, nq,
                         &FaceCorner::t);
+}
+
+void Mesh::settleLostArrays() {
+    const auto isLost = [](const void* array, std::int32_t& count, std::int32_t& capacity) {
+        if (array != nullptr || capacity == 0) return false;
+        capacity = 0; // which would stand for room that is not there
+        return std::exchange(count, 0) != 0;
+    };
+    const bool pointsLost = isLost(points, np, npmax), cornersLost = isLost(corners, nq, nqmax);
+    const bool facesLost = isLost(faces, nf, nfmax);
+    bool noFaces = pointsLost || cornersLost || facesLost;
+    const auto forget = [this](auto FaceCorner::*reference) {
+        for (std::int32_t c = 0; c < nq; ++c) corners[c].*reference = nullptr;
+    };
+    if (isLost(normals, nd, ndmax)) forget(&FaceCorner::d);
+    if (isLost(texcoords, nt, ntmax)) forget(&FaceCorner::t);
+    // Of these a face needs one each. Areas and parts are only found, and so can be found again.
+    noFaces |= isLost(groups, ng, ngmax) | isLost(materials, nmat, nmatmax);
+    const auto begin = [&](std::int16_t Face::*number, int (Mesh::*add)(),
+                           const std::int32_t& count) {
+        for (std::int32_t i = 0; i < nf && !noFaces; ++i) faces[i].*number = 0;
+        (this->*add)();
+        noFaces |= count == 0;
+    };
+    if (isLost(tmas, ntma, ntmamax)) begin(&Face::tma, &Mesh::addTextureMapArea, ntma);
+    if (isLost(parts, nprt, nprtmax)) begin(&Face::prt, &Mesh::addPart, nprt);
+    if (!noFaces) return;
+    np = nq = nf = 0;
+    curface = curvertex = -1;
 }
 
 } // namespace polyfab

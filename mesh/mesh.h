@@ -165,6 +165,10 @@ struct Mesh {
     [[nodiscard]] int growNormals(std::int64_t want, bool exact);
     [[nodiscard]] int growTexCoords(std::int64_t want, bool exact);
 
+    /// Makes a mesh whose growth failed fit for use again: without the array that is lost, and
+    /// without points and faces if that was one they need. Otherwise does nothing.
+    void settleLostArrays();
+
     // Insertion. Each gives the new element's index, or 0 when there was no room.
     /// (x, y, z) is a world position, or with `fromScreen` a screen position; the other of the two
     /// is worked out by the projection. The scratch marks are cleared.

@@ -100,14 +100,18 @@ void orientFaces(Mesh& mesh) {
 
 } // namespace
 
-void checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables) {
-    if (orient && !hasCurrentFace(mesh)) return;
-    if (!skipCollection && !collectGarbage(mesh)) return;
-    if (!buildEdges(mesh)) return;
+bool checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables) {
+    if (orient && !hasCurrentFace(mesh)) return true;
+    if (!skipCollection && !collectGarbage(mesh)) return false;
+    if (!buildEdges(mesh)) return false;
     // The collection may have taken the current face away.
-    if (orient && hasCurrentFace(mesh)) return orientFaces(mesh);
+    if (orient && hasCurrentFace(mesh)) {
+        orientFaces(mesh);
+        return true;
+    }
     markBadEdges(mesh);
     if (!keepTables || orient) freeEdges(mesh);
+    return true;
 }
 
 void reverseFace(Face& face) { std::reverse(face.q, face.q + std::max<int>(face.n, 0)); }

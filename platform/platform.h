@@ -60,7 +60,7 @@ struct MenuItem {
     bool enabled = true;
     bool checkable = false;
     bool checked = false;
-    std::string key{}; ///< shortcut such as "Ctrl+O"; empty: none
+    std::string key{}; ///< shortcut such as "Ctrl+O", or several parted by "; "; empty: none
 };
 
 struct Menu {
@@ -94,7 +94,12 @@ enum class EventKind {
     mouse,       ///< x, y, buttons (the state after whatever happened)
     wheel,       ///< x, y, steps
     command,     ///< command
-    drop,        ///< paths: files dropped on the window, or the file named on the command line
+    drop,        ///< paths: files dropped on the window
+    start,       ///< the window is drawn and takes questions; paths: the file named on the command
+                 ///< line, if any. Comes once at most, before what the user does
+    idle,        ///< the user has done nothing for a moment, and holds no button
+    sessionEnd,  ///< the process will end without asking: what is to last must be on the disk when
+                 ///< the handler returns. Also comes while another handler runs
 };
 
 struct Event {
@@ -136,8 +141,8 @@ class Platform {
     virtual std::string title() const = 0;
     virtual void setTitle(const std::string& text) = 0;
     virtual Size clientSize() const = 0;
-    /// Device pixels to one of the desktop's pixels, 1 or more: 2 where everything on the desktop is
-    /// drawn twice as large, so that it keeps its size to the eye.
+    /// Device pixels to one of the desktop's pixels, 1 or more: 2 where everything on the desktop
+    /// is drawn twice as large, so that it keeps its size to the eye.
     virtual double pixelScale() const = 0;
     /// Puts the menu bar of this name on the window, in place of the one before.
     virtual void setMenuBar(const std::string& name, const MenuBar& bar) = 0;
@@ -164,6 +169,13 @@ class Platform {
     /// Shows a notice over the window, and over the notices before it, at once and without waiting
     /// for events; "" removes the latest one.
     virtual void showBusy(const std::string& text) = 0;
+    /// Shows a strip along the bottom of the window, over what is there: the text, and a bar that
+    /// is full up to `fraction` (0 to 1) or, below 0, only moves at each call. "" removes it. Lets
+    /// the window redraw itself; what the user does to it meanwhile waits, Escape too.
+    virtual void showProgress(const std::string& text, double fraction) = 0;
+    /// A clock for work, good to a hundredth of a second and cheap to look at: seconds since some
+    /// moment, without the time that a modal box was open. It stands still where nobody waits.
+    virtual double workSeconds() const = 0;
     virtual void beep() = 0;
     /// Whether the Escape key is down: long work looks every now and then and stops if so. Lets the
     /// window redraw itself meanwhile; what the user does to it, Escape excepted, counts for
@@ -200,6 +212,9 @@ struct Program {
     std::vector<CommandInfo> (*commands)() = nullptr;
     std::string (*stateJson)() = nullptr; ///< the editor's state as one JSON object on one line
     std::string (*dumpJson)() = nullptr;  ///< the whole mesh as one JSON object on one line
+    /// Lets the program keep things from run to run in this folder, and what the user has not saved
+    /// every so many seconds.
+    void (*useStateFolder)(const std::string& folder, int recoverySeconds) = nullptr;
 };
 
 } // namespace polyfab

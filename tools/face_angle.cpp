@@ -4,6 +4,7 @@
 #include "tools/vectors.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace polyfab {
@@ -11,7 +12,28 @@ namespace {
 
 const double pi = 4 * std::atan(1.0);
 
+/// The largest coordinate.
+double size(const Vec3& v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
+
 Vec3 place(const Face& face, int corner) { return worldPosition(*face.q[corner % face.n].p); }
+
+/// The unit normal of the triangle, or zero where it can't be told from what rounding makes of
+/// corners in a line.
+Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c) {
+    constexpr double rounding = 4 * DBL_EPSILON;
+    const Vec3 ab = b - a, ac = c - a;
+    const double farB = std::max(size(a), size(b)), farC = std::max(size(a), size(c));
+    const Vec3 normal = cross(ab, ac);
+    const double square = dot(normal, normal);
+    if (square > 1e-200 && square < 1e200) {
+        const double least = rounding * (size(ab) * farC + size(ac) * farB);
+        return size(normal) > least ? normal * (1 / std::sqrt(square)) : Vec3{};
+    }
+    // The products may have overflowed or vanished.
+    const Vec3 scaled = cross(nearOne(ab), nearOne(ac));
+    const double least = 4 * rounding * (farC / size(ac) + farB / size(ab));
+    return size(scaled) > least ? unit(scaled) : Vec3{};
+}
 
 Vec3 centroid(const Face& face) {
     Vec3 sum;
@@ -22,15 +44,16 @@ Vec3 centroid(const Face& face) {
 } // namespace
 
 Vec3 faceNormal(const Face& face) {
+    if (face.n < 3) return {};
     const Vec3 first = place(face, 0);
-    if (face.n == 3) return unitCross(place(face, 1) - first, place(face, 2) - first);
+    if (face.n == 3) return triangleNormal(first, place(face, 1), place(face, 2));
     const Vec3 middle = centroid(face);
     Vec3 sum;
     for (int k = 0; k < face.n; ++k) {
-        const Vec3 here = place(face, k);
-        sum += unitCross(place(face, k + 1) - here, middle - here);
+        sum += triangleNormal(place(face, k), place(face, k + 1), middle);
     }
-    return unit(sum);
+    // Unit vectors that cancel each other leave their rounding.
+    return size(sum) > 4 * DBL_EPSILON * face.n ? unit(sum) : Vec3{};
 }
 
 double angleBetween(const Vec3& normal1, const Vec3& normal2) {

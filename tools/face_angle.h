@@ -10,7 +10,8 @@ namespace polyfab {
 /// The unit normal of a live face, towards the side from which its corners are seen anticlockwise.
 /// A face of other than three corners takes the directions of the triangles between its sides and
 /// the mean of its corners, each counting the same. Zero for a face without a direction: corners in
-/// a line or in one place, fewer than two, positions that are not finite.
+/// a line or in one place, fewer than three, positions that are not finite or, in a face of more
+/// than three corners, have a sum that is not.
 [[nodiscard]] Vec3 faceNormal(const Face& face);
 
 /// The angle in degrees, 0 to 180, between two unit normals: 0 when the faces are flat to each

@@ -5,6 +5,7 @@
 #include "tools/same_corners.h"
 
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/delete_faces.h"
@@ -47,7 +48,9 @@ std::uint64_t hashOf(const std::int32_t* first, const std::int32_t* end) {
 
 /// Lists the points of each selected face, and gives the end of the sets. There must be room.
 PointSet* listSets(const Mesh& mesh, std::int32_t* points, PointSet* sets) {
+    LoopProgress progress(mesh.nf);
     for (std::int32_t i = 0; i < mesh.nf; ++i) {
+        progress.step();
         const Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
         std::int32_t* const list = points;

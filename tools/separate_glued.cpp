@@ -6,6 +6,7 @@
 #include "tools/separate_glued.h"
 
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/elements.h"
@@ -115,7 +116,9 @@ void separateGluedSurfaces(Mesh& mesh) {
     std::int64_t copies = 0;
     int glued = 0;
     const std::int32_t points = mesh.np;
+    LoopProgress progress(2 * std::int64_t{points});
     eachPoint(s, points, [&](std::int32_t point, std::int32_t start, std::int32_t end) {
+        progress.step();
         joinSurfaces(mesh, s, point, start, end);
         std::int64_t surfaces = 0;
         for (std::int32_t c = start; c < end; ++c) surfaces += s.parent[c] == c;
@@ -125,6 +128,7 @@ void separateGluedSurfaces(Mesh& mesh) {
     });
     if (!mesh.growPoints(mesh.np + copies, false)) return;
     eachPoint(s, points, [&](std::int32_t point, std::int32_t start, std::int32_t end) {
+        progress.step();
         separate(mesh, s, point, start, end);
     });
     if (copies > 0) {

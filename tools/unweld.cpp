@@ -2,6 +2,7 @@
 #include "tools/unweld.h"
 
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "editor/state.h"
 #include "editor/title.h"
 #include "mesh/table.h"
@@ -110,6 +111,7 @@ void unweldPartByPart(Mesh& mesh, PartTables& t) {
     int number = 0;
     for (std::int32_t part = 0; part < mesh.nprt; ++part) {
         if (!t.selected[part]) continue;
+        tellProgress(number, total);
         if (abortRequested()) break;
         showTitle("I am working on part %4d out of %d", ++number, total);
         unweldPart(mesh, t, part);

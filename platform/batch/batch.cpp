@@ -4,6 +4,7 @@
 
 #include "platform/batch/batch_platform.h"
 #include "platform/batch/script.h"
+#include "platform/end_signals.h"
 
 #include <cstdio>
 
@@ -36,9 +37,14 @@ int runSteps(BatchPlatform& window, const Script& script) {
         window.send({.kind = EventKind::create});
         window.resize(window.clientSize());
         for (const Step& step : script.steps) {
+            if (const int signal = takeEndSignal()) {
+                window.send({.kind = EventKind::sessionEnd});
+                return statusOfSignal(signal);
+            }
             now = step.words;
             const std::string wrong = runStep(window, step);
             if (!wrong.empty()) return complain(wrong, wrongCommandLine);
+            if (window.isOpen()) window.send({.kind = EventKind::idle});
             if (script.stopAfterFailure && window.exclamationShown()) break;
         }
     } catch (const Unanswered& caught) {
@@ -49,6 +55,10 @@ int runSteps(BatchPlatform& window, const Script& script) {
 
 int runScript(const Program& program, const Script& script) {
     if (!script.error.empty()) return complain(script.error, wrongCommandLine);
+    if (!script.stateFolder.empty() && program.useStateFolder != nullptr) {
+        program.useStateFolder(script.stateFolder, script.recoverySeconds);
+        catchEndSignals();
+    }
     BatchPlatform window(program, script.size);
     Platform* const before = currentPlatform;
     setPlatform(&window);

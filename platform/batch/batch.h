@@ -11,7 +11,8 @@
 
 namespace polyfab {
 
-/// Runs [--size WxH] [FILE] [STEP ...], argument files already expanded. Prints what the program
+/// Runs [--size WxH] [--state-folder DIR] [--recovery-seconds N] [FILE] [STEP ...], argument files
+/// already expanded. Prints what the program
 /// would have shown on standard output, one JSON object a line, and diagnostics on standard error.
 /// Returns the exit status.
 int runBatch(const Program& program, const std::vector<std::string>& args);

@@ -58,6 +58,9 @@ class BatchPlatform : public Platform {
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;
+    // Nobody watches the strip, and nothing in a run depends on how long it takes.
+    void showProgress(const std::string&, double) override {}
+    double workSeconds() const override { return 0; }
     void beep() override;
     bool escapeDown() override;
     void openHelp() override;

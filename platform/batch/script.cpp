@@ -7,7 +7,9 @@
 #include "platform/batch/write_png.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace polyfab {
 namespace {
@@ -22,7 +24,11 @@ std::string runEvent(BatchPlatform& window, const Step& step) {
 std::string runCommand(BatchPlatform& window, const Step& step) {
     const MenuItem* const item = window.menuItem(step.event.command);
     if (!item) return "the present menu has no such command";
-    if (!item->enabled) return "the command is greyed";
+    // One that is built is greyed while there is nothing to do: a press of its key beeps.
+    if (!item->enabled) {
+        window.beep();
+        return "";
+    }
     runEvent(window, step);
     window.setAbort(std::nullopt);
     return "";
@@ -101,16 +107,22 @@ std::string readSize(Step& step, const std::string& word, const Commands&) {
     return "";
 }
 
-std::string readLooks(Step& step, const std::string& word, const Commands&) {
-    const std::optional<int> looks = parseInt(word);
-    if (!looks || *looks < 0) return "expected a whole number from 0 on";
-    step.looks = *looks;
+std::string readCount(Step& step, const std::string& word, const Commands&) {
+    const std::optional<int> count = parseInt(word);
+    if (!count || *count < 0) return "expected a whole number from 0 on";
+    step.looks = *count;
     return "";
 }
 
 std::string readPath(Step& step, const std::string& word, const Commands&) {
     step.path = word;
     return "";
+}
+
+std::string readFolder(Step& step, const std::string& word, const Commands&) {
+    std::error_code failure;
+    step.path = std::filesystem::absolute(word, failure);
+    return std::filesystem::is_directory(step.path, failure) ? "" : "there is no such folder";
 }
 
 struct StepRow {
@@ -131,10 +143,25 @@ constexpr StepRow stepRows[] = {
     {"--deactivate", nullptr, runEvent, EventKind::deactivate, false},
     {"--menu-open", nullptr, runEvent, EventKind::menuOpening, false},
     {"--resize", readSize, runResize, EventKind::resize, false},
-    {"--abort-after", readLooks, runAbort, EventKind::paint, false},
+    {"--abort-after", readCount, runAbort, EventKind::paint, false},
     {"--state", nullptr, runState, EventKind::paint, false},
     {"--dump", nullptr, runDump, EventKind::paint, false},
     {"--picture", readPath, runPicture, EventKind::paint, false},
+};
+
+/// What stands before all steps, in any order.
+struct OptionRow {
+    std::string_view word;
+    std::string (*read)(Step&, const std::string&, const Commands&);
+    void (*take)(Script&, const Step&);
+};
+
+constexpr OptionRow optionRows[] = {
+    {"--size", readSize, [](Script& script, const Step& read) { script.size = read.size; }},
+    {"--state-folder", readFolder,
+     [](Script& script, const Step& read) { script.stateFolder = read.path; }},
+    {"--recovery-seconds", readCount,
+     [](Script& script, const Step& read) { script.recoverySeconds = read.looks; }},
 };
 
 struct AnswerRow {
@@ -171,20 +198,23 @@ class Reader {
 
   private:
     void readHead() {
-        if (next < args.size() && args[next] == "--size") {
-            Step size;
+        while (script.error.empty() && next < args.size()) {
+            const OptionRow* const row = findRow(optionRows, args[next]);
+            if (row == nullptr) break;
             ++next;
-            if (readArgument(size, "--size", readSize)) script.size = size.size;
+            Step read;
+            if (readArgument(read, std::string(row->word), row->read)) row->take(script, read);
         }
-        if (next < args.size() && !args[next].starts_with("--")) addDrop(args[next++]);
+        const bool file = next < args.size() && !args[next].starts_with("--");
+        if (file || !script.stateFolder.empty()) addStart(file ? args[next++] : "");
     }
 
-    void addDrop(const std::string& file) {
+    void addStart(const std::string& file) {
         Step step;
         step.run = runEvent;
-        step.words = file;
-        step.event.kind = EventKind::drop;
-        step.event.paths = {file};
+        step.words = file.empty() ? "start" : file;
+        step.event.kind = EventKind::start;
+        if (!file.empty()) step.event.paths = {file};
         step.takesAnswers = true;
         script.steps.push_back(std::move(step));
     }

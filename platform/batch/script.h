@@ -34,12 +34,14 @@ struct Step {
 
 struct Script {
     Size size{1024, 512};
+    std::string stateFolder; ///< "": nothing is kept from run to run
+    int recoverySeconds = 120;
     std::vector<Step> steps;
     bool stopAfterFailure = false; ///< an exclamation box ends the run after its step
     std::string error;             ///< why the command line is wrong; empty: it is sound
 };
 
-/// Reads [--size WxH] [FILE] [STEP ...].
+/// Reads [--size WxH] [--state-folder DIR] [--recovery-seconds N] [FILE] [STEP ...].
 /// Commands are looked up in this list, by number or by label without the "&".
 Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args);
 

@@ -2,6 +2,7 @@
 // The modal boxes.
 #include "platform/qt/dialogs.h"
 
+#include "platform/qt/folders.h"
 #include "platform/qt/keys.h"
 
 #include <QCheckBox>
@@ -213,7 +214,7 @@ bool mayWriteBeside(QWidget* owner, const FileRequest& request, const std::strin
 
 } // namespace
 
-std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory) {
+std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Folders& folders) {
     QFileDialog box(owner);
     box.setWindowTitle(titleText(request.prompt));
     box.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -221,14 +222,14 @@ std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Q
     QStringList filters;
     for (const FileFilter& filter : request.filters) filters << nameFilter(filter);
     box.setNameFilters(filters);
-    box.setDirectory(directory);
+    box.setDirectory(folders.of(request.prompt));
     box.selectFile(QFile::decodeName(request.initial.c_str()));
     std::string chosen;
     do {
         if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
         chosen = QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
     } while (!mayWriteBeside(&box, request, chosen));
-    directory = box.directory().absolutePath();
+    folders.use(request.prompt, box.directory().absolutePath());
     return chosen;
 }
 

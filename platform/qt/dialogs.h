@@ -12,6 +12,8 @@ class QWidget;
 
 namespace polyfab {
 
+class Folders;
+
 /// As a window title that shows this very text ("[*]" stands for something else there).
 QString titleText(const std::string& text);
 
@@ -21,8 +23,8 @@ void showMessage(QWidget* owner, const std::string& title, const std::string& te
 Choice askQuestion(QWidget* owner, const std::string& title, const std::string& text,
                    Buttons buttons);
 
-/// Starts in the directory, and changes it to the one of the file chosen.
-std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, QString& directory);
+/// Starts in the folder of its kind, which becomes that of the file chosen.
+std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Folders& folders);
 
 DialogResult askFields(QWidget* owner, Dialog& dialog);
 

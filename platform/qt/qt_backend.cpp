@@ -2,6 +2,7 @@
 // The life of the window backend: a display, the application, the window, the event loop.
 #include "platform/qt/qt_backend.h"
 
+#include "platform/end_signals.h"
 #include "platform/qt/qt_platform.h"
 
 #include <QApplication>
@@ -40,7 +41,8 @@ void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) 
 
 } // namespace
 
-int runQt(const Program& program, int& argc, char** argv, const std::string& file) {
+int runQt(const Program& program, int& argc, char** argv, const std::string& file,
+          const std::string& stateFolder) {
     if (!displayNamed()) {
         sayNoWindow("there is no display (DISPLAY or WAYLAND_DISPLAY is not set)");
         return noWindow;
@@ -54,14 +56,14 @@ int runQt(const Program& program, int& argc, char** argv, const std::string& fil
     std::setlocale(LC_NUMERIC, "C");
     // Only the program's own destroyWindow ends the run.
     QApplication::setQuitOnLastWindowClosed(false);
-    QtPlatform window(program);
+    QtPlatform window(program, stateFolder);
     Platform* const before = currentPlatform;
     setPlatform(&window);
     window.start(file);
     window.run();
     window.destroyWindow(); // a session that ends may stop the loop on its own
     setPlatform(before);
-    return 0;
+    return window.endedBy() != 0 ? statusOfSignal(window.endedBy()) : 0;
 }
 
 } // namespace polyfab

@@ -4,6 +4,7 @@
 // resize, commands, drops) waits until that command is over.
 #include "platform/qt/qt_platform.h"
 
+#include "platform/end_signals.h"
 #include "platform/qt/dialogs.h"
 #include "platform/qt/help.h"
 #include "platform/qt/text.h"
@@ -11,36 +12,63 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QScreen>
+#include <QSessionManager>
+#include <QSocketNotifier>
 #include <QTimer>
 #include <QWindow>
 
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
 #include <utility>
 
 namespace polyfab {
 namespace {
 
-/// What follows a modal box, however it ends: the window gets the keyboard back (not every window
-/// manager sees to that), and an Escape that closed the box is not meant for what comes next.
-struct AfterBox {
-    QWidget& window;
-    InputFilter& input;
-    ~AfterBox() {
+/// What goes with a modal box, however it ends. While it is open no work goes on, nor does Escape
+/// stop any. Afterwards the window gets the keyboard back (not every window manager sees to that),
+/// and an Escape that closed the box is not meant for what comes next.
+class AroundBox {
+  public:
+    AroundBox(QWidget& owner, InputFilter& filter, WorkClock& workClock, QWidget& strip)
+        : window(owner), input(filter), clock(workClock) {
+        clock.boxOpens();
+        strip.hide();
+    }
+    ~AroundBox() {
+        clock.boxCloses();
         if (window.isVisible()) window.activateWindow();
         input.forgetEscape();
     }
+    AroundBox(const AroundBox&) = delete;
+    AroundBox& operator=(const AroundBox&) = delete;
+
+  private:
+    QWidget& window;
+    InputFilter& input;
+    WorkClock& clock;
 };
+
+/// The user rests when nothing has come for this long, and still does each time this long again.
+constexpr std::chrono::milliseconds restBegins(1000), restGoesOn(30'000);
+
+bool isInput(EventKind kind) {
+    constexpr EventKind kinds[] = {EventKind::keyDown, EventKind::keyUp,   EventKind::mouse,
+                                   EventKind::wheel,   EventKind::command, EventKind::drop,
+                                   EventKind::start};
+    return std::find(std::begin(kinds), std::end(kinds), kind) != std::end(kinds);
+}
 
 } // namespace
 
-QtPlatform::QtPlatform(const Program& runProgram)
+QtPlatform::QtPlatform(const Program& runProgram, const std::string& stateFolder)
     : program(runProgram), window({[this](const Event& event) { send(event); },
                                    [this](const Event& event) { queue(event); },
                                    [this]() -> const QImage& { return currentPicture(); }}),
-      busy(&window), directory(QDir::currentPath()) {
+      strip(&window.canvas()), busy(&window), folders(stateFolder) {
     busy.setFrameStyle(int(QFrame::Panel) | int(QFrame::Raised));
     busy.setAutoFillBackground(true);
     busy.setMargin(12);
@@ -56,6 +84,37 @@ void QtPlatform::start(const std::string& file) {
     // Another screen may have other pixels, and only then does the same size mean another one.
     QObject::connect(window.windowHandle(), &QWindow::screenChanged, &window,
                      [this] { queue({.kind = EventKind::resize}); });
+    beginWatch();
+}
+
+/// What ends the process from outside, and the moments in which the user rests.
+void QtPlatform::beginWatch() {
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window,
+                     [this](QSessionManager& session) {
+                         session.setRestartHint(QSessionManager::RestartNever);
+                         send({.kind = EventKind::sessionEnd});
+                     });
+    if (const int caught = catchEndSignals(); caught >= 0) {
+        auto* const notifier = new QSocketNotifier(caught, QSocketNotifier::Read, &window);
+        QObject::connect(notifier, &QSocketNotifier::activated, &window, [this] { endBySignal(); });
+    }
+    idle.setSingleShot(true);
+    QObject::connect(&idle, &QTimer::timeout, &window, [this] { sendIdle(); });
+}
+
+void QtPlatform::sendIdle() {
+    const bool busyNow = depth > 0 || QApplication::mouseButtons() != Qt::NoButton;
+    if (!busyNow) send({.kind = EventKind::idle});
+    idle.start(busyNow ? restBegins : restGoesOn);
+}
+
+void QtPlatform::endBySignal() {
+    endSignal = takeEndSignal();
+    if (endSignal == 0) return;
+    send({.kind = EventKind::sessionEnd});
+    // What waits for a box, or is at work, could not go on with the window gone.
+    if (depth > 0) std::_Exit(statusOfSignal(endSignal));
+    destroyWindow();
 }
 
 void QtPlatform::run() {
@@ -76,6 +135,8 @@ void QtPlatform::send(const Event& event) {
     if (event.kind == EventKind::deactivate || event.kind == EventKind::menuOpening) {
         input.forgetEscape();
     }
+    if (depth == 0) lastLook = {}; // new work looks at once
+    if (isInput(event.kind)) idle.start(restBegins);
     ++depth;
     program.handle(event);
     --depth;
@@ -94,8 +155,9 @@ void QtPlatform::sendQueued() {
     if (depth > 0 || waiting.empty()) return;
     const Event event = std::move(waiting.front());
     waiting.pop_front();
-    if (event.kind == EventKind::drop && event.paths.size() == 1) {
-        directory = QFileInfo(QFile::decodeName(event.paths.front().c_str())).absolutePath();
+    if (const bool read = event.kind == EventKind::drop || event.kind == EventKind::start;
+        read && event.paths.size() == 1) {
+        folders.use(QFileInfo(QFile::decodeName(event.paths.front().c_str())).absolutePath());
     }
     if (event.kind == EventKind::command) {
         // The key may have gone down or up while a menu had the keyboard.
@@ -108,8 +170,10 @@ const QImage& QtPlatform::currentPicture() {
     if (paintDue && depth == 0) {
         paintDue = false;
         send(Event{});
-        if (!firstFile.empty()) {
-            queue({.kind = EventKind::drop, .paths = {std::exchange(firstFile, {})}});
+        if (const auto file = std::exchange(firstFile, std::nullopt)) {
+            Event started{.kind = EventKind::start};
+            if (!file->empty()) started.paths = {*file};
+            queue(started);
         }
     }
     image.setDevicePixelRatio(window.devicePixelRatioF());
@@ -153,23 +217,29 @@ void QtPlatform::destroyWindow() {
 }
 
 void QtPlatform::message(const std::string& title, const std::string& text, Icon icon) {
-    const AfterBox afterBox{window, input};
+    const AroundBox around(window, input, clock, strip);
     showMessage(owner(), title, text, icon);
 }
 
 Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons) {
-    const AfterBox afterBox{window, input};
+    const AroundBox around(window, input, clock, strip);
     return askQuestion(owner(), title, text, buttons);
 }
 
 std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
-    const AfterBox afterBox{window, input};
-    return askFile(owner(), request, directory);
+    const AroundBox around(window, input, clock, strip);
+    return askFile(owner(), request, folders);
 }
 
 DialogResult QtPlatform::dialog(Dialog& dialog) {
-    const AfterBox afterBox{window, input};
+    const AroundBox around(window, input, clock, strip);
     return askFields(owner(), dialog);
+}
+
+/// Without looking at the events the display may not hear of what is shown before work is done.
+void QtPlatform::letShow() {
+    constexpr int milliseconds = 20;
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, milliseconds);
 }
 
 void QtPlatform::showBusy(const std::string& text) {
@@ -186,22 +256,31 @@ void QtPlatform::showBusy(const std::string& text) {
         busy.raise();
         busy.repaint();
     }
-    // Without this the display may not hear of it before the work is done.
-    constexpr int milliseconds = 20;
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, milliseconds);
+    letShow();
+}
+
+void QtPlatform::showProgress(const std::string& text, double fraction) {
+    if (text.empty()) return strip.hide();
+    strip.tell(QString::fromStdString(text), fraction);
+    letShow();
 }
 
 void QtPlatform::beep() { QApplication::beep(); }
 
 bool QtPlatform::escapeDown() {
-    input.beginWork();
-    QCoreApplication::processEvents();
-    input.endWork();
+    // Work may ask for every one of its millions of elements.
+    constexpr std::chrono::milliseconds pause(4);
+    if (const auto now = std::chrono::steady_clock::now(); now - lastLook >= pause) {
+        input.beginWork();
+        QCoreApplication::processEvents();
+        input.endWork();
+        lastLook = std::chrono::steady_clock::now();
+    }
     return input.escapePressed() || input.escapeDown();
 }
 
 void QtPlatform::openHelp() {
-    const AfterBox afterBox{window, input};
+    const AroundBox around(window, input, clock, strip);
     showManual(owner());
 }
 

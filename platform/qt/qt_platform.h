@@ -3,13 +3,18 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/qt/folders.h"
 #include "platform/qt/input_filter.h"
+#include "platform/qt/progress_strip.h"
 #include "platform/qt/window.h"
+#include "platform/qt/work_clock.h"
 
 #include <QEventLoop>
 #include <QImage>
 #include <QLabel>
+#include <QTimer>
 
+#include <chrono>
 #include <deque>
 #include <string>
 
@@ -17,13 +22,16 @@ namespace polyfab {
 
 class QtPlatform : public Platform {
   public:
-    explicit QtPlatform(const Program& program);
+    /// What is kept from run to run goes into the folder; with "" nothing is.
+    explicit QtPlatform(const Program& program, const std::string& stateFolder = "");
 
-    /// Sends the create event and shows the window. The file (none if empty) is dropped on it once
-    /// it is drawn.
+    /// Sends the create event and shows the window, and the start event with the file (none if
+    /// empty) once it is drawn.
     void start(const std::string& file);
     /// Handles events until the program destroys the window.
     void run();
+    /// The signal that has ended the run, or 0.
+    int endedBy() const { return endSignal; }
     Window& mainWindow() { return window; }
 
     std::string title() const override { return windowTitle; }
@@ -41,6 +49,8 @@ class QtPlatform : public Platform {
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;
+    void showProgress(const std::string& text, double fraction) override;
+    double workSeconds() const override { return clock.seconds(); }
     void beep() override;
     bool escapeDown() override;
     void openHelp() override;
@@ -53,20 +63,29 @@ class QtPlatform : public Platform {
     void send(const Event& event);
     void queue(const Event& event);
     void sendQueued();
+    void beginWatch();
+    void sendIdle();
+    void endBySignal();
     const QImage& currentPicture();
+    void letShow();
     /// The owner of boxes: none while the window is not shown, so that they get a place of their
     /// own.
     QWidget* owner() { return window.isVisible() ? &window : nullptr; }
 
     const Program& program;
     InputFilter input;
+    std::chrono::steady_clock::time_point lastLook{}; ///< when work last let events in
     Window window;
+    ProgressStrip strip;
+    WorkClock clock;
     QLabel busy; ///< shows the last of the notices
     std::vector<std::string> notices;
     std::string windowTitle;
-    std::string firstFile;
-    QString directory; ///< of the last file chosen or dropped
-    Bitmap bitmap;     ///< holds the pixels of image
+    std::optional<std::string> firstFile; ///< until the start event was sent
+    QTimer idle;                          ///< runs out when the user rests
+    int endSignal = 0;
+    Folders folders;
+    Bitmap bitmap; ///< holds the pixels of image
     QImage image;
     std::deque<Event> waiting;
     QEventLoop loop;

@@ -159,7 +159,7 @@ void Window::addItem(QMenu& menu, const MenuItem& item) {
     }
     QAction* const added = menu.addAction(QString::fromStdString(item.label));
     added->setData(item.id);
-    added->setShortcut(QKeySequence(QString::fromStdString(item.key)));
+    added->setShortcuts(QKeySequence::listFromString(QString::fromStdString(item.key)));
     added->setEnabled(item.enabled);
     added->setCheckable(item.checkable);
     added->setChecked(item.checked);

@@ -4,13 +4,23 @@
 
 #include "display/affine.h"
 #include "display/box.h"
+#include "display/options.h"
 #include "display/view.h"
+#include "editor/modes.h"
 #include "editor/state.h"
 #include "editor/transform_modes.h"
 #include "editor/window.h"
+#include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
 
+#include <algorithm>
+#include <cmath>
+#include <set>
+
 namespace polyfab::test {
+
+using Log = std::vector<std::string>;
+using Numbers = std::vector<int>;
 
 inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
     for (int axis = 0; axis < 3; ++axis) {
@@ -18,29 +28,72 @@ inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
     }
 }
 
-/// A window of 1024 x 512 pixels, upright, at 100 pixels per unit.
+/// A client position.
+struct Spot {
+    int x, y;
+    Spot operator+(const Spot& by) const { return {x + by.x, y + by.y}; }
+};
+
+/// The numbers of those that are selected.
+template <typename T>
+Numbers selectedOf(const T* array, int count) {
+    Numbers list;
+    for (int i = 0; i < count; ++i) {
+        if (array[i].selected) list.push_back(i);
+    }
+    return list;
+}
+
+/// An empty mesh in a window of 1024 x 512 pixels, upright, at 100 pixels per unit with the origin
+/// at (255, 255) of both panes.
 class WindowEvents : public MeshTest {
   protected:
-    WindowEvents() {
-        resetAll();
-        handleEvent({.kind = EventKind::create});
-        resetView();
-        view.scale = 100;
-        applyView();
-        shown.log.clear();
-    }
+    WindowEvents() { reset(); }
     ~WindowEvents() override {
-        resetAll();
+        reset();
         view.client = {};
         resetView();
     }
 
+    void reset() {
+        emptyMesh();
+        resetEditorState();
+        turnOptions = TurnOptions();
+        displayOptions = DisplayOptions();
+        box = Box();
+        shown.size = {1024, 512};
+        send(EventKind::create);
+        resetView();
+        view.scale = 100;
+        view.offset = {255, 255, 255};
+        applyView();
+        shown.log.clear();
+    }
+    /// Starts over with a cube, unaltered, in this mode. Its left pane shows face 1 in front, the
+    /// right one face 5.
+    void cubeIn(int mode) {
+        reset();
+        addCube();
+        OB->changed = 0;
+        command(mode);
+        shown.log.clear();
+    }
+
+    static void send(EventKind kind) { handleEvent({.kind = kind}); }
     static void command(int id) { handleEvent({.kind = EventKind::command, .command = id}); }
-    static void press(int code) { handleEvent({.kind = EventKind::keyDown, .key = code}); }
-    static void release(int code) { handleEvent({.kind = EventKind::keyUp, .key = code}); }
+    static void down(int code) { handleEvent({.kind = EventKind::keyDown, .key = code}); }
+    static void up(int code) { handleEvent({.kind = EventKind::keyUp, .key = code}); }
+    static void key(int code) {
+        down(code);
+        up(code);
+    }
+    static void wheel(int x, int y, double steps) {
+        handleEvent({.kind = EventKind::wheel, .x = x, .y = y, .steps = steps});
+    }
     static void mouse(int x, int y, unsigned buttons) {
         handleEvent({.kind = EventKind::mouse, .x = x, .y = y, .buttons = buttons});
     }
+    static void mouse(const Spot& spot, unsigned buttons) { mouse(spot.x, spot.y, buttons); }
     /// A drag by so many pixels in two steps.
     static void drag(int x, int y, int across, int down, unsigned buttons) {
         mouse(x, y, buttons);
@@ -48,13 +101,39 @@ class WindowEvents : public MeshTest {
         mouse(x + across, y + down, buttons);
         mouse(x + across, y + down, 0);
     }
-    static Vec3 point(int i) { return {OB->points[i].x, OB->points[i].y, OB->points[i].z}; }
+    static void drag(const Spot& from, const Spot& to) {
+        drag(from.x, from.y, to.x - from.x, to.y - from.y, button::left);
+    }
+    static void click(const Spot& spot) { drag(spot, spot); }
+    /// What the command shows.
+    Log run(int id) {
+        shown.log.clear();
+        command(id);
+        return shown.log;
+    }
 
-  private:
-    static void resetAll() {
-        resetEditorState();
-        turnOptions = TurnOptions();
-        box = Box();
+    static Vec3 point(int i) { return {OB->points[i].x, OB->points[i].y, OB->points[i].z}; }
+    /// Moves this point and all after it.
+    static void shift(int first, const Vec3& way) {
+        for (Point* p = OB->points + first; p != OB->points + OB->np; ++p) {
+            p->x += way.x, p->y += way.y, p->z += way.z;
+        }
+    }
+    static Numbers selected() { return selectedOf(OB->faces, OB->nf); }
+    static void select(const Numbers& faces) {
+        for (int f = 0; f < OB->nf; ++f) {
+            OB->faces[f].selected = std::count(faces.begin(), faces.end(), f) != 0;
+        }
+    }
+    /// The check marks that show in the menu bar.
+    std::set<int> checks() const {
+        std::set<int> ids;
+        for (const Menu& menu : shown.bar) {
+            for (const MenuItem& item : menu.items) {
+                if (item.checked) ids.insert(item.id);
+            }
+        }
+        return ids;
     }
 };
 

@@ -1,61 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/window.h"
-
-#include "display/view.h"
 #include "editor/commands.h"
-#include "editor/menus.h"
-#include "editor/state.h"
 #include "mesh/store.h"
-#include "tests/support/mesh_fixture.h"
+#include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
 
-#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
-namespace polyfab {
+namespace polyfab::test {
 namespace {
 
-using Log = std::vector<std::string>;
+using Json = nlohmann::json;
 
-class Window : public test::MeshTest {
+class Window : public WindowEvents {
   protected:
-    Window() {
-        resetEditorState();
-        handleEvent({.kind = EventKind::create});
-        shown.log.clear();
-    }
-    ~Window() override { resetEditorState(); }
-
-    void command(int id) { handleEvent({.kind = EventKind::command, .command = id}); }
-    void key(EventKind kind, int code) { handleEvent({.kind = kind, .key = code}); }
-    void mouse(int x, int y, unsigned buttons) {
-        handleEvent({.kind = EventKind::mouse, .x = x, .y = y, .buttons = buttons});
-    }
-    nlohmann::json state() { return nlohmann::json::parse(editorProgram().stateJson()); }
-    nlohmann::json dump() { return nlohmann::json::parse(editorProgram().dumpJson()); }
+    static Json state() { return Json::parse(editorProgram().stateJson()); }
 };
 
-TEST_F(Window, EveryLabelAndMenuIsToldApart) {
-    std::set<std::string> labels;
-    std::map<std::string, int> runs; // a menu's commands stand together
-    const char* last = "";
-    for (const Command& command : commandTable()) {
-        EXPECT_TRUE(labels.insert(command.label).second) << command.label;
-        if (std::string(last) != command.menu) ++runs[command.menu];
-        last = command.menu;
-    }
-    for (const auto& [menu, count] : runs) EXPECT_EQ(count, 1) << menu;
-    EXPECT_EQ(shown.bar.size() + 1, runs.size()); // the heading of the lists stands in none
-}
-
 TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
-    test::addCube();
+    addCube();
     const std::string before = editorProgram().dumpJson();
+    std::set<std::string> titles{listMenu}; // which stands in the bar of its sub-view
     for (const Menu& menu : shown.bar) {
+        EXPECT_TRUE(titles.insert(menu.title).second); // a menu's commands stand together
         for (const MenuItem& item : menu.items) {
-            EXPECT_EQ(item.enabled, findCommand(item.id)->handler != nullptr);
-            if (!item.enabled) command(item.id);
+            const bool built = findCommand(item.id)->handler != nullptr;
+            // Undo and redo grey while there is nothing for them to do.
+            EXPECT_TRUE(item.enabled == built || menu.title == "&edit");
+            if (!built) command(item.id);
         }
     }
     command(104); // the accelerator's command, which the window ignores
@@ -63,39 +34,30 @@ TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
     EXPECT_TRUE(shown.log.empty());
 }
 
-TEST_F(Window, InfoNamesTheCurrentFaceAndVertex) {
-    test::addCube();
-    OB->faces[0].selected = 0;
-    OB->faces[1].selected = 0;
-    for (int f = 2; f < 5; ++f) OB->faces[f].selected = 0;
-    command(260);
-    EXPECT_EQ(shown.windowTitle, "has 8 points, 6 faces, 24 face-sides; 4 points selected");
+TEST_F(Window, InfoCountsWhatIsThereAndSelectingTakesLiveFaces) {
+    cubeIn(358);
+    OB->faces[2].q = nullptr;
+    OB->faces[2].selected = 0;
+    shown.paintRequests = 0;
+    command(290);
+    EXPECT_EQ(selected(), (Numbers{0, 1, 3, 4, 5}));
+    OB->faces[2].selected = 1;
+    command(291);
+    EXPECT_EQ(selected(), Numbers{2});
+    EXPECT_TRUE(OB->changed == 0 && shown.paintRequests == 2);
+    select({5});
+    const std::string counts = "title|has 8 points, 6 faces, 24 face-sides; 4 points selected";
+    EXPECT_EQ(run(260), Log{counts});
     OB->curface = 1;
     OB->curvertex = 7;
-    command(260);
-    EXPECT_EQ(shown.windowTitle, "has 8 points, 6 faces, 24 face-sides; 4 points selected, "
-                                 "current face 2, in default, current vertex 8");
-}
-
-TEST_F(Window, SelectingChangesLiveFacesAndThePictureOnly) {
-    test::addCube();
-    OB->faces[2].q = nullptr;
-    OB->faces[2].selected = 7;
-    OB->changed = 0;
-    shown.paintRequests = 0;
-    command(291);
-    EXPECT_EQ(state()["selectedFaces"], 0);
-    command(290);
-    EXPECT_EQ(state()["selectedFaces"], 5);
-    EXPECT_EQ(OB->faces[2].selected, 7);
-    EXPECT_EQ(OB->changed, 0);
-    EXPECT_EQ(shown.paintRequests, 2);
+    EXPECT_EQ(run(260), Log{counts + ", current face 2, in default, current vertex 8"});
+    EXPECT_EQ(state()["selectedFaces"], 1);
 }
 
 TEST_F(Window, ClosingAsksOnlyWhenThereIsSomethingToLose) {
     const auto close = [&] {
         shown.log.clear();
-        handleEvent({.kind = EventKind::close});
+        send(EventKind::close);
         return shown.log;
     };
     const std::string question =
@@ -109,61 +71,77 @@ TEST_F(Window, ClosingAsksOnlyWhenThereIsSomethingToLose) {
     EXPECT_EQ(close(), (Log{"beep", "title|Whoa there, I got a file open!!"}));
 }
 
-TEST_F(Window, DestroyingAFaultyMeshLeavesItsArraysAlone) {
-    test::addCube();
-    const int blocks = storeBlocks();
-    Face* faces = OB->faces;
-    OB->faces[0].mat = 5;
-    void* arrays[] = {OB->points, OB->corners, OB->materials, OB->groups, OB->tmas, OB->parts};
-    handleEvent({.kind = EventKind::destroy});
-    EXPECT_EQ(shown.log, Log{"message!|bad image, so I am not free()'ing it|fac.mat = 5 out of "
-                             "range, should be 0 to 0"});
-    EXPECT_EQ(storeBlocks(), blocks - 1); // the record alone
-    EXPECT_EQ(faces[0].mat, 5);
-    farfree(&faces);
-    for (void*& array : arrays) farfree(&array);
-    createMesh();
+TEST_F(Window, NothingClosesItWhileABoxIsOpen) {
+    cubeIn(358);
+    struct : FakePlatform {
+        Choice question(const std::string&, const std::string&, Buttons) override {
+            log.push_back("asked");
+            send(EventKind::close); // as at the end of the session
+            return Choice::no;
+        }
+    } closing;
+    command(299);
+    EXPECT_EQ(closing.log,
+              (Log{"asked", "beep", "title|Whoa there, I am in the middle of something!!"}));
+    OB->changed = 1;
+    closing.log.clear();
+    send(EventKind::close); // and once more in its own question
+    EXPECT_EQ(closing.log.size(), 3U);
+    OB->changed = 0;
+    send(EventKind::close); // now there is none
+    EXPECT_EQ(closing.log.back(), "destroyed");
+}
+
+TEST_F(Window, ItsEndReleasesTheMeshUnlessThatIsFaulty) {
+    for (const bool faulty : {true, false}) {
+        addCube();
+        command(278); // an open list is no obstacle
+        if (faulty) OB->faces[0].mat = 5;
+        std::vector<void*> left{OB->groups, OB->points, OB->corners,  OB->faces,
+                                OB->tmas,   OB->parts,  OB->materials};
+        if (!faulty) left.resize(1); // a clear leaves the groups
+        const int blocks = storeBlocks();
+        shown.log.clear();
+        send(EventKind::destroy);
+        EXPECT_EQ(shown.log.size(), faulty ? 1U : 0U);
+        EXPECT_EQ(blocks - storeBlocks(), faulty ? 1 : 7);
+        for (void*& array : left) farfree(&array);
+        resetEditorState();
+        createMesh();
+    }
 }
 
 TEST_F(Window, KeysGoDownAndUpAndAreClearedWithTheFocus) {
-    key(EventKind::keyDown, 'A');
-    key(EventKind::keyDown, key::shift);
-    key(EventKind::keyDown, 999); // no virtual key: ignored
-    EXPECT_EQ(state()["keys"], (nlohmann::json{key::shift, 'A'}));
-    key(EventKind::keyUp, 'A');
-    EXPECT_EQ(state()["keys"], nlohmann::json{key::shift});
+    for (const int code : {int{'A'}, key::shift, 999, -1}) down(code); // two are no virtual keys
+    EXPECT_EQ(state()["keys"], (Json{key::shift, 'A'}));
     for (const EventKind kind : {EventKind::deactivate, EventKind::menuOpening}) {
-        key(EventKind::keyDown, key::ctrl);
-        handleEvent({.kind = kind});
+        down(key::ctrl);
+        send(kind);
         EXPECT_TRUE(state()["keys"].empty());
     }
     shown.log.clear();
-    for (const int code : std::vector<int>{'B', 'C', 'V', 'I', 256 + 'C'})
-        key(EventKind::keyUp, code);
+    for (const int code : {int{'B'}, int{'C'}, int{'V'}, int{'I'}, 256 + 'C'}) up(code);
     EXPECT_EQ(shown.log, Log(3, "title|polyfab [] "));
 }
 
-TEST_F(Window, MousePositionAndHistory) {
-    struct Row {
-        int x, y;
-        unsigned buttons;
-        int history;
-        std::array<double, 3> position;
-    };
+TEST_F(Window, TheStateTellsButtonsNowAndBeforeAndTheMouse) {
     using namespace button;
-    const Row rows[] = {{5, 6, 0, 0, {5, 6, 0}},           {7, 8, left, 1, {7, 8, 0}},
-                        {9, 10, left, 5, {9, 10, 0}},      {11, 12, right, 6, {11, 12, 0}},
-                        {13, 14, right, 10, {11, 14, 13}}, {15, 16, 0, 8, {11, 16, 15}},
-                        {17, 18, 0, 0, {17, 18, 15}},      {1, 2, left | right, 3, {1, 2, 15}}};
-    for (const Row& row : rows) {
-        mouse(row.x, row.y, row.buttons);
-        EXPECT_EQ(state()["history"], row.history);
-        EXPECT_EQ(state()["mouse"], nlohmann::json(row.position));
-    }
+    int i = 0;
+    const auto expect = [&](unsigned buttons, int history, double x, double z) {
+        ++i;
+        mouse(i, 10 * i, buttons);
+        EXPECT_EQ(state()["history"], history);
+        EXPECT_EQ(state()["mouse"], (Json{x, 10.0 * i, z}));
+    };
+    expect(left, 1, 1, 0);
+    expect(right, 6, 2, 0);
+    expect(left | right, 11, 2, 3);
+    expect(0, 12, 2, 4);
+    expect(0, 0, 5, 4);
 }
 
 TEST_F(Window, DropsOfOneFileAreReadAndOfSeveralRefused) {
-    const test::TempFolder folder;
+    const TempFolder folder;
     const std::string path = folder.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
     handleEvent({.kind = EventKind::drop, .paths = {path, path}});
     EXPECT_EQ(shown.log, Log{"message!|drag-and-drop|one file at a time please"});
@@ -172,32 +150,52 @@ TEST_F(Window, DropsOfOneFileAreReadAndOfSeveralRefused) {
     EXPECT_EQ(state()["nf"], 1);
 }
 
-TEST_F(Window, PaintShowsTheMeshAndNothingNewCostsNothing) {
-    test::addCube();
-    stale.edges = true;
-    fitView(*OB);
-    handleEvent({.kind = EventKind::paint});
-    EXPECT_EQ(shown.picture.width, 1024);
-    EXPECT_EQ(shown.picture.height, 512);
-    const std::set<std::uint32_t> colors(shown.picture.pixels.begin(), shown.picture.pixels.end());
-    EXPECT_GE(colors.size(), 3U); // background, the line between the panes, edges
-}
-
 TEST_F(Window, TheDumpHoldsTheWholeMesh) {
-    test::addCube();
-    const int t = OB->addTexCoord(0.25, 0.5);
-    OB->faces[1].q[2].t = &OB->texcoords[t];
+    addCube();
+    OB->addTexCoord(0.25, 0.5);
+    OB->faces[1].q[2].t = OB->texcoords;
+    OB->addNormal(0, 1, 0);
+    OB->faces[1].q[0].d = OB->normals;
     OB->faces[0].q = nullptr;
     OB->groups[0].name[0] = '\xff'; // not UTF-8
-    const nlohmann::json mesh = dump();
-    EXPECT_EQ(mesh["points"][3], (nlohmann::json{1, 1, -1}));
-    EXPECT_EQ(mesh["texcoords"], (nlohmann::json::array({{0.25, 0.5}})));
+    const Json mesh = Json::parse(editorProgram().dumpJson());
+    EXPECT_EQ(mesh["points"][3], (Json{1, 1, -1}));
+    EXPECT_EQ(mesh["texcoords"], (Json::array({{0.25, 0.5}})));
+    EXPECT_EQ(mesh["normals"], (Json::array({{0, 1, 0}})));
     EXPECT_EQ(mesh["groups"][0]["name"], "\uFFFDefault");
     EXPECT_TRUE(mesh["faces"][0].is_null());
-    EXPECT_EQ(mesh["faces"][1]["corners"][2], (nlohmann::json{7, 0, -1, 2}));
+    EXPECT_EQ(mesh["faces"][1]["corners"][0], (Json{4, -1, 0, 2}));
+    EXPECT_EQ(mesh["faces"][1]["corners"][2], (Json{7, 0, -1, 2}));
     EXPECT_EQ(mesh["materials"][0]["color"], 0x808080);
-    EXPECT_EQ(mesh["parts"], nlohmann::json::array({1}));
+    EXPECT_EQ(mesh["parts"], Json::array({1}));
+}
+
+TEST_F(Window, EachDisplaySwitchHasItsOwnOptionAndCheckMark) {
+    const std::set<int> before = checks();
+    EXPECT_EQ(before, (std::set{271, 297, 1029, 1030}));
+    const auto options = reinterpret_cast<const bool*>(&displayOptions);
+    const std::vector<bool> usual(options, options + sizeof displayOptions);
+    std::set<std::size_t> thrown;
+    for (const Command& row : commandTable()) {
+        if (std::string(row.menu) != "&display" || row.checked == nullptr) continue;
+        stale = {false, false, false};
+        const int requests = shown.paintRequests;
+        command(row.id);
+        EXPECT_GT(shown.paintRequests, requests);
+        EXPECT_EQ(stale.edges, row.id == 354); // only hiding changes which edges there are
+        for (std::size_t i = 0; i < usual.size(); ++i) {
+            if (options[i] != usual[i]) thrown.insert(i);
+        }
+        Numbers changed;
+        std::ranges::set_symmetric_difference(before, checks(), std::back_inserter(changed));
+        EXPECT_EQ(changed, Numbers{row.id});
+        command(row.id);
+        EXPECT_EQ(checks(), before) << row.id;
+    }
+    EXPECT_EQ(thrown.size(), usual.size());
+    for (const int id : {298, 271, 298}) command(id); // of the rotate modes; the first no switch
+    EXPECT_EQ(checks(), (std::set{298, 1029, 1030}));
 }
 
 } // namespace
-} // namespace polyfab
+} // namespace polyfab::test

@@ -2,7 +2,11 @@
 #include "formats/mesh_files.h"
 
 #include "display/options.h"
+#include "editor/long_work.h"
 #include "editor/state.h"
+#include "formats/dxf_writer.h"
+#include "formats/obj_writer.h"
+#include "io/read_file.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 
@@ -103,6 +107,81 @@ TEST_F(MeshFiles, AFailedReadLeavesNoGeometryButTheNames) {
     EXPECT_EQ(newLog(), (Log{"message!|line 3 is bad: <3 args|v 1 0", failed + path}));
     EXPECT_EQ(OB->np + OB->nq + OB->nf, 0);
     EXPECT_EQ(OB->ng, 1);
+}
+
+TEST_F(MeshFiles, EscapeEndsAReadAsAFailedOne) {
+    std::string obj, dxf;
+    while (obj.size() < 5 * PieceReader::pieceSize / 2) obj += triangle;
+    while (dxf.size() < PieceReader::pieceSize / 2) {
+        for (const char corner : {'0', '1', '2', '3'}) {
+            for (const char axis : {'1', '2', '3'}) {
+                dxf += dxf.size() % 7 == 0 && corner == '3' ? "8\nx\n" : "";
+                dxf += std::string{axis, corner} + "\n" + corner + "." + axis + "\n";
+            }
+        }
+        dxf += "0\n3DFACE\n";
+    }
+    dxf += "0\nENDSEC\n";
+    const struct {
+        const char* name;
+        std::string text;
+        int looks; ///< one for each piece of a pass
+    } rows[] = {{"big.obj", obj, 6},
+                {"big.dxf", dxf, 2},
+                {"cow.3ds", std::string("MM\0\0\x06\0", 6), 1},
+                {"empty.obj", "", 0}};
+    for (const auto& row : rows) {
+        const std::string path = folder.write(row.name, row.text);
+        for (int look = 0; look <= row.looks; ++look) {
+            SCOPED_TRACE(row.name + std::to_string(look));
+            test::emptyMesh();
+            test::addCube();
+            newLog();
+            shown.escapeAfter = look;
+            read(path);
+            const bool stopped = look < row.looks;
+            EXPECT_EQ(shown.escapeAfter, stopped ? -1 : 0);
+            EXPECT_EQ(newLog(),
+                      stopped ? Log{"message!|I tried to read this file but it didn't work|" + path}
+                              : Log{});
+            EXPECT_TRUE(!stopped || OB->np + OB->nq + OB->nf == 0);
+            EXPECT_FALSE(editorState.busy);
+        }
+    }
+}
+
+TEST_F(MeshFiles, ReadingAndWritingTellHowFarTheyAre) {
+    std::string obj = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
+    while (obj.size() < 3 * PieceReader::pieceSize) obj += "f 1 2 3\n";
+    const std::string path = folder.write("many.obj", obj);
+    read(path);
+    const auto expectSteps = [&](const char* what, auto work) {
+        SCOPED_TRACE(what);
+        shown.log.clear();
+        shown.secondsPerLook = 1;
+        {
+            const LongWork running(what, Escape::stopsReading);
+            work();
+        }
+        shown.secondsPerLook = 0;
+        std::erase_if(shown.log, [](const auto& line) { return !line.starts_with("progress"); });
+        ASSERT_GT(shown.log.size(), 4U);
+        EXPECT_EQ(shown.log.back(), "progress||0.00");
+        double before = -1; // not known
+        std::string words = "progress|" + std::string(what) + " (Escape stops";
+        for (std::size_t i = 0; i + 1 < shown.log.size(); ++i) {
+            const double now = std::stod(shown.log[i].substr(shown.log[i].rfind('|') + 1));
+            const bool tidying = words.ends_with("Escape stops") && now < before;
+            if (tidying) words = "progress|" + std::string(what) + " (it can't be stopped)";
+            EXPECT_TRUE(tidying || now >= before) << shown.log[i];
+            EXPECT_TRUE(shown.log[i].starts_with(words)) << shown.log[i];
+            before = now;
+        }
+        EXPECT_GT(before, 0.8);
+    };
+    expectSteps("read", [&] { read(path); });
+    expectSteps("obj", [&] { EXPECT_EQ(writeObjFile(folder.path("out.obj"), objPlain), 1); });
+    expectSteps("dxf", [&] { EXPECT_EQ(writeDxfFile(folder.path("out.dxf")), 1); });
 }
 
 TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {

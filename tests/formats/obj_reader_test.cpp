@@ -96,6 +96,8 @@ TEST_F(ObjReader, Lines) {
         {"v\nvt\nf\n   \nvv 1 2 3\nv: 1 2 3\nl 1 2\n# v 1 2 3\nv  \t", "5"},
         // A line of 1023 characters ends there; what follows is a line of its own.
         {"v 1 2" + spaces(1016) + " 3", "6"},
+        {"v 1 2 3" + spaces(1016) + "v 1 2 3", "7"},
+        {"f 1 2" + spaces(1018) + "3", "5 1/0/0 2/0/0"},
         {note + "v 1 2 3", "6"},
         {note + spaces(1000) + "v 1 2 3", "6"},
         {"v 1 2 0" + std::string(1016, '0') + "v 1 2 3", "7"},

@@ -69,20 +69,22 @@ TEST_F(ObjWriterTest, WholeFile) {
 
 // By group, then by material, then by place; each named once.
 TEST_F(ObjWriterTest, OrderAndChoice) {
-    for (const char* const name : {"a b", "empty"}) OB->addGroup(name);
+    for (const char* const name : {"a b", "empty", "c"}) OB->addGroup(name);
     OB->addMaterial(defaultColor, "wood");
-    for (const int face : {0, 1, 5}) OB->faces[face].g = 1;
+    for (const int face : {0, 1}) OB->faces[face].g = 1;
+    OB->faces[5].g = 3;
     for (const int face : {0, 2, 5}) OB->faces[face].mat = 1;
     for (const int face : {0, 3}) OB->faces[face].selected = 0;
     shown.choices = {Choice::no, Choice::yes};
-    EXPECT_EQ(written("g "),
-              names
-                  + "f 3 7 8 4\nf 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
-                    "g a b\nusemtl default\nf 5 6 8 7\nusemtl wood\nf 1 3 4 2\nf 2 4 8 6\n");
+    EXPECT_EQ(written("g "), names
+                                 + "f 3 7 8 4\nf 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
+                                   "g a b\nusemtl default\nf 5 6 8 7\nusemtl wood\nf 1 3 4 2\n"
+                                   "g c\nusemtl wood\nf 2 4 8 6\n");
     EXPECT_TRUE(editorState.wholeMeshWritten);
-    const std::string selected = names
-                                 + "f 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
-                                   "g a b\nusemtl default\nf 5 6 8 7\nusemtl wood\nf 2 4 8 6\n";
+    const std::string selected =
+        names
+        + "f 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
+          "g a b\nusemtl default\nf 5 6 8 7\ng c\nusemtl wood\nf 2 4 8 6\n";
     EXPECT_EQ(written("g "), selected);
     EXPECT_FALSE(editorState.wholeMeshWritten);
     EXPECT_EQ(shown.log, Lines(2, question));
@@ -101,28 +103,6 @@ TEST_F(ObjWriterTest, UnsoundFacesAreLeftOut) {
     OB->faces[5].n = 0;
     EXPECT_EQ(written("g "), names + "f\n");
     EXPECT_FALSE(editorState.wholeMeshWritten);
-}
-
-// A scan of all faces for each pair of a group and a material would take 27 billion steps. One face
-// has as many corners as a face can have.
-TEST_F(ObjWriterTest, ManyGroupsMaterialsAndCorners) {
-    std::string expected = "f 2 4 8 6\nf";
-    ASSERT_NE(OB->newFace(maxIndexed), nullptr);
-    for (int i = 0; i < maxIndexed; ++i) {
-        OB->faces[6].q[i].p = OB->points + i % 8;
-        expected += " " + std::to_string(i % 8 + 1);
-    }
-    constexpr std::int16_t count = 3000;
-    for (std::int16_t i = 0; i < count; ++i) {
-        const std::string name = std::to_string(i);
-        OB->addGroup(name);
-        OB->addMaterial(defaultColor, name);
-        Face* const face = test::addFace({0});
-        face->g = static_cast<std::int16_t>(count - i);
-        face->mat = static_cast<std::int16_t>(i + 1);
-        expected += "\ng " + name + "\nusemtl " + std::to_string(count - 1 - i) + "\nf 1";
-    }
-    EXPECT_TRUE(written("f 2") == expected + "\n");
 }
 
 TEST_F(ObjWriterTest, FilesThatCannotBeCreatedOrWritten) {

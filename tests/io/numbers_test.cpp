@@ -36,7 +36,8 @@ TEST(ParseNumber, DecimalsAreReadAsTheLibraryReadsThem) {
         "-1e-99999999999999999999");
     for (std::string text; texts >> text;) expectAsLibrary(text);
     const std::string zeros(400, '0');
-    for (const std::string& text : {std::string(), "0." + zeros + "1e401", "1" + zeros + "e-400"}) {
+    for (const std::string& text :
+         {std::string(), "0." + zeros + "1e401", "0." + zeros + "1e50", "1" + zeros + "e-400"}) {
         expectAsLibrary(text);
     }
     std::mt19937_64 random(testing::UnitTest::GetInstance()->random_seed());

@@ -21,6 +21,7 @@ TEST(Keys, CodesNameTheKeyNotWhatItTypes) {
         {Qt::Key_Exclam, Qt::ShiftModifier, 0, '1'},
         {Qt::Key_QuoteDbl, Qt::ShiftModifier, 11, '2'}, // British layout
         {Qt::Key_QuoteDbl, Qt::ShiftModifier, 48, 222}, // US layout
+        {Qt::Key_ParenRight, Qt::ShiftModifier, 19, '0'},
         // The keypad has codes of its own while it types numbers.
         {Qt::Key_0, Qt::KeypadModifier, 90, 96},
         {Qt::Key_Insert, Qt::KeypadModifier, 90, 45},

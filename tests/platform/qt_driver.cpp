@@ -18,7 +18,9 @@
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
+#include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace polyfab::test {
 namespace {
@@ -98,7 +100,10 @@ class QtDriver : public Driver {
         QObject::connect(&answering, &QTimer::timeout, &answering, [this, &answers] {
             QWidget* const box = QApplication::activeModalWidget();
             if (!box) return;
+            const double before = backend.workSeconds();
+            std::this_thread::sleep_for(std::chrono::milliseconds(25));
             disturb();
+            EXPECT_EQ(backend.workSeconds(), before); // the user takes his time
             answerBox(*box, answers);
         });
         answering.start(1);

@@ -10,6 +10,8 @@
 #include <QMenuBar>
 #include <QTest>
 #include <QTimer>
+#include <csignal>
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace polyfab::test {
@@ -132,6 +134,44 @@ TEST_F(QtWindow, AKeyIsTheSameFromItsPressToItsRelease) {
     EXPECT_EQ(taken(), (Log{"keyDown 16", "keyDown 16"}));
 }
 
+TEST_F(QtWindow, ProgressLiesOverTheBottomOnly) {
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+    const QRgb full = window.palette().color(QPalette::Highlight).rgb();
+    const auto picture = [&] { return window.canvas().grab().toImage(); };
+    const QImage without = picture();
+    const QWidget* const focus = QApplication::focusWidget();
+    taken();
+    /// How many pixels of the bar are full; the lowest row of the picture that shows through.
+    const auto look = [&](const char* text, double fraction) {
+        backend.showProgress(text, fraction);
+        const QImage shown = picture();
+        int count = 0, row = shown.height() - 1;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) count += shown.pixel(x, y) == full;
+        }
+        const auto bytes = static_cast<std::size_t>(shown.bytesPerLine());
+        while (row > 0 && std::memcmp(shown.scanLine(row), without.scanLine(row), bytes) != 0) {
+            --row;
+        }
+        return std::pair(count, row);
+    };
+    const std::string longText(3000, 'n');
+    const auto [none, bottom] = look("counting", 0);
+    const auto [half, sameBottom] = look(longText.c_str(), 0.5);
+    const auto [all, stillSame] = look("counting", 1);
+    EXPECT_EQ(none, 0);
+    EXPECT_TRUE(half > 0 && std::abs(all - 2 * half) < all / 20) << half << " " << all;
+    EXPECT_TRUE(bottom == sameBottom && bottom == stillSame);
+    EXPECT_TRUE(bottom > without.height() * 3 / 4 && bottom < without.height() - 10) << bottom;
+    EXPECT_GT(look("counting", -1).first, 0);
+    const QImage moving = picture();
+    look("counting", -1);
+    EXPECT_NE(picture(), moving);
+    EXPECT_EQ(look("", 0), std::pair(0, without.height() - 1));
+    EXPECT_EQ(QApplication::focusWidget(), focus);
+    EXPECT_EQ(taken(), Log{});
+}
+
 TEST_F(QtWindow, MouseAndWheelArriveWhateverTheirKind) {
     const QPoint place(8, 12);
     const QPoint pixel = place * window.devicePixelRatioF();
@@ -163,6 +203,25 @@ Dialog promptOf(int fields) {
     Dialog dialog{"ASKDB", "", {}};
     for (int i = 0; i < fields; ++i) dialog.fields.push_back({"", "text"});
     return dialog;
+}
+
+TEST_F(QtWindow, TheUserRestsWhenNothingComesAndNoButtonIsDown) {
+    const auto restsIn = [](int milliseconds) {
+        toyState.rests = 0;
+        QTest::qWait(milliseconds);
+        return toyState.rests;
+    };
+    QTest::mousePress(&window.canvas(), Qt::LeftButton);
+    EXPECT_EQ(restsIn(1300), 0);
+    QTest::mouseRelease(&window.canvas(), Qt::LeftButton);
+    EXPECT_EQ(restsIn(1600), 1); // a moment later, and not again so soon
+}
+
+TEST_F(QtWindow, ASignalEndsTheRunAfterTheProgramHeardOfIt) {
+    taken();
+    std::raise(SIGTERM);
+    EXPECT_EQ(taken(), (Log{"sessionEnd", "destroy"}));
+    EXPECT_EQ(backend.endedBy(), SIGTERM);
 }
 
 TEST_F(QtWindow, PromptsAreFilledInFromTheKeyboard) {

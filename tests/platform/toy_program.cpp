@@ -31,18 +31,6 @@ void askPath(bool save) {
     note(path ? "file " + *path : "no file");
 }
 
-void warn() {
-    platform().message("<b>", "oh & dear", Icon::exclamation);
-    note("warned");
-}
-
-void beBusy() {
-    platform().showBusy("HANG ON");
-    platform().beep();
-    platform().showBusy("");
-    note("was busy");
-}
-
 /// Work of 300 looks at the Escape key.
 void workLong() {
     toyState.working = true;
@@ -67,9 +55,20 @@ const Row rows[] = {
     {toy::prompt, "pro&mpt", askFields},
     {toy::openFile, "&open", [] { askPath(false); }},
     {toy::saveFile, "&save", [] { askPath(true); }},
-    {toy::warn, "&warn", warn},
+    {toy::warn, "&warn", [] { platform().message("<b>", "oh & dear", Icon::exclamation); }},
     {toy::raw, "&raw", [] { platform().message("bytes", "\xff \"q\"\n", Icon::none); }},
-    {toy::busy, "&busy", beBusy},
+    {toy::busy, "&busy",
+     [] {
+         platform().showBusy("HANG ON");
+         platform().beep();
+         const double before = platform().workSeconds();
+         platform().showProgress("working", 0.5);
+         platform().showProgress("working", -1);
+         platform().showProgress("", 0);
+         if (platform().workSeconds() < before) note("disturbed");
+         platform().showBusy("");
+         note("was busy");
+     }},
     {toy::title, "&title", [] { platform().setTitle("polyfab [*] [cow.obj] "); }},
     {toy::toggle, "to&ggle", [] { platform().setMenuItem(toy::toggle, true, true); }},
     {toy::otherMenu, "other",
@@ -112,6 +111,8 @@ void runAlone(int id) {
 void handle(const Event& event) {
     if (event.kind == EventKind::paint) return paint();
     if (event.kind == EventKind::resize) return void(++toyState.resizes);
+    if (event.kind == EventKind::idle) return void(++toyState.rests);
+    if (event.kind == EventKind::start && event.paths.empty()) return;
     note(describe(event));
     if (event.kind == EventKind::create) setMenus();
     if (event.kind == EventKind::command) runAlone(event.command);
@@ -135,9 +136,9 @@ const Program& toyProgram() {
 }
 
 std::string describe(const Event& event) {
-    constexpr const char* kinds[] = {"create", "destroy", "resize",  "deactivate", "menu",
-                                     "paint",  "close",   "keyDown", "keyUp",      "mouse",
-                                     "wheel",  "command", "drop"};
+    constexpr const char* kinds[] = {
+        "create", "destroy", "resize", "deactivate", "menu", "paint", "close", "keyDown",
+        "keyUp",  "mouse",   "wheel",  "command",    "drop", "start", "idle",  "sessionEnd"};
     std::string line = kinds[int(event.kind)];
     for (const int value :
          {event.command, event.key, event.x, event.y, static_cast<int>(event.buttons)}) {

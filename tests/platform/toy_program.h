@@ -17,12 +17,14 @@ inline constexpr int yesNo = 1, yesNoCancel = 2, prompt = 3, openFile = 4, saveF
 }
 
 struct ToyProgram {
-    /// What came in ("keyDown 65"; paint and resize left out) and what the operations gave.
+    /// What came in ("keyDown 65"; paint, resize, idle and a start without a file left out) and
+    /// what the operations gave.
     std::vector<std::string> log;
     bool mayClose = false; ///< whether a close event is granted
     bool working = false;  ///< the long work is going on
     int paints = 0;
     int resizes = 0;
+    int rests = 0; ///< idle events
 };
 
 /// The state of the one toy; each test begins with a fresh one.

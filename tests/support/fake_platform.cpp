@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/fake_platform.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace polyfab::test {
@@ -67,6 +68,12 @@ DialogResult FakePlatform::dialog(Dialog& dialog) {
         dialog.onKey({EventKind::keyUp, 0, key::escape});
     }
     return result;
+}
+
+void FakePlatform::showProgress(const std::string& text, double fraction) {
+    char number[32];
+    std::snprintf(number, sizeof number, "%.2f", fraction);
+    log.push_back("progress|" + text + "|" + number);
 }
 
 void FakePlatform::drawText(Bitmap&, int x, int y, const std::string& text, const Font&,

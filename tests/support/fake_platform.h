@@ -18,6 +18,7 @@ class FakePlatform : public Platform {
 
     /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
     /// has the exclamation icon), "question|TITLE|TEXT", "file|PROMPT|INITIAL", "busy|TEXT",
+    /// "progress|TEXT|FRACTION",
     /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "beep", "help", "close", "destroyed".
     std::vector<std::string> log;
 
@@ -26,7 +27,9 @@ class FakePlatform : public Platform {
     std::deque<std::vector<std::string>> dialogAnswers; ///< field texts; empty: cancel
     std::deque<DialogResult> dialogResults; ///< how those prompts are left; empty: accept
 
-    int escapeAfter = -1; ///< looks until Escape is down; -1: it never is
+    mutable double seconds = 0; ///< what the clock for work says
+    double secondsPerLook = 0;  ///< that it goes on by whenever it is looked at
+    int escapeAfter = -1;       ///< looks until Escape is down; -1: it never is
 
     Size size{1024, 512};
     double scale = 1;
@@ -57,6 +60,8 @@ class FakePlatform : public Platform {
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override { log.push_back("busy|" + text); }
+    void showProgress(const std::string& text, double fraction) override;
+    double workSeconds() const override { return seconds += secondsPerLook; }
     void beep() override { log.push_back("beep"); }
     bool escapeDown() override { return escapeAfter >= 0 && escapeAfter-- == 0; }
     void openHelp() override { log.push_back("help"); }

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Magic, version, size of all; the editor's part and the mesh; a checksum of everything before it.
+// The checksum is FNV-1a in 64 bits (Fowler, Noll and Vo), which one changed byte always changes.
+#include "editor/recovery_file.h"
+
+#include "editor/state.h"
+#include "io/bytes.h"
+#include "io/read_file.h"
+#include "io/save_file.h"
+#include "mesh/check.h"
+#include "mesh/pack_snapshot.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <ctime>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+constexpr std::string_view magic = "polyfabR";
+constexpr std::uint64_t version = 1;
+constexpr int versionBytes = 4, sizeBytes = 8, checksumBytes = 8;
+constexpr std::size_t headBytes = magic.size() + versionBytes + sizeBytes;
+
+std::uint64_t checksumOf(std::string_view bytes) {
+    std::uint64_t sum = 0xcbf29ce484222325;
+    for (const char byte : bytes) {
+        sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    }
+    return sum;
+}
+
+template <typename Act>
+void eachFigure(View& view, Act act) {
+    for (auto& row : view.rotation) {
+        for (double& figure : row) act(figure);
+    }
+    for (double* const figure : {&view.scale, &view.offset.x, &view.offset.y, &view.offset.z}) {
+        act(*figure);
+    }
+}
+
+template <typename Act>
+void eachFigure(RecoveryRecord& record, Act act) {
+    for (Vec3* const place :
+         {&record.settable[0], &record.settable[1], &record.box.left, &record.box.right}) {
+        for (double* const figure : {&place->x, &place->y, &place->z}) act(*figure);
+    }
+}
+
+bool isUsable(View& view) {
+    bool usable = view.scale >= 1e-305 && view.scale <= 1e305;
+    eachFigure(view, [&](double figure) { usable = usable && std::isfinite(figure); });
+    return usable;
+}
+
+void packEditor(ByteWriter& out, RecoveryRecord record) {
+    out.signedNumber(record.time);
+    out.text(record.fileName);
+    out.text(record.lastChosen);
+    const auto pack = [&](double figure) { out.real(figure); };
+    eachFigure(record, pack);
+    eachFigure(record.view, pack);
+    for (const int number : {record.view.client.width, record.view.client.height, record.edgeFace,
+                             record.edgeCorner}) {
+        out.signedNumber(number);
+    }
+}
+
+void unpackEditor(ByteReader& in, RecoveryRecord& record) {
+    record.time = in.signedNumber();
+    record.fileName = in.text();
+    record.lastChosen = in.text();
+    const auto unpack = [&](double& figure) { figure = in.real(); };
+    eachFigure(record, unpack);
+    eachFigure(record.view, unpack);
+    if (!isUsable(record.view)) in.fail();
+    constexpr int mostPixels = 0xFFFF;
+    for (int* const side : {&record.view.client.width, &record.view.client.height}) {
+        *side = static_cast<int>(in.signedWithin(0, mostPixels));
+    }
+    for (int* const number : {&record.edgeFace, &record.edgeCorner}) {
+        *number = static_cast<int>(in.signedWithin(-1, INT32_MAX));
+    }
+}
+
+bool isTerminated(const char (&name)[nameSize]) {
+    return std::memchr(name, '\0', nameSize) != nullptr;
+}
+
+/// Null when the mesh is sound and its names, which the check does not look at, are texts.
+const char* faultOf(const Mesh& mesh) {
+    if (const char* const fault = check(mesh)) return fault;
+    const bool groups = std::all_of(mesh.groups, mesh.groups + mesh.ng, [](const Group& group) {
+        return isTerminated(group.name) && group.texture < 8;
+    });
+    const bool materials =
+        std::all_of(mesh.materials, mesh.materials + mesh.nmat,
+                    [](const Material& material) { return isTerminated(material.name); });
+    const bool faces = std::all_of(mesh.faces, mesh.faces + mesh.nf, [](const Face& face) {
+        return face.q == nullptr || face.n >= 0;
+    });
+    return groups && materials && faces ? nullptr : "a name or a face is damaged";
+}
+
+/// A number that leads to no element is made to lead to none.
+template <typename T>
+void intoRange(T& current, std::int32_t count) {
+    if (current < -1 || current >= std::max(count, 1)) current = -1;
+}
+
+void settleCurrents(Mesh& mesh) {
+    intoRange(mesh.curvertex, mesh.np);
+    intoRange(mesh.curtexcoord, mesh.nt);
+    intoRange(mesh.curface, mesh.nf);
+    intoRange(mesh.curgroup, mesh.ng);
+    intoRange(mesh.curmat, mesh.nmat);
+    intoRange(mesh.curtma, mesh.ntma);
+    intoRange(mesh.curprt, mesh.nprt);
+}
+
+bool isEdge(int face, int corner) {
+    return face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
+           && corner < OB->faces[face].n;
+}
+
+} // namespace
+
+RecoveryRecord recoveryRecord(SnapshotRef mesh) {
+    const EditorState& editor = editorState;
+    return {std::move(mesh),
+            std::time(nullptr),
+            editor.fileName,
+            editor.lastChosen,
+            editor.settable,
+            box,
+            view,
+            editor.currentEdgeFace,
+            editor.currentEdgeCorner};
+}
+
+std::string packRecovery(const RecoveryRecord& record) {
+    ByteWriter out;
+    out.bytes = magic;
+    out.fixed(version, versionBytes);
+    out.fixed(0, sizeBytes);
+    packEditor(out, record);
+    packSnapshot(out, *record.mesh);
+    ByteWriter size;
+    size.fixed(out.bytes.size() + checksumBytes, sizeBytes);
+    out.bytes.replace(headBytes - sizeBytes, sizeBytes, size.bytes);
+    out.fixed(checksumOf(out.bytes), checksumBytes);
+    return std::move(out.bytes);
+}
+
+std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
+    ByteReader in(bytes);
+    if (in.raw(magic.size()) != magic) return "it is no recovery file";
+    if (in.fixed(versionBytes) != version) return "another version of the editor wrote it";
+    const std::uint64_t size = in.fixed(sizeBytes);
+    if (bytes.size() < headBytes + checksumBytes || size > bytes.size())
+        return "its end is missing";
+    if (size < bytes.size()) return "there is something behind its end";
+    const std::string_view summed = bytes.substr(0, bytes.size() - checksumBytes);
+    ByteReader sum(bytes.substr(summed.size()));
+    if (sum.fixed(checksumBytes) != checksumOf(summed)) return "its checksum is wrong";
+    ByteReader body(summed.substr(headBytes));
+    unpackEditor(body, record);
+    record.mesh = unpackSnapshot(body);
+    return body.ok() && body.left() == 0 ? "" : "it makes no sense";
+}
+
+std::string restoreMesh(const RecoveryRecord& record) {
+    const SnapshotRef before = takeSnapshot(*OB, nullptr);
+    if (!restoreSnapshot(*OB, *record.mesh, *before)) return "there is not enough memory";
+    settleCurrents(*OB);
+    const char* const fault = faultOf(*OB);
+    if (fault == nullptr) return "";
+    const std::string wrong = fault;
+    static_cast<void>(restoreSnapshot(*OB, *before, *takeSnapshot(*OB, nullptr)));
+    return wrong;
+}
+
+void restoreEditor(const RecoveryRecord& record) {
+    EditorState& editor = editorState;
+    editor.fileName = record.fileName;
+    editor.lastChosen = record.lastChosen;
+    editor.settable = record.settable;
+    forgetCurrentEdge();
+    if (isEdge(record.edgeFace, record.edgeCorner)) {
+        editor.currentEdgeFace = record.edgeFace;
+        editor.currentEdgeCorner = record.edgeCorner;
+    }
+    const Size client = view.client;
+    view = record.view;
+    box = record.box;
+    applyView();
+    const Size saved = view.client;
+    if (client.width != saved.width || client.height != saved.height) resizeView(client);
+    stale = Stale();
+}
+
+bool writeRecoveryFile(const std::string& path, const RecoveryRecord& record) {
+    SaveFile file;
+    if (!file.open(path)) return false;
+    file.append(packRecovery(record));
+    return file.commit();
+}
+
+std::string readRecoveryFile(const std::string& path, RecoveryRecord& record) {
+    PieceReader reader(path);
+    if (!reader.isOpen()) return "it can't be opened";
+    std::string bytes;
+    for (std::string_view piece; reader.next(0, piece);) bytes += piece;
+    return reader.failed() ? "it can't be read" : unpackRecovery(bytes, record);
+}
+
+} // namespace polyfab

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/recovery_folder.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* prefix = "recovery-";
+constexpr const char* damagedSuffix = ".damaged";
+
+/// The first of "BASE", "BASE-2", "BASE-3", ... with the suffix for which `act` succeeds; "" when
+/// none of them will do.
+template <typename Act>
+std::string firstName(const std::string& base, const std::string& suffix, Act act) {
+    constexpr int most = 100;
+    for (int i = 1; i <= most; ++i) {
+        std::string name = base + (i == 1 ? "" : "-" + std::to_string(i)) + suffix;
+        if (act(name)) return name;
+    }
+    return "";
+}
+
+} // namespace
+
+RecoveryFolder::RecoveryFolder(RecoveryFolder&& other) noexcept
+    : path(std::exchange(other.path, {})), lock(std::exchange(other.lock, -1)) {}
+
+RecoveryFolder& RecoveryFolder::operator=(RecoveryFolder&& other) noexcept {
+    std::swap(path, other.path);
+    std::swap(lock, other.lock);
+    return *this;
+}
+
+RecoveryFolder::~RecoveryFolder() { release(); }
+
+void RecoveryFolder::release() {
+    if (lock >= 0) ::close(lock);
+    lock = -1;
+    path.clear();
+}
+
+RecoveryFolder RecoveryFolder::lockOf(std::string folder) {
+    const int file = ::open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (file < 0) return {};
+    RecoveryFolder held(std::move(folder), file);
+    // A lock file that somebody has removed since it was opened locks nothing any more.
+    struct stat found;
+    const bool locked = ::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &found) == 0;
+    if (!locked || found.st_nlink == 0) held.release();
+    return held;
+}
+
+RecoveryFolder RecoveryFolder::make(const std::string& stateFolder) {
+    RecoveryFolder made;
+    const std::string base = stateFolder + "/" + prefix + std::to_string(::getpid());
+    firstName(base, "", [&](const std::string& name) {
+        if (::mkdir(name.c_str(), 0700) != 0) return false;
+        made = lockOf(name); // fails when another editor has just taken it for one of the dead
+        return static_cast<bool>(made);
+    });
+    return made;
+}
+
+std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& stateFolder) {
+    std::vector<std::pair<fs::file_time_type, RecoveryFolder>> found;
+    std::error_code failure;
+    for (fs::directory_iterator entry(stateFolder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code none;
+        const bool named = entry->path().filename().native().starts_with(prefix);
+        if (!named || !entry->is_directory(none)) continue;
+        RecoveryFolder folder = lockOf(entry->path());
+        if (!folder) continue; // its editor lives
+        const fs::file_time_type time = fs::last_write_time(folder.file(), none);
+        if (none) {
+            folder.remove(); // its editor ended before it saved anything
+        } else {
+            found.emplace_back(time, std::move(folder));
+        }
+    }
+    std::sort(found.begin(), found.end(),
+              [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<RecoveryFolder> folders;
+    for (auto& [time, folder] : found) folders.push_back(std::move(folder));
+    return folders;
+}
+
+void RecoveryFolder::remove() {
+    std::error_code ignored;
+    if (lock >= 0) fs::remove_all(path, ignored);
+    release();
+}
+
+std::string RecoveryFolder::removeButKeepFile() {
+    // A link fails where a rename would replace what was kept before.
+    const std::string kept = firstName(path, damagedSuffix, [this](const std::string& name) {
+        return ::link(file().c_str(), name.c_str()) == 0;
+    });
+    if (!kept.empty()) remove();
+    return kept;
+}
+
+} // namespace polyfab

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// States and the steps between them. Whether a state is the one on disk is told by its version:
+// steps that change nothing that is saved lead to a state of the same version.
+#include "editor/undo.h"
+
+#include "display/affine.h"
+#include "display/box.h"
+#include "display/view.h"
+#include "editor/state.h"
+#include "mesh/snapshot.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <deque>
+#include <new>
+#include <unistd.h>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+/// What belongs to a step besides the mesh.
+struct EditorPart {
+    std::array<Vec3, 2> settable;
+    Box box; ///< as `view` shows it
+    View view;
+    int edgeFace, edgeCorner;
+    std::string fileName, lastChosen;
+};
+
+struct State {
+    SnapshotRef mesh;
+    int version;
+};
+
+/// Leads from a state to the next one.
+struct Step {
+    std::string label;
+    EditorPart before, after; ///< as they were when the state was left last
+    // What else than the mesh, the settable points and the current edge it changed. The rest is as
+    // the user has it now.
+    bool movesView, movesBox, namesFile;
+};
+
+struct History {
+    std::deque<State> states; ///< empty: nothing is recorded
+    std::deque<Step> steps;   ///< one less
+    std::size_t at = 0;       ///< the present state
+    int lastVersion = 0;
+    int savedVersion = 0;
+    EditorPart before{};  ///< when the events began of which the next step will come
+    bool altered = false; ///< these events changed something that is saved
+};
+
+History history;
+
+std::uint64_t memory = defaultUndoMemory();
+
+/// Value of Mesh::changed while an event is handled: it was set before. Who sets it says 1.
+constexpr std::uint8_t changedBefore = 2;
+
+/// To the last bit, not-a-numbers included.
+template <typename T>
+bool same(const T& a, const T& b) {
+    return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+EditorPart presentPart() {
+    const EditorState& editor = editorState;
+    return {editor.settable,
+            box,
+            view,
+            editor.currentEdgeFace,
+            editor.currentEdgeCorner,
+            editor.fileName,
+            editor.lastChosen};
+}
+
+/// The part's box around what it was around, as that view shows it.
+Box boxInView(const EditorPart& part, const View& to) {
+    Box moved = part.box;
+    const View& from = part.view;
+    if (same(from.scale, to.scale) && same(from.offset, to.offset)) return moved;
+    if (!same(from.rotation, to.rotation)) return moved; // turning leaves the box alone
+    for (Vec3* const corner : {&moved.left, &moved.right}) {
+        for (int i = 0; i < 3; ++i) {
+            const double pixels = along(*corner, i) - along(from.offset, i);
+            along(*corner, i) = along(to.offset, i) + pixels * (to.scale / from.scale);
+        }
+    }
+    return moved;
+}
+
+/// Whether the box is around something else, by more than the rounding of the view.
+bool boxMoved(const EditorPart& a, const EditorPart& b) {
+    const Box carried = boxInView(a, b.view);
+    const double factor = b.view.scale / a.view.scale;
+    for (const auto corner : {&Box::left, &Box::right}) {
+        for (int i = 0; i < 3; ++i) {
+            const double now = along(b.box.*corner, i);
+            const double before =
+                std::abs(along(a.box.*corner, i)) + std::abs(along(a.view.offset, i));
+            const double size =
+                std::max({1.0, std::abs(now), std::abs(along(b.view.offset, i)), factor * before});
+            if (!(std::abs(along(carried.*corner, i) - now) <= 1e-9 * size))
+                return !same(carried, b.box);
+        }
+    }
+    return false;
+}
+
+/// Whether the user would want to come back from one to the other: not from what only moves the
+/// view, and the box with it.
+bool differ(const EditorPart& a, const EditorPart& b) {
+    return !same(a.settable, b.settable) || a.edgeFace != b.edgeFace || a.edgeCorner != b.edgeCorner
+           || boxMoved(a, b);
+}
+
+/// Brings back what the step changed.
+void restorePart(const Step& step, const EditorPart& to) {
+    editorState.settable = to.settable;
+    editorState.currentEdgeFace = to.edgeFace;
+    editorState.currentEdgeCorner = to.edgeCorner;
+    if (step.namesFile) {
+        editorState.fileName = to.fileName;
+        editorState.lastChosen = to.lastChosen;
+    }
+    if (step.movesView) {
+        const Size client = view.client;
+        view = to.view;
+        box = to.box;
+        applyView();
+        if (!same(client, view.client)) resizeView(client);
+    } else if (step.movesBox) {
+        box = boxInView(to, view);
+    }
+}
+
+/// Works out the version of the present state, which holds another content than the one before
+/// when `content` says so.
+void settleVersion(bool content, int before) {
+    int& version = history.states[history.at].version;
+    const bool isSaved = OB->changed == 0;
+    const bool cleared = isSaved && content && before != history.savedVersion;
+    const bool lost = !isSaved && version == history.savedVersion;
+    if (history.altered || cleared || lost) version = ++history.lastVersion;
+    if (isSaved) history.savedVersion = version;
+    history.altered = false;
+}
+
+/// The new state follows the present one; what came after that is gone.
+void push(SnapshotRef mesh, Step step) {
+    History& h = history;
+    h.states.resize(h.at + 1);
+    h.steps.resize(h.at);
+    h.states.push_back({std::move(mesh), h.states[h.at].version});
+    h.steps.push_back(std::move(step));
+    ++h.at;
+    constexpr std::size_t each = sizeof(Step) + sizeof(State) + sizeof(Snapshot);
+    while (h.at > 1 && snapshotBytes() + h.steps.size() * each > memory) {
+        h.states.pop_front();
+        h.steps.pop_front();
+        --h.at;
+    }
+}
+
+Step stepTo(const EditorPart& now, bool content, const std::string& label) {
+    const EditorPart& before = history.before;
+    const bool pointsOnly = !content && !same(before.settable, now.settable);
+    const std::string& named = label.empty() ? "box" : label; // what no mode has done
+    return {pointsOnly ? "settable points" : named,
+            before,
+            now,
+            !same(before.view, now.view),
+            !same(before.box, now.box),
+            before.fileName != now.fileName};
+}
+
+void record(const std::string& label) {
+    const EditorPart now = presentPart();
+    State& present = history.states[history.at];
+    const int version = present.version;
+    SnapshotRef mesh = takeSnapshot(*OB, present.mesh);
+    const bool content = differenceOf(*mesh, *present.mesh) == Difference::content;
+    if (content || differ(history.before, now)) {
+        push(std::move(mesh), stepTo(now, content, label));
+    } else {
+        present.mesh = std::move(mesh);
+    }
+    settleVersion(content, version);
+    history.before = now;
+}
+
+/// Goes one state back (-1) or forward (1), if there is one.
+void goTo(int direction) {
+    recordStep("change"); // the history ends with what is there, whoever made it
+    History& h = history;
+    const bool back = direction < 0;
+    if (h.at == (back ? 0 : h.steps.size())) {
+        platform().beep();
+        return;
+    }
+    const std::size_t state = back ? h.at - 1 : h.at + 1;
+    if (!restoreSnapshot(*OB, *h.states[state].mesh, *h.states[h.at].mesh)) return;
+    Step& step = h.steps[std::min(state, h.at)];
+    (back ? step.after : step.before) = presentPart();
+    h.at = state;
+    restorePart(step, back ? step.before : step.after);
+    OB->changed = h.states[state].version == h.savedVersion ? 0 : changedBefore;
+    stale = Stale();
+    updateTitle();
+}
+
+} // namespace
+
+void startHistory() {
+    endHistory();
+    if (memory == 0) return;
+    try {
+        history.states.push_back({takeSnapshot(*OB, nullptr), 0});
+        history.before = presentPart();
+        history.savedVersion = OB->changed != 0 ? -1 : 0;
+    } catch (const std::bad_alloc&) {
+        endHistory();
+    }
+}
+
+void endHistory() { history = History(); }
+
+std::uint64_t defaultUndoMemory() {
+    const auto pages = static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES));
+    return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE)) / 4;
+}
+
+void setUndoMemory(std::uint64_t bytes) {
+    memory = bytes;
+    if (bytes == 0) endHistory();
+}
+
+bool undoIsOn() { return memory != 0; }
+
+void beginEvent(bool continues) {
+    if (OB == nullptr) return;
+    if (OB->changed != 0) OB->changed = changedBefore;
+    if (!continues) history.before = presentPart();
+}
+
+bool endEvent() {
+    if (OB == nullptr) return false;
+    const bool altered = OB->changed == 1;
+    OB->changed = OB->changed != 0;
+    history.altered = history.altered || altered;
+    return altered;
+}
+
+void recordStep(const std::string& label) {
+    if (OB == nullptr) return;
+    if (history.states.empty()) return startHistory();
+    try {
+        record(label);
+    } catch (const std::bad_alloc&) {
+        startHistory();
+        platform().message("undo", "I can't get enough memory, so I forget what you did so far",
+                           Icon::exclamation);
+    }
+}
+
+void undo() { goTo(-1); }
+
+void redo() { goTo(1); }
+
+SnapshotRef presentMesh() {
+    return history.states.empty() ? nullptr : history.states[history.at].mesh;
+}
+
+std::string undoLabel() { return history.at > 0 ? history.steps[history.at - 1].label : ""; }
+
+std::string redoLabel() {
+    return history.at < history.steps.size() ? history.steps[history.at].label : "";
+}
+
+} // namespace polyfab

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The history: what undo goes back to and redo comes forward to again. The window tells it of every
+// event, so that commands need not know of it.
+//
+// A step holds the mesh, the settable points, the box, the current edge, and the view and the file
+// name where it was the step that changed them. What only moves the view is no step.
+#pragma once
+
+#include "mesh/snapshot.h"
+
+#include <cstdint>
+#include <string>
+
+namespace polyfab {
+
+inline constexpr int undoCommand = 2010;
+inline constexpr int redoCommand = 2011;
+
+/// Makes the present state the first one. To be called when OB has been made.
+void startHistory();
+
+/// Forgets all steps.
+void endHistory();
+
+/// A quarter of the machine's memory.
+[[nodiscard]] std::uint64_t defaultUndoMemory();
+
+/// The memory that steps may take. With more the oldest ones are dropped, but never the newest.
+/// 0: no step is ever recorded, and none is left.
+void setUndoMemory(std::uint64_t bytes);
+
+/// Whether steps are recorded.
+[[nodiscard]] bool undoIsOn();
+
+/// To be called before an event is handled. `continues`: it belongs to a drag or to a list that
+/// began with an event before, and so to the step that will come of that.
+void beginEvent(bool continues);
+
+/// To be called when an event has been handled. Whether it changed something that is saved.
+bool endEvent();
+
+/// The mesh and the editor as they are now become the newest step, unless they are as they were.
+/// What could have been redone is then gone. Without memory the history starts anew, after a
+/// message box.
+void recordStep(const std::string& label);
+
+/// Goes one step back or forward. Without one it beeps; without memory there is a message box, and
+/// everything is as it was.
+void undo();
+void redo();
+
+/// The mesh as the newest step recorded it, or as it was where undo has gone back to; null when
+/// nothing is recorded.
+[[nodiscard]] SnapshotRef presentMesh();
+
+/// What undo or redo would do now, in the words of a menu; "" for nothing.
+[[nodiscard]] std::string undoLabel();
+[[nodiscard]] std::string redoLabel();
+
+} // namespace polyfab

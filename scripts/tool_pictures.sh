@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Makes the manual's pictures of the repair tools, docs/tools/*-before.png and *-after.png, with the
+# release build.
+#   scripts/tool_pictures.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+editor=${POLYFAB:-build/release/polyfab}
+
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+mkdir -p docs/tools
+
+# picture NAME MESH COMMON -- STEPS: the mesh before and after the steps, both with the common ones
+# (what the display shows) in force.
+picture() {
+    local name=$1 mesh=$2 common=$3
+    shift 4
+    # shellcheck disable=SC2086
+    "$editor" --batch --size 560x280 "$mesh" $common --picture "docs/tools/$name-before.png" \
+        "$@" --picture "docs/tools/$name-after.png" >/dev/null
+}
+
+# surface ROWS COLUMNS CORNERS POINTS: a curved, tilted surface of quads as an OBJ file. CORNERS: how
+# each quad is written ("quad", "triangles"), POINTS: "shared", or "own" ones for each face.
+surface() {
+    awk -v rows="$1" -v columns="$2" -v corners="$3" -v points="$4" -v bumps="${5:-0}" '
+    function height(i, k) {
+        # Noise of no particular kind, the same in every run.
+        return 0.35 * sin(i * 0.7) * cos(k * 0.6) + bumps * (((i * 7 + k * 13) % 11) / 11 - 0.5)
+    }
+    function place(i, k,   x, y, z) {
+        x = k / columns * 2 - 1; z = i / rows * 2 - 1; y = height(i, k)
+        return sprintf("v %.4f %.4f %.4f", x + 0.35 * z, 0.75 * y - 0.55 * z + 0.2 * x, 0.75 * z + 0.55 * y)
+    }
+    function face(list, n,   i, line, part) {
+        split(list, part, " ")
+        line = "f"
+        for (i = 1; i <= n; ++i) {
+            if (points == "own") { print place(int(part[i] / 1000), part[i] % 1000); line = line " " ++made }
+            else line = line " " int(part[i] / 1000) * (columns + 1) + part[i] % 1000 + 1
+        }
+        print line
+    }
+    BEGIN {
+        if (points == "shared") for (i = 0; i <= rows; ++i) for (k = 0; k <= columns; ++k) print place(i, k)
+        for (i = 0; i < rows; ++i) for (k = 0; k < columns; ++k) {
+            print "g", (i >= rows / 4 && i < rows * 3 / 4 && k >= columns / 4 && k < columns * 3 / 4 ? "patch" : "rest")
+            a = i * 1000 + k; b = a + 1000; c = b + 1; d = a + 1
+            if (corners == "quad") face(a " " b " " c " " d, 4)
+            else { face(a " " b " " c, 3); face(a " " c " " d, 3) }
+        }
+    }'
+}
+
+surface 8 10 quad own >"$scratch/apart.obj"
+surface 8 10 triangles shared >"$scratch/triangles.obj"
+surface 12 14 quad shared >"$scratch/quads.obj"
+surface 12 14 quad shared 0.25 >"$scratch/rough.obj"
+printf '%s\n' 'v -1 -.9 .1' 'v -.2 -1 .3' 'v .8 -.8 .4' 'v 1 0 .2' 'v .7 .8 0' 'v -.1 1 -.2' 'v -.9 .5 -.2' \
+    'f 1 2 3 4 5 6 7' >"$scratch/polygon.obj"
+
+patch="--command 291 --command 378 --mouse 140,140,left --mouse 140,140 --command 358"
+
+picture weld "$scratch/apart.obj" "--command 323" -- --command 390 --default
+picture weld-by-edges "$scratch/rough.obj" "" -- --command 317 --answer .22
+picture detriangularize "$scratch/triangles.obj" "" -- --command 268 --answer 30
+picture triangularize "$scratch/quads.obj" "" -- --command 274
+picture break-up "$scratch/polygon.obj" "" -- --command 344
+picture thicken "$scratch/quads.obj" "$patch" -- \
+    --command 372 --answer .3 --answer .1 --answer 30 --answer no --answer cancel
+picture smoothing "$scratch/rough.obj" "" -- --command 371 --command 371 --command 371
+picture parts samples/gear.obj "" -- --command 279 --answer yes --answer 30 \
+    --command 381 --mouse 100,60,left --mouse 100,60
+picture block samples/shell.obj "" -- --command 282 --answer -1 --answer 1 --answer -6.3 --answer -6 \
+    --answer -1 --answer 1 --answer base --default

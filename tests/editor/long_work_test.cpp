@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/long_work.h"
+
+#include "editor/commands.h"
+#include "editor/undo.h"
+#include "tests/editor/window_fixture.h"
+#include "tests/support/temp_folder.h"
+
+namespace polyfab::test {
+namespace {
+
+class Progress : public WindowEvents {
+  protected:
+    /// What the strip showed since the last time; all else is left out.
+    Log taken() {
+        std::erase_if(shown.log,
+                      [](const std::string& line) { return !line.starts_with("progress|"); });
+        return std::exchange(shown.log, {});
+    }
+    Log at(double seconds, double done, double all) {
+        shown.seconds = seconds;
+        tellProgress(done, all);
+        return taken();
+    }
+};
+
+TEST_F(Progress, ShowsAfterHalfASecondAndNotTooOften) {
+    EXPECT_EQ(at(5, 1, 4), Log{}); // nobody waits
+    {
+        const LongWork work("sums", Escape::stops);
+        EXPECT_EQ(at(5.49, 1, 4), Log{});
+        EXPECT_EQ(at(5.5, 1, 4), Log{"progress|sums (Escape stops it)|0.25"});
+        EXPECT_EQ(at(5.59, 2, 4), Log{});
+        shown.seconds = 5.61;
+        shown.escapeAfter = 2;
+        EXPECT_FALSE(abortRequested() || abortRequested()); // looks that also move the strip
+        EXPECT_TRUE(abortRequested());
+        EXPECT_EQ(taken(), Log{"progress|sums (Escape stops it)|0.50"});
+        EXPECT_EQ(at(6, 5, 4), Log{"progress|sums (Escape stops it)|1.00"}); // miscounted
+        tellTooLateToStop();
+        EXPECT_EQ(at(7, 0, 0), Log{"progress|sums (it can't be stopped)|-1.00"});
+    }
+    EXPECT_EQ(taken(), Log{"progress||0.00"});
+    EXPECT_EQ(at(20, 1, 4), Log{});
+    try {
+        const LongWork work("sums", Escape::stopsNothing);
+        at(30, 0, 0);
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_EQ(taken(), Log{"progress||0.00"});
+    { const LongWork brief("sums", Escape::stops); }
+    EXPECT_EQ(taken(), Log{});
+}
+
+TEST_F(Progress, CommandsAndDropsAreLongWork) {
+    TempFolder folder;
+    const std::string path = folder.write("a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+    shown.secondsPerLook = 1;
+    const auto said = [&](const Event& event) {
+        shown.log.clear();
+        shown.dialogAnswers = {{"0.1"}};
+        handleEvent(event);
+        const Log lines = taken();
+        EXPECT_TRUE(lines.size() >= 2 && lines.back() == "progress||0.00");
+        return lines.empty() ? "" : lines.front().substr(0, lines.front().rfind('|'));
+    };
+    const Event drop{.kind = EventKind::drop, .paths = {path}};
+    EXPECT_EQ(said(drop), "progress|read mesh file (Escape stops it and undo brings the old mesh "
+                          "back)");
+    EXPECT_EQ(said({.kind = EventKind::command, .command = 390}),
+              "progress|weld all very close points (Escape stops it)");
+    setUndoMemory(0);
+    EXPECT_EQ(said(drop), "progress|read mesh file (Escape stops it)");
+    setUndoMemory(defaultUndoMemory());
+    shown.log.clear();
+    mouse(5, 5, 0);
+    EXPECT_EQ(taken(), Log{});
+}
+
+/// Prompts get what makes every command go on in the end: a number, an axis, two axes.
+struct Willing : FakePlatform {
+    DialogResult dialog(Dialog& dialog) override {
+        constexpr const char* answers[] = {"2.5", "x", "XY"};
+        for (DialogField& field : dialog.fields) field.text = answers[asked % 3];
+        ++asked;
+        return DialogResult::accept;
+    }
+    Choice question(const std::string&, const std::string&, Buttons) override {
+        return Choice::yes;
+    }
+    bool escapeDown() override {
+        ++looks;
+        return FakePlatform::escapeDown();
+    }
+    int looks = 0;
+    int asked = 0;
+};
+
+TEST_F(Progress, OnlyCommandsThatSaySoCanBeStopped) {
+    /// The mesh that the command leaves, and how often it looked at Escape.
+    const auto after = [&](int id, bool stop) {
+        reset();
+        addCube();
+        addCube();
+        shift(8, {0.4, 0.4, 0.4});
+        OB->faces[11].g = static_cast<std::int16_t>(OB->addGroup("second"));
+        for (int i = 0; i < 2; ++i) OB->addPart();
+        for (int i = 0; i < 12; ++i) OB->faces[i].prt = static_cast<std::int16_t>(i / 6);
+        OB->faces[0].q = nullptr; // which makes loose edges
+        Willing user;
+        user.escapeAfter = stop ? 0 : -1;
+        command(id);
+        return std::pair(editorProgram().dumpJson(), user.looks);
+    };
+    for (const Command& row : commandTable()) {
+        const std::string menu = row.menu;
+        if (row.handler == nullptr || menu == "&file" || menu == "&write") continue;
+        SCOPED_TRACE(row.label);
+        const auto [whole, looks] = after(row.id, false);
+        const auto [stopped, ignored] = after(row.id, true);
+        if (row.escape == Escape::stopsNothing) {
+            EXPECT_EQ(stopped, whole);
+        } else {
+            EXPECT_GT(looks, 0);
+        }
+    }
+}
+
+} // namespace
+} // namespace polyfab::test

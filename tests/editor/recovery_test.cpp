@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Several editors in one process: those that are gone are folders with a file, whose lock nobody
+// holds; a living one is a folder held by the test.
+#include "editor/recovery.h"
+
+#include "editor/recovery_file.h"
+#include "editor/recovery_folder.h"
+#include "editor/report.h"
+#include "io/state_folder.h"
+#include "tests/editor/window_fixture.h"
+#include "tests/support/temp_folder.h"
+
+#include <cstring>
+#include <filesystem>
+
+namespace polyfab::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RecoveryTest : public WindowEvents {
+  protected:
+    RecoveryTest() {
+        stateFolder = folder.path("");
+        stateFolder.pop_back();
+        setRecoverySeconds(0);
+    }
+    ~RecoveryTest() override {
+        send(EventKind::destroy);
+        createMesh();
+        setRecoverySeconds(120);
+        stateFolder.clear();
+    }
+
+    /// What the state folder holds of recovery, in order of names.
+    std::vector<std::string> kept() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(stateFolder)) {
+            const std::string name = entry.path().filename();
+            if (name.starts_with("recovery-")) names.push_back(name);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    /// An editor is killed that had a cube with so many faces left, and saved it that many seconds
+    /// ago.
+    void leaveBehind(const std::string& name, int faces, int age) {
+        const Log before = kept();
+        cubeIn(358);
+        for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
+        OB->changed = 1;
+        editorState.lastChosen = name;
+        saveBeforeLongWork();
+        for (const std::string& entry : kept()) {
+            if (std::count(before.begin(), before.end(), entry) != 0) continue;
+            const auto now = fs::file_time_type::clock::now();
+            fs::last_write_time(folder.path(entry + "/mesh"), now - std::chrono::seconds(age));
+        }
+        reset(); // its lock is gone
+    }
+    /// Closes the window without a wish to save.
+    void close() {
+        shown.choices = {Choice::yes};
+        send(EventKind::close);
+        send(EventKind::destroy);
+        createMesh();
+    }
+    /// The files that a start asks about, and what it does with these answers.
+    Log start(const std::deque<Choice>& answers, const std::string& file = "") {
+        reset();
+        shown.choices = answers;
+        Event event{.kind = EventKind::start};
+        if (!file.empty()) event.paths = {file};
+        handleEvent(event);
+        Log asked;
+        for (const std::string& line : shown.log) {
+            const std::size_t at = line.find("not saved: ");
+            if (line.starts_with("question|")) asked.push_back(line.substr(at + 11));
+            if (line.starts_with("message")) asked.push_back(line);
+        }
+        for (std::string& line : asked) line = line.substr(0, line.find(','));
+        return asked;
+    }
+    static int liveFaces() {
+        return static_cast<int>(std::count_if(OB->faces, OB->faces + OB->nf,
+                                              [](const Face& face) { return face.q != nullptr; }));
+    }
+    static void rest() { send(EventKind::idle); }
+
+    TempFolder folder;
+};
+
+const Log nothing{};
+
+TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
+    cubeIn(358);
+    select({1, 4});
+    OB->changed = 1;
+    editorState.settable[1] = {1, std::nan(""), -0.0};
+    editorState.currentEdgeFace = 2;
+    editorState.currentEdgeCorner = 3;
+    editorState.fileName = "/a/cube.obj";
+    editorState.lastChosen = "cube.obj";
+    turnView(1, 0.3, true);
+    zoomView(1.7, {9, 8, 7});
+    box = {{1, 2, 3}, {4, 5, 6}};
+    const std::string mesh = dumpJson();
+    const View seen = view;
+    saveBeforeLongWork();
+    startRecovery(); // killed
+    editorState.settable = {};
+
+    EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
+    EXPECT_EQ(dumpJson(), mesh);
+    EXPECT_EQ(OB->changed, 1);
+    EXPECT_EQ(editorState.fileName, "/a/cube.obj");
+    EXPECT_EQ(editorState.currentEdgeCorner, 3);
+    EXPECT_TRUE(std::isnan(editorState.settable[1].y));
+    EXPECT_EQ(std::memcmp(&view, &seen, sizeof view), 0);
+    EXPECT_EQ(box.right.z, 6);
+    EXPECT_EQ(shown.windowTitle, "polyfab [/a/cube.obj] ");
+    const std::string before = dumpJson();
+    command(2010); // there is nothing before it
+    EXPECT_EQ(dumpJson(), before);
+}
+
+TEST_F(RecoveryTest, WhatIsAnsweredDecidesWhatStays) {
+    const struct Row {
+        std::deque<Choice> answers;
+        Log asked;
+        int faces;             ///< of the mesh then
+        std::size_t stillKept; ///< when this editor has come to a good end
+    } rows[] = {
+        {{Choice::yes}, {"new"}, 5, 1}, // the older one waits for the next start
+        {{Choice::no, Choice::yes}, {"new", "old"}, 4, 0},
+        {{Choice::no, Choice::no}, {"new", "old"}, 0, 0},
+        {{Choice::cancel}, {"new"}, 0, 2},
+        {{Choice::no, Choice::cancel}, {"new", "old"}, 0, 1},
+    };
+    for (const Row& row : rows) {
+        leaveBehind("new", 5, 5);
+        leaveBehind("old", 4, 100);
+        EXPECT_EQ(start(row.answers), row.asked);
+        EXPECT_EQ(liveFaces(), row.faces);
+        EXPECT_EQ(OB->changed, row.faces != 0);
+        close();
+        EXPECT_EQ(kept().size(), row.stillKept);
+        for (const std::string& entry : kept()) fs::remove_all(folder.path(entry));
+    }
+}
+
+TEST_F(RecoveryTest, AMeshThatCameBackIsNotReplacedByTheNamedFile) {
+    const std::string named = folder.write("named.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+    for (const Choice choice : {Choice::yes, Choice::no}) {
+        leaveBehind("cube.obj", 6, 1);
+        const Log asked = start({choice}, named);
+        const bool back = choice == Choice::yes;
+        EXPECT_EQ(liveFaces(), back ? 6 : 1);
+        EXPECT_EQ(asked.size(), back ? 2U : 1U); // and says so
+        close();
+    }
+}
+
+TEST_F(RecoveryTest, EditorsThatLiveKeepTheirFiles) {
+    RecoveryFolder living = RecoveryFolder::make(stateFolder);
+    ASSERT_TRUE(living);
+    cubeIn(358);
+    ASSERT_TRUE(writeRecoveryFile(living.file(), recoveryRecord(takeSnapshot(*OB, nullptr))));
+    leaveBehind("mine", 3, 0); // of this same process: it needs another name
+    EXPECT_EQ(kept().size(), 2U);
+    EXPECT_EQ(start({Choice::no, Choice::no}), Log{"mine"});
+    EXPECT_TRUE(fs::exists(living.file()));
+    // While one start asks, another one finds nothing to ask about.
+    leaveBehind("asked", 3, 0);
+    const std::vector<RecoveryFolder> asking = RecoveryFolder::leftBehind(stateFolder);
+    EXPECT_EQ(asking.size(), 1U);
+    EXPECT_EQ(RecoveryFolder::leftBehind(stateFolder).size(), 0U);
+}
+
+TEST_F(RecoveryTest, DamageIsToldAndTheFileKept) {
+    leaveBehind("damaged", 6, 0);
+    const std::string entry = kept()[0];
+    const std::string whole = folder.read(entry + "/mesh");
+    struct {
+        std::string bytes, wrong;
+    } const rows[] = {
+        {whole.substr(0, whole.size() - 1), "its end is missing"},
+        {whole + "x", "there is something behind its end"},
+        {"", "it is no recovery file"},
+        {"polyfabR\2" + whole.substr(9), "another version of the editor wrote it"},
+    };
+    const std::string title = "message!|I can't bring back a mesh that was not saved: ";
+    for (int i = 0; i < std::ssize(rows); ++i) {
+        fs::create_directories(folder.path(entry));
+        folder.write(entry + "/mesh", rows[i].bytes);
+        const std::string aside = entry + (i > 0 ? "-" + std::to_string(i + 1) : "") + ".damaged";
+        EXPECT_EQ(start({}),
+                  Log{title + rows[i].wrong + "|I keep the file as " + folder.path(aside)});
+        EXPECT_EQ(folder.read(aside), rows[i].bytes);
+        EXPECT_FALSE(folder.has(entry));
+        EXPECT_EQ(OB->nf, 0);
+    }
+}
+
+TEST_F(RecoveryTest, EveryFlippedBitIsFound) {
+    cubeIn(358);
+    const std::string whole = packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr)));
+    RecoveryRecord record;
+    ASSERT_EQ(unpackRecovery(whole, record), "");
+    EXPECT_EQ(packRecovery(record), whole);
+    for (std::size_t i = 0; i < whole.size() * 8; ++i) {
+        std::string bad = whole;
+        bad[i / 8] = static_cast<char>(bad[i / 8] ^ 1 << i % 8);
+        EXPECT_NE(unpackRecovery(bad, record), "") << i;
+    }
+}
+
+TEST_F(RecoveryTest, SavesAtRestOnlyWhatIsNewAndNeverInADrag) {
+    const auto saves = [this] {
+        fs::path file;
+        for (const std::string& entry : kept()) file = folder.path(entry + "/mesh");
+        const bool was = !file.empty() && fs::remove(file);
+        return was;
+    };
+    rest();
+    EXPECT_EQ(kept(), nothing);
+    cubeIn(353);
+    rest();
+    EXPECT_EQ(kept(), nothing); // nothing is altered
+    OB->changed = 1;
+    rest();
+    EXPECT_TRUE(saves());
+    command(2011); // redo of nothing
+    rest();
+    EXPECT_FALSE(saves());
+    mouse(155, 155, button::left);
+    mouse(165, 165, button::left);
+    rest();
+    EXPECT_FALSE(saves());
+    mouse(165, 165, 0);
+    rest();
+    EXPECT_TRUE(saves());
+
+    setRecoverySeconds(120);
+    command(391); // nothing
+    OB->points[0].x = 77;
+    rest();
+    EXPECT_FALSE(saves()); // too soon
+    command(390);
+    EXPECT_TRUE(saves()); // long work does not wait for that
+}
+
+TEST_F(RecoveryTest, TheFileGoesWithAWholeWriteAndStaysWhenTheSessionEnds) {
+    cubeIn(358);
+    OB->changed = 1;
+    rest();
+    EXPECT_EQ(kept().size(), 1U);
+    shown.files = {folder.path("cube.obj")};
+    command(259);
+    EXPECT_EQ(kept(), nothing);
+
+    OB->points[0].x = 5;
+    OB->changed = 1;
+    handleEvent({.kind = EventKind::sessionEnd});
+    shown.log.clear();
+    send(EventKind::close); // no question any more
+    EXPECT_EQ(shown.log, Log{"destroyed"});
+    send(EventKind::destroy);
+    createMesh();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_EQ(OB->points[0].x, 5);
+}
+
+TEST_F(RecoveryTest, ASessionThatEndsInACommandSavesWhatWasBeforeIt) {
+    struct Ending : FakePlatform {
+        Choice question(const std::string&, const std::string&, Buttons) override {
+            OB->faces[0].n = 30'000; // half done
+            handleEvent({.kind = EventKind::sessionEnd});
+            OB->faces[0].n = 4;
+            return Choice::no;
+        }
+    };
+    cubeIn(358);
+    command(291); // a step
+    OB->changed = 1;
+    {
+        Ending ending;
+        command(299); // asks
+    }
+    EXPECT_EQ(kept().size(), 1U);
+    startRecovery();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_EQ(liveFaces(), 6);
+    EXPECT_EQ(OB->faces[0].n, 4);
+}
+
+TEST_F(RecoveryTest, ASessionThatEndsInTheQuestionLeavesAllAsItWas) {
+    struct Ending : FakePlatform {
+        Choice question(const std::string&, const std::string&, Buttons) override {
+            handleEvent({.kind = EventKind::sessionEnd});
+            return Choice::cancel;
+        }
+    };
+    leaveBehind("cube.obj", 5, 1);
+    const Log before = kept();
+    {
+        Ending ending;
+        handleEvent({.kind = EventKind::start});
+    }
+    EXPECT_EQ(kept(), before);
+    EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
+    EXPECT_EQ(liveFaces(), 5);
+}
+
+TEST_F(RecoveryTest, ThatNothingCanBeWrittenIsToldOnce) {
+    cubeIn(358);
+    stateFolder = folder.path("missing");
+    OB->changed = 1;
+    shown.log.clear();
+    for (int i = 0; i < 3; ++i) rest();
+    EXPECT_EQ(shown.log, Log{"message!|I can't write a recovery file, so save your work yourself|"
+                             + stateFolder});
+}
+
+} // namespace
+} // namespace polyfab::test

@@ -1,0 +1,409 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Undo and redo of whatever the window's events do.
+#include "editor/undo.h"
+
+#include "editor/commands.h"
+#include "mesh/snapshot.h"
+#include "tests/editor/window_fixture.h"
+#include "tests/mesh/random_mesh.h"
+#include "tests/support/temp_folder.h"
+
+#include <cstring>
+#include <string_view>
+
+namespace polyfab::test {
+namespace {
+
+template <typename... Values>
+void add(std::string& text, const Values&... values) {
+    (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
+}
+
+/// What the user would miss, and beside it what else has to come back to the last bit.
+struct Everything {
+    std::string content, scratch, dump;
+    View view;
+    Box box;
+};
+
+bool sameView(const View& a, const View& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+/// Whether the box is around what it was around, but for rounding; a turn of the view leaves it.
+bool sameBox(const Everything& a, const Everything& b) {
+    const bool turned = std::memcmp(a.view.rotation, b.view.rotation, sizeof(View::rotation)) != 0;
+    const double factor = turned ? 1 : b.view.scale / a.view.scale;
+    for (int i = 0; i < 3; ++i) {
+        const double from = turned ? 0 : along(a.view.offset, i);
+        const double to = turned ? 0 : along(b.view.offset, i);
+        for (const auto corner : {&Box::left, &Box::right}) {
+            const double one = to + (along(a.box.*corner, i) - from) * factor;
+            const double other = along(b.box.*corner, i);
+            const double size = std::abs(along(a.box.*corner, i)) + std::abs(from);
+            const double tolerance = std::max({1.0, std::abs(other), std::abs(to), size * factor});
+            if (std::abs(one - other) > 1e-8 * tolerance) return false;
+        }
+    }
+    return true;
+}
+
+Everything everything() {
+    const Mesh& m = *OB;
+    Everything all;
+    add(all.content, m.np, m.nq, m.nf, m.nd, m.nt, m.ng, m.nmat, m.ntma, m.nprt, m.curvertex,
+        m.curtexcoord, m.curface, m.curgroup, m.curmat, m.curtma, m.curprt, m.mtllib,
+        editorState.settable, editorState.currentEdgeFace, editorState.currentEdgeCorner);
+    add(all.scratch, m.npmax, m.nqmax, m.nfmax);
+    for (const Point* p = m.points; p != m.points + m.np; ++p) {
+        add(all.content, p->x, p->y, p->z);
+        add(all.scratch, p->mark, p->highlighted, p->mark3, p->onselected);
+    }
+    for (const Normal* d = m.normals; d != m.normals + m.nd; ++d) add(all.content, *d);
+    for (const TexCoord* t = m.texcoords; t != m.texcoords + m.nt; ++t) {
+        add(all.content, t->u, t->v);
+        add(all.scratch, t->onselected);
+    }
+    const auto number = [](const auto* array, const auto* element) {
+        return element != nullptr ? indexIn(array, element) : -1;
+    };
+    for (const FaceCorner* q = m.corners; q != m.corners + m.nq; ++q) {
+        add(all.content, number(m.points, q->p), number(m.normals, q->d),
+            number(m.texcoords, q->t));
+        add(all.scratch, q->edgeuse, q->mark);
+    }
+    for (const Face* f = m.faces; f != m.faces + m.nf; ++f) {
+        add(all.content, number(m.corners, f->q), f->n, f->mat, f->g, f->tma, f->prt, f->selected);
+    }
+    for (int i = 0; i < m.ng; ++i) add(all.content, m.groups[i]);
+    for (int i = 0; i < m.nmat; ++i) add(all.content, m.materials[i]);
+    for (int i = 0; i < m.ntma; ++i) add(all.content, m.tmas[i]);
+    for (int i = 0; i < m.nprt; ++i) add(all.content, m.parts[i]);
+    all.dump = editorProgram().dumpJson();
+    all.view = view;
+    all.box = box;
+    return all;
+}
+
+/// The commands that leave files, lists and the program alone.
+std::vector<int> commandsToTry() {
+    std::vector<int> ids;
+    const std::set<std::string_view> menus{"&file", "&write", "&edit", "&list", "&help"};
+    const std::set<int> filesAndLists{415, 1073, 264, 276, 278, 328};
+    for (const Command& command : commandTable()) {
+        if (command.handler == nullptr || menus.contains(command.menu)) continue;
+        if (!filesAndLists.contains(command.id)) ids.push_back(command.id);
+    }
+    return ids;
+}
+
+class Undo : public WindowEvents {
+  protected:
+    ~Undo() override { setUndoMemory(defaultUndoMemory()); }
+
+    static void undo() { command(undoCommand); }
+    static void redo() { command(redoCommand); }
+    int below(int n) { return random.below(n); }
+
+    /// Another mesh, with which a history begins.
+    void newMesh() {
+        random.fill(1 + below(14), 1 + below(12), 5);
+        for (int i = 0; i < OB->np; ++i) OB->points[i].z += 0.01 * i; // hardly two in one place
+        for (int i = 0; i < 3; ++i) OB->addPart(), OB->addTextureMapArea();
+        fitView(*OB);
+        fitBox(*OB, false);
+        editorState.mode = defaultMode;
+        forgetCurrentEdge();
+        startHistory();
+    }
+    void answerAtRandom() {
+        const char* const words[] = {"1", "0.5", "x", "Y", "2", "90", "-1", "abc", "", "1e300"};
+        for (int i = 0; i < 4; ++i) {
+            shown.choices.push_back(Choice(below(3) - 1));
+            shown.dialogAnswers.push_back({words[below(10)], words[below(10)], words[below(10)]});
+            shown.dialogResults.push_back(DialogResult(std::max(below(6) - 3, 0)));
+        }
+        shown.escapeAfter = below(8) == 0 ? below(4) : -1;
+    }
+    Spot spot() { return {below(shown.size.width), below(shown.size.height)}; }
+    void dragAtRandom() {
+        constexpr int held[] = {key::ctrl, key::shift, '1', '2'};
+        for (const int code : held) {
+            if (below(4) == 0) down(code);
+        }
+        Spot from = spot();
+        if (OB->np > 0 && below(4) != 0) { // onto a point, so that something is hit
+            const Point& p = OB->points[below(OB->np)];
+            if (std::abs(p.sx) < 500 && std::abs(p.sy) < 500) {
+                from = {static_cast<int>(p.sx), static_cast<int>(p.sy)};
+            }
+        }
+        const unsigned buttons = 1 + static_cast<unsigned>(below(3));
+        mouse(from, buttons);
+        for (int i = below(3); i > 0; --i) mouse(spot(), buttons);
+        if (below(8) == 0) down(key::escape);
+        mouse(below(2) != 0 ? from : spot(), 0);
+        for (const int code : {key::ctrl, key::shift, int('1'), int('2'), key::escape}) up(code);
+    }
+    void actAtRandom() {
+        constexpr int keys[] = {46, 36, 190}; // Delete, Home, full stop
+        answerAtRandom();
+        switch (below(8)) {
+            case 0:
+                wheel(300, 200, below(3) - 1);
+                break;
+            case 1:
+                key(keys[below(3)]);
+                break;
+            case 2:
+            case 3:
+            case 4:
+                dragAtRandom();
+                break;
+            default:
+                command(
+                    commands[static_cast<std::size_t>(below(static_cast<int>(commands.size())))]);
+        }
+        shown.choices.clear();
+        shown.dialogAnswers.clear();
+        shown.dialogResults.clear();
+        shown.escapeAfter = -1;
+        shown.log.clear();
+    }
+    /// The present state is this one; of the box, which goes with the view, see sameBox.
+    static void expectIs(const Everything& state, const char* when) {
+        const Everything now = everything();
+        ASSERT_TRUE(now.content == state.content) << when;
+        ASSERT_TRUE(now.scratch == state.scratch) << when;
+        ASSERT_TRUE(now.dump == state.dump) << when;
+        ASSERT_EQ(check(*OB), nullptr) << when;
+    }
+    MenuItem item(int id) const {
+        for (const Menu& menu : shown.bar) {
+            for (const MenuItem& each : menu.items) {
+                if (each.id == id) return each;
+            }
+        }
+        return {};
+    }
+    /// What the two items of the menu say; a greyed one in brackets.
+    Log labels() const {
+        Log list;
+        for (const int id : {undoCommand, redoCommand}) {
+            const MenuItem shownItem = item(id);
+            list.push_back(shownItem.enabled ? shownItem.label : "[" + shownItem.label + "]");
+        }
+        return list;
+    }
+
+    RandomMesh random{11};
+    std::vector<int> commands = commandsToTry();
+};
+
+TEST_F(Undo, BringsBackToTheLastBitWhatAnyChainOfCommandsAndDragsDid) {
+    for (int round = 0; round < 150; ++round) {
+        newMesh();
+        std::vector<Everything> states{everything()};
+        for (int i = 0; i < 40; ++i) {
+            const std::string label = undoLabel();
+            actAtRandom();
+            SCOPED_TRACE(std::to_string(round) + ", " + std::to_string(i) + ": " + undoLabel());
+            Everything now = everything();
+            if (now.content == states.back().content && sameBox(states.back(), now)) {
+                states.back() = now; // no step
+                ASSERT_EQ(undoLabel(), label);
+                continue;
+            }
+            undo();
+            ASSERT_NO_FATAL_FAILURE(expectIs(states.back(), "undone"));
+            ASSERT_TRUE(!sameView(view, states.back().view)
+                        || sameBox(states.back(), everything()));
+            redo();
+            ASSERT_NO_FATAL_FAILURE(expectIs(now, "redone"));
+            ASSERT_TRUE(sameView(view, now.view) && sameBox(now, everything()));
+            states.push_back(std::move(now));
+        }
+        const std::size_t all = states.size();
+        for (std::size_t i = all - 1; i-- > 0;) {
+            undo();
+            ASSERT_NO_FATAL_FAILURE(expectIs(states[i], "back"));
+        }
+        ASSERT_EQ(undoLabel(), "");
+        for (std::size_t i = 1; i < all; ++i) {
+            redo();
+            ASSERT_NO_FATAL_FAILURE(expectIs(states[i], "forward"));
+        }
+        ASSERT_EQ(redoLabel(), "");
+    }
+}
+
+TEST_F(Undo, TheMenuSaysWhatAndANewChangeCutsWhatCouldBeRedone) {
+    cubeIn(351);
+    startHistory();
+    EXPECT_EQ(run(undoCommand), Log{"beep"});
+    EXPECT_EQ(run(redoCommand), Log{"beep"});
+    drag(300, 200, 40, 0, button::left);
+    command(291);
+    EXPECT_EQ(labels(), (Log{"&undo unselect all faces", "[&redo]"}));
+    undo();
+    EXPECT_EQ(labels(), (Log{"&undo move objects", "&redo unselect all faces"}));
+    undo();
+    EXPECT_EQ(labels(), (Log{"[&undo]", "&redo move objects"}));
+    command(260); // tells something
+    wheel(300, 200, 1);
+    EXPECT_EQ(labels(), (Log{"[&undo]", "&redo move objects"}));
+    command(2003);
+    EXPECT_EQ(labels(), (Log{"&undo fit the box to the selected faces: 0", "[&redo]"}));
+    down(key::ctrl);
+    down('1');
+    click({100, 100});
+    EXPECT_EQ(labels()[0], "&undo settable points");
+}
+
+TEST_F(Undo, ADragIsOneStepHoweverItEndsAndIsLeftAloneWhileItRuns) {
+    cubeIn(351);
+    startHistory();
+    const std::string before = everything().dump;
+    mouse(300, 200, button::left);
+    mouse(340, 200, button::left);
+    shown.log.clear();
+    undo();
+    EXPECT_TRUE(shown.log.empty());
+    mouse(350, 200, button::left);
+    const std::string dragged = everything().dump;
+    command(291); // ends it
+    EXPECT_NE(everything().dump, dragged);
+    undo();
+    EXPECT_EQ(everything().dump, dragged);
+    undo();
+    EXPECT_EQ(everything().dump, before);
+    EXPECT_EQ(labels()[0], "[&undo]");
+}
+
+TEST_F(Undo, AListSessionAndEachRenameInItAreSteps) {
+    constexpr int groupList = 264;
+    const Spot first{20, 8}, second{20, 24}; // cells
+    cubeIn(358);
+    OB->addGroup("other");
+    startHistory();
+    const std::string before = everything().dump;
+    command(groupList);
+    EXPECT_EQ(item(undoCommand).id, 0); // not in lists
+    shown.dialogAnswers = {{"new name"}};
+    mouse(second, 0);
+    mouse(second, button::right);
+    mouse(second, 0);
+    const std::string renamed = everything().dump;
+    EXPECT_NE(renamed, before);
+    down(key::ctrl);
+    click(first);
+    up(key::ctrl);
+    down(key::escape);
+    EXPECT_EQ(labels()[0], "&undo groups list");
+    EXPECT_TRUE(selected().empty());
+    undo();
+    EXPECT_EQ(everything().dump, renamed);
+    undo();
+    EXPECT_EQ(everything().dump, before);
+    EXPECT_EQ(labels()[0], "[&undo]");
+}
+
+TEST_F(Undo, AFailedAppendIsUndoneWithViewAndFileName) {
+    const TempFolder folder;
+    cubeIn(358);
+    editorState.fileName = "before.obj";
+    wheel(100, 100, 2);
+    startHistory();
+    const Everything before = everything();
+    shown.files = {folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n")};
+    command(296);
+    EXPECT_EQ(OB->nf, 0);
+    EXPECT_FALSE(sameView(view, before.view));
+    undo();
+    expectIs(before, "undone");
+    EXPECT_TRUE(sameView(view, before.view) && sameBox(everything(), before));
+    EXPECT_EQ(shown.windowTitle, "polyfab [before.obj] ");
+    redo();
+    EXPECT_EQ(OB->nf, 0);
+    EXPECT_NE(editorState.fileName, "before.obj");
+}
+
+TEST_F(Undo, TheBoxComesBackAroundWhatItWasAroundHoweverTheViewHasMoved) {
+    cubeIn(358);
+    command(2003);
+    command(292);
+    startHistory();
+    select({0});
+    command(2003);
+    wheel(300, 100, 3);
+    shown.size = {800, 600};
+    send(EventKind::resize);
+    undo();
+    const Box undone = box;
+    fitBox(*OB, false);
+    expectNear(undone.left, box.left, 1e-9);
+    expectNear(undone.right, box.right, 1e-9);
+}
+
+TEST_F(Undo, TheMeshIsAlteredUnlessItIsTheOneThatWasWrittenLast) {
+    struct Row {
+        const char* script; ///< a alters, s selects, w writes, u undoes, r redoes
+        bool altered;
+    };
+    constexpr Row rows[] = {{"a", true},     {"au", false},    {"aur", true},    {"aw", false},
+                            {"awu", true},   {"awur", false},  {"aws", false},   {"awsu", false},
+                            {"awsuu", true}, {"asw", false},   {"aswu", false},  {"aswuu", true},
+                            {"aswua", true}, {"awa", true},    {"awau", false},  {"awaw", false},
+                            {"awawu", true}, {"awawuu", true}, {"s", false},     {"su", false},
+                            {"saww", false}, {"sauu", false},  {"awuar", true},  {"awuaw", false},
+                            {"aawu", true},  {"aawuur", true}, {"awuaur", true}, {"awaurw", false},
+                            {"n", true},     {"awn", true},    {"awanur", true}};
+    const TempFolder folder;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.script);
+        cubeIn(358);
+        OB->addGroup("g");
+        OB->changed = 0;
+        startHistory();
+        for (const char step : std::string_view(row.script)) {
+            if (step == 'a') command(397); // reverse faces
+            if (step == 's') command(selected().empty() ? 290 : 291);
+            if (step == 'n') { // a name that stays
+                command(264);
+                mouse(20, 8, button::right);
+                down(key::escape);
+            }
+            if (step == 'w') {
+                shown.files = {folder.path("a.obj")};
+                command(259);
+            }
+            if (step == 'u') undo();
+            if (step == 'r') redo();
+        }
+        EXPECT_EQ(OB->changed, row.altered);
+    }
+}
+
+TEST_F(Undo, TheOldestStepsAreDroppedButNeverTheNewest) {
+    cubeIn(358);
+    setUndoMemory(1);
+    startHistory();
+    const Everything first = everything();
+    command(397);
+    const Everything second = everything();
+    command(291);
+    undo();
+    expectIs(second, "undone");
+    EXPECT_EQ(labels()[0], "[&undo]");
+    setUndoMemory(0);
+    command(397);
+    command(290);
+    EXPECT_EQ(run(undoCommand), Log{"beep"});
+    EXPECT_EQ(run(redoCommand), Log{"beep"});
+    setUndoMemory(defaultUndoMemory());
+    command(291); // from here on
+    command(290);
+    EXPECT_EQ(labels()[0], "&undo select all faces");
+    EXPECT_NE(first.content, second.content);
+}
+
+} // namespace
+} // namespace polyfab::test

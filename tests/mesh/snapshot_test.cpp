@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Snapshots against plain copies of all arrays.
+#include "mesh/snapshot.h"
+
+#include "mesh/check.h"
+#include "mesh/edges.h"
+#include "mesh/garbage.h"
+#include "tests/mesh/random_mesh.h"
+
+#include <cmath>
+#include <string>
+
+namespace polyfab::test {
+namespace {
+
+template <typename... Values>
+void add(std::string& text, const Values&... values) {
+    (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
+}
+
+/// Every bit that a snapshot is to keep.
+std::string everything() {
+    const Mesh& m = *OB;
+    std::string text;
+    add(text, m.np, m.npmax, m.nq, m.nqmax, m.nf, m.nfmax, m.ng, m.ngmax, m.ntma, m.ntmamax, m.nmat,
+        m.nmatmax, m.nprt, m.nprtmax, m.nd, m.ndmax, m.nt, m.ntmax, m.curvertex, m.curtexcoord,
+        m.curface, m.curgroup, m.curtma, m.curmat, m.curprt, m.mtllib);
+    for (const Point* p = m.points; p != m.points + m.np; ++p) {
+        add(text, p->x, p->y, p->z, p->mark, p->highlighted, p->mark3, p->onselected);
+    }
+    for (const TexCoord* t = m.texcoords; t != m.texcoords + m.nt; ++t) {
+        add(text, t->u, t->v, t->spare, t->onselected);
+    }
+    const auto place = [](const auto* array, const auto* element) {
+        return element != nullptr ? indexIn(array, element) : -1;
+    };
+    for (const FaceCorner* q = m.corners; q != m.corners + m.nq; ++q) {
+        add(text, place(m.points, q->p), place(m.normals, q->d), place(m.texcoords, q->t),
+            q->edgeuse, q->mark);
+    }
+    for (const Face* f = m.faces; f != m.faces + m.nf; ++f) {
+        add(text, place(m.corners, f->q), f->n, f->mat, f->g, f->tma, f->prt, f->kind, f->selected);
+    }
+    const auto addAll = [&text](const auto* array, int count) {
+        for (int i = 0; i < count; ++i) add(text, array[i]);
+    };
+    addAll(m.normals, m.nd);
+    addAll(m.groups, m.ng);
+    addAll(m.materials, m.nmat);
+    addAll(m.tmas, m.ntma);
+    addAll(m.parts, m.nprt);
+    return text;
+}
+
+/// A strip of `count` faces that have nothing but the last point in common, in a mesh with room
+/// for no more than that.
+void addFaces(int count) {
+    const int base = OB->np;
+    for (int i = 0; i < 2 * count + 1; ++i) OB->addPoint(i, -i, 1.0 / (i + 1), false);
+    for (int i = 0; i < count; ++i) addFace({base + 2 * i, base + 2 * i + 1, OB->np - 1});
+}
+
+class SnapshotTest : public MeshTest {
+  protected:
+    int below(int n) { return random.below(n); }
+
+    /// Something that a command might do.
+    void change() {
+        const auto face = [&]() -> Face& { return OB->faces[below(OB->nf)]; };
+        const auto point = [&]() -> Point& { return OB->points[below(OB->np)]; };
+        switch (below(12)) {
+            case 0:
+                point().x = std::nan("");
+                break;
+            case 1:
+                face().selected = static_cast<std::uint8_t>(below(3));
+                break;
+            case 2:
+                face().q = nullptr;
+                break;
+            case 3:
+                addFaces(1 + below(3000));
+                break;
+            case 4:
+                OB->nf -= OB->nf / 2;
+                break;
+            case 5:
+                collectGarbage(*OB);
+                break;
+            case 6:
+                checkEdges(*OB, false, true, below(2) != 0);
+                break;
+            case 7:
+                OB->addGroup("g" + std::to_string(below(99)));
+                break;
+            case 8:
+                OB->curface = below(OB->nf);
+                break;
+            case 9:
+                OB->addNormal(below(9), 0, 0);
+                face().n = 1;
+                break;
+            case 10:
+                OB->mtllib[below(5)] = 'x';
+                break;
+            case 11:
+                for (int i = 0; i < OB->np; ++i) OB->points[i].y += 1;
+                break;
+        }
+        if (OB->nf == 0) addFaces(4);
+    }
+
+    RandomMesh random{7};
+};
+
+TEST_F(SnapshotTest, BringBackWhateverWasThereInAnyOrder) {
+    for (int round = 0; round < 40; ++round) {
+        random.fill(1 + below(6000), 1 + below(2000), 6);
+        std::vector<SnapshotRef> taken;
+        std::vector<std::string> states;
+        for (int i = 0; i < 8; ++i) {
+            if (i > 0) change();
+            taken.push_back(takeSnapshot(*OB, i > 0 ? taken.back() : nullptr));
+            states.push_back(everything());
+        }
+        std::size_t now = taken.size() - 1;
+        for (int i = 0; i < 20; ++i) {
+            const auto to = static_cast<std::size_t>(below(8));
+            const int tables = OB->pointEdges != nullptr ? 5 : 0;
+            const int blocks = storeBlocks() - tables;
+            ASSERT_TRUE(restoreSnapshot(*OB, *taken[to], *taken[now]));
+            ASSERT_TRUE(everything() == states[to]) << round << ' ' << to << ' ' << now;
+            ASSERT_EQ(takeSnapshot(*OB, taken[to]), taken[to]);
+            ASSERT_EQ(storeBlocks() - blocks, 0);
+            now = to;
+        }
+    }
+}
+
+TEST_F(SnapshotTest, ShareWhatDidNotChange) {
+    constexpr int faces = 100'000;
+    addFaces(faces);
+    ASSERT_TRUE(OB->growPoints(OB->np, true));
+    for (int i = 0; i < faces; ++i) OB->faces[i].selected = i % 3 == 0;
+    const SnapshotRef first = takeSnapshot(*OB, nullptr);
+    struct Row {
+        const char* what;
+        void (*change)();
+        Difference difference;
+        int least, most; ///< bytes
+    };
+    const Row rows[] = {
+        {"nothing", [] {}, Difference::none, 0, 0},
+        {"the selection",
+         [] {
+             for (int i = 0; i < faces; ++i) OB->faces[i].selected = i % 2 != 0;
+         },
+         Difference::content, faces, faces * 11 / 10},
+        {"the same selection of all",
+         [] {
+             for (int i = 0; i < faces; ++i) OB->faces[i].selected = 1;
+         },
+         Difference::content, 100, 2000},
+        {"one point", [] { OB->points[77'777].z += 1; }, Difference::content, 1, 40'000},
+        {"all x",
+         [] {
+             for (int i = 0; i < OB->np; ++i) OB->points[i].x += 1;
+         },
+         Difference::content, 8 * 2 * faces, 9 * 2 * faces},
+        {"edges' uses", [] { checkEdges(*OB, false, true, false); }, Difference::scratch, 1,
+         3 * faces * 11 / 10},
+        {"room", [] { ASSERT_TRUE(OB->growPoints(2 * OB->np, false)); }, Difference::scratch, 0, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const std::size_t before = snapshotBytes();
+        row.change();
+        const SnapshotRef taken = takeSnapshot(*OB, first);
+        EXPECT_EQ(differenceOf(*taken, *first), row.difference);
+        EXPECT_GE(snapshotBytes() - before, static_cast<std::size_t>(row.least));
+        EXPECT_LE(snapshotBytes() - before, static_cast<std::size_t>(row.most));
+        ASSERT_TRUE(restoreSnapshot(*OB, *first, *taken));
+    }
+    EXPECT_EQ(takeSnapshot(*OB, first), first);
+}
+
+TEST_F(SnapshotTest, ALostArrayComesBackAndMayBeLostAgain) {
+    addCube();
+    const SnapshotRef sound = takeSnapshot(*OB, nullptr);
+    const std::string before = everything();
+    farfree(&OB->points); // as a failed growth leaves the mesh
+    OB->npmax = 1 << 30;
+    const SnapshotRef lost = takeSnapshot(*OB, sound);
+    ASSERT_TRUE(restoreSnapshot(*OB, *sound, *lost));
+    EXPECT_TRUE(everything() == before);
+    EXPECT_EQ(check(*OB), nullptr);
+    ASSERT_TRUE(restoreSnapshot(*OB, *lost, *sound));
+    EXPECT_EQ(OB->points, nullptr);
+    EXPECT_EQ(OB->npmax, 1 << 30);
+    ASSERT_TRUE(restoreSnapshot(*OB, *sound, *lost));
+}
+
+TEST_F(SnapshotTest, WithoutMemoryTheMeshStaysAsItWas) {
+    addCube();
+    const SnapshotRef small = takeSnapshot(*OB, nullptr);
+    addFaces(5000); // corners, points and faces have to grow
+    const SnapshotRef large = takeSnapshot(*OB, small);
+    const std::string before = everything();
+    std::vector<void*> blocks;
+    for (bool full = false; !full; full = blocks.back() == nullptr) blocks.push_back(farmalloc(1));
+    EXPECT_FALSE(restoreSnapshot(*OB, *small, *large));
+    EXPECT_TRUE(everything() == before);
+    EXPECT_EQ(shown.log.back(), "message!|farmalloc|I can't get enough memory");
+    for (void*& block : blocks) farfreeBlock(&block);
+    EXPECT_TRUE(restoreSnapshot(*OB, *small, *large));
+}
+
+} // namespace
+} // namespace polyfab::test

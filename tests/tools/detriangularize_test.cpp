@@ -1,0 +1,343 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Joining of triangles, both ways against plain statements of their rules on random flat patches,
+// and by hand at the limits and through the closing question.
+#include "tools/detriangularize.h"
+
+#include "mesh/garbage.h"
+#include "tests/tools/tool_test.h"
+#include "tools/elements.h"
+#include "tools/face_angle.h"
+#include "tools/vectors.h"
+
+#include <cmath>
+#include <numeric>
+
+namespace polyfab::test {
+namespace {
+
+/// What a slot holds; `start` is the place of its first corner.
+struct Slot {
+    bool live, selected;
+    int g, mat, start;
+    std::vector<FaceCorner> corners;
+
+    bool isTriangle() const { return live && selected && corners.size() == 3; }
+    const FaceCorner& at(int k) const { return corners[static_cast<std::size_t>(k % 3)]; }
+};
+
+std::vector<Slot> slots() {
+    std::vector<Slot> list;
+    for (int i = 0; i < OB->nf; ++i) {
+        const Face& face = OB->faces[i];
+        Slot& slot = list.emplace_back(isLive(face), face.selected != 0, face.g, face.mat, 0);
+        if (!slot.live) continue;
+        slot.start = indexIn(OB->corners, face.q);
+        slot.corners.assign(face.q, face.q + face.n);
+    }
+    return list;
+}
+
+double angleOf(Slot a, Slot b) {
+    Face one{}, two{};
+    one.q = a.corners.data();
+    two.q = b.corners.data();
+    one.n = two.n = 3;
+    return angleBetween(faceNormal(one), faceNormal(two));
+}
+
+double vertexAngle(const FaceCorner& a, const FaceCorner& b, const FaceCorner& c) {
+    const auto square = [](const FaceCorner& from, const FaceCorner& to) {
+        const Vec3 way = worldPosition(*to.p) - worldPosition(*from.p);
+        return dot(way, way);
+    };
+    const double ba = square(b, a), bc = square(b, c);
+    if (ba == 0 || bc == 0) return 4 * std::atan(1.0);
+    const double cosine = (ba + bc - square(a, c)) / (2 * std::sqrt(ba) * std::sqrt(bc));
+    return std::acos(std::clamp(cosine, -1.0, 1.0));
+}
+
+void joinQuickly(std::vector<Slot>& list, double most) {
+    for (std::size_t i = 1; i < list.size(); ++i) {
+        Slot &b = list[i], &a = list[i - 1];
+        if (!a.isTriangle() || !b.isTriangle() || a.g != b.g || a.mat != b.mat) continue;
+        if (a.start + 3 != b.start) continue;
+        int ib = -1, ja = -1;
+        for (int k = 0; k < 9 && ib < 0; ++k) {
+            if (b.at(k / 3).p == a.at(k).p && b.at(k / 3 + 1).p == a.at(k + 2).p) {
+                ib = k / 3;
+                ja = k % 3;
+            }
+        }
+        if (ib < 0 || b.at(ib).t != a.at(ja).t || b.at(ib + 1).t != a.at(ja + 2).t) continue;
+        if (b.at(ib + 2).p == a.at(ja + 1).p || !(angleOf(b, a) <= most)) continue;
+        a.corners = {b.at(ib), a.at(ja + 1), b.at(ib + 1), b.at(ib + 2)};
+        b.live = b.selected = false;
+    }
+}
+
+/// Gives the titles.
+Log joinThoroughly(std::vector<Slot>& list, double most, double variation) {
+    Log titles;
+    const double right = 2 * std::atan(1.0), tolerance = variation * (2 * right) / 180;
+    int nq = OB->nq;
+    for (std::size_t i = 0; i + 1 < list.size(); ++i) {
+        Slot& a = list[i];
+        if (!a.isTriangle()) continue;
+        if ((list.size() - i) % 100 == 0)
+            titles.push_back("title|" + std::to_string(list.size() - i));
+        for (std::size_t j = i + 1; j < list.size(); ++j) {
+            Slot& b = list[j];
+            if (!b.isTriangle() || a.g != b.g || a.mat != b.mat) continue;
+            int sideB = -1, sideA = -1;
+            for (int k = 0; k < 9 && sideB < 0; ++k) {
+                const int tryB = k / 3, tryA = k + 2;
+                const FaceCorner &p = b.at(tryB), &q = b.at(tryB + 1);
+                const FaceCorner &from = a.at(tryA), &to = a.at(tryA + 1);
+                if (from.p != q.p || to.p != p.p || from.t != q.t || to.t != p.t) continue;
+                sideB = tryB;
+                sideA = tryA;
+            }
+            if (sideB < 0 || !(angleOf(b, a) <= most)) continue;
+            const std::vector quad{b.at(sideB + 1), b.at(sideB + 2), b.at(sideB), a.at(sideA + 2)};
+            if (!(std::abs(vertexAngle(quad[1], quad[0], quad[3]) - right) <= tolerance)) continue;
+            if (!(std::abs(vertexAngle(quad[1], quad[2], quad[3]) - right) <= tolerance)) continue;
+            a.corners = quad;
+            a.start = nq;
+            nq += 4;
+            b.live = b.selected = false;
+            break;
+        }
+    }
+    return titles;
+}
+
+class Detriangularize : public ToolTest {
+  protected:
+    /// Squares of a lattice cut into triangles, in any order or not; some turned over, some there
+    /// twice, some bent out of the plane, some with texture of their own, some not to be joined.
+    void fillPatch(int side, int faces) {
+        emptyMesh();
+        for (int i = 0; i < side * side; ++i) {
+            const double height = random.below(4) == 0 ? random.below(9) * 0.05 : 0;
+            OB->addPoint(i % side, i / side, height, false);
+            OB->addTexCoord(i, 0);
+        }
+        OB->addNormal(0, 0, 1);
+        for (const char* name : {"a", "b"}) {
+            OB->addGroup(name);
+            OB->addMaterial(0, name);
+        }
+        while (OB->nf < faces) {
+            const int low = random.below(side - 1) + side * random.below(side - 1);
+            const int around[4] = {low, low + 1, low + side + 1, low + side};
+            addTriangle(around, 0, 1, 2);
+            if (random.below(5) == 0) addTriangle(around, 1, 2, 3);
+            if (random.below(9) != 0) addTriangle(around, 2, 3, 0);
+        }
+        if (random.below(2) != 0) shuffle();
+        OB->curface = random.below(OB->nf);
+    }
+
+    void addTriangle(const int (&around)[4], int a, int b, int c) {
+        OB->curgroup = random.below(9) == 0;
+        OB->curmat = random.below(9) == 0;
+        std::vector<int> points{around[a], around[b], around[c]};
+        if (random.below(12) == 0) points.push_back(around[6 - a - b - c]);
+        std::rotate(points.begin(), points.begin() + random.below(3), points.end());
+        if (random.below(9) == 0) std::reverse(points.begin(), points.end());
+        Face& face = *addFace(points);
+        face.selected = random.below(9) != 0;
+        const bool textured = random.below(7) != 0;
+        for (int k = 0; k < face.n; ++k) {
+            if (textured && random.below(30) != 0) {
+                face.q[k].t = OB->texcoords + indexIn(OB->points, face.q[k].p);
+            }
+            if (random.below(2) != 0) face.q[k].d = OB->normals;
+        }
+    }
+
+    /// Brings the faces into any order; the corners stay.
+    void shuffle() {
+        for (int i = OB->nf - 1; i > 0; --i) {
+            std::swap(OB->faces[i], OB->faces[random.below(i + 1)]);
+        }
+    }
+
+    void expectSlots(const std::vector<Slot>& expected) {
+        const std::vector<Slot> found = slots();
+        ASSERT_EQ(found.size(), expected.size());
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const Slot &f = found[i], &e = expected[i];
+            ASSERT_EQ(f.live, e.live) << i;
+            ASSERT_EQ(f.selected, e.selected) << i;
+            if (!f.live) continue;
+            ASSERT_EQ(f.start, e.start) << i;
+            ASSERT_TRUE(f.g == e.g && f.mat == e.mat);
+            ASSERT_EQ(f.corners.size(), e.corners.size()) << i;
+            for (std::size_t k = 0; k < f.corners.size(); ++k) {
+                const FaceCorner &c = f.corners[k], &d = e.corners[k];
+                ASSERT_TRUE(c.p == d.p && c.t == d.t && c.d == d.d) << i << ' ' << k;
+            }
+        }
+    }
+
+    void run(bool thorough, bool silent, const std::string& angle, const std::string& variation) {
+        shown.log.clear();
+        shown.dialogAnswers = {{angle}, {variation}};
+        const int blocks = storeBlocks();
+        const bool hadNormals = OB->normals != nullptr;
+        (thorough ? detrithorough : detriquick)(*OB, silent);
+        ASSERT_EQ(check(*OB), nullptr);
+        ASSERT_EQ(storeBlocks(), blocks - (hadNormals && OB->normals == nullptr));
+    }
+};
+
+TEST_F(Detriangularize, SilentlyBothJoinByThePlainRule) {
+    constexpr double angles[] = {0, 4, 25, 90, 200}, variations[] = {0, 20, 45, 90};
+    int joined = 0;
+    for (int round = 0; round < 8000; ++round) {
+        const bool large = round % 100 == 0;
+        fillPatch(large ? 9 : 3, large ? 100 + random.below(250) : 2 + random.below(14));
+        ASSERT_TRUE(collectGarbage(*OB));
+        const double angle = angles[random.below(5)], variation = variations[random.below(4)];
+        const bool thorough = round % 2 == 0;
+        std::vector<Slot> expected = slots();
+        const auto before = std::size_t(OB->nf);
+        Log titles;
+        if (thorough) {
+            titles = joinThoroughly(expected, angle, variation);
+        } else {
+            joinQuickly(expected, angle);
+        }
+        const int curface = OB->curface;
+        run(thorough, true, std::to_string(angle), std::to_string(variation));
+        ASSERT_TRUE(OB->changed && stale.edges);
+        expectSlots(expected);
+        const auto live = liveFaces().size();
+        joined += static_cast<int>(before - live);
+        ASSERT_EQ(OB->curface, isLive(OB->faces[curface]) ? curface : -1);
+        const auto shownTitles = shown.log.end() - std::ssize(titles);
+        ASSERT_EQ(Log(shownTitles, shown.log.end()), titles);
+        ASSERT_EQ(shown.log.size(), (thorough ? 4U : 3U) + titles.size());
+    }
+    EXPECT_GT(joined, 5000);
+}
+
+/// Places of the corners of two triangles that share their first two, which the second runs back.
+struct Limit {
+    const char* about;
+    std::array<Vec3, 4> at;
+    const char *angle, *variation;
+    bool quickly, thoroughly;
+};
+
+TEST_F(Detriangularize, TheLimitsThemselvesAreAllowed) {
+    const std::array<Vec3, 4> square{{{0, 0, 0}, {1, 1, 0}, {0, 1, 0}, {1, 0, 0}}};
+    // Of two triangles with equal sides, in the plane x + y + z = 1.
+    const std::array<Vec3, 4> rhombus{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, -1}}};
+    // A sheet of two right-angled halves folded up along the diagonal by a right angle.
+    const std::array<Vec3, 4> folded{{{0, 0, 0}, {2, 0, 0}, {1, 1, 0}, {1, 0, -1}}};
+    const double nan = std::nan("");
+    const Limit limits[] = {
+        {"square", square, "4", "20", true, true},
+        {"square to the letter", square, "0", "0", true, true},
+        {"no angle is allowed", square, "-1", "20", false, false},
+        {"rhombus", rhombus, "4", "29.999", true, false},
+        {"rhombus at the limit", rhombus, "4", "30", true, true},
+        {"rhombus within", rhombus, "4", "31", true, true},
+        {"folded", folded, "89.999", "60", false, false},
+        {"folded at the limit", folded, "90", "60", true, true},
+        {"no angle at all", folded, "nan", "20", false, false},
+        {"any variation", rhombus, "inf", "inf", true, true},
+        {"a sliver", {{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 1, 0}}}, "0", "90", true, true},
+        {"two in one place", {{{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {1, 1, 0}}}, "0", "91", true, true},
+        {"nowhere", {{{0, 0, 0}, {nan, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, "0", "180", true, false},
+        {"far", {{{0, 0, 0}, {1e300, 0, 0}, {0, 1, 0}, {0, -1, 0}}}, "1", "180", true, false},
+    };
+    for (const auto& [about, at, angle, variation, quickly, thoroughly] : limits) {
+        for (const bool thorough : {false, true}) {
+            emptyMesh();
+            for (const Vec3& p : at) OB->addPoint(p.x, p.y, p.z, false);
+            addFace({0, 1, 2});
+            addFace({3, 1, 0});
+            run(thorough, true, angle, variation);
+            const bool joins = thorough ? thoroughly : quickly;
+            EXPECT_EQ(liveFaces().size(), joins ? 1U : 2U) << about << thorough;
+            if (!joins) continue;
+            EXPECT_EQ(pointsOf(0), (thorough ? Numbers{0, 3, 1, 2} : Numbers{1, 2, 0, 3})) << about;
+        }
+    }
+}
+
+TEST_F(Detriangularize, TheQuickOneTakesNeighboursInTheFileOnly) {
+    const struct {
+        std::vector<Numbers> faces;
+        std::size_t quickly, thoroughly;
+    } cases[] = {
+        {{{0, 1, 3}, {0, 3, 2}}, 1, 1},
+        {{{0, 1, 3}, {4, 5, 6}, {0, 3, 2}}, 3, 2},
+        {{{0, 1, 3}, {0, 2, 3}}, 2, 2},            // the same way along the side
+        {{{0, 1, 3}, {0, 3, 2}, {2, 3, 5}}, 2, 2}, // the second went with the first
+        {{{0, 1, 3}, {}, {0, 3, 2}}, 1, 1},        // what is between them is collected first
+    };
+    for (const auto& [faces, quickly, thoroughly] : cases) {
+        for (const bool thorough : {false, true}) {
+            emptyMesh();
+            for (int i = 0; i < 8; ++i) OB->addPoint(i % 2, i / 2, 0, false);
+            for (const Numbers& face : faces) addFace(face.empty() ? Numbers{0, 1} : face);
+            run(thorough, true, "0", "45");
+            EXPECT_EQ(liveFaces().size(), thorough ? thoroughly : quickly) << thorough;
+        }
+    }
+}
+
+/// Sixty squares in a row, cut in two; with a normal on all corners if that is asked for.
+void addStrip(bool normals) {
+    emptyMesh();
+    for (int i = 0; i < 122; ++i) OB->addPoint(i / 2, i % 2, 0, false);
+    for (int low = 0; low < 120; low += 2) {
+        addFace({low, low + 2, low + 3});
+        addFace({low, low + 3, low + 1});
+    }
+    if (!normals) return;
+    OB->addNormal(0, 0, 1);
+    for (int c = 0; c < OB->nq; ++c) OB->corners[c].d = OB->normals;
+}
+
+TEST_F(Detriangularize, TheClosingQuestionComesBeforeTheEdgePass) {
+    const Log quickPrompt{"dialog|ASKDB|max angle (deg) allowed between faces to be joined?=4"};
+    const std::string second =
+        "dialog|ASKDB|max angle (deg) variation from 90º allowed for new angles?=20";
+    const std::string counts = "there were 120 faces; now there are 60|";
+    const Log collection{"title|collecting garbage", "title|before"};
+    for (int mask = 0; mask < 8; ++mask) {
+        const bool thorough = mask & 1, normals = mask & 2, yes = mask & 4;
+        addStrip(normals);
+        OB->faces[0].q->edgeuse = 77;
+        shown.windowTitle = "before";
+        shown.choices = {yes ? Choice::yes : Choice::no};
+        run(thorough, false, "4", "20");
+        Log expected = quickPrompt;
+        if (thorough) expected.push_back(second);
+        expected.insert(expected.end(), collection.begin(), collection.end());
+        if (thorough) expected.push_back("title|100");
+        expected.push_back(normals
+                               ? "question|" + counts
+                                     + "shall I remove the normals (vn lines) to save more space?"
+                               : "message|" + counts);
+        if (thorough) expected.push_back("title|before");
+        expected.insert(expected.end(), collection.begin(), collection.end());
+        EXPECT_EQ(shown.log, expected);
+        EXPECT_EQ(OB->nf, 60);
+        EXPECT_EQ(OB->nq, 240);
+        EXPECT_LE(OB->faces[0].q->edgeuse, 2);
+        const bool kept = normals && !yes;
+        EXPECT_EQ(OB->nd, kept);
+        EXPECT_EQ(OB->normals != nullptr, kept);
+        EXPECT_EQ(OB->ndmax == 0, !kept);
+        for (int c = 0; c < OB->nq; ++c) ASSERT_EQ(OB->corners[c].d != nullptr, kept);
+    }
+}
+
+} // namespace
+} // namespace polyfab::test

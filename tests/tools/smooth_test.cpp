@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Both ways of smoothing against a plain statement of their rules on random meshes, and by hand on
+// level grids.
+#include "tools/smooth.h"
+
+#include "mesh/garbage.h"
+#include "tests/tools/tool_test.h"
+#include "tools/vectors.h"
+
+#include <cmath>
+#include <map>
+#include <set>
+
+namespace polyfab::test {
+namespace {
+
+/// Calls use(point before, point, point after) for the corners of live faces.
+template <typename Use>
+void eachCorner(bool onlySelected, Use use) {
+    for (const int face : liveFaces(onlySelected)) {
+        const Numbers points = pointsOf(face);
+        const std::size_t n = points.size();
+        for (std::size_t k = 0; k < n; ++k) {
+            use(points[(k + n - 1) % n], points[k], points[(k + 1) % n]);
+        }
+    }
+}
+
+Vec3 worldOf(int point) { return worldPosition(OB->points[point]); }
+
+std::vector<Vec3> allPositions() {
+    std::vector<Vec3> list;
+    for (int i = 0; i < OB->np; ++i) list.push_back(worldOf(i));
+    return list;
+}
+
+bool same(const Vec3& a, const Vec3& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
+
+/// Points that faces use which are not selected.
+std::set<int> pointsOfUnselected() {
+    std::set<int> points;
+    for (const int face : liveFaces()) {
+        if (OB->faces[face].selected) continue;
+        for (const int p : pointsOf(face)) points.insert(p);
+    }
+    return points;
+}
+
+class Smooth : public ToolTest {
+  protected:
+    ~Smooth() override { resetView(); }
+
+    void run(bool dents, char axis = 0) {
+        stale = {false, false, false};
+        OB->changed = 0;
+        const int blocks = storeBlocks();
+        if (dents) {
+            smoothDents(*OB);
+        } else {
+            smoothView(*OB, axis);
+        }
+        ASSERT_EQ(check(*OB), nullptr);
+        ASSERT_EQ(storeBlocks(), blocks);
+        ASSERT_TRUE(OB->changed && stale.points);
+        ASSERT_EQ(stale.edges, dents);
+    }
+
+    /// Triangles over 5 by 5 points that all have this height and look along z, all selected.
+    void addGrid(double height) {
+        emptyMesh();
+        for (int i = 0; i < 25; ++i) OB->addPoint(i % 5, i / 5, height, false);
+        for (int i = 0; i < 20; ++i) {
+            if (i % 5 == 4) continue;
+            addFace({i, i + 1, i + 6});
+            addFace({i, i + 6, i + 5});
+        }
+    }
+};
+
+TEST_F(Smooth, OnTheScreenFreePointsGoToTheAverageOfTheirNeighbours) {
+    view.client = {800, 400};
+    resetView();
+    for (int round = 0; round < 2000; ++round) {
+        fillWithParts(12, 10, 6);
+        turnView(random.below(3), random.below(100), random.below(2) != 0);
+        transformPoints(*OB);
+        const char axis = "\0xyz"[random.below(4)];
+        const std::set<int> frozen = pointsOfUnselected();
+        std::map<int, int> weight;
+        std::map<int, Vec3> sum, screen;
+        for (int i = 0; i < OB->np; ++i) {
+            Point& p = OB->points[i];
+            screen[i] = {p.sx, p.sy, p.sz};
+            p.sx = p.sy = p.sz = -1; // out of date
+        }
+        eachCorner(false, [&](int b, int c, int) {
+            weight[b]++;
+            weight[c]++;
+            sum[c] += screen[b];
+            sum[b] += screen[c];
+        });
+        std::vector<Vec3> expected = allPositions();
+        for (const auto& [p, count] : weight) {
+            if (frozen.contains(p)) continue;
+            Vec3 to = screen[p];
+            if (axis == 0 || axis == 'x') to.x = sum[p].x / count;
+            if (axis == 0 || axis == 'y') to.y = sum[p].y / count;
+            if (axis == 0 || axis == 'z') to.z = sum[p].z / count;
+            expected[static_cast<std::size_t>(p)] = projection.toWorld(to);
+        }
+        run(false, axis);
+        for (int i = 0; i < OB->np; ++i) {
+            ASSERT_TRUE(same(worldOf(i), expected[static_cast<std::size_t>(i)])) << round;
+        }
+    }
+}
+
+TEST_F(Smooth, DentsAreFilledByThePlainRule) {
+    int filled = 0, left = 0;
+    for (int round = 0; round < 2000; ++round) {
+        fillWithParts(14, 20, 4);
+        for (int i = 0; i < OB->np && round % 2 != 0; ++i) { // many in a line or in one place
+            Point& p = OB->points[i];
+            for (double* part : {&p.x, &p.y, &p.z}) *part = std::floor(*part / 4);
+        }
+        ASSERT_TRUE(collectGarbage(*OB));
+        const std::set<int> kept = pointsOfUnselected();
+        std::map<int, Vec3> normal, smoothed, sum;
+        std::map<int, int> corners, count;
+        eachCorner(true, [&](int prev, int at, int next) {
+            const Vec3 across = cross(worldOf(next) - worldOf(at), worldOf(prev) - worldOf(at));
+            if (isZero(across)) return;
+            normal[at] += across * (1 / std::sqrt(dot(across, across)));
+            ++corners[at];
+        });
+        eachCorner(true, [&](int b, int c, int) {
+            smoothed[b] += normal[c];
+            smoothed[c] += normal[b];
+            sum[b] += worldOf(c);
+            sum[c] += worldOf(b);
+            ++count[b];
+            ++count[c];
+        });
+        const std::vector<Vec3> before = allPositions();
+        run(true);
+        for (int i = 0; i < OB->np; ++i) {
+            const Vec3& was = before[static_cast<std::size_t>(i)];
+            if (kept.contains(i) || corners[i] == 0) {
+                ASSERT_TRUE(same(worldOf(i), was));
+                continue;
+            }
+            const Vec3 mean{sum[i].x / count[i], sum[i].y / count[i], sum[i].z / count[i]};
+            const double dent = dot(mean - was, unit(smoothed[i]));
+            const bool moved = same(worldOf(i), mean);
+            ASSERT_TRUE(moved || same(worldOf(i), was));
+            // Which of the two it is depends on the last digit where the surface is all but flat.
+            if (std::abs(dent) < 1e-12) continue;
+            ASSERT_EQ(moved, dent > 0) << round;
+            ++(moved ? filled : left);
+        }
+    }
+    EXPECT_GT(filled, 500);
+    EXPECT_GT(left, 500);
+}
+
+TEST_F(Smooth, OnAFlatGridOnlyASunkenPointMoves) {
+    const Vec3 planes[] = {{0, 0, 0}, {0, 0, -7.3}, {0.3, 0.1, 0}, {0.3, 0, 1000.1}, {3, -0.7, 1}};
+    for (const auto& [right, up, height] : planes) {
+        addGrid(0);
+        for (int i = 0; i < OB->np; ++i) {
+            Point& p = OB->points[i];
+            p.z = right * p.x + up * p.y + height;
+        }
+        const std::vector<Vec3> flat = allPositions();
+        run(true);
+        for (std::size_t i = 0; i < 25; ++i) {
+            EXPECT_TRUE(same(worldOf(static_cast<int>(i)), flat[i])) << right << ' ' << i;
+        }
+    }
+    for (const double offset : {0.5, -0.5}) {
+        addGrid(0);
+        OB->points[12].z = offset;
+        run(true);
+        EXPECT_EQ(OB->points[12].z, std::max(offset, 0.0));
+        EXPECT_EQ(OB->points[12].x, 2);
+    }
+}
+
+TEST_F(Smooth, TheQuestionsSetTheAxis) {
+    const std::string first = "question||do you want to restrict smoothing?";
+    const std::string second = "question|which axis to smooth along?|(yes=X, no=Y, cancel=Z)";
+    const struct {
+        std::deque<Choice> choices;
+        char axis;
+    } cases[] = {{{Choice::yes, Choice::yes}, 'x'},
+                 {{Choice::yes, Choice::no}, 'y'},
+                 {{Choice::yes, Choice::cancel}, 'z'},
+                 {{Choice::no}, 0}};
+    for (const auto& [choices, axis] : cases) {
+        shown.log.clear();
+        shown.choices = choices;
+        askSmoothingAxis();
+        EXPECT_EQ(editorState.smoothingAxis, axis);
+        EXPECT_EQ(shown.log, axis == 0 ? Log{first} : (Log{first, second}));
+    }
+}
+
+} // namespace
+} // namespace polyfab::test

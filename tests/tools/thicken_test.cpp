@@ -1,0 +1,353 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Thickness against a plain statement of its rules on random meshes, and by hand where the result
+// can be told.
+#include "tools/thicken.h"
+
+#include "mesh/garbage.h"
+#include "tests/tools/tool_test.h"
+#include "tools/vectors.h"
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace polyfab::test {
+namespace {
+
+struct Asked {
+    double thickness, step;
+    int passes;
+    bool keepsSign;
+    Choice border;
+};
+
+/// A corner is its point and the u of its texture coordinate, which tells whose copy it is.
+struct PlainFace {
+    std::vector<std::pair<int, double>> corners;
+    bool selected;
+    int part;
+};
+
+struct PlainMesh {
+    std::vector<Vec3> points;
+    std::vector<PlainFace> faces;
+    int parts;
+
+    explicit PlainMesh(const Mesh& mesh) : parts(mesh.nprt) {
+        for (int i = 0; i < mesh.np; ++i) points.push_back(worldPosition(mesh.points[i]));
+        for (const int f : liveFaces()) {
+            const Face& face = mesh.faces[f];
+            PlainFace& plain = faces.emplace_back();
+            plain.selected = face.selected;
+            plain.part = face.prt;
+            for (const int p : pointsOf(f)) {
+                const auto k = plain.corners.size();
+                plain.corners.emplace_back(p, face.q[k].t->u);
+            }
+        }
+    }
+
+    using Described =
+        std::vector<std::tuple<bool, int, std::vector<std::tuple<double, double, double, double>>>>;
+
+    Described described() const {
+        Described list;
+        for (const PlainFace& face : faces) {
+            auto& [selected, part, corners] = list.emplace_back();
+            selected = face.selected;
+            part = face.part;
+            for (const auto& [p, u] : face.corners) {
+                const Vec3& at = points[static_cast<std::size_t>(p)];
+                corners.emplace_back(at.x, at.y, at.z, u);
+            }
+        }
+        return list;
+    }
+
+    template <typename Use>
+    void eachSelectedCorner(Use use) const {
+        for (const PlainFace& face : faces) {
+            const std::size_t n = face.corners.size();
+            for (std::size_t k = 0; face.selected && k < n; ++k) {
+                use(face.corners[(k + n - 1) % n].first, face.corners[k].first,
+                    face.corners[(k + 1) % n].first);
+            }
+        }
+    }
+
+    void round(const Asked& asked) {
+        std::map<int, int> count;
+        std::map<int, Vec3> normals;
+        const auto at = [&](int p) -> Vec3& { return points[static_cast<std::size_t>(p)]; };
+        eachSelectedCorner([&](int prev, int point, int next) {
+            const Vec3 normal = unitCross(at(next) - at(point), at(prev) - at(point));
+            if (!isZero(normal)) ++count[point];
+            normals[point] += normal;
+        });
+        for (int pass = 0; pass < asked.passes; ++pass) {
+            std::map<int, Vec3> fresh;
+            eachSelectedCorner([&](int b, int c, int) {
+                fresh[b] += normals[c];
+                fresh[c] += normals[b];
+            });
+            for (auto& [p, normal] : fresh) normal = unit(normal);
+            normals = fresh;
+        }
+        for (const auto& [p, normal] : normals) {
+            const Vec3 by = unit(normal) * asked.step;
+            const double x = at(p).x;
+            const bool crosses = by.x * x < 0 && x * x < by.x * by.x;
+            if (count[p] > 0 && !isZero(normal) && !(asked.keepsSign && crosses)) at(p) += by;
+        }
+    }
+
+    void buildWalls(const std::vector<Vec3>& originals, const std::vector<int>& marks) {
+        const auto n = static_cast<int>(points.size());
+        points.insert(points.end(), originals.begin(), originals.end());
+        std::vector<PlainFace> walls;
+        for (PlainFace& face : faces) {
+            for (std::size_t k = 0; k < face.corners.size(); ++k) {
+                auto& c = face.corners[k];
+                const auto d = face.corners[(k + 1) % face.corners.size()];
+                const auto mark = [&](int p) { return marks[static_cast<std::size_t>(p)]; };
+                if (!face.selected) {
+                    c.first += n;
+                } else if (mark(c.first) == 3 && mark(d.first) == 3) {
+                    const auto copy = [&](auto corner) {
+                        return std::pair(corner.first + n, corner.second);
+                    };
+                    walls.push_back({{d, c, copy(c), copy(d)}, true, parts});
+                }
+            }
+        }
+        ++parts;
+        faces.insert(faces.end(), walls.begin(), walls.end());
+        std::map<std::pair<int, int>, int> uses;
+        const auto side = [](const PlainFace& face, std::size_t k) {
+            const auto next = (k + 1) % face.corners.size();
+            return std::pair(std::minmax(face.corners[k].first, face.corners[next].first));
+        };
+        for (const PlainFace& face : faces) {
+            for (std::size_t k = 0; k < face.corners.size(); ++k) ++uses[side(face, k)];
+        }
+        std::size_t index = faces.size() - walls.size();
+        std::erase_if(walls, [&](const PlainFace&) {
+            const PlainFace& wall = faces[index++];
+            for (std::size_t k = 0; k < 4; ++k) {
+                if (uses[side(wall, k)] == 4) return true;
+            }
+            return false;
+        });
+        std::erase_if(faces, [&](const PlainFace& face) { return face.part == parts - 1; });
+        faces.insert(faces.end(), walls.begin(), walls.end());
+    }
+
+    void thicken(const Asked& asked) {
+        std::vector<int> marks(points.size());
+        for (const PlainFace& face : faces) {
+            for (const auto& [p, u] : face.corners) {
+                marks[static_cast<std::size_t>(p)] |= face.selected ? 1 : 2;
+            }
+        }
+        const std::vector<Vec3> originals = points;
+        if (asked.step > 0) {
+            for (double done = 0; done < asked.thickness; done += asked.step) round(asked);
+        }
+        for (std::size_t i = 0; i < points.size() && asked.border == Choice::no; ++i) {
+            if (marks[i] == 3) points[i] = originals[i];
+        }
+        if (asked.border == Choice::cancel) buildWalls(originals, marks);
+    }
+};
+
+class Thicken : public ToolTest {
+  protected:
+    /// Runs the tool with these answers, as they are typed.
+    void run(const std::string& thickness, const std::string& step, const std::string& passes,
+             bool keepsSign, Choice border) {
+        shown.log.clear();
+        shown.dialogAnswers = {{thickness}, {step}, {passes}};
+        shown.choices = {keepsSign ? Choice::yes : Choice::no, border};
+        stale = {false, false, false};
+        const int blocks = storeBlocks();
+        thicken(*OB);
+        ASSERT_TRUE(shown.dialogAnswers.empty() && shown.choices.empty());
+        ASSERT_EQ(check(*OB), nullptr);
+        ASSERT_EQ(storeBlocks(), blocks);
+    }
+
+    void run(const Asked& asked) {
+        run(std::to_string(asked.thickness), std::to_string(asked.step),
+            std::to_string(asked.passes), asked.keepsSign, asked.border);
+    }
+
+    /// Rows and columns of quads in the plane z = 0 that look along z, none of them selected.
+    void addGrid(int columns, int rows) {
+        for (int y = 0; y <= rows; ++y) {
+            for (int x = 0; x <= columns; ++x) OB->addPoint(x, y, 0, false);
+        }
+        for (int y = 0; y < rows; ++y) {
+            for (int x = 0; x < columns; ++x) {
+                const int p = y * (columns + 1) + x;
+                addFace({p, p + 1, p + columns + 2, p + columns + 1})->selected = 0;
+            }
+        }
+    }
+};
+
+TEST_F(Thicken, RandomMeshesBecomeThoseOfThePlainRules) {
+    int walls = 0, dropped = 0;
+    for (int round = 0; round < 3000; ++round) {
+        fillWithParts(12, 14, 4);
+        ASSERT_TRUE(collectGarbage(*OB));
+        constexpr Choice borders[] = {Choice::yes, Choice::no, Choice::cancel};
+        const Asked asked{0.5 * random.below(6), 0.25 * random.below(7) - 0.25, random.below(4),
+                          random.below(2) != 0, borders[random.below(3)]};
+        PlainMesh plain(*OB);
+        const auto before = plain.faces.size();
+        plain.thicken(asked);
+        run(asked);
+        ASSERT_EQ(PlainMesh(*OB).described(), plain.described()) << round;
+        ASSERT_EQ(OB->nprt, plain.parts);
+        ASSERT_TRUE(OB->changed && stale.points && stale.edges);
+        walls += plain.faces.size() > before;
+        dropped += plain.faces.size() == before && asked.border == Choice::cancel;
+    }
+    EXPECT_GT(walls, 100);
+    EXPECT_GT(dropped, 100);
+}
+
+TEST_F(Thicken, ABallGrowsAlongItsRadiiAndTheTitleTellsHowFarItIs) {
+    addCube();
+    shown.windowTitle = "before";
+    run(".011", ".005", "2", false, Choice::no);
+    for (int i = 0; i < 8; ++i) {
+        const Vec3 at = worldPosition(OB->points[i]);
+        EXPECT_NEAR(std::sqrt(dot(at, at)), std::sqrt(3) + 0.015, 1e-14); // three whole steps
+        EXPECT_NEAR(std::abs(at.x), std::abs(at.y), 1e-14);
+        EXPECT_NEAR(std::abs(at.x), std::abs(at.z), 1e-14);
+    }
+    const Log expected{"title|collecting garbage",
+                       "title|before",
+                       "title|working out normals",
+                       "dialog|ASKDB|thickness to add?=.005",
+                       "dialog|ASKDB|increment step?=.005",
+                       "dialog|ASKDB|how many iterations of smoothing the normals?=30",
+                       "question||do you want to avoid changing the sign of x?",
+                       "question|shall I move the edge points?|(cancel = put a step along the "
+                       "edge)",
+                       "title|0.011:2",
+                       "title|0.011:1",
+                       "title|0.006:2",
+                       "title|0.006:1",
+                       "title|0.001:2",
+                       "title|0.001:1",
+                       "title|before"};
+    EXPECT_EQ(shown.log, expected);
+}
+
+TEST_F(Thicken, TheSignOfXIsKeptButZeroMayBeReached) {
+    constexpr struct {
+        double x;
+        bool keepsSign;
+        double moved;
+    } cases[] = {{0.25, true, 0.25}, {0.25, false, -0.25}, {0.5, true, 0},
+                 {0.75, true, 0.25}, {-0.25, true, -0.75}, {0, true, -0.5}};
+    for (const auto& [x, keepsSign, moved] : cases) {
+        emptyMesh();
+        for (const auto& [y, z] : {std::pair(0, 0), {0, 1}, {1, 0}}) OB->addPoint(x, y, z, false);
+        addFace({0, 1, 2}); // looks towards lower x
+        run({0.5, 0.5, 1, keepsSign, Choice::yes});
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(OB->points[i].x, moved) << x;
+    }
+}
+
+TEST_F(Thicken, AStepRisesAroundAPatchAndOnlyThere) {
+    const struct {
+        Numbers patch;
+        int border, walls;
+    } cases[] = {{{5}, 4, 4}, {{5, 6, 9, 10}, 8, 8}, {{5, 6}, 6, 2}, {{5, 10}, 7, 4}};
+    for (const auto& [patch, border, walls] : cases) {
+        emptyMesh();
+        addGrid(4, 4);
+        for (const int face : patch) OB->faces[face].selected = 1;
+        const int parts = OB->nprt;
+        run({0.125, 0.125, 3, false, Choice::cancel});
+        EXPECT_EQ(OB->np, 25 + border);
+        ASSERT_EQ(OB->nf, 16 + walls);
+        EXPECT_EQ(OB->nprt, parts + 1);
+        for (int f = 0; f < OB->nf; ++f) {
+            const bool wall = f >= 16, lifted = std::count(patch.begin(), patch.end(), f) > 0;
+            EXPECT_EQ(OB->faces[f].prt, wall ? parts : 0);
+            EXPECT_EQ(OB->faces[f].selected, wall || lifted);
+            double height = 0;
+            for (const int p : pointsOf(f)) height += OB->points[p].z;
+            EXPECT_EQ(height, wall ? 0.25 : lifted ? 0.5 : 0);
+        }
+    }
+}
+
+TEST_F(Thicken, SoManyWallsThatTheArraysGrow) {
+    addGrid(102, 102);
+    for (int f = 0; f < OB->nf; ++f) OB->faces[f].selected = f % 102 % 3 == 1 && f / 102 % 3 == 1;
+    run({1, 1, 0, false, Choice::cancel});
+    EXPECT_EQ(OB->np, 103 * 103 + 34 * 34 * 4);
+    EXPECT_EQ(OB->nf, 102 * 102 + 34 * 34 * 4);
+}
+
+TEST_F(Thicken, WithoutRoomForAPartTheWallsAreNotWrapped) {
+    addGrid(3, 3);
+    OB->faces[4].selected = 1;
+    while (OB->nprt < maxIndexed) OB->addPart();
+    run({1, 1, 0, false, Choice::cancel});
+    EXPECT_EQ(OB->nf, 9 + 4);
+    EXPECT_EQ(OB->nprt, maxIndexed);
+    for (int f = 0; f < OB->nf; ++f) EXPECT_EQ(OB->faces[f].prt, 0);
+}
+
+TEST_F(Thicken, AbsurdAnswersMoveNothing) {
+    const struct {
+        const char *thickness, *step, *passes;
+        bool refused;
+    } cases[] = {
+        {"inf", ".005", "1", true},    {"1e400", "1e-300", "1", true},
+        {"1e300", ".005", "1", true},  {"1", "inf", "1", true},
+        {"1", "5e-324", "1", true},    {"inf", "inf", "1", true},
+        {"1", "1", "inf", true},       {"1", "1", "2147483648", true},
+        {"nan", "1", "1e400", false},  {"-1", "1", "1e400", false},
+        {"1e400", "nan", "1", false},  {"1e400", "0", "1e400", false},
+        {"1e400", "-1", "nan", false}, {"-inf", "-inf", "-inf", false},
+    };
+    for (const auto& [thickness, step, passes, refused] : cases) {
+        SCOPED_TRACE(std::string(thickness) + ' ' + step + ' ' + passes);
+        emptyMesh();
+        addGrid(3, 3);
+        OB->faces[4].selected = 1;
+        run(thickness, step, passes, false, Choice::cancel);
+        EXPECT_EQ(shown.log[shown.log.size() - 2] == "message!||I can't count that far", refused);
+        EXPECT_EQ(OB->nf, refused ? 9 : 13); // what moves nothing still builds flat walls
+        for (int i = 0; i < OB->np; ++i) EXPECT_EQ(OB->points[i].z, 0);
+    }
+    for (const char* none : {"nan", "-5", "-1e300", "0.9"}) { // no passes at all
+        emptyMesh();
+        addCube();
+        run("1", "1", none, false, Choice::yes);
+        EXPECT_NEAR(OB->points[7].x, 1 + std::sqrt(1 / 3.0), 1e-14) << none;
+    }
+}
+
+TEST_F(Thicken, PositionsThatAreNoNumbersAreNotSpread) {
+    const double inf = std::numeric_limits<double>::infinity();
+    for (const double odd : {inf, -inf, std::numeric_limits<double>::quiet_NaN(), 1e308}) {
+        emptyMesh();
+        addGrid(3, 3);
+        for (int f = 0; f < OB->nf; ++f) OB->faces[f].selected = 1;
+        OB->points[0].x = OB->points[5].y = odd;
+        run("1", ".5", "3", true, Choice::yes);
+        for (int i = 6; i < 16; ++i) EXPECT_TRUE(std::isfinite(OB->points[i].x)) << i;
+    }
+}
+
+} // namespace
+} // namespace polyfab::test

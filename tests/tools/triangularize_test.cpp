@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Faces taken apart, against a plain statement of which pieces come out and in which order.
+#include "tools/triangularize.h"
+
+#include "tests/tools/tool_test.h"
+
+#include <utility>
+
+namespace polyfab::test {
+namespace {
+
+/// The corners of the pieces of a face, by their places in it.
+using Pieces = std::vector<Numbers>;
+
+Pieces trianglesOf(int n) {
+    Pieces pieces;
+    for (int k = 2; k < n; ++k) pieces.push_back({0, k - 1, k});
+    return pieces;
+}
+
+Pieces quadsOf(int n) {
+    Pieces pieces;
+    int k = 3;
+    for (; k < n; k += 2) pieces.push_back({0, k - 2, k - 1, k});
+    if (n % 2 == 1) pieces.push_back({0, k - 2, k - 1});
+    return pieces;
+}
+
+/// The live faces in full: what describe() tells of them, their other fields, and their numbers.
+struct Told {
+    decltype(describe()) faces = describe();
+    std::vector<std::array<int, 3>> fields;
+    Numbers numbers = liveFaces();
+
+    Told() {
+        for (const int i : numbers) {
+            const Face& face = OB->faces[i];
+            fields.push_back({face.tma, face.prt, face.selected});
+        }
+    }
+};
+
+class Triangularize : public ToolTest {
+  protected:
+    void fill() {
+        fillWithParts(14, 10, 9);
+        for (int i = 0; i < 3; ++i) OB->addTextureMapArea();
+        for (int i = 0; i < OB->nf; ++i) {
+            OB->faces[i].tma = static_cast<std::int16_t>(random.below(3));
+        }
+        editorState.currentEdgeFace = editorState.currentEdgeCorner = 0;
+        OB->changed = 0;
+        stale.edges = false;
+    }
+
+    /// No face passes a point twice: a collection finds nothing to tidy in them or their pieces.
+    void spreadCorners() {
+        while (OB->np < 9) OB->addPoint(OB->np, 0, 0, false);
+        for (int i = 0; i < OB->nf; ++i) {
+            const int start = random.below(OB->np);
+            for (int k = 0; OB->faces[i].q != nullptr && k < OB->faces[i].n; ++k) {
+                OB->faces[i].q[k].p = OB->points + (start + k) % OB->np;
+            }
+        }
+    }
+
+    /// Appends one piece of face `index` of `from`.
+    static void append(Told& to, const Told& from, std::size_t index, const Numbers& places) {
+        auto piece = from.faces[index];
+        auto& corners = std::get<2>(piece);
+        const auto all = std::exchange(corners, {});
+        for (const int k : places) corners.push_back(all[static_cast<std::size_t>(k)]);
+        to.faces.push_back(piece);
+        to.fields.push_back(from.fields[index]);
+        to.fields.back()[2] = 1;
+    }
+
+    void expectAll(const Told& expected) {
+        const Told now;
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(now.faces, expected.faces);
+        EXPECT_EQ(now.fields, expected.fields);
+        EXPECT_TRUE(OB->changed && stale.edges);
+    }
+};
+
+TEST_F(Triangularize, AllSelectedFacesAreSplitByThePlainRule) {
+    for (int round = 0; round < 2000; ++round) {
+        fill();
+        const bool triangles = round % 2 == 0;
+        if (!triangles) spreadCorners();
+        const Told before;
+        Told expected = before;
+        expected.faces.clear();
+        expected.fields.clear();
+        int curface = -1;
+        for (const int selected : {0, 1}) {
+            for (std::size_t i = 0; i < before.faces.size(); ++i) {
+                const auto n = static_cast<int>(std::get<2>(before.faces[i]).size());
+                if (before.fields[i][2] != selected || n < 3) continue;
+                Pieces pieces{Numbers()};
+                for (int k = 0; k < n; ++k) pieces[0].push_back(k);
+                if (selected) pieces = triangles ? trianglesOf(n) : quadsOf(n);
+                if (before.numbers[i] == OB->curface && pieces.size() == 1) {
+                    curface = static_cast<int>(expected.faces.size());
+                }
+                for (const Numbers& places : pieces) {
+                    append(expected, before, i, places);
+                    expected.fields.back()[2] = selected;
+                }
+            }
+        }
+        const int blocks = storeBlocks();
+        shown.log.clear();
+        (triangles ? triangularize : breakupfaces)(*OB);
+        expectAll(expected);
+        ASSERT_FALSE(HasFailure()) << round;
+        ASSERT_EQ(OB->curface, curface);
+        ASSERT_EQ(editorState.currentEdgeFace, -1);
+        ASSERT_EQ(OB->nf, static_cast<int>(expected.faces.size()));
+        ASSERT_EQ(shown.log.empty(), triangles); // the edge pass starts with a collection
+        if (!triangles) continue;
+        ASSERT_EQ(storeBlocks(), blocks);
+        ASSERT_TRUE(OB->nfmax == OB->nf && OB->nqmax == OB->nq);
+    }
+}
+
+TEST_F(Triangularize, OneFaceIsSplitIntoAFanAtTheEnd) {
+    for (int round = 0; round < 1000; ++round) {
+        fill();
+        const int index = random.below(OB->nf);
+        const Face face = OB->faces[index];
+        const int slots = OB->nf, n = face.q == nullptr ? 3 : face.n;
+        OB->curface = index;
+        Told expected;
+        const Told before;
+        const auto place =
+            std::find(before.numbers.begin(), before.numbers.end(), index) - before.numbers.begin();
+        if (n > 3) {
+            for (const Numbers& places : trianglesOf(n)) {
+                append(expected, before, static_cast<std::size_t>(place), places);
+            }
+        } else {
+            OB->changed = stale.edges = true; // it does not touch them
+        }
+        if (n != 3) {
+            expected.faces.erase(expected.faces.begin() + place);
+            expected.fields.erase(expected.fields.begin() + place);
+        }
+        fanface(*OB, index);
+        expectAll(expected);
+        ASSERT_FALSE(HasFailure()) << round;
+        ASSERT_EQ(OB->nf, slots + (n > 3 ? n - 2 : 0));
+        ASSERT_EQ(OB->curface, n > 3 ? -1 : index);
+    }
+}
+
+TEST_F(Triangularize, TheLargestFaceAndAnEmptyMeshAreNoExceptions) {
+    const struct {
+        void (*tool)(Mesh&);
+        int pieces;
+    } cases[] = {{triangularize, maxIndexed - 2}, {breakupfaces, (maxIndexed - 1) / 2}};
+    for (const auto& [tool, pieces] : cases) {
+        emptyMesh();
+        tool(*OB);
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(OB->nf, 0);
+        emptyMesh();
+        Numbers points;
+        for (int i = 0; i < maxIndexed; ++i) points.push_back(OB->addPoint(i, 0, 0, false));
+        addFace(points);
+        tool(*OB);
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(OB->nf, pieces);
+        EXPECT_EQ(pointsOf(pieces - 1), (Numbers{0, maxIndexed - 2, maxIndexed - 1}));
+    }
+}
+
+} // namespace
+} // namespace polyfab::test

@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The welding tools against the same rules said plainly, with a scan for everything.
+#include "tools/weld_points.h"
+
+#include "editor/prompts.h"
+#include "editor/title.h"
+#include "mesh/edges.h"
+#include "mesh/garbage.h"
+#include "tests/tools/tool_test.h"
+#include "tools/weld_edges.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <string>
+
+namespace polyfab::test {
+namespace {
+
+using Tool = std::function<void(Mesh&)>;
+
+void repoint(const Point* from, Point* to) {
+    for (int c = 0; c < OB->nq; ++c) {
+        if (OB->corners[c].p == from) OB->corners[c].p = to;
+    }
+}
+
+bool areClose(const Point& a, const Point& b, double square) {
+    const double dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
+    return dx * dx + dy * dy + dz * dz <= square;
+}
+
+/// What the two tools do that let points take their turns; take(p, q): p takes q.
+template <typename Take>
+void plainTurns(bool allEdges, Take take) {
+    OB->changed = 1;
+    collectGarbage(*OB);
+    checkEdges(*OB, false, true, false);
+    for (int i = 0; i < OB->np; ++i) OB->points[i].mark = 0;
+    for (int c = 0; c < OB->nq; ++c) OB->corners[c].mark = 0;
+    for (const int f : liveFaces(true)) {
+        const Face& face = OB->faces[f];
+        for (int k = 0; k < face.n; ++k) {
+            FaceCorner *const c = face.q + k, *const next = face.q + (k + 1) % face.n;
+            if (allEdges || c->edgeuse == 1) c->mark = next->mark = c->p->mark = next->p->mark = 1;
+        }
+    }
+    std::vector<Point*> list;
+    for (int i = 0; i < OB->np; ++i) {
+        if (OB->points[i].mark) list.push_back(OB->points + i);
+    }
+    const SavedTitle title(256);
+    const double distance = askNumber("max distance?", "1e-5");
+    std::vector<bool> left(list.size(), true);
+    int counter = 0;
+    for (std::size_t i = list.size(); i-- > 0 && !abortRequested();) {
+        if (!left[i]) continue;
+        if (counter++ % 256 == 0) showTitle("%6d", indexIn(OB->points, list[i]));
+        for (std::size_t j = 0; j < i; ++j) {
+            if (!areClose(*list[i], *list[j], distance * distance)) continue;
+            left[j] = false;
+            take(*list[i], *list[j]);
+        }
+    }
+}
+
+void plainWeld(bool allEdges) {
+    plainTurns(allEdges, [](Point& p, Point& q) { repoint(&q, &p); });
+}
+
+void plainBring(bool allEdges) {
+    plainTurns(allEdges, [](const Point& p, Point& q) {
+        q.x = p.x, q.y = p.y, q.z = p.z;
+        q.sx = p.sx, q.sy = p.sy, q.sz = p.sz;
+    });
+}
+
+void plainEdges(Mesh&) {
+    const double distance = askNumber("max distance?", "1e-5");
+    const SavedTitle title(256);
+    OB->changed = 1;
+    for (int pass = 1, collapses = 1; collapses != 0; ++pass) {
+        int corners = 0;
+        collapses = 0;
+        for (const int f : liveFaces(true)) {
+            const Face& face = OB->faces[f];
+            for (int k = 0; k < face.n; ++k) {
+                ++corners;
+                const Point* const a = face.q[(k + face.n - 1) % face.n].p;
+                Point* const b = face.q[k].p;
+                if (a == b || !areClose(*a, *b, distance * distance)) continue;
+                ++collapses;
+                if ((corners & 0x255) == 0) showTitle("%6d : %6d", pass, OB->nq - corners);
+                if (abortRequested()) return;
+                b->x = (a->x + b->x) * 0.5;
+                b->y = (a->y + b->y) * 0.5;
+                b->z = (a->z + b->z) * 0.5;
+                repoint(a, b);
+                break;
+            }
+        }
+        showTitle("%6d", collapses);
+    }
+}
+
+/// Everything that a tool may change, as text.
+std::string contents() {
+    std::string text = "changed " + std::to_string(OB->changed);
+    const auto add = [&](double value) {
+        char number[64];
+        std::snprintf(number, sizeof number, " %a", value);
+        text += std::isnan(value) ? " nan" : number; // whatever its sign
+    };
+    for (const Point* p = OB->points; p != OB->points + OB->np; ++p) {
+        text += "\npoint " + std::to_string(p->mark);
+        for (const double value : {p->x, p->y, p->z, p->sx, p->sy, p->sz}) add(value);
+    }
+    for (int i = 0; i < OB->nf; ++i) {
+        text += "\nface";
+        for (const int point : pointsOf(i)) text += ' ' + std::to_string(point);
+        for (int k = 0; OB->faces[i].q != nullptr && k < OB->faces[i].n; ++k) {
+            const FaceCorner& corner = OB->faces[i].q[k];
+            text += ' ' + std::to_string(corner.edgeuse) + '/' + std::to_string(corner.mark);
+        }
+    }
+    return text;
+}
+
+/// Positions of a random mesh are whole numbers times the unit, plus the offset; the distance is
+/// also counted in units, so that many pairs are exactly that far apart.
+struct Lattice {
+    double unit, offset;
+};
+constexpr std::array lattices{Lattice{1, 0},      Lattice{0.1, 0},  Lattice{0.3, -1000.7},
+                              Lattice{1, 0x1p50}, Lattice{1, 1e16}, Lattice{1e-162, 0},
+                              Lattice{1e153, 0},  Lattice{1e-5, 3}};
+constexpr std::array distances{0.0,  1.0,    1.0,  1.4142135623730951, 2.0, -1.0, 0.5, 3.0, 20.0,
+                               1e10, 1e-300, 1e200};
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notNumber = std::numeric_limits<double>::quiet_NaN();
+
+class Weld : public ToolTest {
+  protected:
+    void fillLattice(int points, int faces, const Lattice& lattice) {
+        random.fill(points, faces, 5);
+        const bool odd = random.below(8) == 0;
+        for (int i = 0; i < OB->np; ++i) {
+            Point& p = OB->points[i];
+            for (double* v : {&p.x, &p.y, &p.z}) *v = (*v - 4) * lattice.unit + lattice.offset;
+            p.sx = i;
+            constexpr std::array values{infinity, -infinity, notNumber, 1.7e308, -1.7e308};
+            double* const any[]{&p.x, &p.y, &p.z};
+            if (odd && random.below(2)) *any[random.below(3)] = values[random.below(5)];
+        }
+    }
+
+    void answer(const std::string& distance) { shown.dialogAnswers = {{distance}}; }
+
+    /// What the tool does to a mesh that `fill` makes: the contents afterwards and all that showed.
+    std::pair<std::string, Log> outcome(unsigned seed, const std::string& distance, int polls,
+                                        const Tool& tool) {
+        random = RandomMesh(seed);
+        const Lattice& lattice = lattices[random.below(lattices.size())];
+        if (seed % 50 != 0) {
+            fillLattice(1 + random.below(60), 1 + random.below(40), lattice);
+        } else { // enough points to crowd a cell when one of them is far away
+            fillLattice(700, 400, lattice);
+            OB->points[0].x *= 1e6;
+        }
+        answer(distance);
+        shown.windowTitle = "before";
+        shown.log.clear();
+        shown.escapeAfter = polls;
+        tool(*OB);
+        shown.escapeAfter = -1;
+        EXPECT_EQ(check(*OB), nullptr);
+        return {contents(), shown.log};
+    }
+
+    void expectSame(const Tool& tool, const Tool& plain, unsigned firstSeed) {
+        for (unsigned seed = firstSeed; seed < firstSeed + 2000; ++seed) {
+            random = RandomMesh(seed);
+            const double unit = lattices[random.below(lattices.size())].unit;
+            random = RandomMesh(seed + 1000000);
+            char distance[64];
+            std::snprintf(distance, sizeof distance, "%.17g",
+                          distances[random.below(distances.size())] * unit);
+            const std::array odd{"nan", "inf", "1e400", "-inf"};
+            if (random.below(12) == 0) std::strcpy(distance, odd[random.below(4)]);
+            const int polls = random.below(2) ? -1 : random.below(60);
+            const auto expected = outcome(seed, distance, polls, plain);
+            ASSERT_EQ(outcome(seed, distance, polls, tool), expected) << seed << ' ' << distance;
+        }
+    }
+};
+
+TEST_F(Weld, RandomMeshesAreWeldedByThePlainRule) {
+    for (const bool allEdges : {true, false}) {
+        expectSame([=](Mesh& mesh) { weldclose(mesh, allEdges); },
+                   [=](Mesh&) { plainWeld(allEdges); }, 0);
+    }
+}
+
+TEST_F(Weld, PointsOfRandomMeshesAreBroughtTogetherByThePlainRule) {
+    for (const bool allEdges : {true, false}) {
+        expectSame([=](Mesh& mesh) { bringclose(mesh, allEdges); },
+                   [=](Mesh&) { plainBring(allEdges); }, 10000);
+    }
+}
+
+TEST_F(Weld, EdgesOfRandomMeshesGoByThePlainRule) { expectSame(weldedges, plainEdges, 20000); }
+
+/// Separate triangles, their first corners one apart in x; the others are far from everything.
+void addRow(int count) {
+    emptyMesh();
+    for (int i = 0; i < count; ++i) {
+        OB->addPoint(i, 0, 0, false);
+        OB->addPoint(i, 100 + 10 * i, 0, false);
+        OB->addPoint(i, 0, 100 + 10 * i, false);
+        addFace({3 * i, 3 * i + 1, 3 * i + 2});
+    }
+}
+
+TEST_F(Weld, OfThreeInARowTheLastTakesTheMiddleOneOnly) {
+    addRow(3);
+    answer("1");
+    weldclose(*OB, true);
+    EXPECT_EQ(pointsOf(0)[0], 0);
+    EXPECT_EQ(pointsOf(1)[0], 6);
+    EXPECT_EQ(pointsOf(2)[0], 6);
+    EXPECT_EQ(OB->points[6].x, 2);
+    EXPECT_EQ(OB->np, 9); // until the next collection
+    EXPECT_TRUE(OB->changed && stale.edges);
+
+    addRow(3);
+    answer("1");
+    bringclose(*OB, false);
+    EXPECT_EQ(pointsOf(1)[0], 3);
+    EXPECT_EQ(OB->points[0].x, 0);
+    EXPECT_EQ(OB->points[3].x, 2);
+    EXPECT_EQ(OB->points[3].sx, OB->points[6].sx);
+}
+
+TEST_F(Weld, UnselectedFacesFollowButGiveNoPoints) {
+    addRow(3); // the middle one is unselected, and glued to the first
+    OB->faces[1].q[1].p = OB->points;
+    OB->faces[1].selected = 0;
+    answer("2");
+    weldclose(*OB, true);
+    // Point 4 went unused.
+    EXPECT_EQ(pointsOf(0), (Numbers{5, 1, 2}));
+    EXPECT_EQ(pointsOf(1), (Numbers{3, 5, 4}));
+}
+
+TEST_F(Weld, ThreeEdgesOfATriangleGoOnePerPass) {
+    emptyMesh();
+    for (const double x : {0, 1, 4}) OB->addPoint(x, 0, 0, false);
+    addFace({0, 1, 2});
+    answer("9");
+    shown.windowTitle = "before";
+    stale.points = false;
+    weldedges(*OB);
+    EXPECT_EQ(pointsOf(0), (Numbers{1, 1, 1}));
+    EXPECT_EQ(OB->points[1].x, 1.5); // the middle of 1 and the middle of 0 and 4
+    EXPECT_EQ(shown.log,
+              (Log{"dialog|ASKDB|max distance?=1e-5", "title|     1", "title|     2 :      1",
+                   "title|     1", "title|     0", "title|before"}));
+    EXPECT_TRUE(stale.points && OB->changed);
+}
+
+/// Thousands of points: the progress in the title, which small meshes never show more than once.
+TEST_F(Weld, ManyPointsShowTheirProgress) {
+    const auto titles = [&](const Tool& tool) {
+        addRow(700);
+        answer("0.5");
+        shown.log.clear();
+        tool(*OB);
+        return shown.log;
+    };
+    const Log list = titles([](Mesh& mesh) { weldclose(mesh, true); });
+    EXPECT_EQ(list, titles([](Mesh&) { plainWeld(true); }));
+    EXPECT_EQ(std::count(list.begin(), list.end(), "title|  1843"), 1);
+    const auto inOnePlace = [](const Tool& tool) {
+        return [=](Mesh& mesh) {
+            for (int i = 0; i < mesh.np; ++i) mesh.points[i] = mesh.points[0];
+            tool(mesh);
+        };
+    };
+    const Log edges = titles(inOnePlace(weldedges));
+    EXPECT_EQ(edges, titles(inOnePlace(plainEdges)));
+    EXPECT_GT(std::count(edges.begin(), edges.end(), "title|     2 :   2092"), 0);
+}
+
+} // namespace
+} // namespace polyfab::test

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/smooth.h"
+
+#include "display/view.h"
+#include "editor/long_work.h"
+#include "editor/prompts.h"
+#include "editor/state.h"
+#include "platform/platform.h"
+#include "tools/collect.h"
+#include "tools/elements.h"
+#include "tools/point_normals.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+
+namespace polyfab {
+namespace {
+
+Vec3 average(const Vec3& sum, double count) {
+    return {sum.x / count, sum.y / count, sum.z / count};
+}
+
+using Coordinate = double Vec3::*;
+
+/// Of an axis its coordinate; null for none.
+Coordinate coordinateOf(char axis) {
+    constexpr Coordinate of[] = {&Vec3::x, &Vec3::y, &Vec3::z};
+    return axis == 0 ? nullptr : of[axis - 'x'];
+}
+
+/// Sine of the angle between an edge and the axis of that coordinate; 1.1 of an edge without
+/// length.
+double sineToAxis(Vec3 edge, Coordinate axis) {
+    const double square = dot(edge, edge);
+    if (square == 0) return 1.1;
+    edge.*axis = 0;
+    return std::sqrt(dot(edge, edge) / square);
+}
+
+/// Edges at a larger angle to the axis take no part. No sine is as large as this: all of them do.
+constexpr double largestSine = 1e99;
+
+/// The largest coordinate by size.
+double farthestPart(const Vec3& v) {
+    return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+}
+
+Vec3 screenPosition(const Point& p) { return {p.sx, p.sy, p.sz}; }
+
+/// Sets the mark of the points that are free to move.
+void markFree(Mesh& mesh) {
+    for (Point* p = mesh.points; p != mesh.points + mesh.np; ++p) p->mark = 1;
+    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        if (!isLive(*face) || face->selected) continue;
+        for (int k = 0; k < face->n; ++k) face->q[k].p->mark = 0;
+    }
+}
+
+/// Calls use(point before, point) for each corner of each live face.
+template <typename Use>
+void eachSide(const Mesh& mesh, Use use) {
+    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        if (!isLive(*face) || face->n < 1) continue;
+        std::int32_t before = pointAt(mesh, *face, face->n - 1);
+        for (int k = 0; k < face->n; ++k) {
+            const std::int32_t at = pointAt(mesh, *face, k);
+            use(before, at);
+            before = at;
+        }
+    }
+}
+
+} // namespace
+
+void smoothDents(Mesh& mesh) {
+    if (!collectForTool(mesh)) return;
+    markUsers(mesh);
+    SelectedSurface surface(mesh);
+    Table<Vec3> sum(mesh.np, Vec3{});
+    Table<std::int32_t> neighbours(mesh.np, 0);
+    Table<double> depth(mesh.np, 0.0);
+    if (!surface || !sum || !neighbours || !depth) return;
+    tellProgress(1, 4);
+    surface.findNormals();
+    tellProgress(2, 4);
+    surface.smoothNormals();
+    tellProgress(3, 4);
+    // Along the normal from the point to the average, times the number of neighbours; summed up
+    // from the differences, which are exact where the surface is fine.
+    const auto addNeighbour = [&](std::int32_t point, std::int32_t neighbour) {
+        const Vec3& there = surface.position[neighbour];
+        sum[point] += there;
+        ++neighbours[point];
+        depth[point] += dot(there - surface.position[point], surface.normal[point]);
+    };
+    surface.eachSide([&](std::int32_t before, std::int32_t at) {
+        addNeighbour(before, at);
+        addNeighbour(at, before);
+    });
+    for (std::int32_t i = 0; i < mesh.np; ++i) {
+        Point& p = mesh.points[i];
+        if (p.mark != ofSelected || !surface.hasCornerNormal[i]) continue;
+        const Vec3 mean = average(sum[i], neighbours[i]);
+        const double reach = farthestPart(mean) + farthestPart(surface.position[i]);
+        // What rounding makes of a flat surface is no dent.
+        if (!(reach <= DBL_MAX) || !(depth[i] > 16 * DBL_EPSILON * neighbours[i] * reach)) continue;
+        moveTo(p, mean);
+    }
+    mesh.changed = 1;
+    stale.points = true;
+}
+
+void smoothView(Mesh& mesh, char axis) {
+    Table<Vec3> sum(mesh.np, Vec3{});
+    Table<float> weight(mesh.np, 0.0F);
+    if (!sum || !weight) return;
+    transformPoints(mesh);
+    tellProgress(1, 3);
+    markFree(mesh);
+    tellProgress(2, 3);
+    const Coordinate coordinate = coordinateOf(axis);
+    eachSide(mesh, [&](std::int32_t before, std::int32_t at) {
+        const Point &b = mesh.points[before], &c = mesh.points[at];
+        if (!b.mark && !c.mark) return;
+        const Vec3 start = screenPosition(b), end = screenPosition(c);
+        if (coordinate && sineToAxis(start - end, coordinate) > largestSine) return;
+        ++weight[before];
+        ++weight[at];
+        sum[at] += start;
+        sum[before] += end;
+    });
+    for (std::int32_t i = 0; i < mesh.np; ++i) {
+        Point& p = mesh.points[i];
+        if (!p.mark || weight[i] == 0) continue;
+        const Vec3 mean = average(sum[i], static_cast<double>(weight[i]));
+        Vec3 to = coordinate ? screenPosition(p) : mean;
+        if (coordinate) to.*coordinate = mean.*coordinate;
+        moveTo(p, projection.toWorld(to));
+    }
+    mesh.changed = 1;
+    stale.points = true;
+}
+
+void askSmoothingAxis() {
+    constexpr char axes[] = {'z', 'y', 'x'}; // by the answers -1, 0 and 1
+    char axis = 0;
+    if (platform().question("", "do you want to restrict smoothing?", Buttons::yesNo)
+        == Choice::yes) {
+        axis = axes[askYesNoCancel("(yes=X, no=Y, cancel=Z)", "which axis to smooth along?") + 1];
+    }
+    editorState.smoothingAxis = axis;
+}
+
+} // namespace polyfab
