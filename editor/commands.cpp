@@ -8,7 +8,7 @@
 #include "editor/menus.h"
 #include "editor/modes.h"
 #include "editor/name_list.h"
-#include "editor/recent_files.h"
+#include "editor/recent_menu.h"
 #include "editor/selection.h"
 #include "editor/state.h"
 #include "editor/subview.h"
@@ -39,11 +39,8 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string>
 #include <string_view>
-#include <system_error>
-#include <vector>
 
 namespace polyfab {
 namespace {
@@ -95,37 +92,6 @@ constexpr Command stoppable(Command row, Escape escape = Escape::stops) {
     return row;
 }
 
-/// A path as a menu shows it: the end of a long one, from a folder on.
-std::string menuPath(std::string path) {
-    constexpr std::size_t most = 60;
-    if (path.size() > most) {
-        const std::size_t folder = path.find('/', path.size() - most);
-        if (folder != std::string::npos) path = "..." + path.substr(folder);
-    }
-    for (std::size_t at = 0; (at = path.find('&', at)) != std::string::npos; at += 2) {
-        path.insert(at, 1, '&');
-    }
-    return path;
-}
-
-template <std::size_t number>
-Shown shownRecentFile() {
-    const std::vector<RecentFile> files = recentFiles();
-    if (number >= files.size()) return {"", false, true};
-    const std::string key = number == 9 ? "1&0" : "&" + std::to_string(number + 1);
-    std::error_code failure;
-    const std::string& path = files[number].path;
-    return {key + " " + menuPath(path), std::filesystem::is_regular_file(path, failure)};
-}
-
-template <std::size_t number>
-void openRecentFile() {
-    const std::vector<RecentFile> files = recentFiles();
-    if (number >= files.size()) return;
-    const auto& [path, imported] = files[number];
-    imported ? importNamedMesh(path, false) : readNamedMeshFile(path);
-}
-
 Shown shownStep(const char* label, const std::string& step) {
     return {step.empty() ? label : label + (" " + step), !step.empty()};
 }
@@ -135,16 +101,12 @@ Shown shownRedo() { return shownStep("&redo", redoLabel()); }
 
 constexpr int firstRecentFile = 2020;
 
-template <std::size_t number>
+template <int number>
 constexpr Command recentRow(const char* label) {
-    return {firstRecentFile + static_cast<int>(number),
-            file,
-            label,
-            openRecentFile<number>,
-            nullptr,
-            "",
-            shownRecentFile<number>,
-            Escape::stopsReading};
+    constexpr auto open = [] { openRecentFile(number); };
+    constexpr auto shown = [] { return shownRecentFile(number); };
+    return stoppable({firstRecentFile + number, file, label, open, nullptr, "", shown},
+                     Escape::stopsReading);
 }
 
 constexpr auto table = std::to_array<Command>({
