@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/routes.h"
+
+#include "display/pane_images.h"
+#include "display/view.h"
+#include "display/wireframe.h"
+#include "editor/commands.h"
+#include "editor/handling_modes.h"
+#include "editor/input.h"
+#include "editor/menus.h"
+#include "editor/modes.h"
+#include "editor/navigation.h"
+#include "editor/recovery.h"
+#include "editor/settable_points.h"
+#include "editor/state.h"
+#include "editor/subview.h"
+#include "editor/undo.h"
+#include "formats/mesh_files.h"
+#include "mesh/check.h"
+#include "mesh/mesh.h"
+
+#include <new>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+void onCreate(const Event&) {
+    createMesh();
+    paneImages = PaneImages();
+    resetDrags();
+    endNavigation();
+    resizeView(platform().clientSize());
+    startHistory();
+    startRecovery();
+    showMenuBar("POLYFAB");
+    platform().setTitle(programName);
+}
+
+void onDestroy(const Event&) {
+    endRecovery();
+    endHistory();
+    if (OB == nullptr) return;
+    if (const char* const fault = check(*OB)) {
+        platform().message("bad image, so I am not free()'ing it", fault, Icon::exclamation);
+        OB->clear(false); // nothing at exit may touch damaged arrays
+    }
+    destroyMesh();
+    paneImages = PaneImages();
+}
+
+void onResize(const Event&) {
+    resizeView(platform().clientSize());
+    platform().requestPaint();
+}
+
+void onKeysLost(const Event&) { clearKeys(); }
+
+void onMenuOpening(const Event&) {
+    clearKeys();
+    updateCheckMarks();
+}
+
+void onPaint(const Event&) {
+    const Markers markers{editorState.currentEdgeFace, editorState.currentEdgeCorner,
+                          editorState.settable};
+    platform().present(drawPanes(*OB, platform().clientSize(), markers));
+}
+
+void onClose(const Event&) { closeUnlessRefused(); }
+
+void onKeyUp(const Event& event) {
+    noteKey(event);
+    constexpr std::string_view refreshing = "CVI";
+    if (event.key > 0 && event.key < 128
+        && refreshing.find(static_cast<char>(event.key)) != std::string_view::npos) {
+        updateTitle();
+    }
+}
+
+void repaintIfStale() {
+    if (stale.points || stale.edges || stale.picture) platform().requestPaint();
+}
+
+void onKeyDown(const Event& event) {
+    noteKey(event);
+    if (event.key == key::escape) cancelDrag();
+    if (!navigateByKey(event.key)) handlingKeyDown(event.key);
+    repaintIfStale();
+}
+
+void onMouse(const Event& event) {
+    noteMouse(event);
+    navigateByMouse(event);
+    if (!settablePointPress(event)) modeMouse(event);
+    repaintIfStale();
+}
+
+void onWheel(const Event& event) {
+    zoomByWheel(event);
+    repaintIfStale();
+}
+
+void onCommand(const Event& event) {
+    runCommand(event.command);
+    repaintIfStale();
+}
+
+void onDrop(const Event& event) {
+    if (event.paths.size() != 1) {
+        platform().message("drag-and-drop", "one file at a time please", Icon::exclamation);
+        return;
+    }
+    readNamedMeshFile(event.paths.front());
+    repaintIfStale();
+}
+
+/// A mesh that came back must not be lost to the file: that can be read when it is saved.
+void onStart(const Event& event) {
+    const bool recovered = offerRecovery() == Recovered::mesh;
+    const std::string file = event.paths.empty() ? "" : event.paths.front();
+    if (!recovered && !file.empty()) readNamedMeshFile(file);
+    if (recovered && !file.empty() && file != editorState.fileName) {
+        platform().message("so that you don't lose what I brought back, I did not read", file,
+                           Icon::none);
+    }
+    repaintIfStale();
+}
+
+struct Route {
+    EventKind kind;
+    void (*handle)(const Event&);
+    bool endsDrag = false; ///< a drag that runs ends first, and keeps what it did
+};
+
+constexpr Route routes[] = {
+    {EventKind::create, onCreate},
+    {EventKind::destroy, onDestroy},
+    {EventKind::resize, onResize, true},
+    {EventKind::deactivate, onKeysLost, true},
+    {EventKind::menuOpening, onMenuOpening},
+    {EventKind::paint, onPaint},
+    {EventKind::close, onClose, true},
+    {EventKind::keyDown, onKeyDown},
+    {EventKind::keyUp, onKeyUp},
+    {EventKind::mouse, onMouse},
+    {EventKind::wheel, onWheel},
+    {EventKind::command, onCommand, true},
+    {EventKind::drop, onDrop, true},
+    {EventKind::start, onStart},
+};
+
+constexpr bool routesAreInOrder() {
+    int expected = 0;
+    for (const Route& route : routes) {
+        if (static_cast<int>(route.kind) != expected++) return false;
+    }
+    return expected == static_cast<int>(EventKind::start) + 1;
+}
+
+static_assert(routesAreInOrder(), "routes is indexed by the event's kind");
+
+const Route& routeOf(const Event& event) { return routes[static_cast<int>(event.kind)]; }
+
+} // namespace
+
+bool endsDrag(const Event& event) { return routeOf(event).endsDrag; }
+
+void dispatch(const Event& event, bool inside) try {
+    if (event.kind == EventKind::close && inside && !editorState.busy) {
+        // The command that waits for this box, or works on this mesh, goes on with it.
+        platform().beep();
+        platform().setTitle("Whoa there, I am in the middle of something!!");
+        return;
+    }
+    if (editorState.subview != 0 && event.kind != EventKind::destroy) {
+        handleInSubview(event);
+        return;
+    }
+    const Route& route = routeOf(event);
+    if (route.endsDrag) {
+        endDrag();
+        endNavigation();
+    }
+    route.handle(event);
+} catch (const std::bad_alloc&) {
+    // What the user did so far is not to be lost for a table that found no room.
+    platform().message(programName, "I can't get enough memory", Icon::exclamation);
+}
+
+} // namespace polyfab
