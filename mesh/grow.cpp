@@ -110,14 +110,16 @@ void Mesh::settleLostArrays() {
     };
     const bool pointsLost = isLost(points, np, npmax), cornersLost = isLost(corners, nq, nqmax);
     const bool facesLost = isLost(faces, nf, nfmax);
-    bool noFaces = pointsLost || cornersLost || facesLost;
+    const bool groupsLost = isLost(groups, ng, ngmax),
+               materialsLost = isLost(materials, nmat, nmatmax);
+    // Of groups and materials a face needs one each.
+    bool noFaces = pointsLost || cornersLost || facesLost || groupsLost || materialsLost;
     const auto forget = [this](auto FaceCorner::*reference) {
         for (std::int32_t c = 0; c < nq; ++c) corners[c].*reference = nullptr;
     };
     if (isLost(normals, nd, ndmax)) forget(&FaceCorner::d);
     if (isLost(texcoords, nt, ntmax)) forget(&FaceCorner::t);
-    // Of these a face needs one each. Areas and parts are only found, and so can be found again.
-    noFaces |= isLost(groups, ng, ngmax) | isLost(materials, nmat, nmatmax);
+    // Areas and parts are only found, and can be found again.
     const auto begin = [&](std::int16_t Face::*number, int (Mesh::*add)(),
                            const std::int32_t& count) {
         for (std::int32_t i = 0; i < nf && !noFaces; ++i) faces[i].*number = 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Growth of the arrays and adding of elements.
+#include "mesh/check.h"
 #include "mesh/point_index.h"
 #include "tests/mesh/random_mesh.h"
 
@@ -90,6 +91,38 @@ TEST_F(Insert, FindOrAddComparesExactlyByTableAndByScan) {
     }
     for (const auto& [v, index] : {std::pair(1, 0), {2, 1}, {1, 0}}) {
         EXPECT_EQ(OB->findOrAddTexCoord(0.5, v), index);
+    }
+}
+
+TEST_F(Grow, AMeshThatLostAnArrayIsMadeFitForUse) {
+    const struct {
+        void (*lose)();
+        bool keepsFaces;
+    } rows[] = {
+        {[] {}, true},
+        {[] { farfree(&OB->points); }, false},
+        {[] { farfree(&OB->corners); }, false},
+        {[] { farfree(&OB->faces); }, false},
+        {[] { farfree(&OB->groups); }, false},
+        {[] { farfree(&OB->materials); }, false},
+        {[] { farfree(&OB->normals); }, true},
+        {[] { farfree(&OB->texcoords); }, true},
+        {[] { farfree(&OB->tmas); }, true},
+        {[] { farfree(&OB->parts); }, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        test::RandomMesh random(3);
+        random.fill(20, 20, 5);
+        OB->faces[7].prt = static_cast<std::int16_t>(OB->addPart());
+        row.lose();
+        OB->settleLostArrays();
+        EXPECT_EQ(check(*OB), nullptr);
+        EXPECT_EQ(OB->nf, row.keepsFaces ? 20 : 0);
+        EXPECT_NE(test::addFace({OB->addPoint(0, 0, 0, false), OB->addPoint(1, 0, 0, false),
+                                 OB->addPoint(0, 1, 0, false)}),
+                  nullptr);
+        EXPECT_EQ(check(*OB), nullptr);
     }
 }
 
