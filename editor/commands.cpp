@@ -99,13 +99,11 @@ Shown shownStep(const char* label, const std::string& step) {
 Shown shownUndo() { return shownStep("&undo", undoLabel()); }
 Shown shownRedo() { return shownStep("&redo", redoLabel()); }
 
-constexpr int firstRecentFile = 2020;
-
 template <int number>
 constexpr Command recentRow(const char* label) {
     constexpr auto open = [] { openRecentFile(number); };
     constexpr auto shown = [] { return shownRecentFile(number); };
-    return stoppable({firstRecentFile + number, file, label, open, nullptr, "", shown},
+    return stoppable({firstRecentFileCommand + number, file, label, open, nullptr, "", shown},
                      Escape::stopsReading);
 }
 
@@ -369,10 +367,10 @@ constexpr bool idsAndKeysAreUnique() {
 static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
 
 /// What works through large meshes for seconds, or leaves it to another program.
-constexpr int longCommands[] = {256,  296,  2001, 2020, 2021, 2022, 2023, 2024, 2025, 2026, 2027,
-                                2028, 2029, 257,  258,  259,  2002, 371,  372,  390,  1061, 269,
-                                317,  329,  370,  393,  268,  1083, 274,  344,  395,  394,  280,
-                                360,  1052, 275,  285,  279,  402,  398,  389,  1051, 1067};
+constexpr int longCommands[] = {256,  296, 2001, 2024, 2025, 2026, 2027, 2028, 2029, 257,
+                                258,  259, 2002, 371,  372,  390,  1061, 269,  317,  329,
+                                370,  393, 268,  1083, 274,  344,  395,  394,  280,  360,
+                                1052, 275, 285,  279,  402,  398,  389,  1051, 1067};
 
 constexpr bool longCommandsExist() {
     return std::all_of(std::begin(longCommands), std::end(longCommands), [](int id) {

@@ -2,6 +2,7 @@
 #include "editor/menus.h"
 
 #include "editor/commands.h"
+#include "editor/recent_menu.h"
 
 #include <string_view>
 #include <vector>
@@ -61,14 +62,22 @@ void showMenuBar(const std::string& name) {
 }
 
 void refreshMenuBar() {
+    loadRecentFiles();
     if (changingLabels() != labelsInBar) showMenuBar("POLYFAB");
 }
 
 void updateCheckMarks() {
     for (const Command& command : commandTable()) {
-        if (command.checked == nullptr && command.shown == nullptr) continue;
-        platform().setMenuItem(command.id, shownNow(command).enabled,
-                               command.checked != nullptr && command.checked());
+        if (command.checked == nullptr) continue;
+        platform().setMenuItem(command.id, command.handler != nullptr, command.checked());
+    }
+}
+
+void updateGreying() {
+    findMissingRecentFiles();
+    for (const Command& command : commandTable()) {
+        if (command.shown == nullptr) continue;
+        platform().setMenuItem(command.id, command.shown().enabled, false);
     }
 }
 

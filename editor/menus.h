@@ -15,7 +15,10 @@ void showMenuBar(const std::string& name);
 /// Puts the bar of the mesh on the window anew when rows of it have to say something else by now.
 void refreshMenuBar();
 
-/// Brings the check marks of the present menu bar up to date, and the greying where that changes.
+/// Greys what can't be done now; to be called when a menu opens.
+void updateGreying();
+
+/// Brings the check marks of the present menu bar up to date.
 void updateCheckMarks();
 
 [[nodiscard]] std::vector<CommandInfo> listCommands();

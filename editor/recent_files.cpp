@@ -23,8 +23,8 @@ std::string listPath() { return stateFolder + "/recent-files"; }
 void noteRecentFile(const std::string& path, bool imported) {
     if (stateFolder.empty() || path.find('\n') != std::string::npos) return;
     std::error_code failure;
-    const std::string whole = std::filesystem::absolute(path, failure).lexically_normal();
-    if (failure) return;
+    const std::string whole = std::filesystem::weakly_canonical(path, failure);
+    if (failure || !std::filesystem::is_regular_file(whole, failure)) return;
     std::vector<RecentFile> files = recentFiles();
     std::erase_if(files, [&](const RecentFile& file) { return file.path == whole; });
     files.insert(files.begin(), {whole, imported});

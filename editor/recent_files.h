@@ -15,8 +15,8 @@ struct RecentFile {
 
 inline constexpr std::size_t mostRecentFiles = 10;
 
-/// Puts the file before all others. What can't be kept is not: a path with a line end in it, or
-/// when the folder can't be written.
+/// Puts the file before all others. What can't be kept is not: no file, a path with a line end
+/// in it, or when the folder can't be written.
 void noteRecentFile(const std::string& path, bool imported);
 
 /// The latest first, at most mostRecentFiles.

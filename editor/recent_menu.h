@@ -1,16 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The rows of the file menu that open what was read or written last.
+// The rows of the file menu that open what was read or written last. They stand for the list as it
+// was when it was loaded: another editor may add to it meanwhile, and a row must do what it says.
 #pragma once
 
 #include "editor/commands.h"
 
 namespace polyfab {
 
-/// How the menu shows the file of this number, 0 the latest: greyed when it is missing, hidden when
-/// there are fewer.
+inline constexpr int firstRecentFileCommand = 2020;
+
+/// Loads the list anew.
+void loadRecentFiles();
+
+/// Looks which of the files are missing now, which may take long where disks are far away.
+void findMissingRecentFiles();
+
+/// How the menu shows the file of this number, 0 the latest: greyed when it was found missing,
+/// hidden when there are fewer.
 [[nodiscard]] Shown shownRecentFile(int number);
 
 /// Reads it, or imports it again, in place of the present mesh.
 void openRecentFile(int number);
+
+/// The command that does what this one amounts to: of a recent file's, the reading or the importing
+/// of a mesh file; any other itself.
+[[nodiscard]] int plainCommand(int id);
 
 } // namespace polyfab

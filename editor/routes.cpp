@@ -10,6 +10,7 @@
 #include "editor/menus.h"
 #include "editor/modes.h"
 #include "editor/navigation.h"
+#include "editor/recent_menu.h"
 #include "editor/recovery.h"
 #include "editor/settable_points.h"
 #include "editor/state.h"
@@ -33,6 +34,7 @@ void onCreate(const Event&) {
     resizeView(platform().clientSize());
     startHistory();
     startRecovery();
+    loadRecentFiles();
     showMenuBar("POLYFAB");
     platform().setTitle(programName);
 }
@@ -58,7 +60,7 @@ void onKeysLost(const Event&) { clearKeys(); }
 
 void onMenuOpening(const Event&) {
     clearKeys();
-    updateCheckMarks();
+    updateGreying();
 }
 
 void onPaint(const Event&) {

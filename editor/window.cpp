@@ -8,6 +8,7 @@
 #include "editor/long_work.h"
 #include "editor/menus.h"
 #include "editor/modes.h"
+#include "editor/recent_menu.h"
 #include "editor/recovery.h"
 #include "editor/report.h"
 #include "editor/routes.h"
@@ -34,8 +35,21 @@ bool readsFile(const Event& event) {
     return event.kind == EventKind::drop || event.kind == EventKind::start;
 }
 
-/// Without the marks of mnemonic letters.
+/// The command that the event is or amounts to, or null.
+const Command* commandOf(const Event& event) {
+    if (readsFile(event)) return findCommand(readFileCommand);
+    return event.kind == EventKind::command ? findCommand(plainCommand(event.command)) : nullptr;
+}
+
+/// A label without the marks of mnemonic letters, and without letters that are only there for that:
+/// ": &9" behind it, "&4: " before it.
 std::string plain(std::string text) {
+    const std::size_t mark = text.find('&');
+    if (mark != std::string::npos && mark >= 2 && mark + 2 == text.size()
+        && text.compare(mark - 2, 2, ": ") == 0) {
+        text.resize(mark - 2);
+    }
+    if (mark == 0 && text.compare(2, 2, ": ") == 0) text.erase(0, 4);
     std::erase(text, '&');
     return text;
 }
@@ -44,11 +58,9 @@ std::string plain(std::string text) {
 std::string labelOf(const Event& event) {
     constexpr int homeKey = 36;
     if (editorState.subview != 0) return plain(editorState.modeName) + " list";
-    if (readsFile(event)) return plain(findCommand(readFileCommand)->label);
     if (event.kind == EventKind::keyDown && event.key == homeKey) return "box";
-    if (event.kind != EventKind::command) return plain(editorState.modeName);
-    const Command* const command = findCommand(event.command);
-    return command != nullptr ? plain(command->label) : "";
+    if (const Command* const command = commandOf(event)) return plain(command->label);
+    return event.kind == EventKind::command ? "" : plain(editorState.modeName);
 }
 
 bool movesInHistory(const Event& event) {
@@ -66,8 +78,7 @@ void recordDrag() {
 
 /// The progress of a command or of the read that a drop is; nothing else is to last.
 void trackWork(const Event& event, std::optional<LongWork>& work) {
-    if (!readsFile(event) && event.kind != EventKind::command) return;
-    const Command* const command = findCommand(readsFile(event) ? readFileCommand : event.command);
+    const Command* const command = commandOf(event);
     if (command == nullptr) return;
     const bool noUndo = command->escape == Escape::stopsReading && !undoIsOn();
     work.emplace(plain(command->label), noUndo ? Escape::stops : command->escape);
@@ -96,7 +107,8 @@ bool handledApart(const Event& event) {
 }
 
 bool mayTakeLong(const Event& event) {
-    return readsFile(event) || (event.kind == EventKind::command && runsLong(event.command));
+    const Command* const command = commandOf(event);
+    return command != nullptr && runsLong(command->id);
 }
 
 void useStateFolder(const std::string& folder, int recoverySeconds) {

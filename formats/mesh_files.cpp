@@ -73,12 +73,14 @@ void readFile(const std::string& path, bool append) {
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
+    const bool altered = OB->changed != 0;
     const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;
     tellTooLateToStop();
     if (outcome == Outcome::failed) {
         complain("I tried to read this file but it didn't work", path);
         emptyMesh();
+        if (altered) OB->changed = 1; // there is still something that was never written
     }
     if (outcome == Outcome::read) noteRecentFile(path, false);
     busy.end();

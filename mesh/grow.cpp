@@ -129,6 +129,7 @@ void Mesh::settleLostArrays() {
     if (isLost(tmas, ntma, ntmamax)) begin(&Face::tma, &Mesh::addTextureMapArea, ntma);
     if (isLost(parts, nprt, nprtmax)) begin(&Face::prt, &Mesh::addPart, nprt);
     if (!noFaces) return;
+    changed = 1;
     np = nq = nf = 0;
     curface = curvertex = -1;
 }

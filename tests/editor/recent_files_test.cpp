@@ -27,12 +27,19 @@ class RecentFiles : public testing::Test {
 
 TEST_F(RecentFiles, TheLatestTenEachOnce) {
     EXPECT_EQ(paths(), std::vector<std::string>());
-    for (int i = 0; i < 12; ++i) noteRecentFile("/a/" + std::to_string(i) + ".obj", i % 2 == 1);
-    noteRecentFile("/a/b/../5.obj", false); // was imported before
-    noteRecentFile("/bad\nname.obj", false);
-    const std::vector<std::string> expected = {"/a/5.obj",  "+/a/11.obj", "/a/10.obj", "+/a/9.obj",
-                                               "/a/8.obj",  "+/a/7.obj",  "/a/6.obj",  "/a/4.obj",
-                                               "+/a/3.obj", "/a/2.obj"};
+    const auto note = [&](const std::string& name, bool imported) {
+        noteRecentFile(folder.write(name, ""), imported);
+    };
+    for (int i = 0; i < 12; ++i) note(std::to_string(i), i % 2 == 1);
+    std::filesystem::create_symlink(folder.path("."), folder.path("link"));
+    noteRecentFile(folder.path("link/5"), false); // was imported before
+    note("bad\nname", false);
+    noteRecentFile(folder.path("not there"), false);
+    std::vector<std::string> expected;
+    for (const char* const name : {"5", "+11", "10", "+9", "8", "+7", "6", "4", "+3", "2"}) {
+        const bool imported = *name == '+';
+        expected.push_back((imported ? "+" : "") + folder.path(name + (imported ? 1 : 0)));
+    }
     EXPECT_EQ(paths(), expected);
 }
 

@@ -251,7 +251,7 @@ TEST_F(Undo, TheMenuSaysWhatAndANewChangeCutsWhatCouldBeRedone) {
     wheel(300, 200, 1);
     EXPECT_EQ(labels(), (Log{"[&undo]", "&redo move objects"}));
     command(2003);
-    EXPECT_EQ(labels(), (Log{"&undo fit the box to the selected faces: 0", "[&redo]"}));
+    EXPECT_EQ(labels(), (Log{"&undo fit the box to the selected faces", "[&redo]"}));
     down(key::ctrl);
     down('1');
     click({100, 100});
