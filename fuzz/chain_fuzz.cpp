@@ -129,6 +129,7 @@ void writeAndReadBack(Bytes&) {
     // Faces of fewer corners and lines too long are not read as they are written.
     collectGarbage(*OB);
     shown->escapeAfter = -1; // which would end the reading
+    shown->choices.clear();  // the whole mesh is to be written
     demand(writeObjFile(path, objPlain) == 1, "not written");
     const auto counts = [] { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); };
     const auto before = counts();
