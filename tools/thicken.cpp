@@ -42,11 +42,12 @@ Answers askAll() {
     return answers;
 }
 
+constexpr double mostPasses = 1e9;
+
 /// Whether what was asked for comes to an end at finite places, and not after a lifetime: nothing
 /// can stop it on the way.
 bool ends(const Answers& answers) {
     if (!(answers.step > 0 && answers.thickness > 0)) return true;
-    constexpr double mostPasses = 1e9;
     const double rounds = answers.thickness / answers.step;
     return std::isfinite(answers.step) && rounds <= mostPasses
            && !(rounds * answers.passes > mostPasses) && !(answers.passes > mostPasses);
@@ -65,7 +66,8 @@ void moveOut(const Mesh& mesh, SelectedSurface& surface, const Answers& answers)
 
 void takeSteps(const Mesh& mesh, SelectedSurface& surface, const Answers& answers) {
     if (!(answers.step > 0)) return;
-    const int passes = answers.passes > 0 ? static_cast<int>(answers.passes) : 0;
+    const int passes =
+        answers.passes > 0 ? static_cast<int>(std::min(answers.passes, mostPasses)) : 0;
     for (double done = 0; done < answers.thickness; done += answers.step) {
         surface.findNormals();
         for (int left = passes; left > 0; --left) {
