@@ -30,6 +30,7 @@ std::chrono::seconds pause(120);
 struct Recovery {
     RecoveryFolder folder; ///< of this editor, once something was saved
     std::weak_ptr<const Snapshot> saved;
+    std::string savedEditor; ///< the rest of what was saved
     Clock::time_point lastSave = Clock::now();
     bool sessionEnds = false;
     bool failed = false; ///< the last time nothing could be written
@@ -63,13 +64,15 @@ void startWriting(RecoveryRecord record) {
     recovery.failed = !recovery.folder;
     if (recovery.failed) return;
     recovery.saved = record.mesh;
+    recovery.savedEditor = editorPartOf(record);
     const auto task = [path = recovery.folder.file(), record = std::move(record)] {
         return write(path, record);
     };
     try {
         recovery.writing = std::async(std::launch::async, task);
     } catch (const std::system_error&) {
-        recovery.writing = std::async(std::launch::deferred, task);
+        recovery.failed = !task();
+        if (recovery.failed) recovery.saved.reset();
     }
 }
 
@@ -85,8 +88,11 @@ void save(SnapshotRef (*choose)()) try {
     recovery.sessionEnds = false;
     if (stateFolder.empty() || OB == nullptr || OB->changed == 0) return;
     SnapshotRef mesh = choose();
-    if (mesh == nullptr || recovery.saved.lock() == mesh) return;
-    startWriting(recoveryRecord(std::move(mesh)));
+    if (mesh == nullptr) return;
+    const bool sameMesh = recovery.saved.lock() == mesh;
+    RecoveryRecord record = recoveryRecord(std::move(mesh));
+    if (sameMesh && editorPartOf(record) == recovery.savedEditor) return;
+    startWriting(std::move(record));
 } catch (const std::bad_alloc&) {
     recovery.failed = true;
 }
@@ -177,6 +183,8 @@ Recovered offerRecovery() {
 void saveAtRest() {
     if (isWriting()) return;
     finishWriting();
+    // Undone back to what was written last, there is nothing to bring back any more.
+    if (recovery.folder && OB != nullptr && OB->changed == 0) dropRecovery();
     if (Clock::now() - recovery.lastSave >= pause) save(meshAtRest);
     if (pause.count() == 0) finishWriting();
     tellFailure();
@@ -190,7 +198,8 @@ void saveBeforeLongWork() {
 void saveAtSessionEnd(bool atWork) {
     save(atWork ? presentMesh : meshAtRest);
     finishWriting();
-    recovery.sessionEnds = OB != nullptr && OB->changed != 0;
+    // What could not be saved is asked about when the window closes.
+    recovery.sessionEnds = OB != nullptr && OB->changed != 0 && !recovery.failed;
 }
 
 bool sessionIsEnding() { return recovery.sessionEnds; }

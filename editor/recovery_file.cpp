@@ -142,6 +142,13 @@ RecoveryRecord recoveryRecord(SnapshotRef mesh) {
             editor.currentEdgeCorner};
 }
 
+std::string editorPartOf(RecoveryRecord record) {
+    record.time = 0;
+    ByteWriter out;
+    packEditor(out, std::move(record));
+    return std::move(out.bytes);
+}
+
 std::string packRecovery(const RecoveryRecord& record) {
     ByteWriter out;
     out.bytes = magic;

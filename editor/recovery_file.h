@@ -28,6 +28,9 @@ struct RecoveryRecord {
 /// The editor as it is now, around this mesh.
 [[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh);
 
+/// All of the record but the mesh and the time, to be compared.
+[[nodiscard]] std::string editorPartOf(RecoveryRecord record);
+
 [[nodiscard]] std::string packRecovery(const RecoveryRecord& record);
 
 /// What is wrong with the bytes; "": nothing, and `record` is filled.

@@ -2,6 +2,7 @@
 #include "editor/recovery_folder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
@@ -28,6 +29,12 @@ std::string firstName(const std::string& base, const std::string& suffix, Act ac
         if (act(name)) return name;
     }
     return "";
+}
+
+/// Whether a folder of this name can be one that `make` made.
+bool isOurs(const std::string& name) {
+    return name.starts_with(prefix)
+           && name.find_first_not_of("0123456789-", std::strlen(prefix)) == std::string::npos;
 }
 
 } // namespace
@@ -77,8 +84,10 @@ std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& stateF
     for (fs::directory_iterator entry(stateFolder, failure), end; !failure && entry != end;
          entry.increment(failure)) {
         std::error_code none;
-        const bool named = entry->path().filename().native().starts_with(prefix);
-        if (!named || !entry->is_directory(none)) continue;
+        if (!isOurs(entry->path().filename()) || entry->is_symlink(none)
+            || !entry->is_directory(none)) {
+            continue;
+        }
         RecoveryFolder folder = lockOf(entry->path());
         if (!folder) continue; // its editor lives
         const fs::file_time_type time = fs::last_write_time(folder.file(), none);
@@ -97,7 +106,16 @@ std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& stateF
 
 void RecoveryFolder::remove() {
     std::error_code ignored;
-    if (lock >= 0) fs::remove_all(path, ignored);
+    if (lock >= 0) {
+        // Only what the editor has put there: whatever else somebody keeps in it stays.
+        std::vector<fs::path> files{file(), path + "/lock"};
+        for (const auto& entry : fs::directory_iterator(path, ignored)) {
+            const std::string name = entry.path().filename();
+            if (name.starts_with(".polyfab-")) files.push_back(entry.path());
+        }
+        for (const fs::path& name : files) fs::remove(name, ignored);
+        fs::remove(path, ignored);
+    }
     release();
 }
 

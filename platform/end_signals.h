@@ -23,8 +23,9 @@ inline void note(int signal) {
 
 } // namespace endsignals
 
-/// Catches SIGTERM, SIGHUP and SIGINT from now on, each once: who sends it again means it. A signal
-/// that is ignored stays so. Gives the descriptor that becomes readable then; -1 without one.
+/// Catches SIGTERM, SIGHUP and SIGINT from now on; the last one once: who presses it again means
+/// it. (A terminal that is closed may send SIGHUP twice.) A signal that is ignored stays so. Gives
+/// the descriptor that becomes readable then; -1 without one.
 inline int catchEndSignals() {
     int* const ends = endsignals::pipeEnds;
     if (ends[0] < 0 && ::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return -1;
@@ -34,7 +35,7 @@ inline int catchEndSignals() {
         if (action.sa_handler == SIG_IGN) continue;
         action = {};
         action.sa_handler = endsignals::note;
-        action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
+        action.sa_flags = static_cast<int>(SA_RESTART | (signal == SIGINT ? SA_RESETHAND : 0));
         ::sigaction(signal, &action, nullptr);
     }
     return ends[0];

@@ -233,6 +233,9 @@ TEST_F(RecoveryTest, SavesAtRestOnlyWhatIsNewAndNeverInADrag) {
     command(2011); // redo of nothing
     rest();
     EXPECT_FALSE(saves());
+    editorState.settable[1] = {1, 2, 3}; // the mesh is the same
+    rest();
+    EXPECT_TRUE(saves());
     mouse(155, 155, button::left);
     mouse(165, 165, button::left);
     rest();
@@ -320,6 +323,23 @@ TEST_F(RecoveryTest, ThatNothingCanBeWrittenIsToldOnce) {
     for (int i = 0; i < 3; ++i) rest();
     EXPECT_EQ(shown.log, Log{"message!|I can't write a recovery file, so save your work yourself|"
                              + stateFolder});
+    // Then the end of the session does not let the window go without a question.
+    handleEvent({.kind = EventKind::sessionEnd});
+    shown.log.clear();
+    send(EventKind::close);
+    EXPECT_TRUE(shown.log.at(0).starts_with("question|"));
+}
+
+TEST_F(RecoveryTest, WhatIsNotTheEditorsStays) {
+    fs::create_directories(folder.path("recovery-photos"));
+    fs::create_directories(folder.path("recovery-12/more"));
+    fs::create_directory_symlink(folder.path("recovery-photos"), folder.path("recovery-7"));
+    folder.write("recovery-photos/a.txt", "mine");
+    EXPECT_EQ(start({}), nothing);
+    EXPECT_TRUE(folder.has("recovery-photos/a.txt"));
+    EXPECT_FALSE(folder.has("recovery-photos/lock"));
+    EXPECT_TRUE(folder.has("recovery-12/more"));
+    EXPECT_TRUE(folder.has("recovery-7"));
 }
 
 } // namespace
