@@ -128,8 +128,9 @@ void writeAndReadBack(Bytes&) {
     static const std::string path = fuzz::scratchPath(".obj");
     // Faces of fewer corners and lines too long are not read as they are written.
     collectGarbage(*OB);
-    shown->escapeAfter = -1; // which would end the reading
-    shown->choices.clear();  // the whole mesh is to be written
+    shown->escapeAfter = -1; // Escape would end the reading
+    editorState.keys = {};
+    shown->choices.clear(); // the whole mesh is to be written
     demand(writeObjFile(path, objPlain) == 1, "not written");
     const auto counts = [] { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); };
     const auto before = counts();
