@@ -367,10 +367,9 @@ constexpr bool idsAndKeysAreUnique() {
 static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
 
 /// What works through large meshes for seconds, or leaves it to another program.
-constexpr int longCommands[] = {256,  296, 2001, 2024, 2025, 2026, 2027, 2028, 2029, 257,
-                                258,  259, 2002, 371,  372,  390,  1061, 269,  317,  329,
-                                370,  393, 268,  1083, 274,  344,  395,  394,  280,  360,
-                                1052, 275, 285,  279,  402,  398,  389,  1051, 1067};
+constexpr int longCommands[] = {256, 296, 2001, 257, 258, 259, 2002, 371, 372, 390,  1061,
+                                269, 317, 329,  370, 393, 268, 1083, 274, 344, 395,  394,
+                                280, 360, 1052, 275, 285, 279, 402,  398, 389, 1051, 1067};
 
 constexpr bool longCommandsExist() {
     return std::all_of(std::begin(longCommands), std::end(longCommands), [](int id) {

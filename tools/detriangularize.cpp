@@ -28,8 +28,6 @@
 namespace polyfab {
 namespace {
 
-const double pi = 4 * std::atan(1.0);
-
 bool isTriangle(const Face& face) { return isLiveSelected(face) && face.n == 3; }
 
 /// Two triangles and a side of each.
@@ -113,8 +111,7 @@ double vertexAngle(const Point& a, const Point& b, const Point& c) {
     };
     const double toA = square(b, a), toC = square(b, c);
     if (toA == 0 || toC == 0) return pi;
-    const double cosine = (toA + toC - square(a, c)) / (2 * std::sqrt(toA) * std::sqrt(toC));
-    return std::acos(std::clamp(cosine, -1.0, 1.0));
+    return angleOpposite(square(a, c), toA, toC);
 }
 
 /// Behind all sides.

@@ -3,7 +3,7 @@
 // nor the size of the face can make the products overflow or vanish.
 #include "tools/face_area.h"
 
-#include "mesh/projection.h"
+#include "tools/vectors.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -11,8 +11,6 @@
 
 namespace polyfab {
 namespace {
-
-double largest(const Vec3& v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
 
 Vec3 between(const Point& from, const Point& to) {
     return {to.x - from.x, to.y - from.y, to.z - from.z};
@@ -25,10 +23,10 @@ bool hasNoArea(const Face& face) {
     double farthest = 0; // from the origin: it decides how coarsely positions are rounded
     for (const FaceCorner* corner = face.q; corner != face.q + face.n; ++corner) {
         const Point& p = *corner->p;
-        const double away = largest({p.x, p.y, p.z});
+        const double away = largestPart({p.x, p.y, p.z});
         if (!std::isfinite(away)) return false;
         farthest = std::max(farthest, away);
-        extent = std::max(extent, largest(between(*face.q->p, p)));
+        extent = std::max(extent, largestPart(between(*face.q->p, p)));
     }
     if (extent == 0) return true;
 

@@ -7,14 +7,13 @@
 #include "editor/title.h"
 #include "mesh/store.h"
 #include "mesh/table.h"
-#include "platform/platform.h"
 #include "tools/collect.h"
+#include "tools/too_many.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace polyfab {
 namespace {
@@ -120,12 +119,7 @@ void findareas(Mesh& mesh) {
             face->tma = static_cast<std::int16_t>(std::min(areas.areaOf(*face), maxIndexed - 1));
         }
     }
-    if (found <= maxIndexed) return;
-    platform().message("too many texture map areas",
-                       "I found " + std::to_string(found)
-                           + " texture map areas, but I can only number 32767: the last number "
-                             "stands for all the rest",
-                       Icon::exclamation);
+    tellIfTooMany(found, "texture map areas");
 }
 
 } // namespace polyfab

@@ -9,14 +9,13 @@
 #include "editor/title.h"
 #include "mesh/edges.h"
 #include "mesh/table.h"
-#include "platform/platform.h"
 #include "tools/collect.h"
 #include "tools/elements.h"
 #include "tools/face_angle.h"
+#include "tools/too_many.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <string>
 
 namespace polyfab {
 namespace {
@@ -106,12 +105,7 @@ void findparts(Mesh& mesh, double maxAngle) {
     std::int32_t found = 0;
     if (Flood flood(mesh, maxAngle); flood) found = numberParts(mesh, flood);
     freeEdges(mesh);
-    if (found <= maxIndexed) return;
-    platform().message("too many parts",
-                       "I found " + std::to_string(found)
-                           + " parts, but I can only number 32767: the last number stands for all "
-                             "the rest",
-                       Icon::exclamation);
+    tellIfTooMany(found, "parts");
 }
 
 void askAndFindParts(Mesh& mesh) {

@@ -42,11 +42,6 @@ double sineToAxis(Vec3 edge, Coordinate axis) {
 /// Edges at a larger angle to the axis take no part. No sine is as large as this: all of them do.
 constexpr double largestSine = 1e99;
 
-/// The largest coordinate by size.
-double farthestPart(const Vec3& v) {
-    return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
-}
-
 Vec3 screenPosition(const Point& p) { return {p.sx, p.sy, p.sz}; }
 
 /// Sets the mark of the points that are free to move.
@@ -103,7 +98,7 @@ void smoothDents(Mesh& mesh) {
         Point& p = mesh.points[i];
         if (p.mark != ofSelected || !surface.hasCornerNormal[i]) continue;
         const Vec3 mean = average(sum[i], neighbours[i]);
-        const double reach = farthestPart(mean) + farthestPart(surface.position[i]);
+        const double reach = largestPart(mean) + largestPart(surface.position[i]);
         // What rounding makes of a flat surface is no dent.
         if (!(reach <= DBL_MAX) || !(depth[i] > 16 * DBL_EPSILON * neighbours[i] * reach)) continue;
         moveTo(p, mean);

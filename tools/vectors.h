@@ -32,9 +32,14 @@ inline Vec3& operator+=(Vec3& a, const Vec3& b) { return a = a + b; }
 
 [[nodiscard]] inline Vec3 worldPosition(const Point& p) { return {p.x, p.y, p.z}; }
 
+/// The largest coordinate by size.
+[[nodiscard]] inline double largestPart(const Vec3& v) {
+    return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+}
+
 /// The vector by a power of two that brings its largest part near 1; unchanged when there is none.
 [[nodiscard]] inline Vec3 nearOne(const Vec3& v) {
-    const double most = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+    const double most = largestPart(v);
     if (!(most > 0 && most <= DBL_MAX)) return v;
     const int exponent = std::ilogb(most);
     return {std::scalbn(v.x, -exponent), std::scalbn(v.y, -exponent), std::scalbn(v.z, -exponent)};
