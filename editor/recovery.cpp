@@ -64,7 +64,7 @@ void startWriting(RecoveryRecord record) {
     recovery.failed = !recovery.folder;
     if (recovery.failed) return;
     recovery.saved = record.mesh;
-    recovery.savedEditor = editorPartOf(record);
+    recovery.savedEditor = packEditor(record.editor);
     const auto task = [path = recovery.folder.file(), record = std::move(record)] {
         return write(path, record);
     };
@@ -91,7 +91,7 @@ void save(SnapshotRef (*choose)()) try {
     if (mesh == nullptr) return;
     const bool sameMesh = recovery.saved.lock() == mesh;
     RecoveryRecord record = recoveryRecord(std::move(mesh));
-    if (sameMesh && editorPartOf(record) == recovery.savedEditor) return;
+    if (sameMesh && packEditor(record.editor) == recovery.savedEditor) return;
     startWriting(std::move(record));
 } catch (const std::bad_alloc&) {
     recovery.failed = true;
@@ -116,7 +116,8 @@ std::string timeText(std::int64_t time) {
 Choice ask(const RecoveryRecord& record) {
     const auto faces = std::count_if(OB->faces, OB->faces + OB->nf,
                                      [](const Face& face) { return face.q != nullptr; });
-    const std::string name = record.lastChosen.empty() ? "without a name" : record.lastChosen;
+    const std::string name =
+        record.editor.lastChosen.empty() ? "without a name" : record.editor.lastChosen;
     return platform().question("recovery",
                                "I found a mesh that was not saved: " + name + ", "
                                    + timeText(record.time) + ", " + std::to_string(faces)

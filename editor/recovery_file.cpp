@@ -44,9 +44,9 @@ void eachFigure(View& view, Act act) {
 }
 
 template <typename Act>
-void eachFigure(RecoveryRecord& record, Act act) {
+void eachFigure(EditorPart& part, Act act) {
     for (Vec3* const place :
-         {&record.settable[0], &record.settable[1], &record.box.left, &record.box.right}) {
+         {&part.settable[0], &part.settable[1], &part.box.left, &part.box.right}) {
         for (double* const figure : {&place->x, &place->y, &place->z}) act(*figure);
     }
 }
@@ -57,32 +57,18 @@ bool isUsable(View& view) {
     return usable;
 }
 
-void packEditor(ByteWriter& out, RecoveryRecord record) {
-    out.signedNumber(record.time);
-    out.text(record.fileName);
-    out.text(record.lastChosen);
-    const auto pack = [&](double figure) { out.real(figure); };
-    eachFigure(record, pack);
-    eachFigure(record.view, pack);
-    for (const int number : {record.view.client.width, record.view.client.height, record.edgeFace,
-                             record.edgeCorner}) {
-        out.signedNumber(number);
-    }
-}
-
-void unpackEditor(ByteReader& in, RecoveryRecord& record) {
-    record.time = in.signedNumber();
-    record.fileName = in.text();
-    record.lastChosen = in.text();
+void unpackEditor(ByteReader& in, EditorPart& part) {
+    part.fileName = in.text();
+    part.lastChosen = in.text();
     const auto unpack = [&](double& figure) { figure = in.real(); };
-    eachFigure(record, unpack);
-    eachFigure(record.view, unpack);
-    if (!isUsable(record.view)) in.fail();
+    eachFigure(part, unpack);
+    eachFigure(part.view, unpack);
+    if (!isUsable(part.view)) in.fail();
     constexpr int mostPixels = 0xFFFF;
-    for (int* const side : {&record.view.client.width, &record.view.client.height}) {
+    for (int* const side : {&part.view.client.width, &part.view.client.height}) {
         *side = static_cast<int>(in.signedWithin(0, mostPixels));
     }
-    for (int* const number : {&record.edgeFace, &record.edgeCorner}) {
+    for (int* const number : {&part.edgeFace, &part.edgeCorner}) {
         *number = static_cast<int>(in.signedWithin(-1, INT32_MAX));
     }
 }
@@ -130,22 +116,20 @@ bool isEdge(int face, int corner) {
 } // namespace
 
 RecoveryRecord recoveryRecord(SnapshotRef mesh) {
-    const EditorState& editor = editorState;
-    return {std::move(mesh),
-            std::time(nullptr),
-            editor.fileName,
-            editor.lastChosen,
-            editor.settable,
-            box,
-            view,
-            editor.currentEdgeFace,
-            editor.currentEdgeCorner};
+    return {std::move(mesh), std::time(nullptr), presentPart()};
 }
 
-std::string editorPartOf(RecoveryRecord record) {
-    record.time = 0;
+std::string packEditor(EditorPart part) {
     ByteWriter out;
-    packEditor(out, std::move(record));
+    out.text(part.fileName);
+    out.text(part.lastChosen);
+    const auto pack = [&](double figure) { out.real(figure); };
+    eachFigure(part, pack);
+    eachFigure(part.view, pack);
+    for (const int number :
+         {part.view.client.width, part.view.client.height, part.edgeFace, part.edgeCorner}) {
+        out.signedNumber(number);
+    }
     return std::move(out.bytes);
 }
 
@@ -154,7 +138,8 @@ std::string packRecovery(const RecoveryRecord& record) {
     out.bytes = magic;
     out.fixed(version, versionBytes);
     out.fixed(0, sizeBytes);
-    packEditor(out, record);
+    out.signedNumber(record.time);
+    out.bytes += packEditor(record.editor);
     packSnapshot(out, *record.mesh);
     ByteWriter size;
     size.fixed(out.bytes.size() + checksumBytes, sizeBytes);
@@ -175,7 +160,8 @@ std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
     ByteReader sum(bytes.substr(summed.size()));
     if (sum.fixed(checksumBytes) != checksumOf(summed)) return "its checksum is wrong";
     ByteReader body(summed.substr(headBytes));
-    unpackEditor(body, record);
+    record.time = body.signedNumber();
+    unpackEditor(body, record.editor);
     record.mesh = unpackSnapshot(body);
     return body.ok() && body.left() == 0 ? "" : "it makes no sense";
 }
@@ -192,21 +178,11 @@ std::string restoreMesh(const RecoveryRecord& record) {
 }
 
 void restoreEditor(const RecoveryRecord& record) {
-    EditorState& editor = editorState;
-    editor.fileName = record.fileName;
-    editor.lastChosen = record.lastChosen;
-    editor.settable = record.settable;
-    forgetCurrentEdge();
-    if (isEdge(record.edgeFace, record.edgeCorner)) {
-        editor.currentEdgeFace = record.edgeFace;
-        editor.currentEdgeCorner = record.edgeCorner;
-    }
-    const Size client = view.client;
-    view = record.view;
-    box = record.box;
-    applyView();
-    const Size saved = view.client;
-    if (client.width != saved.width || client.height != saved.height) resizeView(client);
+    const EditorPart& part = record.editor;
+    restoreFileName(part);
+    restorePicks(part);
+    if (!isEdge(part.edgeFace, part.edgeCorner)) forgetCurrentEdge();
+    restoreView(part);
     stale = Stale();
 }
 

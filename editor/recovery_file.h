@@ -3,12 +3,9 @@
 // the user sees of it. A reader refuses a file of which a byte is missing or another one.
 #pragma once
 
-#include "display/box.h"
-#include "display/view.h"
-#include "mesh/projection.h"
+#include "editor/editor_part.h"
 #include "mesh/snapshot.h"
 
-#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,18 +15,14 @@ namespace polyfab {
 struct RecoveryRecord {
     SnapshotRef mesh;
     std::int64_t time = 0; ///< when it was saved, in seconds since 1970
-    std::string fileName, lastChosen;
-    std::array<Vec3, 2> settable;
-    Box box;
-    View view;
-    int edgeFace = -1, edgeCorner = -1;
+    EditorPart editor;
 };
 
 /// The editor as it is now, around this mesh.
 [[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh);
 
-/// All of the record but the mesh and the time, to be compared.
-[[nodiscard]] std::string editorPartOf(RecoveryRecord record);
+/// The editor's part of the file, to be compared.
+[[nodiscard]] std::string packEditor(EditorPart part);
 
 [[nodiscard]] std::string packRecovery(const RecoveryRecord& record);
 

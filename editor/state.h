@@ -25,6 +25,7 @@ struct NameListState {
     int firstColumn = 0; ///< first column of names that the window shows
     int x = -1;          ///< where the mouse was last, in client pixels
     int y = -1;
+    const char* step = "";       ///< what undo calls what this event alters; "": like the list
     double wheel = 0;            ///< what fine wheels have turned short of a whole step
     bool longTextShown = false;  ///< the title is the text of the pointed entry
     bool selectedOnly = false;   ///< only selected faces are counted
@@ -40,6 +41,7 @@ struct EditorState {
     std::string lastChosen; ///< its name without the directory, offered by the next file dialog
     bool busy = false;      ///< a mesh file is being read or written
     bool wholeMeshWritten = false; ///< set by each writer: true when it left no live face out
+    std::string wholeFile;         ///< path of the last such file; "": it was overwritten with less
     int currentEdgeFace = -1;      ///< face of the current edge; -1: there is none
     int currentEdgeCorner = -1;    ///< the corner of that face at which the edge begins
     std::array<std::uint8_t, 256> keys{}; ///< 0xFF while the virtual key is down

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// States and the steps between them. Whether a state is the one on disk is told by its version:
-// steps that change nothing that is saved lead to a state of the same version.
+// States and the steps between them. Steps that change nothing that is saved lead to a state of the
+// same version, so that with one all states of its version are those on disk.
 #include "editor/undo.h"
 
 #include "display/affine.h"
 #include "display/box.h"
 #include "display/view.h"
+#include "editor/editor_part.h"
 #include "editor/state.h"
 #include "mesh/snapshot.h"
 #include "platform/platform.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <deque>
@@ -22,18 +22,10 @@
 namespace polyfab {
 namespace {
 
-/// What belongs to a step besides the mesh.
-struct EditorPart {
-    std::array<Vec3, 2> settable;
-    Box box; ///< as `view` shows it
-    View view;
-    int edgeFace, edgeCorner;
-    std::string fileName, lastChosen;
-};
-
 struct State {
     SnapshotRef mesh;
     int version;
+    bool unaltered; ///< nothing to lose: so the mark was, or this version was the last one written
 };
 
 /// Leads from a state to the next one.
@@ -50,9 +42,9 @@ struct History {
     std::deque<Step> steps;   ///< one less
     std::size_t at = 0;       ///< the present state
     int lastVersion = 0;
-    int savedVersion = 0;
     EditorPart before{};  ///< when the events began of which the next step will come
     bool altered = false; ///< these events changed something that is saved
+    bool onDisk = false;  ///< a file holds what was written last whole
 };
 
 History history;
@@ -62,21 +54,12 @@ std::uint64_t memory = defaultUndoMemory();
 /// Value of Mesh::changed while an event is handled: it was set before. Who sets it says 1.
 constexpr std::uint8_t changedBefore = 2;
 
+bool alteredBefore = false; ///< when the event began, or where it has gone back to
+
 /// To the last bit, not-a-numbers included.
 template <typename T>
 bool same(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0;
-}
-
-EditorPart presentPart() {
-    const EditorState& editor = editorState;
-    return {editor.settable,
-            box,
-            view,
-            editor.currentEdgeFace,
-            editor.currentEdgeCorner,
-            editor.fileName,
-            editor.lastChosen};
 }
 
 /// The part's box around what it was around, as that view shows it.
@@ -121,34 +104,38 @@ bool differ(const EditorPart& a, const EditorPart& b) {
 
 /// Brings back what the step changed.
 void restorePart(const Step& step, const EditorPart& to) {
-    editorState.settable = to.settable;
-    editorState.currentEdgeFace = to.edgeFace;
-    editorState.currentEdgeCorner = to.edgeCorner;
-    if (step.namesFile) {
-        editorState.fileName = to.fileName;
-        editorState.lastChosen = to.lastChosen;
-    }
+    restorePicks(to);
+    if (step.namesFile) restoreFileName(to);
     if (step.movesView) {
-        const Size client = view.client;
-        view = to.view;
-        box = to.box;
-        applyView();
-        if (!same(client, view.client)) resizeView(client);
+        restoreView(to);
     } else if (step.movesBox) {
         box = boxInView(to, view);
     }
 }
 
-/// Works out the version of the present state, which holds another content than the one before
-/// when `content` says so.
-void settleVersion(bool content, int before) {
-    int& version = history.states[history.at].version;
-    const bool isSaved = OB->changed == 0;
-    const bool cleared = isSaved && content && before != history.savedVersion;
-    const bool lost = !isSaved && version == history.savedVersion;
-    if (history.altered || cleared || lost) version = ++history.lastVersion;
-    if (isSaved) history.savedVersion = version;
-    history.altered = false;
+/// Works out what the altered marks of the states are now. `content`: the present one holds
+/// another content than the one before.
+void settleMarks(bool content) {
+    History& h = history;
+    State& present = h.states[h.at];
+    // What cleared the mark may have altered the mesh before: a read of nothing, a write.
+    const bool cleared = content && (OB->np == 0 || editorState.wholeMeshWritten);
+    if (std::exchange(h.altered, false) || cleared) present.version = ++h.lastVersion;
+    present.unaltered = OB->changed == 0;
+    const bool wasOnDisk = std::exchange(h.onDisk, !editorState.wholeFile.empty());
+    const bool overwritten = wasOnDisk && !h.onDisk;
+    if (!overwritten && !(editorState.wholeMeshWritten && present.unaltered)) return;
+    for (State& state : h.states) {
+        state.unaltered = present.unaltered && state.version == present.version;
+    }
+}
+
+void dropOldest(std::size_t count) {
+    History& h = history;
+    const auto many = static_cast<std::ptrdiff_t>(count);
+    h.states.erase(h.states.begin(), h.states.begin() + many);
+    h.steps.erase(h.steps.begin(), h.steps.begin() + many);
+    h.at -= count;
 }
 
 /// The new state follows the present one; what came after that is gone.
@@ -156,15 +143,11 @@ void push(SnapshotRef mesh, Step step) {
     History& h = history;
     h.states.resize(h.at + 1);
     h.steps.resize(h.at);
-    h.states.push_back({std::move(mesh), h.states[h.at].version});
+    h.states.push_back({std::move(mesh), h.states[h.at].version, false});
     h.steps.push_back(std::move(step));
     ++h.at;
     constexpr std::size_t each = sizeof(Step) + sizeof(State) + sizeof(Snapshot);
-    while (h.at > 1 && snapshotBytes() + h.steps.size() * each > memory) {
-        h.states.pop_front();
-        h.steps.pop_front();
-        --h.at;
-    }
+    while (h.at > 1 && snapshotBytes() + h.steps.size() * each > memory) dropOldest(1);
 }
 
 Step stepTo(const EditorPart& now, bool content, const std::string& label) {
@@ -182,7 +165,6 @@ Step stepTo(const EditorPart& now, bool content, const std::string& label) {
 void record(const std::string& label) {
     const EditorPart now = presentPart();
     State& present = history.states[history.at];
-    const int version = present.version;
     SnapshotRef mesh = takeSnapshot(*OB, present.mesh);
     const bool content = differenceOf(*mesh, *present.mesh) == Difference::content;
     if (content || differ(history.before, now)) {
@@ -190,7 +172,7 @@ void record(const std::string& label) {
     } else {
         present.mesh = std::move(mesh);
     }
-    settleVersion(content, version);
+    settleMarks(content);
     history.before = now;
 }
 
@@ -209,7 +191,8 @@ void goTo(int direction) {
     (back ? step.after : step.before) = presentPart();
     h.at = state;
     restorePart(step, back ? step.before : step.after);
-    OB->changed = h.states[state].version == h.savedVersion ? 0 : changedBefore;
+    alteredBefore = !h.states[state].unaltered;
+    OB->changed = alteredBefore ? changedBefore : 0;
     stale = Stale();
     updateTitle();
 }
@@ -220,9 +203,9 @@ void startHistory() {
     endHistory();
     if (memory == 0) return;
     try {
-        history.states.push_back({takeSnapshot(*OB, nullptr), 0});
+        history.states.push_back({takeSnapshot(*OB, nullptr), 0, OB->changed == 0});
         history.before = presentPart();
-        history.savedVersion = OB->changed != 0 ? -1 : 0;
+        history.onDisk = !editorState.wholeFile.empty();
     } catch (const std::bad_alloc&) {
         endHistory();
     }
@@ -243,15 +226,18 @@ void setUndoMemory(std::uint64_t bytes) {
 bool undoIsOn() { return memory != 0; }
 
 void beginEvent(bool continues) {
+    alteredBefore = OB != nullptr && OB->changed != 0;
     if (OB == nullptr) return;
-    if (OB->changed != 0) OB->changed = changedBefore;
+    if (alteredBefore) OB->changed = changedBefore;
     if (!continues) history.before = presentPart();
 }
 
 bool endEvent() {
     if (OB == nullptr) return false;
     const bool altered = OB->changed == 1;
-    OB->changed = OB->changed != 0;
+    // Whoever cleared the mesh has not saved what was in it.
+    const bool lost = alteredBefore && !editorState.wholeMeshWritten;
+    OB->changed = OB->changed != 0 || lost;
     history.altered = history.altered || altered;
     return altered;
 }
@@ -259,13 +245,17 @@ bool endEvent() {
 void recordStep(const std::string& label) {
     if (OB == nullptr) return;
     if (history.states.empty()) return startHistory();
-    try {
-        record(label);
-    } catch (const std::bad_alloc&) {
-        startHistory();
-        platform().message("undo", "I can't get enough memory, so I forget what you did so far",
-                           Icon::exclamation);
+    for (;;) {
+        try {
+            return record(label);
+        } catch (const std::bad_alloc&) {
+            if (history.at == 0) break;
+            dropOldest((history.at + 1) / 2);
+        }
     }
+    startHistory();
+    platform().message("undo", "I can't get enough memory, so I forget what you did so far",
+                       Icon::exclamation);
 }
 
 void undo() { goTo(-1); }

@@ -36,12 +36,14 @@ void setUndoMemory(std::uint64_t bytes);
 /// began with an event before, and so to the step that will come of that.
 void beginEvent(bool continues);
 
-/// To be called when an event has been handled. Whether it changed something that is saved.
+/// To be called when an event has been handled. Whether it changed something that is saved. The
+/// mark of altered meshes is set again if it was set before and no write of the whole mesh cleared
+/// it.
 bool endEvent();
 
 /// The mesh and the editor as they are now become the newest step, unless they are as they were.
-/// What could have been redone is then gone. Without memory the history starts anew, after a
-/// message box.
+/// What could have been redone is then gone. When memory is short the older half of the steps is
+/// dropped, again and again; where that does not help the history starts anew, and a box says so.
 void recordStep(const std::string& label);
 
 /// Goes one step back or forward. Without one it beeps; without memory there is a message box, and

@@ -73,14 +73,12 @@ void readFile(const std::string& path, bool append) {
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
-    const bool altered = OB->changed != 0;
     const Outcome outcome = dispatchRead(path, append, busy);
     if (outcome == Outcome::refused) return;
     tellTooLateToStop();
     if (outcome == Outcome::failed) {
         complain("I tried to read this file but it didn't work", path);
         emptyMesh();
-        if (altered) OB->changed = 1; // there is still something that was never written
     }
     if (outcome == Outcome::read) noteRecentFile(path, false);
     busy.end();
@@ -153,7 +151,13 @@ void writeTo(const std::string& chosen, const WriteCommand& command) {
         return;
     }
     noteRecentFile(editorState.fileName, false);
-    if (editorState.wholeMeshWritten) OB->changed = 0;
+    if (editorState.wholeMeshWritten) {
+        OB->changed = 0;
+        editorState.wholeFile = editorState.fileName;
+    } else if (editorState.fileName == editorState.wholeFile) {
+        OB->changed = 1; // the only file that held all of it holds less now
+        editorState.wholeFile.clear();
+    }
 }
 
 void writeMeshFile(const WriteCommand& command) {

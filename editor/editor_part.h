@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the user sees of a mesh besides the mesh: it comes back with it.
+#pragma once
+
+#include "display/box.h"
+#include "display/view.h"
+#include "mesh/projection.h"
+
+#include <array>
+#include <string>
+
+namespace polyfab {
+
+struct EditorPart {
+    std::array<Vec3, 2> settable;
+    Box box; ///< as `view` shows it
+    View view;
+    int edgeFace = -1, edgeCorner = -1; ///< the current edge, as EditorState has it
+    std::string fileName, lastChosen;
+};
+
+/// As it is now.
+[[nodiscard]] EditorPart presentPart();
+
+/// Brings back the settable points and the current edge, which must be one of OB, or none.
+void restorePicks(const EditorPart& part);
+
+/// Brings back the file name.
+void restoreFileName(const EditorPart& part);
+
+/// Brings back the view and the box in it, in the window as large as it is now.
+void restoreView(const EditorPart& part);
+
+} // namespace polyfab
