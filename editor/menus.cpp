@@ -2,7 +2,7 @@
 #include "editor/menus.h"
 
 #include "editor/commands.h"
-#include "editor/recent_menu.h"
+#include "editor/recent_files.h"
 
 #include <string_view>
 #include <vector>
@@ -62,7 +62,6 @@ void showMenuBar(const std::string& name) {
 }
 
 void refreshMenuBar() {
-    loadRecentFiles();
     if (changingLabels() != labelsInBar) showMenuBar("POLYFAB");
 }
 

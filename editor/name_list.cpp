@@ -71,6 +71,7 @@ void pickAll(const List& list, bool picked) {
 }
 
 void rename(const List& list, int entry) {
+    nameList.step = "rename";
     OB->changed = 1;
     askText("new name?", list.name(entry));
     // The buffer holds what was typed, or after cancel the name itself.
@@ -98,6 +99,7 @@ void useButtons(const List& list) {
     if (history == 1) clickEntry(list, entry);
     if (history == 2 && list.name != nullptr) rename(list, entry);
     if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
+        nameList.step = "reorder";
         moveGroup(*OB, pressed, entry);
     }
 }

@@ -16,16 +16,31 @@ namespace {
 
 constexpr std::string_view readMark = "read ", importMark = "import ";
 
+std::vector<RecentFile> files;
+
 std::string listPath() { return stateFolder + "/recent-files"; }
 
 } // namespace
+
+void loadRecentFiles() {
+    files.clear();
+    if (stateFolder.empty()) return;
+    std::ifstream list(listPath());
+    for (std::string line; files.size() < mostRecentFiles && std::getline(list, line);) {
+        const bool imported = line.starts_with(importMark);
+        const std::string_view mark = imported ? importMark : readMark;
+        if (line.starts_with(mark) && line.size() > mark.size()) {
+            files.push_back({line.substr(mark.size()), imported});
+        }
+    }
+}
 
 void noteRecentFile(const std::string& path, bool imported) {
     if (stateFolder.empty() || path.find('\n') != std::string::npos) return;
     std::error_code failure;
     const std::string whole = std::filesystem::weakly_canonical(path, failure);
     if (failure || !std::filesystem::is_regular_file(whole, failure)) return;
-    std::vector<RecentFile> files = recentFiles();
+    loadRecentFiles();
     std::erase_if(files, [&](const RecentFile& file) { return file.path == whole; });
     files.insert(files.begin(), {whole, imported});
     files.resize(std::min(files.size(), mostRecentFiles));
@@ -39,18 +54,13 @@ void noteRecentFile(const std::string& path, bool imported) {
     static_cast<void>(list.commit());
 }
 
-std::vector<RecentFile> recentFiles() {
-    std::vector<RecentFile> files;
-    if (stateFolder.empty()) return files;
-    std::ifstream list(listPath());
-    for (std::string line; files.size() < mostRecentFiles && std::getline(list, line);) {
-        const bool imported = line.starts_with(importMark);
-        const std::string_view mark = imported ? importMark : readMark;
-        if (line.starts_with(mark) && line.size() > mark.size()) {
-            files.push_back({line.substr(mark.size()), imported});
-        }
+void findMissingRecentFiles() {
+    for (RecentFile& file : files) {
+        std::error_code failure;
+        file.missing = !std::filesystem::is_regular_file(file.path, failure);
     }
-    return files;
 }
+
+const std::vector<RecentFile>& recentFiles() { return files; }
 
 } // namespace polyfab

@@ -9,17 +9,25 @@
 namespace polyfab {
 
 struct RecentFile {
-    std::string path; ///< absolute
-    bool imported;    ///< it was imported, not read in a format of our own
+    std::string path;     ///< absolute
+    bool imported;        ///< it was imported or exported, not of a format of our own
+    bool missing = false; ///< when it was looked for last
 };
 
 inline constexpr std::size_t mostRecentFiles = 10;
 
-/// Puts the file before all others. What can't be kept is not: no file, a path with a line end
-/// in it, or when the folder can't be written.
+/// Reads the list.
+void loadRecentFiles();
+
+/// Reads the list anew, puts the file before all others and writes the list. What is no file, or
+/// has a line end in its path, is left out.
 void noteRecentFile(const std::string& path, bool imported);
 
-/// The latest first, at most mostRecentFiles.
-[[nodiscard]] std::vector<RecentFile> recentFiles();
+/// Looks which of the files are missing now, which may take long where disks are far away.
+void findMissingRecentFiles();
+
+/// The latest first, at most mostRecentFiles. It changes only when it is read: what other editors
+/// add meanwhile does not push a file out of the menu row that names it.
+[[nodiscard]] const std::vector<RecentFile>& recentFiles();
 
 } // namespace polyfab

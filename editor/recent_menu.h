@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The rows of the file menu that open what was read or written last. They stand for the list as it
-// was when it was loaded: another editor may add to it meanwhile, and a row must do what it says.
+// The rows of the file menu that open what was read or written last.
 #pragma once
 
 #include "editor/commands.h"
@@ -8,12 +7,6 @@
 namespace polyfab {
 
 inline constexpr int firstRecentFileCommand = 2020;
-
-/// Loads the list anew.
-void loadRecentFiles();
-
-/// Looks which of the files are missing now, which may take long where disks are far away.
-void findMissingRecentFiles();
 
 /// How the menu shows the file of this number, 0 the latest: greyed when it was found missing,
 /// hidden when there are fewer.

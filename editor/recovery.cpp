@@ -3,6 +3,7 @@
 // write it while the user goes on. One thread at a time writes.
 #include "editor/recovery.h"
 
+#include "editor/long_work.h"
 #include "editor/recovery_file.h"
 #include "editor/recovery_folder.h"
 #include "editor/state.h"
@@ -15,10 +16,14 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <exception>
+#include <filesystem>
 #include <future>
 #include <new>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace polyfab {
 namespace {
@@ -33,8 +38,8 @@ struct Recovery {
     std::string savedEditor; ///< the rest of what was saved
     Clock::time_point lastSave = Clock::now();
     bool sessionEnds = false;
-    bool failed = false; ///< the last time nothing could be written
-    bool failureShown = false;
+    std::string failure;       ///< why nothing could be saved the last time; "": it could
+    bool failureShown = false; ///< since the last time that it could
     std::future<bool> writing; ///< last, so that it is waited for before anything goes
 };
 
@@ -45,24 +50,34 @@ bool isWriting() {
            && recovery.writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
 }
 
+void noteWritten(bool done) {
+    recovery.failure = done ? "" : stateFolder;
+    if (done) recovery.failureShown = false;
+    if (!done) recovery.saved.reset();
+}
+
+/// Waits for the thread.
 void finishWriting() {
     if (!recovery.writing.valid()) return;
-    recovery.failed = !recovery.writing.get();
-    if (recovery.failed) recovery.saved.reset();
+    while (recovery.writing.wait_for(std::chrono::milliseconds(50)) != std::future_status::ready) {
+        moveProgress();
+    }
+    noteWritten(recovery.writing.get());
 }
 
 bool write(const std::string& path, const RecoveryRecord& record) noexcept try {
     return writeRecoveryFile(path, record);
-} catch (const std::bad_alloc&) {
-    return false;
+} catch (const std::exception&) {
+    return false; // memory, most likely
 }
 
 /// Begins to write the record, or writes it, where no thread can be had.
 void startWriting(RecoveryRecord record) {
     finishWriting();
-    if (!recovery.folder) recovery.folder = RecoveryFolder::make(stateFolder);
-    recovery.failed = !recovery.folder;
-    if (recovery.failed) return;
+    if (!recovery.folder || !recovery.folder.isThere()) {
+        recovery.folder = RecoveryFolder::make(stateFolder);
+    }
+    if (!recovery.folder) return noteWritten(false);
     recovery.saved = record.mesh;
     recovery.savedEditor = packEditor(record.editor);
     const auto task = [path = recovery.folder.file(), record = std::move(record)] {
@@ -71,36 +86,51 @@ void startWriting(RecoveryRecord record) {
     try {
         recovery.writing = std::async(std::launch::async, task);
     } catch (const std::system_error&) {
-        recovery.failed = !task();
-        if (recovery.failed) recovery.saved.reset();
+        noteWritten(task());
     }
 }
 
 /// What is to be saved while nothing works on the mesh: all of it, unless it is unsound; the file
 /// that is there is better then.
 SnapshotRef meshAtRest() {
-    return check(*OB) == nullptr ? takeSnapshot(*OB, presentMesh()) : nullptr;
+    const char* const fault = check(*OB);
+    if (fault == nullptr) return takeSnapshot(*OB, presentMesh());
+    recovery.failure = fault;
+    return nullptr;
 }
+
+/// What is to be saved while something may be in the midst of its work.
+SnapshotRef meshAtWork() { return undoIsOn() ? presentMesh() : meshAtRest(); }
 
 /// Begins to save the mesh that `choose` gives, unless that has been done.
 void save(SnapshotRef (*choose)()) try {
     recovery.lastSave = Clock::now();
     recovery.sessionEnds = false;
     if (stateFolder.empty() || OB == nullptr || OB->changed == 0) return;
+    recovery.failure = "I am in the midst of something"; // what is chosen at work may be none
     SnapshotRef mesh = choose();
     if (mesh == nullptr) return;
+    recovery.failure.clear();
     const bool sameMesh = recovery.saved.lock() == mesh;
     RecoveryRecord record = recoveryRecord(std::move(mesh));
     if (sameMesh && packEditor(record.editor) == recovery.savedEditor) return;
     startWriting(std::move(record));
 } catch (const std::bad_alloc&) {
-    recovery.failed = true;
+    recovery.failure = "there is not enough memory";
 }
 
 void tellFailure() {
-    if (!recovery.failed || std::exchange(recovery.failureShown, true)) return;
-    platform().message("I can't write a recovery file, so save your work yourself", stateFolder,
-                       Icon::exclamation);
+    if (recovery.failure.empty() || std::exchange(recovery.failureShown, true)) return;
+    platform().message("I can't write a recovery file, so save your work yourself",
+                       recovery.failure, Icon::exclamation);
+}
+
+/// Where nothing will be kept the user shall know before there is work to lose.
+void tryStateFolder() {
+    std::error_code ignored;
+    std::filesystem::create_directories(stateFolder, ignored);
+    if (::access(stateFolder.c_str(), W_OK | X_OK) != 0) recovery.failure = stateFolder;
+    tellFailure();
 }
 
 std::string timeText(std::int64_t time) {
@@ -127,11 +157,21 @@ Choice ask(const RecoveryRecord& record) {
                                Buttons::yesNoCancel);
 }
 
-void keepDamaged(RecoveryFolder& folder, const std::string& wrong) {
+/// A file that will never come back stands in nobody's way any more, but stays.
+void tellFault(RecoveryFolder& folder, const RecoveryFault& fault) {
     const std::string was = folder.file();
-    const std::string kept = folder.removeButKeepFile();
-    platform().message("I can't bring back a mesh that was not saved: " + wrong,
-                       "I keep the file as " + (kept.empty() ? was : kept), Icon::exclamation);
+    const std::string kept = fault.lasting ? folder.removeButKeepFile() : "";
+    platform().message("I can't bring back a mesh that was not saved: " + fault.text,
+                       kept.empty() ? "I try it again at the next start: " + was
+                                    : "I keep the file as " + kept,
+                       Icon::exclamation);
+}
+
+void tellOthers(std::size_t count) {
+    if (count == 0) return;
+    const std::string meshes = count == 1 ? "another mesh" : std::to_string(count) + " more meshes";
+    platform().message(
+        "recovery", "I found " + meshes + " that I ask about when you start me again", Icon::none);
 }
 
 /// The mesh of the record, which OB shows, becomes the one that the user works on.
@@ -147,11 +187,10 @@ void takeOver(RecoveryFolder& folder, const RecoveryRecord& record) {
 /// Cancel when the file is to stay and nothing else to be asked.
 Choice offer(RecoveryFolder& folder) {
     RecoveryRecord record;
-    const SnapshotRef empty = takeSnapshot(*OB, nullptr);
-    std::string wrong = readRecoveryFile(folder.file(), record);
-    if (wrong.empty()) wrong = restoreMesh(record);
-    if (!wrong.empty()) {
-        keepDamaged(folder, wrong);
+    RecoveryFault fault = readRecoveryFile(folder.file(), record);
+    if (!fault) fault = restoreMesh(record);
+    if (fault) {
+        tellFault(folder, fault);
         return Choice::no;
     }
     const Choice choice = ask(record);
@@ -159,7 +198,7 @@ Choice offer(RecoveryFolder& folder) {
         takeOver(folder, record);
         return choice;
     }
-    static_cast<void>(restoreSnapshot(*OB, *empty, *takeSnapshot(*OB, nullptr)));
+    dropMesh();
     if (choice == Choice::no) folder.remove();
     return choice;
 }
@@ -172,11 +211,14 @@ void startRecovery() { recovery = Recovery(); }
 
 Recovered offerRecovery() {
     if (stateFolder.empty()) return Recovered::nothing;
-    for (RecoveryFolder& folder : RecoveryFolder::leftBehind(stateFolder)) {
-        const Choice choice = offer(folder);
-        if (choice != Choice::no) {
-            return choice == Choice::yes ? Recovered::mesh : Recovered::nothing;
-        }
+    tryStateFolder();
+    std::vector<RecoveryFolder> left = RecoveryFolder::leftBehind(stateFolder);
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        const Choice choice = offer(left[i]);
+        if (choice == Choice::cancel) break;
+        if (choice == Choice::no) continue;
+        tellOthers(left.size() - i - 1);
+        return Recovered::mesh;
     }
     return Recovered::nothing;
 }
@@ -197,13 +239,15 @@ void saveBeforeLongWork() {
 }
 
 void saveAtSessionEnd(bool atWork) {
-    save(atWork ? presentMesh : meshAtRest);
+    save(atWork ? meshAtWork : meshAtRest);
     finishWriting();
     // What could not be saved is asked about when the window closes.
-    recovery.sessionEnds = OB != nullptr && OB->changed != 0 && !recovery.failed;
+    recovery.sessionEnds = OB != nullptr && OB->changed != 0 && recovery.failure.empty();
 }
 
 bool sessionIsEnding() { return recovery.sessionEnds; }
+
+void noteUser() { recovery.sessionEnds = false; }
 
 void dropRecovery() {
     finishWriting();

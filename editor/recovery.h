@@ -22,15 +22,19 @@ enum class Recovered { nothing, mesh };
 /// once when a file can't be written.
 void saveAtRest();
 
-/// Saves before something that may take long, or never come back.
+/// Saves before something that may take long, or never come back, and waits until that is done.
 void saveBeforeLongWork();
 
 /// Saves before the process ends. The file then stays when the window goes. `atWork`: a command
-/// runs, so that the mesh may be in between; the newest step of the history is saved then.
+/// runs, so that the mesh may be in between; the newest step of the history is saved then, if there
+/// are any.
 void saveAtSessionEnd(bool atWork);
 
 /// Whether that was the last time something was saved: the window may then go without a question.
 [[nodiscard]] bool sessionIsEnding();
+
+/// To be called with what the user does: an end of the session that was announced did not come.
+void noteUser();
 
 /// Nothing needs to be brought back any more: the file goes.
 void dropRecovery();

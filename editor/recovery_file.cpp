@@ -9,12 +9,14 @@
 #include "io/save_file.h"
 #include "mesh/check.h"
 #include "mesh/pack_snapshot.h"
+#include "mesh/store.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <new>
 #include <utility>
 
 namespace polyfab {
@@ -32,6 +34,8 @@ std::uint64_t checksumOf(std::string_view bytes) {
     }
     return sum;
 }
+
+const RecoveryFault noMemory{"there is not enough memory", false};
 
 template <typename Act>
 void eachFigure(View& view, Act act) {
@@ -63,7 +67,6 @@ void unpackEditor(ByteReader& in, EditorPart& part) {
     const auto unpack = [&](double& figure) { figure = in.real(); };
     eachFigure(part, unpack);
     eachFigure(part.view, unpack);
-    if (!isUsable(part.view)) in.fail();
     constexpr int mostPixels = 0xFFFF;
     for (int* const side : {&part.view.client.width, &part.view.client.height}) {
         *side = static_cast<int>(in.signedWithin(0, mostPixels));
@@ -113,6 +116,16 @@ bool isEdge(int face, int corner) {
            && corner < OB->faces[face].n;
 }
 
+/// What is wrong with a file of so many bytes that begins like this; "": nothing so far.
+std::string faultOfHead(std::string_view begin, std::uint64_t bytes) {
+    ByteReader in(begin);
+    if (in.raw(magic.size()) != magic) return "it is no recovery file";
+    if (in.fixed(versionBytes) != version) return "another version of the editor wrote it";
+    const std::uint64_t size = in.fixed(sizeBytes);
+    if (bytes < headBytes + checksumBytes || size > bytes) return "its end is missing";
+    return size < bytes ? "there is something behind its end" : "";
+}
+
 } // namespace
 
 RecoveryRecord recoveryRecord(SnapshotRef mesh) {
@@ -149,13 +162,7 @@ std::string packRecovery(const RecoveryRecord& record) {
 }
 
 std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
-    ByteReader in(bytes);
-    if (in.raw(magic.size()) != magic) return "it is no recovery file";
-    if (in.fixed(versionBytes) != version) return "another version of the editor wrote it";
-    const std::uint64_t size = in.fixed(sizeBytes);
-    if (bytes.size() < headBytes + checksumBytes || size > bytes.size())
-        return "its end is missing";
-    if (size < bytes.size()) return "there is something behind its end";
+    if (std::string wrong = faultOfHead(bytes, bytes.size()); !wrong.empty()) return wrong;
     const std::string_view summed = bytes.substr(0, bytes.size() - checksumBytes);
     ByteReader sum(bytes.substr(summed.size()));
     if (sum.fixed(checksumBytes) != checksumOf(summed)) return "its checksum is wrong";
@@ -166,15 +173,20 @@ std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
     return body.ok() && body.left() == 0 ? "" : "it makes no sense";
 }
 
-std::string restoreMesh(const RecoveryRecord& record) {
-    const SnapshotRef before = takeSnapshot(*OB, nullptr);
-    if (!restoreSnapshot(*OB, *record.mesh, *before)) return "there is not enough memory";
+RecoveryFault restoreMesh(const RecoveryRecord& record) {
+    if (!restoreSnapshot(*OB, *record.mesh, *takeSnapshot(*OB, nullptr))) return noMemory;
     settleCurrents(*OB);
     const char* const fault = faultOf(*OB);
-    if (fault == nullptr) return "";
-    const std::string wrong = fault;
-    static_cast<void>(restoreSnapshot(*OB, *before, *takeSnapshot(*OB, nullptr)));
-    return wrong;
+    if (fault == nullptr) return {};
+    RecoveryFault found{fault}; // the text may stand in the mesh
+    dropMesh();
+    return found;
+}
+
+void dropMesh() {
+    farfree(&OB->groups);
+    OB->clear(true);
+    stale = Stale();
 }
 
 void restoreEditor(const RecoveryRecord& record) {
@@ -182,7 +194,8 @@ void restoreEditor(const RecoveryRecord& record) {
     restoreFileName(part);
     restorePicks(part);
     if (!isEdge(part.edgeFace, part.edgeCorner)) forgetCurrentEdge();
-    restoreView(part);
+    View saved = part.view;
+    isUsable(saved) ? restoreView(part) : fitView(*OB);
     stale = Stale();
 }
 
@@ -193,12 +206,21 @@ bool writeRecoveryFile(const std::string& path, const RecoveryRecord& record) {
     return file.commit();
 }
 
-std::string readRecoveryFile(const std::string& path, RecoveryRecord& record) {
+RecoveryFault readRecoveryFile(const std::string& path, RecoveryRecord& record) try {
     PieceReader reader(path);
-    if (!reader.isOpen()) return "it can't be opened";
+    if (!reader.isOpen()) return {"it can't be opened", false};
+    const auto size = static_cast<std::uint64_t>(reader.size());
     std::string bytes;
-    for (std::string_view piece; reader.next(0, piece);) bytes += piece;
-    return reader.failed() ? "it can't be read" : unpackRecovery(bytes, record);
+    for (std::string_view piece; reader.next(0, piece); bytes += piece) {
+        if (!bytes.empty()) continue;
+        // What is something else may be of any size.
+        if (std::string wrong = faultOfHead(piece, size); !wrong.empty()) return {wrong};
+        bytes.reserve(size);
+    }
+    if (reader.failed()) return {"it can't be read", false};
+    return {unpackRecovery(bytes, record)};
+} catch (const std::bad_alloc&) {
+    return noMemory;
 }
 
 } // namespace polyfab

@@ -18,6 +18,13 @@ struct RecoveryRecord {
     EditorPart editor;
 };
 
+/// Why a mesh does not come back.
+struct RecoveryFault {
+    std::string text;    ///< "": it does
+    bool lasting = true; ///< it will not come back another time either
+    explicit operator bool() const { return !text.empty(); }
+};
+
 /// The editor as it is now, around this mesh.
 [[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh);
 
@@ -29,17 +36,21 @@ struct RecoveryRecord {
 /// What is wrong with the bytes; "": nothing, and `record` is filled.
 [[nodiscard]] std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record);
 
-/// Makes OB the mesh of the record; the mark of altered meshes stays as it is. What is wrong with
-/// it; "": nothing. If something is, OB is as it was.
-[[nodiscard]] std::string restoreMesh(const RecoveryRecord& record);
+/// Makes OB, which must be empty, the mesh of the record; the mark of altered meshes stays as it
+/// is. After a fault OB is empty.
+[[nodiscard]] RecoveryFault restoreMesh(const RecoveryRecord& record);
 
-/// The view, the box and all else of the record but the mesh, which must be there already.
+/// Makes OB empty again. Needs no memory.
+void dropMesh();
+
+/// The view, the box and all else of the record but the mesh, which must be there already. A view
+/// that no arithmetic can use is fitted to the mesh.
 void restoreEditor(const RecoveryRecord& record);
 
 /// Replaces the file, or leaves it as it was. Touches nothing else, so that a thread may do it.
 [[nodiscard]] bool writeRecoveryFile(const std::string& path, const RecoveryRecord& record);
 
-/// As unpackRecovery. May throw std::bad_alloc.
-[[nodiscard]] std::string readRecoveryFile(const std::string& path, RecoveryRecord& record);
+/// Fills the record from the file.
+[[nodiscard]] RecoveryFault readRecoveryFile(const std::string& path, RecoveryRecord& record);
 
 } // namespace polyfab

@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* prefix = "recovery-";
-constexpr const char* damagedSuffix = ".damaged";
+constexpr const char* keptSuffix = ".kept";
 
 /// The first of "BASE", "BASE-2", "BASE-3", ... with the suffix for which `act` succeeds; "" when
 /// none of them will do.
@@ -69,6 +69,8 @@ RecoveryFolder RecoveryFolder::lockOf(std::string folder) {
 
 RecoveryFolder RecoveryFolder::make(const std::string& stateFolder) {
     RecoveryFolder made;
+    std::error_code ignored; // somebody may have cleaned up
+    fs::create_directories(stateFolder, ignored);
     const std::string base = stateFolder + "/" + prefix + std::to_string(::getpid());
     firstName(base, "", [&](const std::string& name) {
         if (::mkdir(name.c_str(), 0700) != 0) return false;
@@ -104,6 +106,12 @@ std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& stateF
     return folders;
 }
 
+bool RecoveryFolder::isThere() const {
+    struct stat held, named;
+    return ::fstat(lock, &held) == 0 && ::stat((path + "/lock").c_str(), &named) == 0
+           && held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+}
+
 void RecoveryFolder::remove() {
     std::error_code ignored;
     if (lock >= 0) {
@@ -121,7 +129,7 @@ void RecoveryFolder::remove() {
 
 std::string RecoveryFolder::removeButKeepFile() {
     // A link fails where a rename would replace what was kept before.
-    const std::string kept = firstName(path, damagedSuffix, [this](const std::string& name) {
+    const std::string kept = firstName(path, keptSuffix, [this](const std::string& name) {
         return ::link(file().c_str(), name.c_str()) == 0;
     });
     if (!kept.empty()) remove();

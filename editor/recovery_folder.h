@@ -17,7 +17,7 @@ class RecoveryFolder {
     RecoveryFolder& operator=(RecoveryFolder&& other) noexcept;
     ~RecoveryFolder();
 
-    /// A new one for this process; nothing when none can be made.
+    /// A new one for this process, with the state folder if need be; nothing when none can be made.
     [[nodiscard]] static RecoveryFolder make(const std::string& stateFolder);
 
     /// Those of editors that live no more and left a file, the newest file first. As long as one is
@@ -25,6 +25,9 @@ class RecoveryFolder {
     [[nodiscard]] static std::vector<RecoveryFolder> leftBehind(const std::string& stateFolder);
 
     explicit operator bool() const { return lock >= 0; }
+
+    /// Whether nobody has removed what is held here.
+    [[nodiscard]] bool isThere() const;
 
     /// Path of the recovery file, whether it is there or not.
     [[nodiscard]] std::string file() const { return path + "/mesh"; }

@@ -10,7 +10,7 @@
 #include "editor/menus.h"
 #include "editor/modes.h"
 #include "editor/navigation.h"
-#include "editor/recent_menu.h"
+#include "editor/recent_files.h"
 #include "editor/recovery.h"
 #include "editor/settable_points.h"
 #include "editor/state.h"

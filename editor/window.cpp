@@ -17,6 +17,8 @@
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 namespace polyfab {
@@ -106,6 +108,14 @@ bool handledApart(const Event& event) {
     return true;
 }
 
+/// Whether the user did something, more than to move the mouse.
+bool isUsersAct(const Event& event) {
+    constexpr EventKind kinds[] = {EventKind::keyDown, EventKind::wheel, EventKind::command,
+                                   EventKind::drop};
+    return std::find(std::begin(kinds), std::end(kinds), event.kind) != std::end(kinds)
+           || (event.kind == EventKind::mouse && event.buttons != 0);
+}
+
 bool mayTakeLong(const Event& event) {
     const Command* const command = commandOf(event);
     return command != nullptr && runsLong(command->id);
@@ -121,6 +131,7 @@ void useStateFolder(const std::string& folder, int recoverySeconds) {
 void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
+    if (isUsersAct(event)) noteUser();
     if (Handling::depth > 1) return dispatch(event, true); // a part of the event outside
     if (dragRuns() && movesInHistory(event)) return;
     if (dragRuns() && endsDrag(event)) recordDrag();
@@ -131,6 +142,7 @@ void handleEvent(const Event& event) {
     trackWork(event, work);
     if (mayTakeLong(event)) saveBeforeLongWork();
     editorState.wholeMeshWritten = false;
+    nameList.step = "";
     beginEvent(dragged || listed);
     dispatch(event, false);
     if (OB != nullptr) OB->settleLostArrays();
@@ -142,7 +154,9 @@ void handleEvent(const Event& event) {
     moveProgress();
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
-    if (editorState.subview != 0 ? listed && altered : ended) recordStep(label);
+    if (editorState.subview != 0 ? listed && altered : ended) {
+        recordStep(*nameList.step != '\0' ? nameList.step : label);
+    }
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }
 

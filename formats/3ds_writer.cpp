@@ -4,6 +4,7 @@
 #include "formats/3ds_writer.h"
 
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "editor/state.h"
 #include "formats/face_order.h"
 #include "formats/only_selected.h"
@@ -71,7 +72,8 @@ class Chunk {
 /// Builds the file; the first thing that does not fit ends it.
 class Writer {
   public:
-    explicit Writer(bool selectedOnly) : onlySelected(selectedOnly) {}
+    explicit Writer(bool selectedOnly)
+        : onlySelected(selectedOnly), progress(4 * std::int64_t{OB->nf}) {}
 
     /// "", or what the file can't hold.
     std::string write();
@@ -92,6 +94,7 @@ class Writer {
     void writeMaterialGroups();
 
     bool onlySelected;
+    LoopProgress progress; ///< each face is looked at four times
     // Of the group that is being written.
     std::vector<int> points; ///< indices into OB->points in the order of their new numbers
     std::vector<std::vector<std::uint16_t>> uses; ///< for each material, the triangles that have it
@@ -152,6 +155,7 @@ std::string Writer::writeGroups() {
     uses.resize(static_cast<std::size_t>(OB->nmat));
     FaceList faces;
     for (int i = 0; i < OB->nf; ++i) {
+        progress.step();
         if (isSelected(i) || !onlySelected) faces.push_back(i);
     }
     faces = sortedBy(faces, OB->ng, [](int face) { return OB->faces[face].g; });
@@ -217,6 +221,7 @@ void Writer::listPoints(std::span<const int> faces) {
 void Writer::addPointsOf(std::span<const int> faces, bool selected) {
     const auto before = std::ssize(points);
     for (const int face : faces) {
+        progress.step();
         if (isSelected(face) != selected) continue;
         for (const FaceCorner& corner : cornersOf(face)) {
             const int point = indexIn(OB->points, corner.p);
@@ -247,6 +252,7 @@ void Writer::writeTriangles(std::span<const int> faces) {
     out.word(triangleCount(faces));
     std::uint16_t triangle = 0;
     for (const int face : faces) {
+        progress.step();
         const auto corners = cornersOf(face);
         auto& triangles = uses[static_cast<std::size_t>(OB->faces[face].mat)];
         for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
@@ -275,6 +281,7 @@ int fail(const std::string& what, const std::string& path) {
 
 int write3dsFile(const std::string& path) try {
     if (!collectGarbage(*OB)) return 0;
+    moveProgress();
     forgetCurrentEdge();
     stale.edges = true;
     const bool onlySelected = askOnlySelected(true);

@@ -15,6 +15,7 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <deque>
@@ -207,7 +208,10 @@ StreamTables tablesOf(bool onlySelected) {
 /// A file in memory with the mesh in it, for the child to read; -1 when that fails.
 int streamFile(bool onlySelected) {
     const int file = ::memfd_create("mesh", MFD_CLOEXEC);
-    if (file < 0 || writeStream(file, tablesOf(onlySelected))) return file;
+    if (file < 0) return -1;
+    const StreamTables tables = tablesOf(onlySelected);
+    moveProgress();
+    if (writeStream(file, tables)) return file;
     ::close(file);
     return -1;
 }
@@ -289,6 +293,14 @@ std::string exportFile(const std::string& path, bool onlySelected, SaveFile& fil
 
 constexpr const char* common = "*.STL;*.PLY;*.GLTF;*.GLB;*.DAE;*.FBX;*.OBJ;*.3DS;*.X;*.X3D;*.3MF";
 
+/// Whether the file is one of those, which are both exported and imported.
+bool isCommon(const fs::path& path) {
+    std::string pattern = "*" + path.extension().string() + ";";
+    std::transform(pattern.begin(), pattern.end(), pattern.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return (std::string(common) + ";").find(pattern) != std::string::npos;
+}
+
 } // namespace
 
 void importOtherMesh() {
@@ -326,7 +338,8 @@ void exportOtherMesh() {
     SaveFile file;
     if (!file.open(*path)) return explain(failed, *path, "can't open file");
     const std::string reason = exportFile(*path, askOnlySelected(false), file);
-    if (!reason.empty()) explain(failed, *path, reason);
+    if (!reason.empty()) return explain(failed, *path, reason);
+    if (isCommon(*path)) noteRecentFile(*path, true);
 }
 
 } // namespace polyfab

@@ -42,7 +42,7 @@ std::string packedMesh() {
 void bringBack(std::string_view file) {
     RecoveryRecord record;
     if (!unpackRecovery(file, record).empty()) return;
-    if (!restoreMesh(record).empty()) return;
+    if (restoreMesh(record)) return;
     restoreEditor(record);
     const char* const fault = check(*OB);
     demand(fault == nullptr, fault);
@@ -52,7 +52,7 @@ void bringBack(std::string_view file) {
     RecoveryRecord second;
     demand(unpackRecovery(again, second).empty(), "what was written does not read back");
     fuzz::emptyMesh();
-    demand(restoreMesh(second).empty(), "what was written is unsound");
+    demand(!restoreMesh(second), "what was written is unsound");
     demand(packedMesh() == mesh, "what was written reads back as another mesh");
 }
 

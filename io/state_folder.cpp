@@ -3,7 +3,9 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <pwd.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace polyfab {
 namespace {
@@ -22,15 +24,16 @@ fs::path pathIn(const char* variable) {
 std::string userStateFolder() {
     fs::path base = pathIn("XDG_STATE_HOME");
     if (base.empty()) {
-        const fs::path home = pathIn("HOME");
+        fs::path home = pathIn("HOME");
+        if (const passwd* const user = ::getpwuid(::getuid()); home.empty() && user != nullptr) {
+            home = user->pw_dir;
+        }
         if (home.empty()) return "";
         base = home / ".local" / "state";
     }
     const fs::path folder = base / "polyfab";
     std::error_code failure;
-    if (!fs::is_directory(folder, failure)) {
-        fs::create_directories(folder, failure);
-        if (failure) return "";
+    if (fs::create_directories(folder, failure)) {
         fs::permissions(folder, fs::perms::owner_all, failure);
     }
     return folder;

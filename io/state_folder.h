@@ -7,8 +7,8 @@
 namespace polyfab {
 
 /// "$XDG_STATE_HOME/polyfab" or, where that variable is not an absolute path,
-/// "$HOME/.local/state/polyfab". Makes the folder, for this user
-/// alone, if it is not there. Empty when there is no home or the folder can't be made.
+/// "$HOME/.local/state/polyfab". Makes the folder, for this user alone, if it is not there and can
+/// be made. Empty when the user has no home.
 [[nodiscard]] std::string userStateFolder();
 
 /// The folder of this run; empty: nothing is kept. Set by main before the editor starts.

@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Kills an editing script at random moments, N times (default 200), and looks at what the next start
 # brings back: it must be the mesh after the last step that the script had told of, or after the
-# step that it was at.
-#   scripts/kill_loop.sh PROGRAM [N [SEED [MESH.obj]]]
+# step that it was at. With a pause between saves, in seconds, a thread writes them, and it may be
+# the mesh after any step before.
+#   scripts/kill_loop.sh PROGRAM [N [SEED [MESH.obj [PAUSE]]]]
 set -euo pipefail
 program=$1
 kills=${2:-200}
 RANDOM=${3:-1}
 mesh=${4:-$(dirname "${BASH_SOURCE[0]}")/../samples/gear.obj}
+pause=${5:-0}
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -35,19 +37,19 @@ fail() {
     exit 1
 }
 
-early=0 same=0 newer=0
+early=0 same=0 newer=0 older=0
 for ((i = 1; i <= kills; ++i)); do
     if ((i % 20 == 1)); then
         make_script >"$scratch/args.txt"
         "$program" --batch "@$scratch/args.txt" >"$scratch/whole.txt" || true
         dumps "$scratch/whole.txt" >"$scratch/states.txt"
         begun=$(date +%s%N)
-        "$program" --batch --state-folder "$state" --recovery-seconds 0 "@$scratch/args.txt" \
+        "$program" --batch --state-folder "$state" --recovery-seconds "$pause" "@$scratch/args.txt" \
             >"$scratch/saved.txt" || true
         lasts=$((($(date +%s%N) - begun) / 1000))
         cmp "$scratch/whole.txt" "$scratch/saved.txt"
     fi
-    "$program" --batch --state-folder "$state" --recovery-seconds 0 "@$scratch/args.txt" \
+    "$program" --batch --state-folder "$state" --recovery-seconds "$pause" "@$scratch/args.txt" \
         >"$scratch/killed.txt" 2>"$scratch/errors.txt" &
     child=$!
     sleep "$(printf '%d.%06d' $((RANDOM * 32768 + RANDOM)) 0 | awk -v most="$lasts" \
@@ -64,7 +66,7 @@ for ((i = 1; i <= kills; ++i)); do
     if ! grep -q '"event":"question"' "$scratch/back.txt"; then
         # The whole script was done, or nothing at all.
         all=$(wc -l <"$scratch/states.txt")
-        if ((told > 0 && told < all)); then fail "$i" "nothing came back after $told steps"; fi
+        if ((pause == 0 && told > 0 && told < all)); then fail "$i" "nothing came back after $told steps"; fi
         early=$((early + 1))
         continue
     fi
@@ -74,9 +76,11 @@ for ((i = 1; i <= kills; ++i)); do
         same=$((same + 1))
     elif sed -n "$((told + 1))p" "$scratch/states.txt" | cmp -s - "$scratch/found.txt"; then
         newer=$((newer + 1))
+    elif ((pause > 0)) && head -n "$told" "$scratch/states.txt" | grep -qxFf "$scratch/found.txt"; then
+        older=$((older + 1))
     else
         fail "$i" "after $told steps another mesh came back"
     fi
 done
-echo "$kills kills: $same brought back the last step told, $newer the one after it;" \
-    "$early came before the first save or after the end"
+echo "$kills kills: $same brought back the last step told, $newer the one after it," \
+    "$older an older one; $early came before the first save or after the end"

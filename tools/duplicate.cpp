@@ -4,6 +4,7 @@
 #include "tools/duplicate.h"
 
 #include "display/view.h"
+#include "editor/long_work.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/elements.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <tuple>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -27,58 +29,78 @@ struct Counts {
     std::int64_t faces = 0;
 };
 
-/// A side of a selected face: the edge that it lies on, and the corner that it begins at.
+/// A side of a selected face: the higher point of its edge, and the corner that it begins at.
 struct Side {
-    std::int32_t low, high;
+    std::int32_t high;
     std::int32_t face;
     std::int32_t place;
 };
 
 /// Counts the selected faces and what they use, and gives each point of theirs a number behind the
 /// last point of the mesh.
-Counts countCopies(const Mesh& mesh, Copies& copies) {
+Counts countCopies(const Mesh& mesh, Copies& copies, LoopProgress& progress) {
     Counts counts;
     for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        progress.step();
         if (!isLiveSelected(*face)) continue;
         ++counts.faces;
         counts.corners += face->n;
         for (int k = 0; k < face->n; ++k) copies[pointAt(mesh, *face, k)] = 0;
     }
     for (std::int32_t i = 0; i < mesh.np; ++i) {
+        progress.step();
         if (copies[i] != none) copies[i] = static_cast<std::int32_t>(mesh.np + counts.points++);
     }
     return counts;
 }
 
-std::int64_t listSides(const Mesh& mesh, Table<Side>& sides) {
-    std::int64_t count = 0;
+/// Calls use(low, side) for each side between two points, in the order of faces.
+template <typename Use>
+void eachSide(const Mesh& mesh, LoopProgress& progress, Use use) {
     for (std::int32_t i = 0; i < mesh.nf; ++i) {
+        progress.step();
         const Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
         for (int k = 0; k < face.n; ++k) {
             const auto [low, high] =
                 std::minmax({pointAt(mesh, face, k), pointAt(mesh, face, k + 1)});
-            if (low != high) sides[count++] = {low, high, i, k};
+            if (low != high) use(low, Side{high, i, k});
         }
     }
-    return count;
+}
+
+/// Lists the sides by the lower points of their edges; `ends` becomes where those of a point end.
+void sortSides(const Mesh& mesh, Table<Side>& sides, Table<std::int64_t>& ends,
+               LoopProgress& progress) {
+    eachSide(mesh, progress, [&](std::int32_t low, const Side&) { ++ends[low]; });
+    std::int64_t start = 0;
+    for (std::int32_t i = 0; i < mesh.np; ++i) ends[i] = std::exchange(start, start + ends[i]);
+    eachSide(mesh, progress,
+             [&](std::int32_t low, const Side& side) { sides[ends[low]++] = side; });
+}
+
+/// Keeps those of a point's sides that no other one lies on, from `kept` on; gives their end.
+Side* keepSingle(Side* first, Side* end, Side* kept) {
+    std::sort(first, end, [](const Side& a, const Side& b) { return a.high < b.high; });
+    for (Side* run = first; run != end;) {
+        Side* const next =
+            std::find_if(run, end, [high = run->high](const Side& s) { return s.high != high; });
+        if (next - run == 1) *kept++ = *run;
+        run = next;
+    }
+    return kept;
 }
 
 /// Lists the sides that no other side of a selected face lies on, in the order of faces, and gives
-/// their number.
-std::int64_t findBorder(const Mesh& mesh, Table<Side>& sides) {
+/// their number. `ends` holds a 0 for each point.
+std::int64_t findBorder(const Mesh& mesh, Table<Side>& sides, Table<std::int64_t>& ends,
+                        LoopProgress& progress) {
+    sortSides(mesh, sides, ends, progress);
     Side* const first = &sides[0];
-    Side* const end = first + listSides(mesh, sides);
-    std::sort(first, end, [](const Side& a, const Side& b) {
-        return std::tie(a.low, a.high) < std::tie(b.low, b.high);
-    });
     Side* kept = first;
-    for (Side* run = first; run != end;) {
-        Side* const next = std::find_if(run, end, [edge = *run](const Side& side) {
-            return side.low != edge.low || side.high != edge.high;
-        });
-        if (next - run == 1) *kept++ = *run;
-        run = next;
+    for (std::int32_t i = 0; i < mesh.np; ++i) {
+        progress.step();
+        kept = keepSingle(first + (i == 0 ? 0 : ends[i - 1]), first + ends[i], kept);
     }
     std::sort(first, kept, [](const Side& a, const Side& b) {
         return std::tie(a.face, a.place) < std::tie(b.face, b.place);
@@ -105,11 +127,13 @@ FaceCorner onCopy(const Mesh& mesh, const Copies& copies, FaceCorner corner) {
     return corner;
 }
 
-void appendCopies(Mesh& mesh, const Copies& copies) {
+void appendCopies(Mesh& mesh, const Copies& copies, LoopProgress& progress) {
     for (std::int32_t i = 0, before = mesh.np; i < before; ++i) {
+        progress.step();
         if (copies[i] != none) copyPoint(mesh, i);
     }
     for (std::int32_t i = 0, before = mesh.nf; i < before; ++i) {
+        progress.step();
         Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
         appendFace(mesh, face);
@@ -140,21 +164,27 @@ void appendWall(Mesh& mesh, const Side& side, const Copies& copies, int part) {
 bool duplicate(Mesh& mesh, bool join) {
     Copies copies(mesh.np, none);
     if (!copies) return false;
-    Counts added = countCopies(mesh, copies);
+    // Each array is gone through twice, and twice more for walls.
+    LoopProgress progress((join ? 4 : 2) * (std::int64_t{mesh.np} + mesh.nf));
+    Counts added = countCopies(mesh, copies, progress);
     if (added.faces == 0) {
         platform().message("", "I have no selected faces to duplicate", Icon::none);
         return false;
     }
     Table<Side> border(join ? added.corners : 0);
-    if (!border) return false;
-    const std::int64_t walls = join ? findBorder(mesh, border) : 0;
+    Table<std::int64_t> ends(join ? mesh.np : 0, 0);
+    if (!border || !ends) return false;
+    const std::int64_t walls = join ? findBorder(mesh, border, ends, progress) : 0;
     added.corners += 4 * walls;
     added.faces += walls;
     if (!makeRoom(mesh, added)) return false;
-    appendCopies(mesh, copies);
+    appendCopies(mesh, copies, progress);
     // The walls are a part of their own, by which they can be picked.
     const int part = walls > 0 && mesh.nprt < maxIndexed ? mesh.addPart() : 0;
-    for (std::int64_t i = 0; i < walls; ++i) appendWall(mesh, border[i], copies, part);
+    for (std::int64_t i = 0; i < walls; ++i) {
+        progress.step();
+        appendWall(mesh, border[i], copies, part);
+    }
     mesh.changed = 1;
     stale.edges = true;
     return true;

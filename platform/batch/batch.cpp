@@ -31,22 +31,30 @@ std::string runStep(BatchPlatform& window, const Step& step) {
     return "";
 }
 
+/// Whether a signal has come that ends the process, which the program has been told then.
+bool endedBySignal(BatchPlatform& window, int& status) {
+    const int signal = takeEndSignal();
+    if (signal == 0) return false;
+    if (window.isOpen()) window.send({.kind = EventKind::sessionEnd});
+    status = statusOfSignal(signal);
+    return true;
+}
+
 int runSteps(BatchPlatform& window, const Script& script) {
     std::string now = "start";
+    int status = 0;
     try {
         window.send({.kind = EventKind::create});
         window.resize(window.clientSize());
         for (const Step& step : script.steps) {
-            if (const int signal = takeEndSignal()) {
-                window.send({.kind = EventKind::sessionEnd});
-                return statusOfSignal(signal);
-            }
+            if (endedBySignal(window, status)) return status;
             now = step.words;
             const std::string wrong = runStep(window, step);
             if (!wrong.empty()) return complain(wrong, wrongCommandLine);
             if (window.isOpen()) window.send({.kind = EventKind::idle});
             if (script.stopAfterFailure && window.exclamationShown()) break;
         }
+        if (endedBySignal(window, status)) return status;
     } catch (const Unanswered& caught) {
         return complain(now + ": no fitting answer to " + caught.question, unanswered);
     }

@@ -12,9 +12,8 @@
 namespace polyfab {
 
 /// Runs [--size WxH] [--state-folder DIR] [--recovery-seconds N] [FILE] [STEP ...], argument files
-/// already expanded. Prints what the program
-/// would have shown on standard output, one JSON object a line, and diagnostics on standard error.
-/// Returns the exit status.
+/// already expanded. Prints what the program would have shown on standard output, one JSON object a
+/// line, and diagnostics on standard error. Returns the exit status.
 int runBatch(const Program& program, const std::vector<std::string>& args);
 
 /// Reads one file and writes another, formats by suffix; prints and returns as runBatch. Nothing is

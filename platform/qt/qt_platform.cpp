@@ -55,6 +55,9 @@ class AroundBox {
 /// The user rests when nothing has come for this long, and still does each time this long again.
 constexpr std::chrono::milliseconds restBegins(1000), restGoesOn(30'000);
 
+/// Whose window is open or was; null: nobody's.
+QtPlatform* watching = nullptr;
+
 bool isInput(EventKind kind) {
     constexpr EventKind kinds[] = {EventKind::keyDown, EventKind::keyUp,   EventKind::mouse,
                                    EventKind::wheel,   EventKind::command, EventKind::drop,
@@ -75,6 +78,8 @@ QtPlatform::QtPlatform(const Program& runProgram, const std::string& stateFolder
     busy.setTextFormat(Qt::PlainText);
     busy.hide();
 }
+
+QtPlatform::~QtPlatform() { watching = nullptr; }
 
 void QtPlatform::start(const std::string& file) {
     open = true;
@@ -98,6 +103,8 @@ void QtPlatform::beginWatch() {
         auto* const notifier = new QSocketNotifier(caught, QSocketNotifier::Read, &window);
         QObject::connect(notifier, &QSocketNotifier::activated, &window, [this] { endBySignal(); });
     }
+    watching = this;
+    [[maybe_unused]] static const int registered = std::atexit(endByExit);
     idle.setSingleShot(true);
     QObject::connect(&idle, &QTimer::timeout, &window, [this] { sendIdle(); });
 }
@@ -115,6 +122,11 @@ void QtPlatform::endBySignal() {
     // What waits for a box, or is at work, could not go on with the window gone.
     if (depth > 0) std::_Exit(statusOfSignal(endSignal));
     destroyWindow();
+}
+
+/// The toolkit calls exit() when the display dies.
+void QtPlatform::endByExit() {
+    if (watching != nullptr) watching->send({.kind = EventKind::sessionEnd});
 }
 
 void QtPlatform::run() {

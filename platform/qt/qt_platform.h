@@ -24,6 +24,7 @@ class QtPlatform : public Platform {
   public:
     /// What is kept from run to run goes into the folder; with "" nothing is.
     explicit QtPlatform(const Program& program, const std::string& stateFolder = "");
+    ~QtPlatform() override;
 
     /// Sends the create event and shows the window, and the start event with the file (none if
     /// empty) once it is drawn.
@@ -66,6 +67,7 @@ class QtPlatform : public Platform {
     void beginWatch();
     void sendIdle();
     void endBySignal();
+    static void endByExit();
     const QImage& currentPicture();
     void letShow();
     /// The owner of boxes: none while the window is not shown, so that they get a place of their

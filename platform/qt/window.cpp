@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
 
 #include <cmath>
 
@@ -133,7 +134,8 @@ void Canvas::dropEvent(QDropEvent* event) {
 Window::Window(const WindowEvents& windowEvents)
     : events(windowEvents), pane(new Canvas(windowEvents)) {
     setCentralWidget(pane);
-    resize(1200, 640);
+    // On a small screen as large as fits, with some room for what the desktop puts around it.
+    resize(QSize(1200, 640).boundedTo(screen()->availableSize() - QSize(16, 48)));
     pane->resize(size()); // a first client size, until the frame is laid out
     pane->setFocus();
 }

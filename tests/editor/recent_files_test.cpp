@@ -12,10 +12,14 @@ namespace {
 class RecentFiles : public testing::Test {
   protected:
     RecentFiles() { stateFolder = folder.path(""); }
-    ~RecentFiles() override { stateFolder.clear(); }
+    ~RecentFiles() override {
+        stateFolder.clear();
+        loadRecentFiles();
+    }
 
     static std::vector<std::string> paths() {
         std::vector<std::string> list;
+        loadRecentFiles();
         for (const RecentFile& file : recentFiles()) {
             list.push_back((file.imported ? "+" : "") + file.path);
         }

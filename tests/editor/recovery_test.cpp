@@ -6,12 +6,15 @@
 #include "editor/recovery_file.h"
 #include "editor/recovery_folder.h"
 #include "editor/report.h"
+#include "editor/undo.h"
 #include "io/state_folder.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <thread>
 
 namespace polyfab::test {
 namespace {
@@ -28,6 +31,7 @@ class RecoveryTest : public WindowEvents {
     ~RecoveryTest() override {
         send(EventKind::destroy);
         createMesh();
+        setUndoMemory(defaultUndoMemory());
         setRecoverySeconds(120);
         stateFolder.clear();
     }
@@ -125,13 +129,15 @@ TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
 }
 
 TEST_F(RecoveryTest, WhatIsAnsweredDecidesWhatStays) {
+    const std::string other =
+        "message|recovery|I found another mesh that I ask about when you start me again";
     const struct Row {
         std::deque<Choice> answers;
         Log asked;
         int faces;             ///< of the mesh then
         std::size_t stillKept; ///< when this editor has come to a good end
     } rows[] = {
-        {{Choice::yes}, {"new"}, 5, 1}, // the older one waits for the next start
+        {{Choice::yes}, {"new", other}, 5, 1},
         {{Choice::no, Choice::yes}, {"new", "old"}, 4, 0},
         {{Choice::no, Choice::no}, {"new", "old"}, 0, 0},
         {{Choice::cancel}, {"new"}, 0, 2},
@@ -193,13 +199,40 @@ TEST_F(RecoveryTest, DamageIsToldAndTheFileKept) {
     for (int i = 0; i < std::ssize(rows); ++i) {
         fs::create_directories(folder.path(entry));
         folder.write(entry + "/mesh", rows[i].bytes);
-        const std::string aside = entry + (i > 0 ? "-" + std::to_string(i + 1) : "") + ".damaged";
+        const std::string aside = entry + (i > 0 ? "-" + std::to_string(i + 1) : "") + ".kept";
         EXPECT_EQ(start({}),
                   Log{title + rows[i].wrong + "|I keep the file as " + folder.path(aside)});
         EXPECT_EQ(folder.read(aside), rows[i].bytes);
         EXPECT_FALSE(folder.has(entry));
         EXPECT_EQ(OB->nf, 0);
     }
+    // What may do better another time stays where it is.
+    fs::create_directories(folder.path(entry + "/mesh"));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(start({}), Log{title + "it can't be opened|I try it again at the next start: "
+                                 + folder.path(entry + "/mesh")});
+    }
+}
+
+TEST_F(RecoveryTest, AMeshThatIsUnsoundOrAViewThatIsUselessDoesNoHarm) {
+    cubeIn(358);
+    RecoveryRecord record = recoveryRecord(takeSnapshot(*OB, nullptr));
+    const auto leave = [&] {
+        RecoveryFolder gone = RecoveryFolder::make(stateFolder);
+        ASSERT_TRUE(writeRecoveryFile(gone.file(), record));
+    };
+    record.editor.view.scale = 1e306;
+    leave();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_EQ(liveFaces(), 6);
+    EXPECT_LT(view.scale, 1e6);
+    close();
+    cubeIn(358);
+    OB->faces[0].g = 9;
+    record.mesh = takeSnapshot(*OB, nullptr);
+    leave();
+    EXPECT_TRUE(start({Choice::yes}).at(0).starts_with("message!|I can't bring back"));
+    EXPECT_EQ(OB->nf + OB->ng + OB->changed, 0);
 }
 
 TEST_F(RecoveryTest, EveryFlippedBitIsFound) {
@@ -253,6 +286,38 @@ TEST_F(RecoveryTest, SavesAtRestOnlyWhatIsNewAndNeverInADrag) {
     EXPECT_TRUE(saves()); // long work does not wait for that
 }
 
+TEST_F(RecoveryTest, AThreadWritesWhatWasThereAtRest) {
+    cubeIn(358);
+    setRecoverySeconds(1);
+    OB->changed = 1;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    rest();
+    OB->faces[0].q = nullptr; // while it writes
+    while (kept().empty() || !folder.has(kept()[0] + "/mesh")) std::this_thread::yield();
+    rest(); // too soon for what is new
+    startRecovery();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_EQ(liveFaces(), 6);
+}
+
+TEST_F(RecoveryTest, AFolderThatSomebodyRemovedIsMadeAnew) {
+    cubeIn(358);
+    OB->changed = 1;
+    for (const char* const removed : {"", "/recovery-"}) {
+        OB->points[0].x += 1;
+        rest();
+        ASSERT_EQ(kept().size(), 1U);
+        fs::remove_all(*removed != 0 ? folder.path(kept()[0]) : stateFolder);
+    }
+    OB->points[0].x = 77;
+    shown.log.clear();
+    rest();
+    EXPECT_EQ(shown.log, nothing);
+    startRecovery();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_EQ(OB->points[0].x, 77);
+}
+
 TEST_F(RecoveryTest, TheFileGoesWithAWholeWriteAndStaysWhenTheSessionEnds) {
     cubeIn(358);
     OB->changed = 1;
@@ -297,6 +362,34 @@ TEST_F(RecoveryTest, ASessionThatEndsInACommandSavesWhatWasBeforeIt) {
     EXPECT_EQ(OB->faces[0].n, 4);
 }
 
+TEST_F(RecoveryTest, WithoutStepsASessionThatEndsInACommandSavesWhatThereIs) {
+    struct Ending : FakePlatform {
+        Choice question(const std::string&, const std::string&, Buttons) override {
+            handleEvent({.kind = EventKind::sessionEnd});
+            return Choice::no;
+        }
+    };
+    setUndoMemory(0);
+    cubeIn(358);
+    OB->changed = 1;
+    {
+        Ending ending;
+        command(299); // asks
+    }
+    EXPECT_EQ(kept().size(), 1U);
+}
+
+TEST_F(RecoveryTest, ALogOutThatDidNotComeIsForgotten) {
+    cubeIn(358);
+    OB->changed = 1;
+    handleEvent({.kind = EventKind::sessionEnd});
+    mouse(5, 5, 0);
+    key(key::shift);
+    shown.log.clear();
+    send(EventKind::close);
+    EXPECT_TRUE(shown.log.at(0).starts_with("question|"));
+}
+
 TEST_F(RecoveryTest, ASessionThatEndsInTheQuestionLeavesAllAsItWas) {
     struct Ending : FakePlatform {
         Choice question(const std::string&, const std::string&, Buttons) override {
@@ -315,19 +408,33 @@ TEST_F(RecoveryTest, ASessionThatEndsInTheQuestionLeavesAllAsItWas) {
     EXPECT_EQ(liveFaces(), 5);
 }
 
-TEST_F(RecoveryTest, ThatNothingCanBeWrittenIsToldOnce) {
+TEST_F(RecoveryTest, WhatCanNotBeSavedIsToldOnce) {
+    const std::string title = "message!|I can't write a recovery file, so save your work yourself|";
+    const auto told = [&] {
+        shown.log.clear();
+        for (int i = 0; i < 3; ++i) rest();
+        return shown.log;
+    };
     cubeIn(358);
-    stateFolder = folder.path("missing");
     OB->changed = 1;
-    shown.log.clear();
-    for (int i = 0; i < 3; ++i) rest();
-    EXPECT_EQ(shown.log, Log{"message!|I can't write a recovery file, so save your work yourself|"
-                             + stateFolder});
+    OB->faces[0].g = 9;
+    EXPECT_EQ(told(), Log{title + check(*OB)});
+    OB->faces[0].g = 0;
+    EXPECT_EQ(told(), nothing);
+    EXPECT_EQ(kept().size(), 1U);
+    startRecovery();
+    stateFolder = folder.write("file", "") + "/below";
+    EXPECT_EQ(told(), Log{title + stateFolder});
     // Then the end of the session does not let the window go without a question.
     handleEvent({.kind = EventKind::sessionEnd});
     shown.log.clear();
     send(EventKind::close);
     EXPECT_TRUE(shown.log.at(0).starts_with("question|"));
+}
+
+TEST_F(RecoveryTest, AStateFolderThatCanNotBeUsedIsToldAtTheStart) {
+    stateFolder = folder.write("file", "") + "/below";
+    EXPECT_EQ(start({}).size(), 1U);
 }
 
 TEST_F(RecoveryTest, WhatIsNotTheEditorsStays) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands.h"
+#include "editor/undo.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
@@ -148,6 +149,24 @@ TEST_F(Window, DropsOfOneFileAreReadAndOfSeveralRefused) {
     handleEvent({.kind = EventKind::drop, .paths = {path}});
     EXPECT_EQ(shown.windowTitle, "polyfab [" + path + "] ");
     EXPECT_EQ(state()["nf"], 1);
+}
+
+TEST_F(Window, UndoTellsWhatAListDid) {
+    const Spot first{20, 8}, second{20, 24}; // cells
+    cubeIn(358);
+    OB->addGroup("other");
+    startHistory();
+    command(264);
+    shown.dialogAnswers = {{"new name"}};
+    mouse(first, button::right);
+    mouse(first, 0);
+    EXPECT_EQ(undoLabel(), "rename");
+    down(key::ctrl);
+    drag(first, second);
+    EXPECT_EQ(undoLabel(), "reorder");
+    click(first);
+    down(key::escape);
+    EXPECT_EQ(undoLabel(), "groups list");
 }
 
 TEST_F(Window, TheDumpHoldsTheWholeMesh) {
