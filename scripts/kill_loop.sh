@@ -76,7 +76,7 @@ for ((i = 1; i <= kills; ++i)); do
         same=$((same + 1))
     elif sed -n "$((told + 1))p" "$scratch/states.txt" | cmp -s - "$scratch/found.txt"; then
         newer=$((newer + 1))
-    elif ((pause > 0)) && head -n "$told" "$scratch/states.txt" | grep -qxFf "$scratch/found.txt"; then
+    elif ((pause > 0)) && grep -qxFf "$scratch/found.txt" <(head -n "$told" "$scratch/states.txt"); then
         older=$((older + 1))
     else
         fail "$i" "after $told steps another mesh came back"
