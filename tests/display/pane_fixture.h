@@ -12,12 +12,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace polyfab::test {
-
-inline constexpr double infinity = std::numeric_limits<double>::infinity();
-inline constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 class PaneTest : public MeshTest {
   protected:

@@ -193,6 +193,9 @@ TEST_F(ImportMesh, ExportsWhatItImports) {
 }
 
 TEST_F(ImportMesh, AFailedExportLeavesTheOldFile) {
+    const std::string temporary = std::filesystem::temp_directory_path();
+    const test::TempFolder scratch;
+    setenv("TMPDIR", scratch.path("").c_str(), 1);
     const std::string path = folder.write("a.stl", "old");
     EXPECT_EQ(exportTo(path), "there is no face to write");
     test::addCube();
@@ -209,6 +212,8 @@ TEST_F(ImportMesh, AFailedExportLeavesTheOldFile) {
     shown.choices = {Choice::yes};
     EXPECT_EQ(exportTo(path), "");
     EXPECT_EQ(folder.read("a.stl").size(), 84U + 10 * 50);
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.path("")));
+    setenv("TMPDIR", temporary.c_str(), 1);
 }
 
 TEST(ImportStream, IsReadWholeOrNotAtAll) {

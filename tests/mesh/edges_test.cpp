@@ -123,7 +123,7 @@ std::string plainOrient(Faces& faces) {
         }
     }
     for (std::size_t i = 0; i < faces.size(); ++i) {
-        auto& corners = std::get<2>(faces[i]);
+        auto& corners = faces[i].corners;
         if (turned[i] == 1) std::reverse(corners.begin(), corners.end());
     }
     const auto reversed = std::count(turned.begin(), turned.end(), 1);

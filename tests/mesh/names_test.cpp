@@ -17,6 +17,7 @@ TEST_F(Names, AreStoredTrimmedAndCutAndFoundAgainAlsoByTheTable) {
     OB->addGroup("twice");
     NameTable table(*OB, NameTable::Kind::groups);
     EXPECT_EQ(table.findOrAdd("twice "), 0);
+    EXPECT_EQ(OB->findOrAddGroup("twice"), 0);
     const std::pair<std::string, std::string> rows[] = {
         {"left arm \t ", "left arm"},
         {" in front", " in front"},
@@ -72,7 +73,9 @@ TEST_F(Names, SelectedFacesGoIntoANewGroupEachTime) {
         EXPECT_EQ(OB->faces[f].mat, f < 2 ? 0 : 1);
     }
     OB->faces[2].g = OB->faces[2].mat = 1;
+    OB->changed = 0;
     amalgamateGroups(*OB); // group 2 is called as group 1
+    EXPECT_EQ(OB->changed, 1);
     for (int f = 0; f < 6; ++f) EXPECT_EQ(OB->faces[f].g, f < 2 ? 0 : 1);
     OB->curgroup = 1;
     EXPECT_STREQ(OB->currentGroupName(), "NewGroup");

@@ -7,7 +7,6 @@
 #include <array>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace polyfab::test {
@@ -59,18 +58,30 @@ inline std::vector<int> pointsOf(int index) {
     return points;
 }
 
-/// The live faces by the names of group and material and what each corner refers to (position, u,
-/// x of the normal), so that they can be compared across meshes.
-inline auto describe() {
-    std::vector<std::tuple<std::string, std::string, std::vector<std::array<double, 5>>>> faces;
+/// A face by the names of group and material, its other numbers and what each corner refers to
+/// (position, u, x of the normal), so that it can be compared across meshes.
+struct Description {
+    std::string group, material;
+    int tma, prt, selected;
+    std::vector<std::array<double, 5>> corners;
+
+    bool operator==(const Description&) const = default;
+};
+
+/// The live faces.
+inline std::vector<Description> describe() {
+    std::vector<Description> faces;
     for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
         if (face->q == nullptr) continue;
-        auto& [group, material, corners] = faces.emplace_back();
-        group = OB->groups[face->g].name;
-        material = OB->materials[face->mat].name;
+        faces.push_back({OB->groups[face->g].name,
+                         OB->materials[face->mat].name,
+                         face->tma,
+                         face->prt,
+                         face->selected,
+                         {}});
         for (const FaceCorner* c = face->q; c != face->q + face->n; ++c) {
             const double x = c->d != nullptr ? c->d->x : -1;
-            corners.push_back({c->p->x, c->p->y, c->p->z, c->t->u, x});
+            faces.back().corners.push_back({c->p->x, c->p->y, c->p->z, c->t->u, x});
         }
     }
     return faces;

@@ -7,7 +7,9 @@
 #include "mesh/garbage.h"
 #include "tests/mesh/random_mesh.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <string>
 
 namespace polyfab::test {
@@ -67,46 +69,22 @@ class SnapshotTest : public MeshTest {
     /// Something that a command might do.
     void change() {
         const auto face = [&]() -> Face& { return OB->faces[below(OB->nf)]; };
-        const auto point = [&]() -> Point& { return OB->points[below(OB->np)]; };
-        switch (below(12)) {
-            case 0:
-                point().x = std::nan("");
-                break;
-            case 1:
-                face().selected = static_cast<std::uint8_t>(below(3));
-                break;
-            case 2:
-                face().q = nullptr;
-                break;
-            case 3:
-                addFaces(1 + below(3000));
-                break;
-            case 4:
-                OB->nf -= OB->nf / 2;
-                break;
-            case 5:
-                collectGarbage(*OB);
-                break;
-            case 6:
-                checkEdges(*OB, false, true, below(2) != 0);
-                break;
-            case 7:
-                OB->addGroup("g" + std::to_string(below(99)));
-                break;
-            case 8:
-                OB->curface = below(OB->nf);
-                break;
-            case 9:
-                OB->addNormal(below(9), 0, 0);
-                face().n = 1;
-                break;
-            case 10:
-                OB->mtllib[below(5)] = 'x';
-                break;
-            case 11:
-                for (int i = 0; i < OB->np; ++i) OB->points[i].y += 1;
-                break;
-        }
+        const std::function<void()> commands[] = {
+            [&] { OB->points[below(OB->np)].x = std::nan(""); },
+            [&] { face().selected = static_cast<std::uint8_t>(below(3)); },
+            [&] { face().q = nullptr; },
+            [&] { addFaces(1 + below(3000)); },
+            [&] { OB->nf -= OB->nf / 2; },
+            [&] { collectGarbage(*OB); },
+            [&] { checkEdges(*OB, false, true, below(2) != 0); },
+            [&] { OB->addGroup("g" + std::to_string(below(99))); },
+            [&] { OB->curface = below(OB->nf); },
+            [&] { OB->addNormal(below(9), 0, 0); },
+            [&] { face().n = 1; },
+            [&] { OB->mtllib[below(5)] = 'x'; },
+            [&] { std::for_each_n(OB->points, OB->np, [](Point& p) { p.y += 1; }); },
+        };
+        commands[below(13)]();
         if (OB->nf == 0) addFaces(4);
     }
 

@@ -34,7 +34,10 @@ class BatchDriver : public Driver {
             if (event.kind == EventKind::keyUp) window.send(event);
         }
     }
-    void input(const Event& event) override { window.send(event); }
+    void input(const Event& event, const std::deque<Answer>& answers) override {
+        window.setAnswers(answers);
+        window.send(event);
+    }
     void resize(Size size) override { window.resize(size); }
     bool isOpen() override { return window.isOpen(); }
     MenuItem item(int id) override {

@@ -68,6 +68,7 @@ TEST(Batch, PrintsOneLineForWhateverIsShown) {
         {"busy", 0,
          "{\"event\":\"busy\",\"text\":\"HANG ON\"}\n{\"event\":\"beep\"}\n"
          "{\"event\":\"busy\",\"text\":\"\"}"},
+        {"greyed|--state", 0, "{\"event\":\"beep\"}\n{\"s\":1}"}, // the run goes on
     };
     for (const auto& row : cases) {
         const Outcome got = run("--command|" + row.command);
@@ -112,12 +113,6 @@ TEST(Batch, StopsAtTheFirstStepThatCannotBe) {
         EXPECT_NE(got.err, "") << args;
         EXPECT_EQ(toyState.log.back(), "destroy") << args;
     }
-}
-
-TEST(Batch, ACommandThatIsGreyedForNowBeepsAndTheRunGoesOn) {
-    const Outcome got = run("--command|greyed|--state", true);
-    EXPECT_EQ(got.status, 0);
-    EXPECT_EQ(got.out, "{\"event\":\"beep\"}\n{\"s\":1}\n");
 }
 
 TEST(Batch, EventStepsArriveInOrder) {

@@ -11,7 +11,7 @@
 
 namespace polyfab::test {
 
-/// A backend that runs the toy program as the current platform; its window is created and shown.
+/// A backend that runs a program as the current platform; its window is created and shown.
 class Driver {
   public:
     virtual ~Driver() = default;
@@ -19,15 +19,18 @@ class Driver {
     virtual void choose(int command, const std::deque<Answer>& answers) = 0;
     /// Runs the long work, during which these keys go down and up.
     virtual void work(const std::vector<Event>& typed) = 0;
-    /// Makes what the event tells of happen: keys, mouse, drop, close and the window events.
-    virtual void input(const Event& event) = 0;
+    /// Makes what the event tells of happen: keys, mouse, drop, close and the window events; and
+    /// answers the box that it brings up.
+    virtual void input(const Event& event, const std::deque<Answer>& answers = {}) = 0;
     virtual void resize(Size size) = 0;
     virtual bool isOpen() = 0;
     virtual MenuItem item(int id) = 0;             ///< id 0: not in the menu
     virtual std::uint32_t pixel(int x, int y) = 0; ///< of what the window shows
 };
 
+// With the toy program, or with any.
 std::unique_ptr<Driver> makeBatchDriver();
 std::unique_ptr<Driver> makeQtDriver();
+std::unique_ptr<Driver> makeQtDriverOf(const Program& program);
 
 } // namespace polyfab::test

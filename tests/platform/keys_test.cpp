@@ -25,21 +25,12 @@ TEST(Keys, CodesNameTheKeyNotWhatItTypes) {
         // The keypad has codes of its own while it types numbers.
         {Qt::Key_0, Qt::KeypadModifier, 90, 96},
         {Qt::Key_Insert, Qt::KeypadModifier, 90, 45},
-        {Qt::Key_9, Qt::KeypadModifier, 81, 105},
-        {Qt::Key_PageUp, Qt::KeypadModifier, 81, 33},
-        {Qt::Key_Clear, Qt::KeypadModifier, 85, 12},
-        {Qt::Key_Asterisk, Qt::KeypadModifier, 63, 106},
         {Qt::Key_Plus, Qt::KeypadModifier, 86, 107},
-        {Qt::Key_Minus, Qt::KeypadModifier, 82, 109},
         {Qt::Key_Comma, Qt::KeypadModifier, 91, 110}, // German
         {Qt::Key_Delete, Qt::KeypadModifier, 91, 46},
-        {Qt::Key_Slash, Qt::KeypadModifier, 106, 111},
-        {Qt::Key_Enter, Qt::KeypadModifier, 104, 13},
         {Qt::Key_Plus, Qt::ShiftModifier, 21, 187},
         {Qt::Key_Down, Qt::NoModifier, 0, 40},
         // Both sides of the modifiers are one key.
-        {Qt::Key_Shift, Qt::NoModifier, 62, 16},
-        {Qt::Key_Control, Qt::NoModifier, 105, 17},
         {Qt::Key_Alt, Qt::NoModifier, 64, 18},
         {Qt::Key_AltGr, Qt::NoModifier, 108, 18},
         {Qt::Key_Meta, Qt::ShiftModifier, 108, 18},
@@ -49,7 +40,6 @@ TEST(Keys, CodesNameTheKeyNotWhatItTypes) {
         {0x0419, Qt::NoModifier, 24, 'Q'},
         {0x042C, Qt::NoModifier, 58, 'M'},
         {Qt::Key_A, Qt::NoModifier, 24, 'A'},
-        {Qt::Key_F12, Qt::NoModifier, 0, 123},
         {Qt::Key_VolumeUp, Qt::NoModifier, 0, 0},
     };
     for (const auto& row : cases) {

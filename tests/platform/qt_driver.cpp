@@ -88,7 +88,7 @@ void drop(QWidget& target, const std::vector<std::string>& paths) {
 
 class QtDriver : public Driver {
   public:
-    QtDriver() {
+    explicit QtDriver(const Program& program) : backend(program) {
         setPlatform(&backend);
         backend.start("");
         settle();
@@ -96,17 +96,7 @@ class QtDriver : public Driver {
     }
     ~QtDriver() override { backend.destroyWindow(); }
     void choose(int command, const std::deque<Answer>& answers) override {
-        QTimer answering;
-        QObject::connect(&answering, &QTimer::timeout, &answering, [this, &answers] {
-            QWidget* const box = QApplication::activeModalWidget();
-            if (!box) return;
-            const double before = backend.workSeconds();
-            std::this_thread::sleep_for(std::chrono::milliseconds(25));
-            disturb();
-            EXPECT_EQ(backend.workSeconds(), before); // the user takes his time
-            answerBox(*box, answers);
-        });
-        answering.start(1);
+        const auto answering = answerWith(answers);
         if (QAction* const action = window.action(command)) action->trigger();
         settle();
     }
@@ -132,7 +122,8 @@ class QtDriver : public Driver {
         settle();
         if (typing.isActive()) type(); // the work was over at once
     }
-    void input(const Event& event) override {
+    void input(const Event& event, const std::deque<Answer>& answers) override {
+        const auto answering = answerWith(answers);
         QWidget other;
         const bool down = event.kind == EventKind::keyDown;
         if (down || event.kind == EventKind::keyUp) sendKey(window, event.key, down);
@@ -171,6 +162,21 @@ class QtDriver : public Driver {
     }
 
   private:
+    /// The user of the boxes, for as long as he is kept.
+    std::unique_ptr<QTimer> answerWith(const std::deque<Answer>& answers) {
+        auto answering = std::make_unique<QTimer>();
+        QObject::connect(answering.get(), &QTimer::timeout, &window, [this, &answers] {
+            QWidget* const box = QApplication::activeModalWidget();
+            if (!box) return;
+            const double before = backend.workSeconds();
+            std::this_thread::sleep_for(std::chrono::milliseconds(25));
+            disturb();
+            EXPECT_EQ(backend.workSeconds(), before); // the user takes his time
+            answerBox(*box, answers);
+        });
+        answering->start(1);
+        return answering;
+    }
     /// What a window manager may do while a box is open.
     void disturb() {
         window.resize(window.size() + QSize(1, 1));
@@ -181,12 +187,16 @@ class QtDriver : public Driver {
     static void settle() {
         for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
     }
-    QtPlatform backend{toyProgram()};
+    QtPlatform backend;
     Window& window = backend.mainWindow();
 };
 
 } // namespace
 
-std::unique_ptr<Driver> makeQtDriver() { return std::make_unique<QtDriver>(); }
+std::unique_ptr<Driver> makeQtDriver() { return makeQtDriverOf(toyProgram()); }
+
+std::unique_ptr<Driver> makeQtDriverOf(const Program& program) {
+    return std::make_unique<QtDriver>(program);
+}
 
 } // namespace polyfab::test

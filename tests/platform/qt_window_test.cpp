@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <csignal>
@@ -60,6 +61,13 @@ const MenuBar bar = {
     {"&one", {{21, "&first"}, {22, "&second"}, {23, "another: &s"}, {24, "&grey", false}}},
     {"t&wo", {{25, "&first", true, false, false, "Ctrl+K"}, {26, "l&ast", true, true, true}}},
 };
+
+TEST_F(QtWindow, FitsOnASmallScreen) {
+    const QSize room = window.screen()->availableSize();
+    ASSERT_LT(room.width(), 1200); // off screen
+    EXPECT_LT(window.width(), room.width());
+    EXPECT_EQ(window.height(), 640);
+}
 
 TEST_F(QtWindow, LettersAndShortcutsWorkTheMenus) {
     backend.setMenuBar("A", bar);

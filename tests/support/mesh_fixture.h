@@ -7,9 +7,13 @@
 #include "tests/support/fake_platform.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <vector>
 
 namespace polyfab::test {
+
+inline constexpr double infinity = std::numeric_limits<double>::infinity();
+inline constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 /// Empties OB. A clear leaves the groups behind; here nothing may outlive the test.
 inline void emptyMesh() {

@@ -4,15 +4,12 @@
 
 #include "tests/tools/tool_test.h"
 
-#include <limits>
-
 namespace polyfab::test {
 namespace {
 
 using Distance = ToolTest;
 
 TEST_F(Distance, IsToldInUnitsAndInFeetAndInches) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     struct {
         Vec3 a, b;
         std::string told;

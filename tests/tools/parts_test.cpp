@@ -7,7 +7,6 @@
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
 
-#include <limits>
 #include <map>
 #include <set>
 
@@ -45,30 +44,35 @@ std::map<int, std::vector<int>> neighbours() {
     return list;
 }
 
+/// Numbers the faces that touch the seed, or touch one that is numbered for that.
+template <typename Touches>
+void spread(Numbering& to, const Numbers& faces, int seed, Touches touches) {
+    to.of[seed] = to.count;
+    for (std::size_t before = 0; before != to.of.size();) {
+        before = to.of.size();
+        for (const auto& [face, number] : std::map(to.of)) {
+            if (number != to.count) continue;
+            for (const int other : faces) {
+                if (touches(face, other)) to.of.try_emplace(other, to.count);
+            }
+        }
+    }
+    ++to.count;
+}
+
 Numbering partsBySweeps(double maxAngle) {
     Numbering parts;
     auto next = neighbours();
+    const auto touch = [&](int face, int other) {
+        if (std::count(next[face].begin(), next[face].end(), other) == 0) return false;
+        if (maxAngle == 0) return true;
+        return maxAngle > angleBetween(faceNormal(OB->faces[face]), faceNormal(OB->faces[other]));
+    };
     const Numbers faces = liveFaces();
-    std::set<int> expanded;
     for (const int seed : faces) {
         if (parts.of.contains(seed)) continue;
         parts.titles.push_back(countTitle(parts.count, "parts found"));
-        parts.of[seed] = parts.count;
-        for (bool changed = true; changed;) {
-            changed = false;
-            for (const int face : faces) {
-                if (!parts.of.contains(face) || !expanded.insert(face).second) continue;
-                for (const int other : next[face]) {
-                    const double angle = maxAngle == 0 ? -1
-                                                       : angleBetween(faceNormal(OB->faces[face]),
-                                                                      faceNormal(OB->faces[other]));
-                    if (!(maxAngle > angle) || parts.of.contains(other)) continue;
-                    parts.of[other] = parts.count;
-                    changed = true;
-                }
-            }
-        }
-        ++parts.count;
+        spread(parts, faces, seed, touch);
     }
     parts.titles.push_back("title|before");
     return parts;
@@ -86,6 +90,11 @@ std::set<const TexCoord*> texCoordsOf(int index) {
 Numbering areasBySweeps() {
     Numbering areas;
     areas.titles = {"title|collecting garbage", "title|before"};
+    const auto touch = [](int face, int other) {
+        const auto used = texCoordsOf(face), others = texCoordsOf(other);
+        return std::any_of(used.begin(), used.end(),
+                           [&](const TexCoord* t) { return others.contains(t); });
+    };
     const Numbers faces = liveFaces();
     for (const int face : faces) {
         if (texCoordsOf(face).empty()) areas.of[face] = 0;
@@ -94,22 +103,8 @@ Numbering areasBySweeps() {
     areas.titles.push_back(countTitle(1, "texture map areas found, 0 iterations"));
     for (const int seed : faces) {
         if (areas.of.contains(seed)) continue;
-        areas.of[seed] = areas.count;
-        std::set<const TexCoord*> reached = texCoordsOf(seed);
-        for (bool changed = true; changed;) {
-            changed = false;
-            for (const int face : faces) {
-                const auto used = texCoordsOf(face);
-                const auto isReached = [&](const TexCoord* t) { return reached.contains(t); };
-                if (areas.of.contains(face) || std::none_of(used.begin(), used.end(), isReached)) {
-                    continue;
-                }
-                areas.of[face] = areas.count;
-                reached.insert(used.begin(), used.end());
-                changed = true;
-            }
-        }
-        areas.titles.push_back(countTitle(++areas.count, "texture map areas found, 1 iterations"));
+        spread(areas, faces, seed, touch);
+        areas.titles.push_back(countTitle(areas.count, "texture map areas found, 1 iterations"));
     }
     areas.titles.push_back("title|before");
     return areas;
@@ -128,9 +123,7 @@ class Parts : public ToolTest {
 };
 
 TEST_F(Parts, AreThoseOfThePlainRule) {
-    const double limits[] = {0,     -1,   -1e-300, 1e-6, 30,
-                             90,    120,  180,     181,  std::numeric_limits<double>::quiet_NaN(),
-                             1e300, -0.0, 60};
+    const double limits[] = {0, -1, -1e-300, 1e-6, 30, 90, 120, 180, 181, nan, 1e300, -0.0, 60};
     int most = 0;
     for (int round = 0; round < 4000; ++round) {
         // Faces of one or two corners and repeated points among them, as before a collection.

@@ -179,6 +179,7 @@ TEST_F(Duplicate, CopiesAndWallsAreThoseOfThePlainRule) {
         std::map<std::pair<int, int>, int> sides; // as they run; with their number
         std::size_t live = 0;
         for (const int face : liveFaces()) {
+            faces[live].selected = 0;
             if (OB->faces[face].selected) faces.push_back(before[live]);
             ++live;
         }

@@ -32,6 +32,24 @@ class ToolTest : public MeshTest {
     RandomMesh random{20};
 };
 
+/// Adds a face with corners of its own at these positions to OB.
+inline Face& addFaceAt(const std::vector<Vec3>& corners) {
+    Numbers points;
+    for (const Vec3& at : corners) points.push_back(OB->addPoint(at.x, at.y, at.z, false));
+    return *addFace(points);
+}
+
+/// Adds rows and columns of quads in the plane z = 0 that look along z to OB.
+inline void addGrid(int columns, int rows) {
+    for (int y = 0; y <= rows; ++y) {
+        for (int x = 0; x <= columns; ++x) OB->addPoint(x, y, 0, false);
+    }
+    for (int p = 0; p < rows * (columns + 1); ++p) {
+        if (p % (columns + 1) == columns) continue;
+        addFace({p, p + 1, p + columns + 2, p + columns + 1});
+    }
+}
+
 /// The numbers of the live faces, or of those that are selected.
 inline Numbers liveFaces(bool onlySelected = false) {
     Numbers list;

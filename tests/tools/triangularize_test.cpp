@@ -4,8 +4,6 @@
 
 #include "tests/tools/tool_test.h"
 
-#include <utility>
-
 namespace polyfab::test {
 namespace {
 
@@ -26,19 +24,7 @@ Pieces quadsOf(int n) {
     return pieces;
 }
 
-/// The live faces in full: what describe() tells of them, their other fields, and their numbers.
-struct Told {
-    decltype(describe()) faces = describe();
-    std::vector<std::array<int, 3>> fields;
-    Numbers numbers = liveFaces();
-
-    Told() {
-        for (const int i : numbers) {
-            const Face& face = OB->faces[i];
-            fields.push_back({face.tma, face.prt, face.selected});
-        }
-    }
-};
+using Faces = std::vector<Description>;
 
 class Triangularize : public ToolTest {
   protected:
@@ -64,22 +50,17 @@ class Triangularize : public ToolTest {
         }
     }
 
-    /// Appends one piece of face `index` of `from`.
-    static void append(Told& to, const Told& from, std::size_t index, const Numbers& places) {
-        auto piece = from.faces[index];
-        auto& corners = std::get<2>(piece);
-        const auto all = std::exchange(corners, {});
-        for (const int k : places) corners.push_back(all[static_cast<std::size_t>(k)]);
-        to.faces.push_back(piece);
-        to.fields.push_back(from.fields[index]);
-        to.fields.back()[2] = 1;
+    /// Appends one piece of a face.
+    static void append(Faces& to, const Description& face, const Numbers& places) {
+        Description& piece = to.emplace_back(face);
+        piece.corners.clear();
+        for (const int k : places)
+            piece.corners.push_back(face.corners[static_cast<std::size_t>(k)]);
     }
 
-    void expectAll(const Told& expected) {
-        const Told now;
+    void expectAll(const Faces& expected) {
         EXPECT_EQ(check(*OB), nullptr);
-        EXPECT_EQ(now.faces, expected.faces);
-        EXPECT_EQ(now.fields, expected.fields);
+        EXPECT_EQ(describe(), expected);
         EXPECT_TRUE(OB->changed && stale.edges);
     }
 };
@@ -89,25 +70,21 @@ TEST_F(Triangularize, AllSelectedFacesAreSplitByThePlainRule) {
         fill();
         const bool triangles = round % 2 == 0;
         if (!triangles) spreadCorners();
-        const Told before;
-        Told expected = before;
-        expected.faces.clear();
-        expected.fields.clear();
+        const Faces before = describe();
+        const Numbers numbers = liveFaces();
+        Faces expected;
         int curface = -1;
         for (const int selected : {0, 1}) {
-            for (std::size_t i = 0; i < before.faces.size(); ++i) {
-                const auto n = static_cast<int>(std::get<2>(before.faces[i]).size());
-                if (before.fields[i][2] != selected || n < 3) continue;
+            for (std::size_t i = 0; i < before.size(); ++i) {
+                const auto n = static_cast<int>(before[i].corners.size());
+                if (before[i].selected != selected || n < 3) continue;
                 Pieces pieces{Numbers()};
                 for (int k = 0; k < n; ++k) pieces[0].push_back(k);
                 if (selected) pieces = triangles ? trianglesOf(n) : quadsOf(n);
-                if (before.numbers[i] == OB->curface && pieces.size() == 1) {
-                    curface = static_cast<int>(expected.faces.size());
+                if (numbers[i] == OB->curface && pieces.size() == 1) {
+                    curface = static_cast<int>(expected.size());
                 }
-                for (const Numbers& places : pieces) {
-                    append(expected, before, i, places);
-                    expected.fields.back()[2] = selected;
-                }
+                for (const Numbers& places : pieces) append(expected, before[i], places);
             }
         }
         const int blocks = storeBlocks();
@@ -117,7 +94,7 @@ TEST_F(Triangularize, AllSelectedFacesAreSplitByThePlainRule) {
         ASSERT_FALSE(HasFailure()) << round;
         ASSERT_EQ(OB->curface, curface);
         ASSERT_EQ(editorState.currentEdgeFace, -1);
-        ASSERT_EQ(OB->nf, static_cast<int>(expected.faces.size()));
+        ASSERT_EQ(OB->nf, static_cast<int>(expected.size()));
         ASSERT_EQ(shown.log.empty(), triangles); // the edge pass starts with a collection
         if (!triangles) continue;
         ASSERT_EQ(storeBlocks(), blocks);
@@ -132,21 +109,17 @@ TEST_F(Triangularize, OneFaceIsSplitIntoAFanAtTheEnd) {
         const Face face = OB->faces[index];
         const int slots = OB->nf, n = face.q == nullptr ? 3 : face.n;
         OB->curface = index;
-        Told expected;
-        const Told before;
-        const auto place =
-            std::find(before.numbers.begin(), before.numbers.end(), index) - before.numbers.begin();
+        Faces expected = describe();
+        const Numbers numbers = liveFaces();
+        const auto place = std::find(numbers.begin(), numbers.end(), index) - numbers.begin();
         if (n > 3) {
-            for (const Numbers& places : trianglesOf(n)) {
-                append(expected, before, static_cast<std::size_t>(place), places);
-            }
+            Description whole = expected[static_cast<std::size_t>(place)];
+            whole.selected = 1;
+            for (const Numbers& places : trianglesOf(n)) append(expected, whole, places);
         } else {
             OB->changed = stale.edges = true; // it does not touch them
         }
-        if (n != 3) {
-            expected.faces.erase(expected.faces.begin() + place);
-            expected.fields.erase(expected.fields.begin() + place);
-        }
+        if (n != 3) expected.erase(expected.begin() + place);
         fanface(*OB, index);
         expectAll(expected);
         ASSERT_FALSE(HasFailure()) << round;

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The window as a user has it, from the drop of a file to the exit question.
-#include "tests/support/temp_folder.h"
-#include "tests/window/user.h"
-
+// The real editor in the real window, from the drop of a file to the exit question.
 #include "editor/state.h"
+#include "editor/window.h"
+#include "mesh/mesh.h"
+#include "tests/platform/driver.h"
+#include "tests/support/temp_folder.h"
 
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <sstream>
 
 namespace polyfab::test {
 namespace {
+
+const Answer yes{Answer::Kind::text, "yes"}, no{Answer::Kind::text, "no"};
 
 /// Eight triangles, each in a group of its own: "g0" to "g7".
 std::string groupsFile() {
@@ -20,75 +25,86 @@ std::string groupsFile() {
     return text.str();
 }
 
-class WindowTest : public User {
+class WindowTest : public testing::Test {
   protected:
-    WindowTest() { drop(folder.write("groups.obj", groupsFile())); }
-
-    /// The middle of this entry's cell in a name list.
-    QPoint cell(int entry) {
-        const Size size = backend.clientSize();
-        const int width = size.width / 4;
-        const int height = size.height / 32;
-        return {entry / 32 * width + width / 2, entry % 32 * height + height / 2};
+    WindowTest() {
+        resetEditorState();
+        driver = makeQtDriverOf(editorProgram());
+        const std::string path = folder.write("groups.obj", groupsFile());
+        driver->input({EventKind::drop, 0, 0, 0, 0, 0, {path}});
+        title = "polyfab [" + path + "] ";
     }
-    std::string groupNames() {
+    ~WindowTest() override {
+        driver.reset();
+        setPlatform(nullptr);
+        resetEditorState();
+    }
+
+    void choose(const std::string& label, const std::deque<Answer>& answers = {}) {
+        for (const CommandInfo& command : editorProgram().commands()) {
+            if (command.label == label) driver->choose(command.id, answers);
+        }
+    }
+    /// Moves to the middle of this entry's cell in a name list, with these buttons down.
+    void mouse(int entry, unsigned buttons, const std::deque<Answer>& answers = {}) {
+        const Size size = platform().clientSize();
+        const int width = size.width / 4, height = size.height / 32;
+        driver->input({EventKind::mouse, 0, 0, entry / 32 * width + width / 2,
+                       entry % 32 * height + height / 2, buttons},
+                      answers);
+    }
+    static std::string groupNames() {
         std::string names;
         for (int i = 0; i < OB->ng; ++i) names += std::string(OB->groups[i].name) + " ";
         return names;
     }
-    int selectedFaces() {
-        int count = 0;
-        for (int i = 0; i < OB->nf; ++i) count += OB->faces[i].selected;
-        return count;
+    static auto selectedFaces() {
+        return std::count_if(OB->faces, OB->faces + OB->nf,
+                             [](const Face& face) { return face.selected != 0; });
     }
-    TempFolder folder;
+
+    const TempFolder folder;
+    std::string title;
+    std::unique_ptr<Driver> driver;
 };
 
 TEST_F(WindowTest, ADroppedFileIsEditedAndTheExitQuestionAnswered) {
     EXPECT_EQ(OB->nf, 8);
-    EXPECT_EQ(backend.title(), "polyfab [" + folder.path("groups.obj") + "] ");
-    menu('a', 'u'); // unselect all faces
+    EXPECT_EQ(platform().title(), title);
+    choose("&unselect all faces");
     EXPECT_EQ(selectedFaces(), 0);
-    menu('a', 's');
+    choose("&select all faces");
     EXPECT_EQ(selectedFaces(), 8);
-    answerButton("yes");
-    menu('a', 'd'); // delete selected faces
-    int live = 0;
-    for (int i = 0; i < OB->nf; ++i) live += OB->faces[i].q != nullptr;
-    EXPECT_EQ(live, 0);
-    answerButton("no");
-    window.close();
-    settle();
-    EXPECT_TRUE(window.isVisible());
-    answerButton("yes");
-    menu('f', 'x');
-    EXPECT_FALSE(window.isVisible());
+    choose("&delete selected faces", {yes});
+    for (int i = 0; i < OB->nf; ++i) EXPECT_EQ(OB->faces[i].q, nullptr);
+    driver->input({EventKind::close}, {no});
+    EXPECT_TRUE(driver->isOpen());
+    choose("e&xit", {yes});
+    EXPECT_FALSE(driver->isOpen());
 }
 
 TEST_F(WindowTest, GroupsArePickedRenamedAndReordered) {
-    menu('u', 's');
-    EXPECT_EQ(editorState.subview, 1);
-    EXPECT_EQ(backend.title(), "polyfab [" + folder.path("groups.obj") + "] groups");
+    choose("&select groups by menu");
+    EXPECT_EQ(platform().title(), title + "groups");
 
-    answerText("roof");
-    mouseDown(cell(3), Qt::RightButton);
-    mouseUp(cell(3), Qt::RightButton);
+    mouse(3, button::right, {{Answer::Kind::text, "roof"}});
+    mouse(3, 0);
     EXPECT_STREQ(OB->groups[3].name, "roof");
 
-    hold(Qt::Key_Control); // a press without Ctrl would pick and close
-    mouseDown(cell(5));
-    mouseUp(cell(2));
-    release(Qt::Key_Control);
+    driver->input({EventKind::keyDown, 0, key::ctrl}); // a press without Ctrl would pick and close
+    mouse(5, button::left);
+    mouse(2, 0);
+    driver->input({EventKind::keyUp, 0, key::ctrl});
     EXPECT_EQ(groupNames(), "g0 g1 g5 g2 roof g4 g6 g7 ");
     EXPECT_EQ(OB->faces[5].g, 2); // it still is in "g5"
 
-    press(Qt::Key_C);
-    mouseDown(cell(4));
-    EXPECT_EQ(editorState.subview, 0);
+    driver->input({EventKind::keyDown, 0, 'C'});
+    driver->input({EventKind::keyUp, 0, 'C'});
+    mouse(4, button::left);
     EXPECT_EQ(selectedFaces(), 1);
     EXPECT_TRUE(OB->faces[3].selected);
-    EXPECT_EQ(backend.title(), "polyfab [" + folder.path("groups.obj") + "] ");
-    mouseUp(cell(4));
+    EXPECT_EQ(platform().title(), title);
+    mouse(4, 0);
 }
 
 } // namespace
