@@ -21,7 +21,7 @@ void snapshot(benchmark::State& state) {
 
 void pack(benchmark::State& state) {
     buildGridMesh(state.range(0));
-    const RecoveryRecord record = recoveryRecord(takeSnapshot(*OB, nullptr));
+    const RecoveryRecord record = recoveryRecord(takeSnapshot(*OB, nullptr), presentPart());
     double bytes = 0;
     for (auto _ : state) bytes = static_cast<double>(packRecovery(record).size());
     state.counters["bytes/triangle"] = bytes / OB->nf;
@@ -30,7 +30,8 @@ void pack(benchmark::State& state) {
 void bringBack(benchmark::State& state) {
     buildGridMesh(state.range(0));
     view.client = {1024, 512};
-    const std::string file = packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr)));
+    const std::string file =
+        packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr), presentPart()));
     for (auto _ : state) {
         RecoveryRecord record;
         if (!unpackRecovery(file, record).empty() || restoreMesh(record)) {

@@ -26,11 +26,12 @@ void closeUnlessRefused() {
     }
     if (sessionIsEnding()) {
         saveAtSessionEnd(false);
-    } else if (OB->changed
-               && platform().question("you have not saved this object since you altered it last",
-                                      "do you want to exit?", Buttons::yesNo)
-                      != Choice::yes) {
-        return;
+    } else if (OB->changed) {
+        const Choice exit =
+            platform().question("you have not saved this object since you altered it last",
+                                "do you want to exit?", Buttons::yesNo);
+        if (exit != Choice::yes) return;
+        noteUser();
     }
     platform().destroyWindow();
 }

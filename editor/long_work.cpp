@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/long_work.h"
 
+#include "mesh/progress.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -33,9 +34,11 @@ std::optional<Running> running;
 
 LongWork::LongWork(std::string what, Escape escape) {
     running = {std::move(what), escape, platform().workSeconds() + untilShown};
+    workGoesOn = moveProgress;
 }
 
 LongWork::~LongWork() {
+    workGoesOn = [] {};
     if (running->shown) platform().showProgress("", 0);
     running.reset();
 }

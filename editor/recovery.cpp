@@ -37,7 +37,8 @@ struct Recovery {
     std::weak_ptr<const Snapshot> saved;
     std::string savedEditor; ///< the rest of what was saved
     Clock::time_point lastSave = Clock::now();
-    bool sessionEnds = false;
+    bool sessionEnds = false;  ///< with something that was not saved by the user
+    bool savedForWork = false; ///< what this event began with
     std::string failure;       ///< why nothing could be saved the last time; "": it could
     bool failureShown = false; ///< since the last time that it could
     std::future<bool> writing; ///< last, so that it is waited for before anything goes
@@ -56,13 +57,15 @@ void noteWritten(bool done) {
     if (!done) recovery.saved.reset();
 }
 
-/// Waits for the thread.
+/// Waits for the thread. Meanwhile the window may tell of the session's end, which waits for it
+/// too.
 void finishWriting() {
-    if (!recovery.writing.valid()) return;
-    while (recovery.writing.wait_for(std::chrono::milliseconds(50)) != std::future_status::ready) {
-        moveProgress();
-    }
-    noteWritten(recovery.writing.get());
+    constexpr std::chrono::milliseconds untilMoved(50);
+    std::future<bool>& writing = recovery.writing;
+    if (!writing.valid()) return;
+    do moveProgress();
+    while (writing.valid() && writing.wait_for(untilMoved) != std::future_status::ready);
+    if (writing.valid()) noteWritten(writing.get());
 }
 
 bool write(const std::string& path, const RecoveryRecord& record) noexcept try {
@@ -73,10 +76,7 @@ bool write(const std::string& path, const RecoveryRecord& record) noexcept try {
 
 /// Begins to write the record, or writes it, where no thread can be had.
 void startWriting(RecoveryRecord record) {
-    finishWriting();
-    if (!recovery.folder || !recovery.folder.isThere()) {
-        recovery.folder = RecoveryFolder::make(stateFolder);
-    }
+    if (!recovery.folder.isThere()) recovery.folder = RecoveryFolder::make(stateFolder);
     if (!recovery.folder) return noteWritten(false);
     recovery.saved = record.mesh;
     recovery.savedEditor = packEditor(record.editor);
@@ -90,31 +90,42 @@ void startWriting(RecoveryRecord record) {
     }
 }
 
-/// What is to be saved while nothing works on the mesh: all of it, unless it is unsound; the file
-/// that is there is better then.
-SnapshotRef meshAtRest() {
-    const char* const fault = check(*OB);
-    if (fault == nullptr) return takeSnapshot(*OB, presentMesh());
-    recovery.failure = fault;
-    return nullptr;
+/// Begins to save this, unless that has been done. A mesh with nothing in it, such as a read that
+/// failed leaves, takes no work's place.
+void save(RecoveryRecord record) {
+    if (!hasPoints(*record.mesh)) return;
+    const bool same = recovery.saved.lock() == record.mesh && recovery.folder.holdsFile();
+    if (same && packEditor(record.editor) == recovery.savedEditor) return;
+    startWriting(std::move(record));
 }
 
-/// What is to be saved while something may be in the midst of its work.
-SnapshotRef meshAtWork() { return undoIsOn() ? presentMesh() : meshAtRest(); }
+/// While nothing works on the mesh: all of it, unless it is unsound; the file that is there is
+/// better then.
+void saveAll() {
+    if (const char* const fault = check(*OB)) {
+        recovery.failure = fault;
+    } else {
+        save(recoveryRecord(takeSnapshot(*OB, presentMesh()), presentPart()));
+    }
+}
 
-/// Begins to save the mesh that `choose` gives, unless that has been done.
-void save(SnapshotRef (*choose)()) try {
+/// While something may be in the midst of its work: the newest step of the history. Without one all
+/// that is there, unless what the work began with was saved.
+void saveNewestStep() {
+    if (const SnapshotRef mesh = presentMesh()) {
+        save(recoveryRecord(mesh, partBefore()));
+    } else if (!recovery.savedForWork) {
+        saveAll();
+    }
+}
+
+/// Saves in this way what is altered.
+void saveAltered(void (*saveIt)()) try {
+    finishWriting();
     recovery.lastSave = Clock::now();
     recovery.sessionEnds = false;
-    if (stateFolder.empty() || OB == nullptr || OB->changed == 0) return;
-    recovery.failure = "I am in the midst of something"; // what is chosen at work may be none
-    SnapshotRef mesh = choose();
-    if (mesh == nullptr) return;
     recovery.failure.clear();
-    const bool sameMesh = recovery.saved.lock() == mesh;
-    RecoveryRecord record = recoveryRecord(std::move(mesh));
-    if (sameMesh && packEditor(record.editor) == recovery.savedEditor) return;
-    startWriting(std::move(record));
+    if (!stateFolder.empty() && OB != nullptr && OB->changed != 0) saveIt();
 } catch (const std::bad_alloc&) {
     recovery.failure = "there is not enough memory";
 }
@@ -228,26 +239,29 @@ void saveAtRest() {
     finishWriting();
     // Undone back to what was written last, there is nothing to bring back any more.
     if (recovery.folder && OB != nullptr && OB->changed == 0) dropRecovery();
-    if (Clock::now() - recovery.lastSave >= pause) save(meshAtRest);
+    if (Clock::now() - recovery.lastSave >= pause) saveAltered(saveAll);
     if (pause.count() == 0) finishWriting();
     tellFailure();
 }
 
 void saveBeforeLongWork() {
-    save(meshAtRest);
+    saveAltered(saveAll);
     finishWriting();
+    recovery.savedForWork = recovery.failure.empty();
 }
 
 void saveAtSessionEnd(bool atWork) {
-    save(atWork ? meshAtWork : meshAtRest);
+    saveAltered(atWork ? saveNewestStep : saveAll);
     finishWriting();
-    // What could not be saved is asked about when the window closes.
-    recovery.sessionEnds = OB != nullptr && OB->changed != 0 && recovery.failure.empty();
+    recovery.sessionEnds = OB != nullptr && OB->changed != 0;
 }
 
-bool sessionIsEnding() { return recovery.sessionEnds; }
+bool sessionIsEnding() {
+    // What could not be saved is asked about when the window closes.
+    return recovery.sessionEnds && recovery.failure.empty() && !stateFolder.empty();
+}
 
-void noteUser() { recovery.sessionEnds = false; }
+void noteUser() { recovery.sessionEnds = recovery.savedForWork = false; }
 
 void dropRecovery() {
     finishWriting();

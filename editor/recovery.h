@@ -25,12 +25,13 @@ void saveAtRest();
 /// Saves before something that may take long, or never come back, and waits until that is done.
 void saveBeforeLongWork();
 
-/// Saves before the process ends. The file then stays when the window goes. `atWork`: a command
-/// runs, so that the mesh may be in between; the newest step of the history is saved then, if there
-/// are any.
+/// Saves before the process ends. What is altered then stays when the window goes, even if this
+/// fails and there is only what was saved before. `atWork`: a command runs, so that the mesh may be
+/// in between; the newest step of the history is saved then, if there are any.
 void saveAtSessionEnd(bool atWork);
 
-/// Whether that was the last time something was saved: the window may then go without a question.
+/// Whether the last thing that happened is that the session ended and all was saved: the window may
+/// then go without a question.
 [[nodiscard]] bool sessionIsEnding();
 
 /// To be called with what the user does: an end of the session that was announced did not come.
@@ -39,7 +40,7 @@ void noteUser();
 /// Nothing needs to be brought back any more: the file goes.
 void dropRecovery();
 
-/// The window goes. The file goes too unless the session ends.
+/// The window goes. The file goes too, unless the session ends.
 void endRecovery();
 
 } // namespace polyfab

@@ -16,7 +16,9 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace polyfab {
@@ -128,8 +130,11 @@ std::string faultOfHead(std::string_view begin, std::uint64_t bytes) {
 
 } // namespace
 
-RecoveryRecord recoveryRecord(SnapshotRef mesh) {
-    return {std::move(mesh), std::time(nullptr), presentPart()};
+RecoveryRecord recoveryRecord(SnapshotRef mesh, EditorPart part) {
+    std::error_code failure;
+    const auto absolute = std::filesystem::absolute(part.fileName, failure);
+    if (!part.fileName.empty() && !failure) part.fileName = absolute;
+    return {std::move(mesh), std::time(nullptr), std::move(part)};
 }
 
 std::string packEditor(EditorPart part) {

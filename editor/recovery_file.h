@@ -25,8 +25,9 @@ struct RecoveryFault {
     explicit operator bool() const { return !text.empty(); }
 };
 
-/// The editor as it is now, around this mesh.
-[[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh);
+/// The mesh and the editor around it, saved now. The next start may be in another folder: the file
+/// name becomes absolute.
+[[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh, EditorPart part);
 
 /// The editor's part of the file, to be compared.
 [[nodiscard]] std::string packEditor(EditorPart part);

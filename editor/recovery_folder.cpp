@@ -112,6 +112,11 @@ bool RecoveryFolder::isThere() const {
            && held.st_ino == named.st_ino && held.st_dev == named.st_dev;
 }
 
+bool RecoveryFolder::holdsFile() const {
+    std::error_code failure;
+    return isThere() && fs::is_regular_file(file(), failure);
+}
+
 void RecoveryFolder::remove() {
     std::error_code ignored;
     if (lock >= 0) {

@@ -26,10 +26,12 @@ class RecoveryFolder {
 
     explicit operator bool() const { return lock >= 0; }
 
-    /// Whether nobody has removed what is held here.
+    /// Whether something is held here and nobody has removed it.
     [[nodiscard]] bool isThere() const;
+    /// Whether the recovery file is there, too.
+    [[nodiscard]] bool holdsFile() const;
 
-    /// Path of the recovery file, whether it is there or not.
+    /// Path of the recovery file.
     [[nodiscard]] std::string file() const { return path + "/mesh"; }
 
     /// Removes the folder with the file; this then holds nothing.

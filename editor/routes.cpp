@@ -20,8 +20,10 @@
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 
+#include <filesystem>
 #include <new>
 #include <string_view>
+#include <system_error>
 
 namespace polyfab {
 namespace {
@@ -122,7 +124,9 @@ void onStart(const Event& event) {
     const bool recovered = offerRecovery() == Recovered::mesh;
     const std::string file = event.paths.empty() ? "" : event.paths.front();
     if (!recovered && !file.empty()) readNamedMeshFile(file);
-    if (recovered && !file.empty() && file != editorState.fileName) {
+    std::error_code failure;
+    if (recovered && !file.empty()
+        && std::filesystem::absolute(file, failure) != editorState.fileName) {
         platform().message("so that you don't lose what I brought back, I did not read", file,
                            Icon::none);
     }

@@ -32,6 +32,13 @@ struct NameListState {
     bool textureNumbers = false; ///< texture-map numbers stand before the names of groups
 };
 
+/// A file by its name and by what the name stood for when it was written.
+struct WrittenFile {
+    std::string path; ///< "": none
+    std::uint64_t device = 0, number = 0;
+    bool operator==(const WrittenFile&) const = default;
+};
+
 struct EditorState {
     int mode = defaultMode;
     std::string modeName;   ///< shown in the title
@@ -41,7 +48,7 @@ struct EditorState {
     std::string lastChosen; ///< its name without the directory, offered by the next file dialog
     bool busy = false;      ///< a mesh file is being read or written
     bool wholeMeshWritten = false; ///< set by each writer: true when it left no live face out
-    std::string wholeFile;         ///< path of the last such file; "": it was overwritten with less
+    WrittenFile wholeFile;         ///< what such a write left last; none: less was written over it
     int currentEdgeFace = -1;      ///< face of the current edge; -1: there is none
     int currentEdgeCorner = -1;    ///< the corner of that face at which the edge begins
     std::array<std::uint8_t, 256> keys{}; ///< 0xFF while the virtual key is down

@@ -6,7 +6,6 @@
 #include "display/affine.h"
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/editor_part.h"
 #include "editor/state.h"
 #include "mesh/snapshot.h"
 #include "platform/platform.h"
@@ -122,7 +121,7 @@ void settleMarks(bool content) {
     const bool cleared = content && (OB->np == 0 || editorState.wholeMeshWritten);
     if (std::exchange(h.altered, false) || cleared) present.version = ++h.lastVersion;
     present.unaltered = OB->changed == 0;
-    const bool wasOnDisk = std::exchange(h.onDisk, !editorState.wholeFile.empty());
+    const bool wasOnDisk = std::exchange(h.onDisk, !editorState.wholeFile.path.empty());
     const bool overwritten = wasOnDisk && !h.onDisk;
     if (!overwritten && !(editorState.wholeMeshWritten && present.unaltered)) return;
     for (State& state : h.states) {
@@ -205,7 +204,7 @@ void startHistory() {
     try {
         history.states.push_back({takeSnapshot(*OB, nullptr), 0, OB->changed == 0});
         history.before = presentPart();
-        history.onDisk = !editorState.wholeFile.empty();
+        history.onDisk = !editorState.wholeFile.path.empty();
     } catch (const std::bad_alloc&) {
         endHistory();
     }
@@ -265,6 +264,8 @@ void redo() { goTo(1); }
 SnapshotRef presentMesh() {
     return history.states.empty() ? nullptr : history.states[history.at].mesh;
 }
+
+const EditorPart& partBefore() { return history.before; }
 
 std::string undoLabel() { return history.at > 0 ? history.steps[history.at - 1].label : ""; }
 

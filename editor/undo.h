@@ -6,6 +6,7 @@
 // name where it was the step that changed them. What only moves the view is no step.
 #pragma once
 
+#include "editor/editor_part.h"
 #include "mesh/snapshot.h"
 
 #include <cstdint>
@@ -54,6 +55,9 @@ void redo();
 /// The mesh as the newest step recorded it, or as it was where undo has gone back to; null when
 /// nothing is recorded.
 [[nodiscard]] SnapshotRef presentMesh();
+
+/// The editor as it was then, before the event that is handled now.
+[[nodiscard]] const EditorPart& partBefore();
 
 /// What undo or redo would do now, in the words of a menu; "" for nothing.
 [[nodiscard]] std::string undoLabel();

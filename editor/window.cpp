@@ -50,6 +50,7 @@ std::string plain(std::string text) {
     if (mark != std::string::npos && mark >= 2 && mark + 2 == text.size()
         && text.compare(mark - 2, 2, ": ") == 0) {
         text.resize(mark - 2);
+        if (text.ends_with(' ')) text.pop_back();
     }
     if (mark == 0 && text.compare(2, 2, ": ") == 0) text.erase(0, 4);
     std::erase(text, '&');

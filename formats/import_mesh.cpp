@@ -138,7 +138,8 @@ bool addTables(const StreamView& view) {
     return true;
 }
 
-/// Returns "" or why the mesh is as it was.
+/// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
+/// it grew.
 std::string importFile(const std::string& path, bool append) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
     std::vector<char> bytes;

@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <cctype>
 #include <string_view>
+#include <sys/stat.h>
 
 namespace polyfab {
 namespace {
@@ -137,6 +138,25 @@ struct WriteCommand {
     int (*write)(const std::string& chosen);
 };
 
+WrittenFile fileAt(const std::string& path) {
+    struct stat found;
+    if (::stat(path.c_str(), &found) != 0) return {};
+    return {path, found.st_dev, found.st_ino};
+}
+
+/// The mesh is unaltered where all of it was written. Where only a part was, and over the file that
+/// held all of it, under whatever name, it counts as altered again.
+void settleMark() {
+    WrittenFile& whole = editorState.wholeFile;
+    if (editorState.wholeMeshWritten) {
+        OB->changed = 0;
+        whole = fileAt(editorState.fileName);
+    } else if (!whole.path.empty() && fileAt(whole.path) != whole) {
+        OB->changed = 1;
+        whole = {};
+    }
+}
+
 /// Writes the mesh and settles the marks.
 void writeTo(const std::string& chosen, const WriteCommand& command) {
     if (chosen.size() <= 4 || !endsIn(chosen, command.suffix)) {
@@ -151,13 +171,7 @@ void writeTo(const std::string& chosen, const WriteCommand& command) {
         return;
     }
     noteRecentFile(editorState.fileName, false);
-    if (editorState.wholeMeshWritten) {
-        OB->changed = 0;
-        editorState.wholeFile = editorState.fileName;
-    } else if (editorState.fileName == editorState.wholeFile) {
-        OB->changed = 1; // the only file that held all of it holds less now
-        editorState.wholeFile.clear();
-    }
+    settleMark();
 }
 
 void writeMeshFile(const WriteCommand& command) {

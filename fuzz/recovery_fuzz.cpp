@@ -48,7 +48,8 @@ void bringBack(std::string_view file) {
     demand(fault == nullptr, fault);
 
     const std::string mesh = packedMesh();
-    const std::string again = packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr)));
+    const std::string again =
+        packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr), presentPart()));
     RecoveryRecord second;
     demand(unpackRecovery(again, second).empty(), "what was written does not read back");
     fuzz::emptyMesh();

@@ -2,6 +2,8 @@
 // Every test ends in checkSpan, which writes the fault's text.
 #include "mesh/check.h"
 
+#include "mesh/progress.h"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -109,9 +111,12 @@ const char* checkSpan(std::int64_t offset, std::int64_t elementSize, std::int64_
 
 const char* check(const Mesh& mesh) {
     if (const char* fault = checkCounts(mesh)) return fault;
+    WorkCounter done;
     for (int i = 0; i < mesh.nf; ++i) {
-        if (mesh.faces[i].q == nullptr) continue;
-        if (const char* fault = checkFace(mesh, mesh.faces[i])) return fault;
+        const Face& face = mesh.faces[i];
+        done.step(face.n);
+        if (face.q == nullptr) continue;
+        if (const char* fault = checkFace(mesh, face)) return fault;
     }
     return nullptr;
 }

@@ -5,6 +5,7 @@
 // table by the higher point finds an edge in one step, however long the list is.
 #include "mesh/edges.h"
 
+#include "mesh/progress.h"
 #include "mesh/table.h"
 
 #include <algorithm>
@@ -42,8 +43,10 @@ bool takeTables(Mesh& mesh) {
 /// Hands out every side of a live face: its corner and its two points, the lower one first.
 template <typename Use>
 void eachSide(const Mesh& mesh, Use use) {
+    WorkCounter done;
     for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
         if (face->q == nullptr || face->n < 1) continue;
+        done.step(face->n);
         const std::int32_t start = indexIn(mesh.corners, face->q);
         const std::int32_t first = indexIn(mesh.points, face->q->p);
         std::int32_t from = first;
@@ -59,9 +62,11 @@ void eachSide(const Mesh& mesh, Use use) {
 bool enterOwners(Mesh& mesh) {
     if (!take(mesh.cornerFace, mesh.nq)) return false;
     std::fill_n(mesh.cornerFace, mesh.nq, CornerFace{noFace, 0});
+    WorkCounter done;
     for (std::int32_t i = 0; i < mesh.nf; ++i) {
         const Face& face = mesh.faces[i];
         if (face.q == nullptr) continue;
+        done.step(face.n);
         CornerFace* const owners = mesh.cornerFace + indexIn(mesh.corners, face.q);
         for (std::int32_t k = 0; k < face.n; ++k) {
             owners[k] = {static_cast<std::uint32_t>(i), static_cast<std::uint16_t>(k)};
@@ -93,12 +98,14 @@ void makeMates(Mesh& mesh, std::int32_t first, std::int32_t second) {
 /// Makes the edge lists; gives the number of edges. `found` holds the last edge that ended at each
 /// point; one before the start of the present list belongs to another.
 std::int32_t findEdges(Mesh& mesh, const Table<Side>& sides, Table<std::int32_t>& found) {
+    WorkCounter done;
     std::int32_t count = 0;
     std::int32_t start = 0;
     for (std::int32_t low = 0; low < mesh.np; ++low) {
         EdgeList& list = mesh.pointEdges[low];
         const std::int32_t end = list.first;
         list.first = count;
+        done.step(end - start);
         for (std::int32_t s = start; s < end; ++s) {
             const Side side = sides[s];
             std::int32_t& place = found[side.high];

@@ -4,6 +4,7 @@
 #include "mesh/garbage.h"
 
 #include "mesh/check.h"
+#include "mesh/progress.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 
@@ -55,11 +56,13 @@ std::int64_t liveCorners(const Mesh& mesh) {
 
 /// Moves the corners of all faces, none of them deleted, into `corners`, face by face.
 void moveCorners(Mesh& mesh, FaceCorner* corners) {
+    WorkCounter done;
     FaceCorner* end = corners;
     for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
         FaceCorner* const start = end;
         end = std::copy_n(face->q, face->n, start);
         face->q = start;
+        done.step(face->n);
     }
     farfree(&mesh.corners);
     mesh.corners = corners;
@@ -81,11 +84,15 @@ std::int32_t compact(T* array, std::int32_t count, List& places) {
 /// Drops what no corner refers to. All corners are those of live faces.
 void compactReferred(Mesh& mesh, Places& points, Places& texcoords, Places& normals) {
     FaceCorner* const end = mesh.corners + mesh.nq;
+    WorkCounter done;
     for (FaceCorner* corner = mesh.corners; corner != end; ++corner) {
+        done.step();
         points[indexIn(mesh.points, corner->p)] = 0;
         if (corner->t != nullptr) texcoords[indexIn(mesh.texcoords, corner->t)] = 0;
         if (corner->d != nullptr) normals[indexIn(mesh.normals, corner->d)] = 0;
     }
+    // Until all corners follow, the mesh looks sound and is none: nobody may see it meanwhile,
+    // which is why these loops do not say that work goes on.
     mesh.np = compact(mesh.points, mesh.np, points);
     mesh.nt = compact(mesh.texcoords, mesh.nt, texcoords);
     mesh.nd = compact(mesh.normals, mesh.nd, normals);
@@ -135,7 +142,9 @@ bool collectGarbage(Mesh& mesh) {
     mesh.curtexcoord = mesh.curvertex = -1;
     if (faulty(mesh, "fault in mesh")) return false;
     // Splits append faces, which get their turn too. A growth that failed leaves an array null.
+    WorkCounter done;
     for (int i = 0; i < mesh.nf && mesh.faces != nullptr && mesh.corners != nullptr; ++i) {
+        done.step(mesh.faces[i].n);
         tidyFace(mesh, i, true);
     }
     if (faulty(mesh, "fault in mesh after face tidying")) return false;

@@ -6,6 +6,7 @@
 #include "mesh/edges.h"
 
 #include "mesh/garbage.h"
+#include "mesh/progress.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 
@@ -43,6 +44,7 @@ void markBadEdges(Mesh& mesh) {
 /// Works out `keep` for every face that hangs together with the current one.
 Spread spreadFromCurrent(const Mesh& mesh, Keep& keep) {
     using Heap = std::priority_queue<int, std::vector<int>, std::greater<>>;
+    WorkCounter done;
     Spread spread;
     Heap now;
     Heap next;
@@ -56,6 +58,7 @@ Spread spreadFromCurrent(const Mesh& mesh, Keep& keep) {
             const int index = now.top();
             now.pop();
             const Face& face = mesh.faces[index];
+            done.step(face.n);
             const std::int32_t start = indexIn(mesh.corners, face.q);
             for (std::int32_t c = start; c < start + face.n; ++c) {
                 if (mesh.corners[c].edgeuse != 2 || mesh.cornerMate[c] < 0) continue;

@@ -6,6 +6,7 @@
 #include "mesh/snapshot.h"
 
 #include "mesh/edges.h"
+#include "mesh/progress.h"
 #include "mesh/store.h"
 
 #include <algorithm>
@@ -189,12 +190,14 @@ class Taker {
 
     template <typename Each>
     void takeArray(std::int64_t length, std::size_t first) {
+        WorkCounter done;
         for (std::int64_t start = 0; start < length; start += chunkLength) {
             const auto* const records = mesh.*Each::array + start;
             const std::int64_t n = lengthOfChunk(length, start);
             Each::eachColumn(first, [&]<typename ColumnType>(std::size_t column) {
                 takeChunk<ColumnType>(records, n, column);
             });
+            done.step(n);
         }
     }
 
@@ -275,11 +278,13 @@ void putChunk(const Mesh& mesh, typename ColumnType::Record* records, std::int64
 template <typename ColumnType>
 void putColumn(const Mesh& mesh, typename ColumnType::Record* records, std::int64_t length,
                const Chunks& to, const Chunks& now, std::int64_t known) {
+    WorkCounter done;
     for (std::int64_t start = 0; start < length; start += chunkLength) {
         const auto place = static_cast<std::size_t>(start / chunkLength);
         const std::int64_t n = lengthOfChunk(length, start);
         if (start + n <= known && now[place] == to[place]) continue;
         putChunk<ColumnType>(mesh, records + start, n, *to[place]);
+        done.step(n);
     }
 }
 
@@ -303,6 +308,8 @@ Chunk::Chunk(const std::byte* from, std::size_t byteCount)
 Chunk::~Chunk() { liveBytes -= count + sizeof *this; }
 
 std::size_t snapshotBytes() { return liveBytes; }
+
+bool hasPoints(const Snapshot& snapshot) { return snapshot.arrays.front().count > 0; }
 
 SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before) {
     Snapshot taken = Taker(mesh, before.get()).take();

@@ -81,6 +81,9 @@ struct ColumnFacts {
 /// A reference that leads nowhere, as a corner of no face may hold, is kept as none.
 [[nodiscard]] SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before);
 
+/// Whether the mesh has any points.
+[[nodiscard]] bool hasPoints(const Snapshot& snapshot);
+
 enum class Difference {
     none,
     scratch, ///< marks of the tools, uses of edges, room to grow

@@ -17,10 +17,8 @@ TEST_F(FaceCommands, UnselectingCountsWhatWasUnselected) {
     addFace({0, 1, 5, 0}); // on one line
     addFace({0, 1, 2, 3});
     addFace({0, 1, 2, 3, 4});
-    stale.edges = false;
     EXPECT_EQ(run(1066), Log{"message|faces with 5 or more corners|3 such faces found"});
     EXPECT_EQ(selected(), Numbers{3});
-    EXPECT_TRUE(stale.edges);
     command(290);
     OB->faces[0].q = nullptr;
     EXPECT_EQ(run(1088), Log{"message|zero-area faces|2 such faces found"});
@@ -51,15 +49,17 @@ TEST_F(FaceCommands, TheCurrentFaceAndEdgeAreForgotten) {
         cubeIn(358);
         OB->curface = 2;
         editorState.currentEdgeFace = editorState.currentEdgeCorner = 1;
-        stale = {false, false, false};
         command(id);
         EXPECT_EQ(OB->curface, id == 284 ? -1 : 2) << id;
         EXPECT_EQ(editorState.currentEdgeFace, id == 284 ? 1 : -1) << id;
-        EXPECT_TRUE(stale.picture || stale.edges) << id;
     }
+    editorState.currentEdgeFace = 1;
+    select({0});
+    command(397); // turns another face over
+    EXPECT_EQ(editorState.currentEdgeFace, 1);
 }
 
-TEST_F(FaceCommands, BadEdgesAreFoundAndShown) {
+TEST_F(FaceCommands, BadEdgesAreFoundAndShownAndRepaired) {
     addCube();
     reverseFace(OB->faces[3]);
     OB->faces[0].q = nullptr;
@@ -67,8 +67,16 @@ TEST_F(FaceCommands, BadEdgesAreFoundAndShown) {
     EXPECT_EQ(OB->nf, 5);
     EXPECT_TRUE(displayOptions.badEdges);
     // Both sides of the three edges that the turned face still shares.
-    const auto isBad = [](const FaceCorner& corner) { return corner.edgeuse == 255; };
-    EXPECT_EQ(std::count_if(OB->corners, OB->corners + OB->nq, isBad), 6);
+    const auto badSides = [] {
+        const auto isBad = [](const FaceCorner& corner) { return corner.edgeuse == 255; };
+        return std::count_if(OB->corners, OB->corners + OB->nq, isBad);
+    };
+    EXPECT_EQ(badSides(), 6);
+    for (const int id : {280, 360}) command(id);
+    EXPECT_EQ(badSides(), 0);
+    OB->faces[0].q = nullptr;
+    command(267);
+    EXPECT_EQ(OB->nf, 4);
 }
 
 } // namespace

@@ -3,8 +3,13 @@
 
 #include "editor/commands.h"
 #include "editor/undo.h"
+#include "mesh/edges.h"
+#include "mesh/garbage.h"
+#include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
+
+#include <functional>
 
 namespace polyfab::test {
 namespace {
@@ -76,6 +81,45 @@ TEST_F(Progress, CommandsAndDropsAreLongWork) {
     shown.log.clear();
     mouse(5, 5, 0);
     EXPECT_EQ(taken(), Log{});
+}
+
+TEST_F(Progress, LoopsOverTheMeshMoveIt) {
+    constexpr int faces = 70'000;
+    for (int i = 0; i < faces + 2; ++i) OB->addPoint(i, i % 2, 0, false);
+    for (int i = 0; i < faces; ++i) addFace({i, i + 1, i + 2});
+    OB->curface = 0;
+    SnapshotRef whole;
+    struct Row {
+        const char* name;
+        int passes; ///< that it makes at least over all corners
+        std::function<void()> run;
+    };
+    const Row rows[] = {
+        {"check", 1, [] { EXPECT_EQ(check(*OB), nullptr); }},
+        {"snapshot", 1, [&] { whole = takeSnapshot(*OB, nullptr); }},
+        {"collection", 5, [] { EXPECT_TRUE(collectGarbage(*OB)); }},
+        {"edges", 4, [] { EXPECT_TRUE(buildEdges(*OB)); }},
+        {"orientation", 4 + 1 + 5 + 4, [] { EXPECT_TRUE(checkEdges(*OB, true, true, false)); }},
+        {"restoring", 5,
+         [&] {
+             emptyMesh();
+             EXPECT_TRUE(restoreSnapshot(*OB, *whole, *takeSnapshot(*OB, nullptr)));
+         }},
+    };
+    for (const auto& [name, passes, run] : rows) {
+        SCOPED_TRACE(name);
+        shown.seconds = 0;
+        const LongWork work("sums", Escape::stops);
+        at(1, 1, 2);
+        shown.secondsPerLook = 1;
+        run();
+        shown.secondsPerLook = 0;
+        const Log lines = taken();
+        EXPECT_GE(lines.size(), static_cast<std::size_t>(3 * passes));
+        EXPECT_EQ(std::set(lines.begin(), lines.end()),
+                  std::set<std::string>{"progress|sums (Escape stops it)|0.50"});
+    }
+    freeEdges(*OB);
 }
 
 /// Prompts get what makes every command go on in the end: a number, an axis, two axes.

@@ -15,21 +15,16 @@
 namespace polyfab::test {
 namespace {
 
-constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
-
 class RecentMenu : public WindowEvents {
   protected:
     RecentMenu() { stateFolder = folder.path("."); }
     ~RecentMenu() override { stateFolder.clear(); }
 
-    void read(const std::string& name) {
-        const std::string path = folder.write(name, triangle);
-        handleEvent({.kind = EventKind::drop, .paths = {path}});
-    }
+    void read(const std::string& name) { drop(folder.write(name, triangle)); }
     /// What the rows say, a greyed one in brackets; the folder left out.
     Log rows() {
         Log list;
-        for (const MenuItem& item : shown.bar.front().items) {
+        for (const MenuItem& item : items()) {
             if (item.id < firstRecentFileCommand || item.id > firstRecentFileCommand + 9) continue;
             std::string label = item.label;
             if (const std::size_t at = label.find(folder.path("")); at != std::string::npos) {
@@ -59,11 +54,8 @@ TEST_F(RecentMenu, RowsChangeOnlyWithWhatThisEditorReads) {
 }
 
 TEST_F(RecentMenu, OfLongPathsTheEndShows) {
-    const std::string e60 = [] {
-        std::string text;
-        for (int i = 0; i < 30; ++i) text += "\u00E9";
-        return text;
-    }();
+    std::string e60; // bytes
+    for (int i = 0; i < 30; ++i) e60 += "\u00E9";
     const struct {
         std::string name, row;
     } cases[] = {

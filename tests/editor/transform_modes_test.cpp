@@ -136,7 +136,7 @@ TEST_F(TransformModes, OneDragChangesTheMeshOnlyWhenItMoves) {
 
 TEST_F(TransformModes, NormalsGoWithTheirFacesAndAreCopiedWhereShared) {
     OB->addNormal(0, 0, 1);
-    OB->addNormal(0, 2, 0);
+    OB->addNormal(2, 0, 0);
     for (int f = 0; f < 2; ++f) OB->faces[f].q[0].d = OB->normals;
     for (int k = 1; k < 4; ++k) OB->faces[0].q[k].d = OB->normals + 1;
     command(366);
@@ -147,7 +147,7 @@ TEST_F(TransformModes, NormalsGoWithTheirFacesAndAreCopiedWhereShared) {
         return Vec3{d.x, d.y, d.z};
     };
     expectNear(normal(0, 0), {1, 0, 0});
-    expectNear(normal(0, 1), {0, 2, 0});
+    expectNear(normal(0, 1), {0, 0, -2});
     expectNear(normal(1, 0), {0, 0, 1}, 0);
     // A plane through x and z at 45 degrees, stretched along x, leans over; its normal with it.
     *OB->faces[0].q[0].d = {std::sqrt(0.5), 0, std::sqrt(0.5)};

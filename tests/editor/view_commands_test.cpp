@@ -35,8 +35,11 @@ TEST_F(ViewCommands, MirrorsKeepTheOutsideOutside) {
 TEST_F(ViewCommands, OnlySelectedFacesAreTurnedOver) {
     cubeIn(358);
     select({5});
+    OB->addNormal(1, 0, 0);
+    OB->faces[5].q[0].d = OB->normals;
     shown.dialogAnswers = {{"x"}};
     command(413);
+    EXPECT_EQ(OB->normals[0].x, -1);
     EXPECT_EQ(OB->faces[4].q[1].p, OB->points + 4);
     EXPECT_NE(OB->faces[5].q[1].p, OB->points + 3);
     EXPECT_EQ(point(0).x, -1); // not of the face that is selected
@@ -45,14 +48,14 @@ TEST_F(ViewCommands, OnlySelectedFacesAreTurnedOver) {
 
 TEST_F(ViewCommands, WithoutAnAnswerOrASelectionNothingHappens) {
     cubeIn(358);
-    const std::string before = editorProgram().dumpJson();
+    const std::string before = dump();
     for (const int id : {409, 413}) command(id); // cancelled
     command(291);
     for (const int id : {409, 413, 1055, 1084, 2003, 1024, 1057}) {
         EXPECT_EQ(run(id), Log{"message||no face is selected"});
     }
     command(290);
-    EXPECT_EQ(editorProgram().dumpJson(), before);
+    EXPECT_EQ(dump(), before);
     EXPECT_EQ(OB->changed, 0);
 }
 

@@ -28,6 +28,9 @@ inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
     }
 }
 
+/// A file with one triangle.
+inline constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+
 /// A client position.
 struct Spot {
     int x, y;
@@ -94,23 +97,28 @@ class WindowEvents : public MeshTest {
         handleEvent({.kind = EventKind::mouse, .x = x, .y = y, .buttons = buttons});
     }
     static void mouse(const Spot& spot, unsigned buttons) { mouse(spot.x, spot.y, buttons); }
-    /// A drag by so many pixels in two steps.
+    /// A drag by so many pixels in two steps, the second of which comes with the release.
     static void drag(int x, int y, int across, int down, unsigned buttons) {
         mouse(x, y, buttons);
         mouse(x + across / 2, y + down / 3, buttons);
-        mouse(x + across, y + down, buttons);
+        mouse(x + across, y + down, buttons == button::middle ? buttons : 0U);
         mouse(x + across, y + down, 0);
     }
     static void drag(const Spot& from, const Spot& to) {
         drag(from.x, from.y, to.x - from.x, to.y - from.y, button::left);
     }
     static void click(const Spot& spot) { drag(spot, spot); }
-    /// What the command shows.
-    Log run(int id) {
+    static void drop(const std::string& path) {
+        handleEvent({.kind = EventKind::drop, .paths = {path}});
+    }
+    /// What is shown while the event is handled.
+    Log showsAt(const Event& event) {
         shown.log.clear();
-        command(id);
+        handleEvent(event);
         return shown.log;
     }
+    Log showsAt(EventKind kind) { return showsAt({.kind = kind}); }
+    Log run(int id) { return showsAt({.kind = EventKind::command, .command = id}); }
 
     static Vec3 point(int i) { return {OB->points[i].x, OB->points[i].y, OB->points[i].z}; }
     /// Moves this point and all after it.
@@ -119,22 +127,35 @@ class WindowEvents : public MeshTest {
             p->x += way.x, p->y += way.y, p->z += way.z;
         }
     }
+    static bool isLive(int f) { return f >= 0 && f < OB->nf && OB->faces[f].q != nullptr; }
+    static int liveFaces() {
+        int count = 0;
+        for (int f = 0; f < OB->nf; ++f) count += isLive(f);
+        return count;
+    }
     static Numbers selected() { return selectedOf(OB->faces, OB->nf); }
     static void select(const Numbers& faces) {
         for (int f = 0; f < OB->nf; ++f) {
             OB->faces[f].selected = std::count(faces.begin(), faces.end(), f) != 0;
         }
     }
+    /// What the menu bar holds.
+    std::vector<MenuItem> items() const {
+        std::vector<MenuItem> all;
+        for (const Menu& menu : shown.bar) {
+            all.insert(all.end(), menu.items.begin(), menu.items.end());
+        }
+        return all;
+    }
     /// The check marks that show in the menu bar.
     std::set<int> checks() const {
         std::set<int> ids;
-        for (const Menu& menu : shown.bar) {
-            for (const MenuItem& item : menu.items) {
-                if (item.checked) ids.insert(item.id);
-            }
+        for (const MenuItem& item : items()) {
+            if (item.checked) ids.insert(item.id);
         }
         return ids;
     }
+    static std::string dump() { return editorProgram().dumpJson(); }
 };
 
 } // namespace polyfab::test

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands.h"
-#include "editor/undo.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
@@ -19,7 +18,7 @@ class Window : public WindowEvents {
 
 TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
     addCube();
-    const std::string before = editorProgram().dumpJson();
+    const std::string before = dump();
     std::set<std::string> titles{listMenu}; // which stands in the bar of its sub-view
     for (const Menu& menu : shown.bar) {
         EXPECT_TRUE(titles.insert(menu.title).second); // a menu's commands stand together
@@ -31,7 +30,7 @@ TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
         }
     }
     command(104); // the accelerator's command, which the window ignores
-    EXPECT_EQ(editorProgram().dumpJson(), before);
+    EXPECT_EQ(dump(), before);
     EXPECT_TRUE(shown.log.empty());
 }
 
@@ -56,11 +55,7 @@ TEST_F(Window, InfoCountsWhatIsThereAndSelectingTakesLiveFaces) {
 }
 
 TEST_F(Window, ClosingAsksOnlyWhenThereIsSomethingToLose) {
-    const auto close = [&] {
-        shown.log.clear();
-        send(EventKind::close);
-        return shown.log;
-    };
+    const auto close = [&] { return showsAt(EventKind::close); };
     const std::string question =
         "question|you have not saved this object since you altered it last|do you want to exit?";
     EXPECT_EQ(close(), Log{"destroyed"});
@@ -102,9 +97,7 @@ TEST_F(Window, ItsEndReleasesTheMeshUnlessThatIsFaulty) {
                                 OB->tmas,   OB->parts,  OB->materials};
         if (!faulty) left.resize(1); // a clear leaves the groups
         const int blocks = storeBlocks();
-        shown.log.clear();
-        send(EventKind::destroy);
-        EXPECT_EQ(shown.log.size(), faulty ? 1U : 0U);
+        EXPECT_EQ(showsAt(EventKind::destroy).size(), faulty ? 1U : 0U);
         EXPECT_EQ(blocks - storeBlocks(), faulty ? 1 : 7);
         for (void*& array : left) farfree(&array);
         resetEditorState();
@@ -127,66 +120,46 @@ TEST_F(Window, KeysGoDownAndUpAndAreClearedWithTheFocus) {
 
 TEST_F(Window, TheStateTellsButtonsNowAndBeforeAndTheMouse) {
     using namespace button;
+    const std::tuple<unsigned, int, Json> rows[] = {{left, 1, {1, 10, 0}},
+                                                    {right, 6, {2, 20, 0}},
+                                                    {left | right, 11, {2, 30, 3}},
+                                                    {0, 12, {2, 40, 4}},
+                                                    {0, 0, {5, 50, 4}}};
     int i = 0;
-    const auto expect = [&](unsigned buttons, int history, double x, double z) {
+    for (const auto& [buttons, history, at] : rows) {
         ++i;
         mouse(i, 10 * i, buttons);
         EXPECT_EQ(state()["history"], history);
-        EXPECT_EQ(state()["mouse"], (Json{x, 10.0 * i, z}));
-    };
-    expect(left, 1, 1, 0);
-    expect(right, 6, 2, 0);
-    expect(left | right, 11, 2, 3);
-    expect(0, 12, 2, 4);
-    expect(0, 0, 5, 4);
+        EXPECT_EQ(state()["mouse"], at);
+    }
 }
 
 TEST_F(Window, DropsOfOneFileAreReadAndOfSeveralRefused) {
     const TempFolder folder;
-    const std::string path = folder.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
-    handleEvent({.kind = EventKind::drop, .paths = {path, path}});
-    EXPECT_EQ(shown.log, Log{"message!|drag-and-drop|one file at a time please"});
-    handleEvent({.kind = EventKind::drop, .paths = {path}});
+    const std::string path = folder.write("t.obj", triangle);
+    EXPECT_EQ(showsAt({.kind = EventKind::drop, .paths = {path, path}}),
+              Log{"message!|drag-and-drop|one file at a time please"});
+    drop(path);
     EXPECT_EQ(shown.windowTitle, "polyfab [" + path + "] ");
     EXPECT_EQ(state()["nf"], 1);
 }
 
-TEST_F(Window, UndoTellsWhatAListDid) {
-    const Spot first{20, 8}, second{20, 24}; // cells
-    cubeIn(358);
-    OB->addGroup("other");
-    startHistory();
-    command(264);
-    shown.dialogAnswers = {{"new name"}};
-    mouse(first, button::right);
-    mouse(first, 0);
-    EXPECT_EQ(undoLabel(), "rename");
-    down(key::ctrl);
-    drag(first, second);
-    EXPECT_EQ(undoLabel(), "reorder");
-    click(first);
-    down(key::escape);
-    EXPECT_EQ(undoLabel(), "groups list");
-}
-
 TEST_F(Window, TheDumpHoldsTheWholeMesh) {
-    addCube();
+    for (const int x : {0, 7}) OB->addPoint(x, 1, -2, false);
+    for (int i = 0; i < 2; ++i) addFace({0, 1});
+    OB->faces[0].q = nullptr;
     OB->addTexCoord(0.25, 0.5);
-    OB->faces[1].q[2].t = OB->texcoords;
     OB->addNormal(0, 1, 0);
     OB->faces[1].q[0].d = OB->normals;
-    OB->faces[0].q = nullptr;
+    OB->faces[1].q[1].t = OB->texcoords;
     OB->groups[0].name[0] = '\xff'; // not UTF-8
-    const Json mesh = Json::parse(editorProgram().dumpJson());
-    EXPECT_EQ(mesh["points"][3], (Json{1, 1, -1}));
-    EXPECT_EQ(mesh["texcoords"], (Json::array({{0.25, 0.5}})));
-    EXPECT_EQ(mesh["normals"], (Json::array({{0, 1, 0}})));
-    EXPECT_EQ(mesh["groups"][0]["name"], "\uFFFDefault");
-    EXPECT_TRUE(mesh["faces"][0].is_null());
-    EXPECT_EQ(mesh["faces"][1]["corners"][0], (Json{4, -1, 0, 2}));
-    EXPECT_EQ(mesh["faces"][1]["corners"][2], (Json{7, 0, -1, 2}));
-    EXPECT_EQ(mesh["materials"][0]["color"], 0x808080);
-    EXPECT_EQ(mesh["parts"], Json::array({1}));
+    EXPECT_EQ(Json::parse(dump()), Json::parse(R"({"event": "dump", "mtllib": "",
+        "points": [[0, 1, -2], [7, 1, -2]], "texcoords": [[0.25, 0.5]], "normals": [[0, 1, 0]],
+        "groups": [{"name": "\uFFFDefault", "selected": 1}],
+        "materials": [{"name": "default", "color": 8421504, "selected": 1}],
+        "tmas": [1], "parts": [1],
+        "faces": [null, {"g": 0, "mat": 0, "tma": 0, "prt": 0, "selected": 1,
+                         "corners": [[0, -1, 0, 2], [1, 0, -1, 2]]}]})"));
 }
 
 TEST_F(Window, EachDisplaySwitchHasItsOwnOptionAndCheckMark) {
