@@ -6,10 +6,13 @@
 #include "platform/qt/qt_platform.h"
 
 #include <QApplication>
+#include <QThread>
 
+#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 namespace polyfab {
 namespace {
@@ -39,6 +42,18 @@ void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) 
     if (type == QtCriticalMsg) std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
+QtMessageHandler usualHandler = nullptr;
+
+/// One of Qt's backends calls exit() when the display dies. The other one ends the process at once
+/// after these words, in whichever thread finds out; the window's thread is to save before that.
+void saveWhenDisplayDies(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    usualHandler(type, context, text);
+    if (!text.startsWith(QLatin1String("The Wayland connection"))) return;
+    if (QThread::currentThread() == qApp->thread()) std::exit(EXIT_FAILURE);
+    endsignals::note(SIGTERM);
+    std::this_thread::sleep_for(std::chrono::seconds(10));
+}
+
 } // namespace
 
 int runQt(const Program& program, int& argc, char** argv, const std::string& file,
@@ -52,6 +67,7 @@ int runQt(const Program& program, int& argc, char** argv, const std::string& fil
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
+    usualHandler = qInstallMessageHandler(saveWhenDisplayDies);
     // Qt has just taken the user's locale over; number text keeps its decimal point.
     std::setlocale(LC_NUMERIC, "C");
     // Only the program's own destroyWindow ends the run.

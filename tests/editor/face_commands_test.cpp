@@ -72,6 +72,7 @@ TEST_F(FaceCommands, BadEdgesAreFoundAndShownAndRepaired) {
         return std::count_if(OB->corners, OB->corners + OB->nq, isBad);
     };
     EXPECT_EQ(badSides(), 6);
+    OB->curface = 1;
     for (const int id : {280, 360}) command(id);
     EXPECT_EQ(badSides(), 0);
     OB->faces[0].q = nullptr;

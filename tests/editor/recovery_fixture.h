@@ -80,10 +80,6 @@ class RecoveryTest : public WindowEvents {
         for (std::string& line : asked) line = line.substr(0, line.find(','));
         return asked;
     }
-    static int liveFaces() {
-        return static_cast<int>(std::count_if(OB->faces, OB->faces + OB->nf,
-                                              [](const Face& face) { return face.q != nullptr; }));
-    }
     static void rest() { send(EventKind::idle); }
 
     TempFolder folder;

@@ -31,7 +31,7 @@ class SessionEnd : public RecoveryTest {
         startHistory();
         OB->changed = 1;
     }
-    static void end() { handleEvent({.kind = EventKind::sessionEnd}); }
+    static void end() { send(EventKind::sessionEnd); }
     /// The window goes, and another editor starts. The mesh that it finds: its name and live faces.
     std::pair<std::string, int> left() {
         send(EventKind::destroy);
@@ -58,9 +58,7 @@ TEST_F(SessionEnd, WhatWasSavedStaysWhenTheRestCanNotBe) {
     cube("/a.obj", 5);
     stateFolder.clear();
     end();
-    shown.log.clear();
-    send(EventKind::close);
-    EXPECT_TRUE(shown.log.at(0).starts_with("question|"));
+    EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
     stateFolder = folder.path("");
 }
 
