@@ -49,9 +49,11 @@ TEST_F(FaceCommands, TheCurrentFaceAndEdgeAreForgotten) {
         cubeIn(358);
         OB->curface = 2;
         editorState.currentEdgeFace = editorState.currentEdgeCorner = 1;
+        stale = {false, false, false};
         command(id);
         EXPECT_EQ(OB->curface, id == 284 ? -1 : 2) << id;
         EXPECT_EQ(editorState.currentEdgeFace, id == 284 ? 1 : -1) << id;
+        EXPECT_TRUE(stale.picture || stale.edges) << id;
     }
     editorState.currentEdgeFace = 1;
     select({0});

@@ -57,7 +57,9 @@ TEST_F(HandlingModes, AFaceIsMadeCurrentSelectedAndDeleted) {
 TEST_F(HandlingModes, ADragFromPointToPointSplitsTheFaceThatHasBoth) {
     const auto expect = [&](const Spot& from, const Spot& to, const char* title, int split = -1) {
         cubeIn(349);
+        shown.choices = {Choice::yes};
         drag(from, to);
+        EXPECT_EQ(shown.choices.size(), 1U); // there was no question
         EXPECT_EQ(shown.windowTitle, title);
         EXPECT_EQ(OB->changed, split < 0 ? 0 : 1);
         for (int f = 0; f < 6; ++f) EXPECT_EQ(OB->faces[f].n, f == split ? 3 : 4);
@@ -161,12 +163,14 @@ TEST_F(HandlingModes, AVertexIsHighlightedAndWeldedByCtrl) {
         click(left(0, 0));
         EXPECT_TRUE(OB->curvertex == -1 && OB->points[2].highlighted == 0);
         down(key::ctrl);
+        editorState.currentEdgeFace = editorState.currentEdgeCorner = 0;
         drag(left(1, 1), to);
         EXPECT_EQ(OB->changed, 1);
     };
     dragInSquare(left(1, -1) + Spot{2, 1});
     EXPECT_EQ(OB->faces[0].n, 3);
     EXPECT_EQ(shown.windowTitle, "welded onto vertex 2");
+    EXPECT_EQ(editorState.currentEdgeFace, -1);
     EXPECT_TRUE(OB->curvertex == 1 && OB->points[1].highlighted == 1);
     expectNear(point(1), {1, -1, 0}, 0); // where it was, not where the mouse was
     dragInSquare(left(0.5, 0.5));        // no vertex there

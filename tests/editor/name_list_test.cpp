@@ -161,22 +161,19 @@ TEST_F(NameList, EachListHasItsOwnFieldAndKeys) {
 TEST_F(NameList, PointsByWholeCellsToTheLetter) {
     addGroups(70);
     command(groupsList);
-    const auto pointed = [&](Size client, int x, int y) {
+    const auto pointed = [&](Size client, const Spot& spot) {
         shown.size = client;
-        mouse(x, y, 0);
+        mouse(spot, 0);
         send(EventKind::paint); // of any size
         return OB->curgroup;
     };
     const Size usual{1024, 512};
-    EXPECT_EQ(pointed(usual, 255, 15), 0);
-    EXPECT_EQ(pointed(usual, 256, 16), 33);
-    EXPECT_EQ(pointed(usual, 5, 512), 32);
-    EXPECT_EQ(pointed({1027, 543}, 1, 542), 33);
-    EXPECT_EQ(pointed({4, 32}, 2, 5), 69);
-    for (const Spot& spot : {Spot{512, 96}, {-1, 5}, {5, -1}, {INT_MAX, INT_MAX}}) {
-        EXPECT_EQ(pointed(usual, spot.x, spot.y), -1);
-    }
-    for (const Size& size : {Size{3, 512}, {1024, 31}, {0, 0}}) EXPECT_EQ(pointed(size, 0, 0), -1);
+    const std::tuple<Size, Spot, int> rows[] = {
+        {usual, {255, 15}, 0},       {usual, {256, 16}, 33},   {usual, {5, 512}, 32},
+        {{1027, 543}, {1, 542}, 33}, {{4, 32}, {2, 5}, 69},    {usual, {512, 96}, -1},
+        {usual, {-1, 5}, -1},        {usual, {5, -1}, -1},     {usual, {INT_MAX, INT_MAX}, -1},
+        {{3, 512}, {0, 0}, -1},      {{1024, 31}, {0, 0}, -1}, {{0, 0}, {0, 0}, -1}};
+    for (const auto& [client, spot, entry] : rows) EXPECT_EQ(pointed(client, spot), entry);
 }
 
 TEST_F(NameList, RightClicksRename) {

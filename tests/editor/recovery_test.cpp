@@ -254,60 +254,6 @@ TEST_F(RecoveryTest, TheFileGoesWithAWholeWriteAndStaysWhenTheSessionEnds) {
     EXPECT_EQ(OB->points[0].x, 5);
 }
 
-/// The session ends while a question shows, and face 0 has this many corners then.
-struct Ending : FakePlatform {
-    Choice question(const std::string&, const std::string&, Buttons) override {
-        std::swap(OB->faces[0].n, corners);
-        handleEvent({.kind = EventKind::sessionEnd});
-        std::swap(OB->faces[0].n, corners);
-        return answer;
-    }
-    decltype(Face::n) corners = 4;
-    Choice answer = Choice::no;
-};
-
-TEST_F(RecoveryTest, ASessionThatEndsInACommandSavesWhatWasBeforeItOrElseWhatThereIs) {
-    for (const bool undoes : {true, false}) {
-        setUndoMemory(undoes ? defaultUndoMemory() : 0);
-        cubeIn(358);
-        command(291); // a step
-        OB->changed = 1;
-        {
-            Ending ending;
-            if (undoes) ending.corners = 30'000; // half done
-            command(299);                        // asks
-        }
-        EXPECT_EQ(kept().size(), 1U);
-        startRecovery();
-        EXPECT_EQ(start({Choice::yes}).size(), 1U);
-        EXPECT_EQ(liveFaces(), 6);
-        EXPECT_EQ(OB->faces[0].n, 4);
-        close();
-    }
-}
-
-TEST_F(RecoveryTest, ALogOutThatDidNotComeIsForgotten) {
-    cubeIn(358);
-    OB->changed = 1;
-    send(EventKind::sessionEnd);
-    mouse(5, 5, 0);
-    key(key::shift);
-    EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
-}
-
-TEST_F(RecoveryTest, ASessionThatEndsInTheQuestionLeavesAllAsItWas) {
-    leaveBehind("cube.obj", 5, 1);
-    const Log before = kept();
-    {
-        Ending ending;
-        ending.answer = Choice::cancel;
-        handleEvent({.kind = EventKind::start});
-    }
-    EXPECT_EQ(kept(), before);
-    EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
-    EXPECT_EQ(liveFaces(), 5);
-}
-
 TEST_F(RecoveryTest, WhatCanNotBeSavedIsToldOnce) {
     const std::string title = "message!|I can't write a recovery file, so save your work yourself|";
     const auto told = [&] {

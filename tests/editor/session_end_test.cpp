@@ -10,14 +10,19 @@ namespace {
 struct Ending : FakePlatform {
     Choice question(const std::string&, const std::string&, Buttons) override {
         tell();
-        return Choice::no;
+        return answer;
     }
     void showProgress(const std::string& text, double) override {
         if (!text.empty()) tell();
     }
     void tell() {
-        if (!std::exchange(told, true)) handleEvent({.kind = EventKind::sessionEnd});
+        if (std::exchange(told, true)) return;
+        std::swap(OB->faces[0].n, corners);
+        handleEvent({.kind = EventKind::sessionEnd});
+        std::swap(OB->faces[0].n, corners);
     }
+    Choice answer = Choice::no;
+    decltype(Face::n) corners = 4; ///< of face 0 at that time
     bool told = false;
 };
 
@@ -112,6 +117,48 @@ TEST_F(SessionEnd, AFileComesBackUnderItsWholePath) {
     end();
     left();
     EXPECT_EQ(editorState.fileName, fs::current_path() / "a.obj");
+}
+
+TEST_F(SessionEnd, InACommandSavesWhatWasBeforeItOrElseWhatThereIs) {
+    for (const bool undoes : {true, false}) {
+        setUndoMemory(undoes ? defaultUndoMemory() : 0);
+        cubeIn(358);
+        command(291); // a step
+        OB->changed = 1;
+        {
+            Ending ending;
+            if (undoes) ending.corners = 30'000; // half done
+            command(299);                        // asks
+        }
+        EXPECT_EQ(kept().size(), 1U);
+        startRecovery();
+        EXPECT_EQ(start({Choice::yes}).size(), 1U);
+        EXPECT_EQ(liveFaces(), 6);
+        EXPECT_EQ(OB->faces[0].n, 4);
+        close();
+    }
+}
+
+TEST_F(SessionEnd, IsForgottenWhenItDoesNotCome) {
+    cubeIn(358);
+    OB->changed = 1;
+    end();
+    mouse(5, 5, 0);
+    key(key::shift);
+    EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
+}
+
+TEST_F(SessionEnd, InTheQuestionLeavesAllAsItWas) {
+    leaveBehind("cube.obj", 5, 1);
+    const Log before = kept();
+    {
+        Ending ending;
+        ending.answer = Choice::cancel;
+        handleEvent({.kind = EventKind::start});
+    }
+    EXPECT_EQ(kept(), before);
+    EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
+    EXPECT_EQ(liveFaces(), 5);
 }
 
 } // namespace
