@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Chooses a backend by the command line and starts the editor on it.
-#include "editor/undo.h"
+#include "editor/history/undo.h"
 #include "editor/window.h"
 #include "formats/import_child.h"
 #include "io/state_folder.h"

@@ -3,8 +3,8 @@
 // painting it, moving a group, and closing it. Texts are not drawn here.
 #include "bench/grid.h"
 #include "bench/growth.h"
+#include "editor/lists/subview.h"
 #include "editor/state.h"
-#include "editor/subview.h"
 #include "editor/window.h"
 #include "mesh/group_order.h"
 #include "mesh/mesh.h"

@@ -4,7 +4,7 @@
 #include "display/affine.h"
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/drag.h"
+#include "editor/modes/drag.h"
 #include "editor/prompts.h"
 #include "editor/selection.h"
 #include "io/print_number.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/input.h"
 
-#include "editor/recovery.h"
+#include "editor/history/recovery.h"
 #include "editor/state.h"
 #include "mesh/mesh.h"
 

@@ -3,7 +3,7 @@
 
 #include "display/affine.h"
 #include "display/view.h"
-#include "editor/drag.h"
+#include "editor/modes/drag.h"
 #include "editor/state.h"
 #include "mesh/edges.h"
 #include "tools/elements.h"

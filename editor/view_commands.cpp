@@ -3,9 +3,9 @@
 
 #include "display/affine.h"
 #include "display/view.h"
+#include "editor/modes/transform_modes.h"
 #include "editor/prompts.h"
 #include "editor/selection.h"
-#include "editor/transform_modes.h"
 #include "editor/transform_selected.h"
 #include "platform/platform.h"
 

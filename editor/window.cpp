@@ -5,15 +5,15 @@
 
 #include "display/view.h"
 #include "editor/commands.h"
+#include "editor/history/recovery.h"
+#include "editor/history/undo.h"
 #include "editor/long_work.h"
 #include "editor/menus.h"
-#include "editor/modes.h"
+#include "editor/modes/modes.h"
 #include "editor/recent_menu.h"
-#include "editor/recovery.h"
 #include "editor/report.h"
 #include "editor/routes.h"
 #include "editor/state.h"
-#include "editor/undo.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 

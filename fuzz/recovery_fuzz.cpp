@@ -2,7 +2,7 @@
 // The first byte chooses: an even one hands the rest to the reader of recovery files as it is, an
 // odd one as what stands between a right head and a right checksum. What is accepted must pass the
 // check, and be the same after it was written and read once more.
-#include "editor/recovery_file.h"
+#include "editor/history/recovery_file.h"
 #include "editor/state.h"
 #include "fuzz/fuzz_support.h"
 #include "io/bytes.h"

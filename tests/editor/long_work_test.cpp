@@ -2,7 +2,7 @@
 #include "editor/long_work.h"
 
 #include "editor/commands.h"
-#include "editor/undo.h"
+#include "editor/history/undo.h"
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
 #include "mesh/snapshot.h"

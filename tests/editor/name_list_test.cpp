@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The name lists as the window drives them, in cells of 256 x 16 pixels.
-#include "editor/name_list.h"
+#include "editor/lists/name_list.h"
 
 #include "display/pane_images.h"
 #include "tests/editor/window_fixture.h"

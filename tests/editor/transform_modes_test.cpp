@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/transform_modes.h"
+#include "editor/modes/transform_modes.h"
 
 #include "tests/editor/window_fixture.h"
 

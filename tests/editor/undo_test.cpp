@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Undo and redo of whatever the window's events do.
-#include "editor/undo.h"
+#include "editor/history/undo.h"
 
 #include "editor/commands.h"
-#include "editor/drag.h"
+#include "editor/modes/drag.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/mesh/random_mesh.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Face handling: the current face, its selection, and splitting by a drag from point to point.
-#include "editor/face_mode.h"
+#include "editor/modes/face_mode.h"
 
 #include "display/options.h"
+#include "editor/modes/under_mouse.h"
 #include "editor/state.h"
-#include "editor/under_mouse.h"
 #include "mesh/split_face.h"
 #include "tools/delete_faces.h"
 

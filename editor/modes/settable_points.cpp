@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/settable_points.h"
+#include "editor/modes/settable_points.h"
 
+#include "editor/modes/under_mouse.h"
 #include "editor/state.h"
-#include "editor/under_mouse.h"
 
 #include <cmath>
 

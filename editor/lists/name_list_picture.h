@@ -2,7 +2,7 @@
 // The picture of a name list.
 #pragma once
 
-#include "editor/name_list_table.h"
+#include "editor/lists/name_list_table.h"
 #include "platform/platform.h"
 
 #include <vector>

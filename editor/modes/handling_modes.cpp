@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Edge, group and vertex handling, and the keys of all handling modes.
-#include "editor/handling_modes.h"
+#include "editor/modes/handling_modes.h"
 
-#include "editor/drag.h"
-#include "editor/face_mode.h"
+#include "editor/modes/drag.h"
+#include "editor/modes/face_mode.h"
+#include "editor/modes/under_mouse.h"
 #include "editor/state.h"
-#include "editor/under_mouse.h"
 #include "mesh/join_faces.h"
 #include "mesh/weld_pair.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/navigation.h"
+#include "editor/modes/navigation.h"
 
 #include "display/box.h"
 #include "display/look.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/editor_part.h"
+#include "editor/history/editor_part.h"
 
 #include "editor/state.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // States and the steps between them. Steps that change nothing that is saved lead to a state of the
 // same version, so that with one all states of its version are those on disk.
-#include "editor/undo.h"
+#include "editor/history/undo.h"
 
 #include "display/affine.h"
 #include "display/box.h"

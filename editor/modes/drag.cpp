@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/drag.h"
+#include "editor/modes/drag.h"
 
 #include "display/view.h"
 #include "tools/elements.h"

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/modes.h"
+#include "editor/modes/modes.h"
 
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/click_select.h"
-#include "editor/drag.h"
-#include "editor/face_mode.h"
-#include "editor/handling_modes.h"
+#include "editor/modes/click_select.h"
+#include "editor/modes/drag.h"
+#include "editor/modes/face_mode.h"
+#include "editor/modes/handling_modes.h"
+#include "editor/modes/transform_modes.h"
 #include "editor/state.h"
-#include "editor/transform_modes.h"
 #include "mesh/mesh.h"
 
 #include <algorithm>

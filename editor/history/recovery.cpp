@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A snapshot of the mesh costs little where nothing has changed, and once it is taken a thread can
 // write it while the user goes on. One thread at a time writes.
-#include "editor/recovery.h"
+#include "editor/history/recovery.h"
 
+#include "editor/history/recovery_file.h"
+#include "editor/history/recovery_folder.h"
+#include "editor/history/undo.h"
 #include "editor/long_work.h"
-#include "editor/recovery_file.h"
-#include "editor/recovery_folder.h"
 #include "editor/state.h"
-#include "editor/undo.h"
 #include "io/state_folder.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The four lists take the same events; where they differ, they ask their row of the table. Whatever
 // closes the list does so last: there is no row to ask afterwards.
-#include "editor/name_list.h"
+#include "editor/lists/name_list.h"
 
 #include "display/view.h"
 #include "editor/commands.h"
 #include "editor/input.h"
-#include "editor/name_list_picture.h"
-#include "editor/name_list_table.h"
+#include "editor/lists/name_list_picture.h"
+#include "editor/lists/name_list_table.h"
+#include "editor/lists/subview.h"
 #include "editor/prompts.h"
 #include "editor/state.h"
-#include "editor/subview.h"
 #include "mesh/group_order.h"
 #include "mesh/names.h"
 

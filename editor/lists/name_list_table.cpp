@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/name_list_table.h"
+#include "editor/lists/name_list_table.h"
 
+#include "editor/lists/subview.h"
 #include "editor/state.h"
-#include "editor/subview.h"
 
 #include <algorithm>
 #include <iterator>

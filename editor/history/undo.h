@@ -6,7 +6,7 @@
 // name where it was the step that changed them. What only moves the view is no step.
 #pragma once
 
-#include "editor/editor_part.h"
+#include "editor/history/editor_part.h"
 #include "mesh/snapshot.h"
 
 #include <cstdint>

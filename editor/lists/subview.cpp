@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/subview.h"
+#include "editor/lists/subview.h"
 
 #include "display/view.h"
+#include "editor/lists/name_list.h"
 #include "editor/menus.h"
-#include "editor/modes.h"
-#include "editor/name_list.h"
+#include "editor/modes/modes.h"
 #include "editor/state.h"
 
 #include <algorithm>

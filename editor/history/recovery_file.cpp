@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Magic, version, size of all; the editor's part and the mesh; a checksum of everything before it.
 // The checksum is FNV-1a in 64 bits (Fowler, Noll and Vo), which one changed byte always changes.
-#include "editor/recovery_file.h"
+#include "editor/history/recovery_file.h"
 
 #include "editor/state.h"
 #include "io/bytes.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/transform_modes.h"
+#include "editor/modes/transform_modes.h"
 
 #include "display/affine.h"
 #include "display/box.h"
 #include "display/look.h"
 #include "display/view.h"
-#include "editor/drag.h"
+#include "editor/modes/drag.h"
 #include "editor/state.h"
 #include "editor/transform_selected.h"
 

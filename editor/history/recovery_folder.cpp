@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/recovery_folder.h"
+#include "editor/history/recovery_folder.h"
 
 #include <algorithm>
 #include <cstring>

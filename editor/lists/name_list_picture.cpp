@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/name_list_picture.h"
+#include "editor/lists/name_list_picture.h"
 
 #include "display/pane_images.h"
 #include "editor/state.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/click_select.h"
+#include "editor/modes/click_select.h"
 
 #include "display/view.h"
+#include "editor/modes/under_mouse.h"
 #include "editor/state.h"
-#include "editor/under_mouse.h"
 #include "mesh/mesh.h"
 
 #include <cstdint>

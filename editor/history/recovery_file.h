@@ -3,7 +3,7 @@
 // the user sees of it. A reader refuses a file of which a byte is missing or another one.
 #pragma once
 
-#include "editor/editor_part.h"
+#include "editor/history/editor_part.h"
 #include "mesh/snapshot.h"
 
 #include <cstdint>
