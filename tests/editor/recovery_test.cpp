@@ -144,6 +144,18 @@ TEST_F(RecoveryTest, AMeshThatIsUnsoundOrAViewThatIsUselessDoesNoHarm) {
     EXPECT_EQ(liveFaces(), 6);
     EXPECT_LT(view.scale, 1e6);
     close();
+    // A current element that is none.
+    cubeIn(358);
+    OB->curvertex = OB->curtexcoord = OB->curface = 99;
+    OB->curgroup = OB->curmat = OB->curtma = OB->curprt = 99;
+    record = recoveryRecord(takeSnapshot(*OB, nullptr), presentPart());
+    leave();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    for (const int current : {OB->curvertex, OB->curtexcoord, OB->curface, int{OB->curgroup},
+                              int{OB->curmat}, int{OB->curtma}, int{OB->curprt}}) {
+        EXPECT_EQ(current, -1);
+    }
+    close();
     cubeIn(358);
     OB->faces[0].g = 9;
     record.mesh = takeSnapshot(*OB, nullptr);
@@ -284,12 +296,14 @@ TEST_F(RecoveryTest, AStateFolderThatCanNotBeUsedIsToldAtTheStart) {
 TEST_F(RecoveryTest, WhatIsNotTheEditorsStays) {
     fs::create_directories(folder.path("recovery-photos"));
     fs::create_directories(folder.path("recovery-12/more"));
+    fs::create_directories(folder.path("recovery-9")); // of an editor that ended before it saved
     fs::create_directory_symlink(folder.path("recovery-photos"), folder.path("recovery-7"));
     folder.write("recovery-photos/a.txt", "mine");
     EXPECT_EQ(start({}), nothing);
     EXPECT_TRUE(folder.has("recovery-photos/a.txt"));
     EXPECT_FALSE(folder.has("recovery-photos/lock"));
     EXPECT_TRUE(folder.has("recovery-12/more"));
+    EXPECT_FALSE(folder.has("recovery-9"));
     EXPECT_TRUE(folder.has("recovery-7"));
 }
 
