@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -50,6 +51,24 @@ class AroundBox {
     QWidget& window;
     InputFilter& input;
     WorkClock& clock;
+};
+
+/// Tells when the session manager ends the application, which it may do without a word before.
+class QuitFilter : public QObject {
+  public:
+    QuitFilter(QObject* parent, std::function<void()> tell)
+        : QObject(parent), told(std::move(tell)) {
+        qApp->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == qApp && event->type() == QEvent::Quit && event->spontaneous()) told();
+        return false;
+    }
+
+  private:
+    std::function<void()> told;
 };
 
 /// The user rests when nothing has come for this long, and still does each time this long again.
@@ -99,6 +118,7 @@ void QtPlatform::beginWatch() {
                          session.setRestartHint(QSessionManager::RestartNever);
                          send({.kind = EventKind::sessionEnd});
                      });
+    new QuitFilter(&window, [this] { send({.kind = EventKind::sessionEnd}); }); // the window's own
     if (const int caught = catchEndSignals(); caught >= 0) {
         auto* const notifier = new QSocketNotifier(caught, QSocketNotifier::Read, &window);
         QObject::connect(notifier, &QSocketNotifier::activated, &window, [this] { endBySignal(); });
