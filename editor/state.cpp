@@ -2,6 +2,7 @@
 #include "editor/state.h"
 
 #include "editor/long_work.h"
+#include "mesh/mesh.h"
 #include "platform/platform.h"
 
 namespace polyfab {
@@ -12,6 +13,13 @@ void noteKey(const Event& event) {
     if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
     editorState.keys[static_cast<std::size_t>(event.key)] =
         event.kind == EventKind::keyDown ? 0xFF : 0;
+}
+
+void dropStaleEdge() {
+    const int face = editorState.currentEdgeFace, corner = editorState.currentEdgeCorner;
+    const bool isThere = face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
+                         && corner < OB->faces[face].n;
+    if (!isThere) forgetCurrentEdge();
 }
 
 bool abortRequested() {

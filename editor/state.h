@@ -81,6 +81,9 @@ inline void forgetCurrentEdge() {
     editorState.currentEdgeFace = editorState.currentEdgeCorner = -1;
 }
 
+/// The same if the current edge is no side of a live face of OB: it may have gone since.
+void dropStaleEdge();
+
 /// The mouse buttons as the last two mouse events tell them.
 [[nodiscard]] inline bool leftPressed() { return (editorState.history & 5) == 1; }
 [[nodiscard]] inline bool leftReleased() { return (editorState.history & 5) == 4; }

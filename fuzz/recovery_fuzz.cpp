@@ -20,17 +20,10 @@ using fuzz::demand;
 
 /// A file with this body between its head and its checksum.
 std::string asFile(std::string_view body) {
-    ByteWriter out;
-    out.bytes = "polyfabR";
-    out.fixed(1, 4);
-    out.fixed(out.bytes.size() + 8 + body.size() + 8, 8);
-    out.bytes += body;
-    std::uint64_t sum = 0xcbf29ce484222325;
-    for (const char byte : out.bytes) {
-        sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
-    }
-    out.fixed(sum, 8);
-    return out.bytes;
+    std::string bytes(recoveryHeadBytes, '\0');
+    bytes += body;
+    sealRecovery(bytes);
+    return bytes;
 }
 
 std::string packedMesh() {

@@ -17,7 +17,6 @@
 #include <chrono>
 #include <ctime>
 #include <exception>
-#include <filesystem>
 #include <future>
 #include <new>
 #include <system_error>
@@ -138,8 +137,6 @@ void tellFailure() {
 
 /// Where nothing will be kept the user shall know before there is work to lose.
 void tryStateFolder() {
-    std::error_code ignored;
-    std::filesystem::create_directories(stateFolder, ignored);
     if (::access(stateFolder.c_str(), W_OK | X_OK) != 0) recovery.failure = stateFolder;
     tellFailure();
 }

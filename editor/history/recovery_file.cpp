@@ -27,7 +27,7 @@ namespace {
 constexpr std::string_view magic = "polyfabR";
 constexpr std::uint64_t version = 1;
 constexpr int versionBytes = 4, sizeBytes = 8, checksumBytes = 8;
-constexpr std::size_t headBytes = magic.size() + versionBytes + sizeBytes;
+static_assert(recoveryHeadBytes == magic.size() + versionBytes + sizeBytes);
 
 std::uint64_t checksumOf(std::string_view bytes) {
     std::uint64_t sum = 0xcbf29ce484222325;
@@ -113,18 +113,13 @@ void settleCurrents(Mesh& mesh) {
     intoRange(mesh.curprt, mesh.nprt);
 }
 
-bool isEdge(int face, int corner) {
-    return face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
-           && corner < OB->faces[face].n;
-}
-
 /// What is wrong with a file of so many bytes that begins like this; "": nothing so far.
 std::string faultOfHead(std::string_view begin, std::uint64_t bytes) {
     ByteReader in(begin);
     if (in.raw(magic.size()) != magic) return "it is no recovery file";
     if (in.fixed(versionBytes) != version) return "another version of the editor wrote it";
     const std::uint64_t size = in.fixed(sizeBytes);
-    if (bytes < headBytes + checksumBytes || size > bytes) return "its end is missing";
+    if (bytes < recoveryHeadBytes + checksumBytes || size > bytes) return "its end is missing";
     return size < bytes ? "there is something behind its end" : "";
 }
 
@@ -153,17 +148,23 @@ std::string packEditor(EditorPart part) {
 
 std::string packRecovery(const RecoveryRecord& record) {
     ByteWriter out;
-    out.bytes = magic;
-    out.fixed(version, versionBytes);
-    out.fixed(0, sizeBytes);
+    out.bytes.resize(recoveryHeadBytes);
     out.signedNumber(record.time);
     out.bytes += packEditor(record.editor);
     packSnapshot(out, *record.mesh);
-    ByteWriter size;
-    size.fixed(out.bytes.size() + checksumBytes, sizeBytes);
-    out.bytes.replace(headBytes - sizeBytes, sizeBytes, size.bytes);
-    out.fixed(checksumOf(out.bytes), checksumBytes);
+    sealRecovery(out.bytes);
     return std::move(out.bytes);
+}
+
+void sealRecovery(std::string& bytes) {
+    ByteWriter head;
+    head.bytes = magic;
+    head.fixed(version, versionBytes);
+    head.fixed(bytes.size() + checksumBytes, sizeBytes);
+    bytes.replace(0, recoveryHeadBytes, head.bytes);
+    ByteWriter checksum;
+    checksum.fixed(checksumOf(bytes), checksumBytes);
+    bytes += checksum.bytes;
 }
 
 std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
@@ -171,7 +172,7 @@ std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
     const std::string_view summed = bytes.substr(0, bytes.size() - checksumBytes);
     ByteReader sum(bytes.substr(summed.size()));
     if (sum.fixed(checksumBytes) != checksumOf(summed)) return "its checksum is wrong";
-    ByteReader body(summed.substr(headBytes));
+    ByteReader body(summed.substr(recoveryHeadBytes));
     record.time = body.signedNumber();
     unpackEditor(body, record.editor);
     record.mesh = unpackSnapshot(body);
@@ -198,7 +199,7 @@ void restoreEditor(const RecoveryRecord& record) {
     const EditorPart& part = record.editor;
     restoreFileName(part);
     restorePicks(part);
-    if (!isEdge(part.edgeFace, part.edgeCorner)) forgetCurrentEdge();
+    dropStaleEdge();
     View saved = part.view;
     isUsable(saved) ? restoreView(part) : fitView(*OB);
     stale = Stale();

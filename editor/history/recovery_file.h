@@ -6,6 +6,7 @@
 #include "editor/history/editor_part.h"
 #include "mesh/snapshot.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -33,6 +34,13 @@ struct RecoveryFault {
 [[nodiscard]] std::string packEditor(EditorPart part);
 
 [[nodiscard]] std::string packRecovery(const RecoveryRecord& record);
+
+/// What a file begins with, before what it tells.
+inline constexpr std::size_t recoveryHeadBytes = 20;
+
+/// Makes a file of bytes that have room for the head before what they tell: puts it there, and the
+/// checksum behind.
+void sealRecovery(std::string& bytes);
 
 /// What is wrong with the bytes; "": nothing, and `record` is filled.
 [[nodiscard]] std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record);

@@ -64,16 +64,6 @@ const Mode& presentMode() {
     return row == modes.end() ? modes.front() : *row;
 }
 
-/// The current edge may have gone since it was picked.
-void dropStaleEdge() {
-    const int face = editorState.currentEdgeFace;
-    if (face < 0) return;
-    if (face >= OB->nf || OB->faces[face].q == nullptr
-        || editorState.currentEdgeCorner >= OB->faces[face].n) {
-        forgetCurrentEdge();
-    }
-}
-
 } // namespace
 
 void enterMode(int command) {
