@@ -10,6 +10,7 @@
 #include "editor/modes/transform_modes.h"
 #include "editor/window.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
 #include "tests/support/fake_platform.h"
 
 namespace polyfab::bench {

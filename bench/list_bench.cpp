@@ -4,10 +4,10 @@
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "editor/lists/subview.h"
-#include "editor/state.h"
 #include "editor/window.h"
 #include "mesh/group_order.h"
 #include "mesh/mesh.h"
+#include "workbench/state.h"
 
 #include <random>
 #include <string>

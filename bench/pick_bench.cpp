@@ -6,6 +6,7 @@
 #include "display/picking.h"
 #include "display/view.h"
 #include "mesh/mesh.h"
+#include "mesh/screen_positions.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 // which a thread does; and the reading at the next start. The bytes are those of the file.
 #include "bench/grid.h"
 #include "bench/growth.h"
-#include "editor/history/recovery_file.h"
+#include "editor/recovery/recovery_file.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 

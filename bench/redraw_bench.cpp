@@ -8,6 +8,8 @@
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "mesh/mesh.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
 
 #include <algorithm>
 #include <cstddef>

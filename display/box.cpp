@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/box.h"
 
-#include "display/affine.h"
-#include "display/view.h"
+#include "geometry/affine.h"
+#include "geometry/projection.h"
+#include "mesh/extent.h"
+#include "mesh/stale.h"
 
 #include <algorithm>
 

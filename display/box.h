@@ -2,8 +2,8 @@
 // The box: a left and a right cut-off along each screen axis.
 #pragma once
 
+#include "geometry/vec3.h"
 #include "mesh/mesh.h"
-#include "mesh/projection.h"
 
 namespace polyfab {
 

@@ -3,7 +3,7 @@
 // what may lie side by side also differs in width or dash, so that no colour is needed.
 #pragma once
 
-#include "display/raster.h"
+#include "picture/raster.h"
 #include "platform/platform.h"
 
 #include <cstdint>

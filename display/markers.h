@@ -2,7 +2,7 @@
 // What the panes mark besides the mesh: it is kept elsewhere and told with each picture.
 #pragma once
 
-#include "mesh/projection.h"
+#include "geometry/vec3.h"
 
 #include <array>
 

@@ -2,8 +2,8 @@
 // One of the two panes of a picture, and where mesh and world lie in it.
 #pragma once
 
-#include "display/raster.h"
 #include "display/view.h"
+#include "picture/raster.h"
 
 namespace polyfab {
 

@@ -3,8 +3,10 @@
 // panes.
 #include "display/view.h"
 
-#include "display/affine.h"
 #include "display/box.h"
+#include "geometry/affine.h"
+#include "mesh/extent.h"
+#include "mesh/stale.h"
 
 #include <algorithm>
 #include <array>
@@ -202,16 +204,6 @@ void resizeView(Size client) {
         along(offset, i) = along(after, i) + (along(view.offset, i) - along(before, i)) * factor;
     }
     placeView(view.scale * factor, offset);
-}
-
-void transformPoints(Mesh& mesh) {
-    const AffineMap map = projection.toScreen;
-    for (Point *p = mesh.points, *end = p + mesh.np; p != end; ++p) {
-        const Vec3 screen = map({p->x, p->y, p->z});
-        p->sx = screen.x;
-        p->sy = screen.y;
-        p->sz = screen.z;
-    }
 }
 
 } // namespace polyfab

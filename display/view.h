@@ -4,8 +4,8 @@
 // seen from its right side. All screen figures are device pixels; whole numbers are pixel middles.
 #pragma once
 
+#include "geometry/projection.h"
 #include "mesh/mesh.h"
-#include "mesh/projection.h"
 #include "platform/platform.h"
 
 namespace polyfab {
@@ -19,15 +19,6 @@ struct View {
 };
 
 inline View view;
-
-/// What has to be made again before the next picture. Whoever changes a thing raises its flag.
-struct Stale {
-    bool points = true;  ///< world positions or the view changed: transform all points again
-    bool edges = true;   ///< faces were added, removed, changed or selected
-    bool picture = true; ///< drawn anew, whatever else is up to date
-};
-
-inline Stale stale;
 
 /// Columns of the window: the left pane, a line one pixel wide, the right pane.
 struct Panes {
@@ -86,8 +77,5 @@ bool fitViewToSelected(const Mesh& mesh);
 /// The panes of another client size show what they showed, around the same middle, scaled with the
 /// smaller pane side. Empty panes count as one pixel wide, so that nothing is lost on the way back.
 void resizeView(Size client);
-
-/// Works out the screen positions of all points from their world positions.
-void transformPoints(Mesh& mesh);
 
 } // namespace polyfab

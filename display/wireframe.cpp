@@ -8,8 +8,10 @@
 #include "display/options.h"
 #include "display/overlay.h"
 #include "display/pane.h"
-#include "display/raster.h"
 #include "display/view.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
+#include "picture/raster.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/input.h"
 
-#include "editor/history/recovery.h"
-#include "editor/state.h"
+#include "editor/recovery/recovery.h"
 #include "mesh/mesh.h"
+#include "workbench/state.h"
 
 namespace polyfab {
 

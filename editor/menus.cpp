@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/menus.h"
 
-#include "editor/commands.h"
-#include "editor/recent_files.h"
+#include "editor/command_table.h"
+#include "workbench/recent_files.h"
 
 #include <string_view>
 #include <vector>

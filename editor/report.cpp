@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/report.h"
 
-#include "editor/commands.h"
-#include "editor/selection.h"
-#include "editor/state.h"
+#include "editor/command_table.h"
+#include "editor/commands/selection.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 #include "platform/platform.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

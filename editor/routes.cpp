@@ -4,8 +4,7 @@
 #include "display/pane_images.h"
 #include "display/view.h"
 #include "display/wireframe.h"
-#include "editor/commands.h"
-#include "editor/history/recovery.h"
+#include "editor/command_table.h"
 #include "editor/history/undo.h"
 #include "editor/input.h"
 #include "editor/lists/subview.h"
@@ -14,11 +13,13 @@
 #include "editor/modes/modes.h"
 #include "editor/modes/navigation.h"
 #include "editor/modes/settable_points.h"
-#include "editor/recent_files.h"
-#include "editor/state.h"
+#include "editor/recovery/recovery.h"
 #include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
+#include "workbench/recent_files.h"
+#include "workbench/state.h"
 
 #include <filesystem>
 #include <new>

@@ -3,19 +3,19 @@
 // the history.
 #include "editor/window.h"
 
-#include "display/view.h"
-#include "editor/commands.h"
-#include "editor/history/recovery.h"
+#include "editor/command_table.h"
+#include "editor/commands/recent.h"
 #include "editor/history/undo.h"
-#include "editor/long_work.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
-#include "editor/recent_menu.h"
+#include "editor/recovery/recovery.h"
 #include "editor/report.h"
 #include "editor/routes.h"
-#include "editor/state.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>

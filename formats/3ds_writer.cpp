@@ -3,15 +3,15 @@
 // to the file only when the whole mesh has found room.
 #include "formats/3ds_writer.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "formats/face_order.h"
 #include "formats/only_selected.h"
 #include "io/save_file.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <bit>

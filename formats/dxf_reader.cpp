@@ -3,8 +3,6 @@
 // so that the arrays are made once, one reads.
 #include "formats/dxf_reader.h"
 
-#include "display/view.h"
-#include "editor/title.h"
 #include "formats/file_command.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
@@ -12,7 +10,9 @@
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "mesh/point_index.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/title.h"
 
 #include <array>
 #include <cstdint>

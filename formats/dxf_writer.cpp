@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/dxf_writer.h"
 
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,12 +3,13 @@
 
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "io/read_file.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 namespace polyfab {
 

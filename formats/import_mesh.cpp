@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
-#include "editor/long_work.h"
-#include "editor/recent_files.h"
-#include "editor/state.h"
 #include "formats/file_command.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
@@ -13,6 +10,9 @@
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/recent_files.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_process.h"
 
-#include "editor/state.h"
 #include "formats/import_child.h"
+#include "workbench/state.h"
 
 #include <cerrno>
 #include <csignal>

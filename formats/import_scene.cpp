@@ -4,6 +4,7 @@
 // edges.
 #include "formats/scenes.h"
 #include "formats/unique_table.h"
+#include "geometry/affine.h"
 #include "mesh/mesh.h"
 
 #include <assimp/config.h>
@@ -40,18 +41,6 @@ Vec3 vector(const aiVector3D& v) { return {finite(v.x), finite(v.y), finite(v.z)
 
 AffineMap mapOf(const aiMatrix4x4& m) {
     return {{{m.a1, m.a2, m.a3, m.a4}, {m.b1, m.b2, m.b3, m.b4}, {m.c1, m.c2, m.c3, m.c4}}};
-}
-
-/// First `inner`, then `outer`.
-AffineMap product(const AffineMap& outer, const AffineMap& inner) {
-    AffineMap map;
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 4; ++k) {
-            map.row[i][k] = k == 3 ? outer.row[i][3] : 0;
-            for (int j = 0; j < 3; ++j) map.row[i][k] += outer.row[i][j] * inner.row[j][k];
-        }
-    }
-    return map;
 }
 
 /// How normals go along with the points: by the inverse transpose, which up to a factor is the

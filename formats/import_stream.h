@@ -4,7 +4,7 @@
 // program on the same machine, but the reader takes nothing in it for granted.
 #pragma once
 
-#include "mesh/projection.h"
+#include "geometry/vec3.h"
 
 #include <cstdint>
 #include <span>

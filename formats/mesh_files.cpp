@@ -3,10 +3,6 @@
 #include "formats/mesh_files.h"
 
 #include "display/options.h"
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/recent_files.h"
-#include "editor/state.h"
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
 #include "formats/dxf_reader.h"
@@ -16,7 +12,11 @@
 #include "formats/obj_writer.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/recent_files.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cctype>

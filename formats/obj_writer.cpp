@@ -3,14 +3,14 @@
 // groups and materials there are.
 #include "formats/obj_writer.h"
 
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "formats/face_order.h"
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -5,8 +5,7 @@
 // read back.
 #include "display/box.h"
 #include "display/options.h"
-#include "editor/commands.h"
-#include "editor/state.h"
+#include "editor/command_table.h"
 #include "editor/window.h"
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
@@ -15,6 +14,7 @@
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
 #include "tests/support/fake_platform.h"
+#include "workbench/state.h"
 
 #include <filesystem>
 #include <iterator>

@@ -2,13 +2,13 @@
 // The first byte chooses: an even one hands the rest to the reader of recovery files as it is, an
 // odd one as what stands between a right head and a right checksum. What is accepted must pass the
 // check, and be the same after it was written and read once more.
-#include "editor/history/recovery_file.h"
-#include "editor/state.h"
+#include "editor/recovery/recovery_file.h"
 #include "fuzz/fuzz_support.h"
 #include "io/bytes.h"
 #include "mesh/check.h"
 #include "mesh/pack_snapshot.h"
 #include "tests/support/fake_platform.h"
+#include "workbench/state.h"
 
 #include <string>
 #include <string_view>

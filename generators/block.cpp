@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "generators/block.h"
 
-#include "display/view.h"
-#include "editor/prompts.h"
-#include "editor/state.h"
+#include "mesh/stale.h"
+#include "workbench/prompts.h"
+#include "workbench/state.h"
 
 #include <array>
 #include <cstddef>

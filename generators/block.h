@@ -2,8 +2,8 @@
 // Rectangular blocks along the axes.
 #pragma once
 
+#include "geometry/vec3.h"
 #include "mesh/mesh.h"
-#include "mesh/projection.h"
 
 namespace polyfab {
 

@@ -2,7 +2,7 @@
 // Adding elements to the mesh.
 #include "mesh/mesh.h"
 
-#include "mesh/projection.h"
+#include "geometry/projection.h"
 #include "platform/platform.h"
 
 #include <algorithm>

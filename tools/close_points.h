@@ -3,8 +3,8 @@
 // found once is never looked at again.
 #pragma once
 
+#include "geometry/vec3.h"
 #include "mesh/mesh.h"
-#include "mesh/projection.h"
 #include "mesh/table.h"
 
 #include <cstdint>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/collect.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "mesh/garbage.h"
+#include "mesh/stale.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 namespace polyfab {
 

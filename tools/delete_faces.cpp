@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/delete_faces.h"
 
-#include "display/view.h"
-#include "editor/state.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
-#include "tools/elements.h"
+#include "workbench/state.h"
 
 #include <cstdint>
 

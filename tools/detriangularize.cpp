@@ -5,17 +5,17 @@
 // where very many triangles lie on one edge and do not fit does each walk past all the others.
 #include "tools/detriangularize.h"
 
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/title.h"
+#include "geometry/vec3.h"
 #include "mesh/edges.h"
+#include "mesh/face_angle.h"
+#include "mesh/faces.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/collect.h"
 #include "tools/delete_faces.h"
-#include "tools/elements.h"
-#include "tools/face_angle.h"
-#include "tools/vectors.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/title.h"
 
 #include <algorithm>
 #include <array>

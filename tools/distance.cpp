@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/distance.h"
 
-#include "editor/state.h"
 #include "platform/platform.h"
+#include "workbench/state.h"
 
 #include <climits>
 #include <cmath>

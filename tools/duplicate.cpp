@@ -3,11 +3,11 @@
 // be counted in it is refused whole.
 #include "tools/duplicate.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
 
 #include <algorithm>
 #include <cstdint>

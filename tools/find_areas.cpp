@@ -3,12 +3,12 @@
 // path halving); each tree is an area.
 #include "tools/find_areas.h"
 
-#include "editor/long_work.h"
-#include "editor/title.h"
 #include "mesh/store.h"
 #include "mesh/table.h"
 #include "tools/collect.h"
 #include "tools/too_many.h"
+#include "workbench/long_work.h"
+#include "workbench/title.h"
 
 #include <algorithm>
 #include <climits>

@@ -4,15 +4,15 @@
 // face leads to without the earlier parts, in whatever order the flood goes on.
 #include "tools/find_parts.h"
 
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/title.h"
 #include "mesh/edges.h"
+#include "mesh/face_angle.h"
+#include "mesh/faces.h"
 #include "mesh/table.h"
 #include "tools/collect.h"
-#include "tools/elements.h"
-#include "tools/face_angle.h"
 #include "tools/too_many.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/title.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/names_from_numbers.h"
 
+#include "mesh/faces.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
-#include "tools/elements.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/point_normals.h"
 
-#include "tools/elements.h"
+#include "mesh/faces.h"
 
 #include <utility>
 

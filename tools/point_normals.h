@@ -3,9 +3,9 @@
 // along their normals again and again.
 #pragma once
 
+#include "geometry/vec3.h"
 #include "mesh/mesh.h"
 #include "mesh/table.h"
-#include "tools/vectors.h"
 
 #include <cstdint>
 

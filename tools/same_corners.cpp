@@ -4,12 +4,12 @@
 // last word.
 #include "tools/same_corners.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/delete_faces.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -5,11 +5,11 @@
 // point.
 #include "tools/separate_glued.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/smooth.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/state.h"
+#include "geometry/projection.h"
+#include "mesh/faces.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
 #include "tools/collect.h"
-#include "tools/elements.h"
 #include "tools/point_normals.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cfloat>

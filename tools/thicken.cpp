@@ -3,15 +3,15 @@
 // is all the memory of them that the border needs.
 #include "tools/thicken.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/title.h"
 #include "mesh/edges.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
 #include "tools/collect.h"
-#include "tools/elements.h"
 #include "tools/point_normals.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/title.h"
 
 #include <algorithm>
 #include <cmath>

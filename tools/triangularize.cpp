@@ -3,14 +3,14 @@
 // gone through twice, to count what the new arrays need and to fill them.
 #include "tools/triangularize.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "mesh/edges.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/store.h"
 #include "platform/platform.h"
 #include "tools/delete_faces.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/unweld.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
-#include "editor/title.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
+#include "workbench/title.h"
 
 #include <algorithm>
 #include <cstdint>

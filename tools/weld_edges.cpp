@@ -4,14 +4,14 @@
 // halving: Tarjan and van Leeuwen, Worst-case analysis of set union algorithms, 1984).
 #include "tools/weld_edges.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/state.h"
-#include "editor/title.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "tools/close_points.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/state.h"
+#include "workbench/title.h"
 
 #include <cstdint>
 

@@ -4,16 +4,16 @@
 // first; corners and positions then follow in one pass.
 #include "tools/weld_points.h"
 
-#include "display/view.h"
-#include "editor/long_work.h"
-#include "editor/prompts.h"
-#include "editor/state.h"
-#include "editor/title.h"
 #include "mesh/edges.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
+#include "mesh/stale.h"
 #include "mesh/table.h"
 #include "tools/close_points.h"
-#include "tools/elements.h"
+#include "workbench/long_work.h"
+#include "workbench/prompts.h"
+#include "workbench/state.h"
+#include "workbench/title.h"
 
 #include <cstdint>
 

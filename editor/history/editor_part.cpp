@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/history/editor_part.h"
 
-#include "editor/state.h"
+#include "workbench/state.h"
 
 namespace polyfab {
 

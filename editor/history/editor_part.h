@@ -4,7 +4,7 @@
 
 #include "display/box.h"
 #include "display/view.h"
-#include "mesh/projection.h"
+#include "geometry/vec3.h"
 
 #include <array>
 #include <string>

@@ -3,12 +3,13 @@
 // same version, so that with one all states of its version are those on disk.
 #include "editor/history/undo.h"
 
-#include "display/affine.h"
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/state.h"
+#include "geometry/affine.h"
 #include "mesh/snapshot.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,15 +4,16 @@
 #include "editor/lists/name_list.h"
 
 #include "display/view.h"
-#include "editor/commands.h"
+#include "editor/command_table.h"
 #include "editor/input.h"
 #include "editor/lists/name_list_picture.h"
 #include "editor/lists/name_list_table.h"
 #include "editor/lists/subview.h"
-#include "editor/prompts.h"
-#include "editor/state.h"
 #include "mesh/group_order.h"
 #include "mesh/names.h"
+#include "mesh/stale.h"
+#include "workbench/prompts.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

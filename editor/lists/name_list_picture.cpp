@@ -2,7 +2,7 @@
 #include "editor/lists/name_list_picture.h"
 
 #include "display/pane_images.h"
-#include "editor/state.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 

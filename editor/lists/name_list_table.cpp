@@ -2,7 +2,7 @@
 #include "editor/lists/name_list_table.h"
 
 #include "editor/lists/subview.h"
-#include "editor/state.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/lists/subview.h"
 
-#include "display/view.h"
 #include "editor/lists/name_list.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
-#include "editor/state.h"
+#include "mesh/stale.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>

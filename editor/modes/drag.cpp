@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/drag.h"
 
-#include "display/view.h"
-#include "tools/elements.h"
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 
 #include <cmath>
 #include <utility>

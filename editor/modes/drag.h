@@ -3,8 +3,8 @@
 // up, and are back where they stood when the user presses Escape before.
 #pragma once
 
+#include "geometry/vec3.h"
 #include "mesh/mesh.h"
-#include "mesh/projection.h"
 
 #include <functional>
 #include <vector>

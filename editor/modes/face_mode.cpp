@@ -4,9 +4,10 @@
 
 #include "display/options.h"
 #include "editor/modes/under_mouse.h"
-#include "editor/state.h"
 #include "mesh/split_face.h"
+#include "mesh/stale.h"
 #include "tools/delete_faces.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <optional>

@@ -5,9 +5,10 @@
 #include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
 #include "editor/modes/under_mouse.h"
-#include "editor/state.h"
 #include "mesh/join_faces.h"
+#include "mesh/stale.h"
 #include "mesh/weld_pair.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <array>

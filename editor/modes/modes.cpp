@@ -8,8 +8,8 @@
 #include "editor/modes/face_mode.h"
 #include "editor/modes/handling_modes.h"
 #include "editor/modes/transform_modes.h"
-#include "editor/state.h"
 #include "mesh/mesh.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <array>

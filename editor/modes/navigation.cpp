@@ -5,7 +5,7 @@
 #include "display/look.h"
 #include "display/picking.h"
 #include "display/view.h"
-#include "editor/state.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,8 @@
 #include "editor/modes/settable_points.h"
 
 #include "editor/modes/under_mouse.h"
-#include "editor/state.h"
+#include "mesh/stale.h"
+#include "workbench/state.h"
 
 #include <cmath>
 

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/transform_modes.h"
 
-#include "display/affine.h"
 #include "display/box.h"
 #include "display/look.h"
 #include "display/view.h"
+#include "editor/commands/transform_selected.h"
 #include "editor/modes/drag.h"
-#include "editor/state.h"
-#include "editor/transform_selected.h"
+#include "geometry/affine.h"
+#include "mesh/extent.h"
+#include "mesh/stale.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

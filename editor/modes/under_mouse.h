@@ -4,6 +4,8 @@
 
 #include "display/picking.h"
 #include "display/view.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
 
 #include <cstdlib>
 #include <optional>

@@ -2,12 +2,13 @@
 // A fixture for tests of the display: whatever it keeps is as at start-up before and after.
 #pragma once
 
-#include "display/affine.h"
 #include "display/box.h"
 #include "display/look.h"
 #include "display/options.h"
 #include "display/view.h"
 #include "display/wireframe.h"
+#include "geometry/affine.h"
+#include "mesh/stale.h"
 #include "tests/mesh/random_mesh.h"
 
 #include <algorithm>

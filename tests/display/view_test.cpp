@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "mesh/screen_positions.h"
 #include "tests/display/pane_fixture.h"
 
 namespace polyfab::test {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/wireframe.h"
+#include "mesh/stale.h"
 
 #include "display/edge_list.h"
 #include "display/look.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/edges.h"
+#include "mesh/stale.h"
 #include "tests/editor/window_fixture.h"
 
 namespace polyfab::test {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Commands on faces and their selection, as the menu gives them.
 #include "mesh/edges.h"
+#include "mesh/stale.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/mesh/random_mesh.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/long_work.h"
+#include "workbench/long_work.h"
 
-#include "editor/commands.h"
+#include "editor/command_table.h"
 #include "editor/history/undo.h"
 #include "mesh/edges.h"
 #include "mesh/garbage.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/recent_menu.h"
+#include "editor/commands/recent.h"
 
-#include "editor/recent_files.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "io/state_folder.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "workbench/recent_files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -3,8 +3,8 @@
 // folders with a file, whose lock nobody holds; a living one is a folder held by the test.
 #pragma once
 
-#include "editor/history/recovery.h"
 #include "editor/history/undo.h"
+#include "editor/recovery/recovery.h"
 #include "io/state_folder.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"

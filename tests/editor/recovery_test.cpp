@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What comes back after an editor was killed, and what becomes of the files.
-#include "editor/history/recovery_file.h"
-#include "editor/history/recovery_folder.h"
+#include "editor/recovery/recovery_file.h"
+#include "editor/recovery/recovery_folder.h"
 #include "tests/editor/recovery_fixture.h"
 
 #include <cstring>

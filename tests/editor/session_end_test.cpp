@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is on the disk when the process is told to end, in the midst of whatever.
-#include "editor/long_work.h"
 #include "tests/editor/recovery_fixture.h"
+#include "workbench/long_work.h"
 
 namespace polyfab::test {
 namespace {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Undo and redo of whatever the window's events do.
 #include "editor/history/undo.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
 
-#include "editor/commands.h"
+#include "editor/command_table.h"
 #include "editor/modes/drag.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"

@@ -2,16 +2,16 @@
 // A fixture that hands events to the editor's window.
 #pragma once
 
-#include "display/affine.h"
 #include "display/box.h"
 #include "display/options.h"
 #include "display/view.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/transform_modes.h"
-#include "editor/state.h"
 #include "editor/window.h"
+#include "geometry/affine.h"
 #include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

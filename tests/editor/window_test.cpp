@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/commands.h"
+#include "editor/command_table.h"
+#include "mesh/stale.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/state.h"
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
 #include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "workbench/state.h"
 
 #include <bit>
 #include <cstring>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
-#include "editor/state.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>

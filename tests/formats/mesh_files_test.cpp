@@ -2,13 +2,13 @@
 #include "formats/mesh_files.h"
 
 #include "display/options.h"
-#include "editor/long_work.h"
-#include "editor/state.h"
 #include "formats/dxf_writer.h"
 #include "formats/obj_writer.h"
 #include "io/read_file.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "workbench/long_work.h"
+#include "workbench/state.h"
 
 namespace polyfab {
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/obj_writer.h"
 
-#include "editor/state.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Blocks by their faces, and the dialog that makes them.
 #include "generators/block.h"
+#include "mesh/stale.h"
 
+#include "geometry/vec3.h"
+#include "mesh/face_angle.h"
 #include "tests/tools/tool_test.h"
-#include "tools/face_angle.h"
-#include "tools/vectors.h"
 
 namespace polyfab::test {
 namespace {

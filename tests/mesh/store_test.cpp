@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "mesh/stale.h"
 #include "mesh/store.h"
 
 #include "tests/support/fake_platform.h"

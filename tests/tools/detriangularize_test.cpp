@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Joining of triangles, both ways against plain statements of their rules on random flat patches,
 // and by hand at the limits and through the closing question.
+#include "mesh/stale.h"
 #include "tools/detriangularize.h"
 
+#include "geometry/vec3.h"
+#include "mesh/face_angle.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
-#include "tools/elements.h"
-#include "tools/face_angle.h"
-#include "tools/vectors.h"
 
 #include <cmath>
 

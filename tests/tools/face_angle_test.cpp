@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Normals of good, poor, huge and tiny faces, and the angles between them.
-#include "tools/face_angle.h"
+#include "mesh/face_angle.h"
 
+#include "geometry/vec3.h"
 #include "tests/tools/tool_test.h"
-#include "tools/vectors.h"
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Deletion of faces, twins, faces without area, and names made of numbers.
+#include "mesh/face_area.h"
 #include "tests/tools/tool_test.h"
 #include "tools/delete_faces.h"
-#include "tools/face_area.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
 

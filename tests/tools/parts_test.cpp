@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Parts and texture map areas against plain statements of their rules: full sweeps over the faces
 // until nothing changes, with the titles that go with them.
+#include "mesh/face_angle.h"
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
-#include "tools/face_angle.h"
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The tools that give faces points of their own, each against a plain statement of which corners
 // still share a point afterwards, and copies of faces.
+#include "mesh/stale.h"
 #include "tools/unweld.h"
 
 #include "tests/tools/tool_test.h"

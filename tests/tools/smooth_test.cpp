@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Both ways of smoothing against a plain statement of their rules on random meshes, and on flat
 // grids, where rounding alone must move nothing.
+#include "mesh/faces.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
 #include "tools/smooth.h"
 
+#include "geometry/vec3.h"
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
-#include "tools/vectors.h"
 
 #include <cmath>
 #include <map>

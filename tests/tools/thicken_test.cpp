@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Thickness against a plain statement of its rules on random meshes, and by hand where the result
 // can be told.
+#include "mesh/faces.h"
+#include "mesh/stale.h"
 #include "tools/thicken.h"
 
+#include "geometry/vec3.h"
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
-#include "tools/vectors.h"
 
 #include <cmath>
 #include <map>

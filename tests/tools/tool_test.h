@@ -3,9 +3,9 @@
 #pragma once
 
 #include "display/view.h"
-#include "editor/state.h"
 #include "mesh/check.h"
 #include "tests/mesh/random_mesh.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Faces taken apart, against a plain statement of which pieces come out and in which order.
+#include "mesh/stale.h"
 #include "tools/triangularize.h"
 
 #include "tests/tools/tool_test.h"

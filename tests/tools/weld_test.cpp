@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The welding tools against the same rules said plainly, with a scan for everything.
+#include "mesh/stale.h"
 #include "tools/weld_points.h"
 
-#include "editor/prompts.h"
-#include "editor/title.h"
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
 #include "tools/weld_edges.h"
+#include "workbench/prompts.h"
+#include "workbench/title.h"
 
 #include <array>
 #include <cmath>

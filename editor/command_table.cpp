@@ -1,0 +1,405 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/command_table.h"
+
+#include "display/view.h"
+#include "editor/commands/box.h"
+#include "editor/commands/display.h"
+#include "editor/commands/face.h"
+#include "editor/commands/recent.h"
+#include "editor/commands/selection.h"
+#include "editor/commands/view.h"
+#include "editor/commands/volume.h"
+#include "editor/history/undo.h"
+#include "editor/lists/name_list.h"
+#include "editor/lists/subview.h"
+#include "editor/menus.h"
+#include "editor/modes/modes.h"
+#include "formats/import_mesh.h"
+#include "formats/mesh_files.h"
+#include "generators/block.h"
+#include "mesh/mesh.h"
+#include "platform/platform.h"
+#include "tools/delete_faces.h"
+#include "tools/detriangularize.h"
+#include "tools/distance.h"
+#include "tools/duplicate.h"
+#include "tools/find_areas.h"
+#include "tools/find_parts.h"
+#include "tools/name_commands.h"
+#include "tools/names_from_numbers.h"
+#include "tools/same_corners.h"
+#include "tools/separate_glued.h"
+#include "tools/smooth.h"
+#include "tools/thicken.h"
+#include "tools/triangularize.h"
+#include "tools/unweld.h"
+#include "tools/weld_edges.h"
+#include "tools/weld_points.h"
+#include "workbench/state.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+constexpr const char* file = "&file";
+constexpr const char* edit = "&edit";
+constexpr const char* write = "&write";
+constexpr const char* mode = "&mode";
+constexpr const char* tools = "&tools";
+constexpr const char* graphs = "&graphs";
+constexpr const char* facesMenu = "f&aces";
+constexpr const char* vertexes = "&vertexes";
+constexpr const char* texture = "te&xture maps";
+constexpr const char* groups = "gro&ups";
+constexpr const char* materials = "mater&ials";
+constexpr const char* parts = "&parts";
+constexpr const char* display = "&display";
+constexpr const char* rendering = "&rendering";
+constexpr const char* makeObject = "make &object";
+
+constexpr void (*later)() = nullptr;
+
+using Show = DisplayOptions;
+
+template <int command>
+void goTo() {
+    enterMode(command);
+}
+
+template <int number>
+void openList() {
+    openSubview(number);
+}
+
+template <void (*act)(Mesh&)>
+void onMesh() {
+    act(*OB);
+}
+
+/// Which of the two smoothings it is depends on the Ctrl key.
+void smooth() {
+    if (keyIsDown(key::ctrl)) return smoothDents(*OB);
+    smoothView(*OB, editorState.smoothingAxis);
+}
+
+/// A command that looks at the Escape key.
+constexpr Command stoppable(Command row, Escape escape = Escape::stops) {
+    row.escape = escape;
+    return row;
+}
+
+Shown shownStep(const char* label, const std::string& step) {
+    return {step.empty() ? label : label + (" " + step), !step.empty()};
+}
+
+Shown shownUndo() { return shownStep("&undo", undoLabel()); }
+Shown shownRedo() { return shownStep("&redo", redoLabel()); }
+
+template <int number>
+constexpr Command recentRow(const char* label) {
+    constexpr auto open = [] { openRecentFile(number); };
+    constexpr auto shown = [] { return shownRecentFile(number); };
+    return stoppable({firstRecentFileCommand + number, file, label, open, nullptr, "", shown},
+                     Escape::stopsReading);
+}
+
+constexpr auto table = std::to_array<Command>({
+    stoppable({256, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
+              Escape::stopsReading),
+    stoppable({296, file, "&append mesh file", appendMeshFile}, Escape::stopsReading),
+    stoppable({2001, file, "&import other mesh file", importOtherMesh}),
+    recentRow<0>("recent file &1"),
+    recentRow<1>("recent file &2"),
+    recentRow<2>("recent file &3"),
+    recentRow<3>("recent file &4"),
+    recentRow<4>("recent file &5"),
+    recentRow<5>("recent file &6"),
+    recentRow<6>("recent file &7"),
+    recentRow<7>("recent file &8"),
+    recentRow<8>("recent file &9"),
+    recentRow<9>("recent file 1&0"),
+    {262, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
+
+    {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
+    {redoCommand, edit, "&redo", redo, nullptr, "Ctrl+Shift+Z; Ctrl+Y", shownRedo},
+
+    {257, write, "&DXF mesh file", writeDxfMeshFile},
+    {258, write, "&3DS mesh file", write3dsMeshFile},
+    {259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"},
+    stoppable({2002, write, "e&xport other mesh file", exportOtherMesh}),
+
+    {358, mode, "go to defa&ult mode", goTo<358>},
+    {348, mode, "go to &edge-handling mode", goTo<348>},
+    {349, mode, "go to &face-handling mode", goTo<349>},
+    {350, mode, "go to &group-handling mode", goTo<350>},
+    {351, mode, "go to &move-an-object mode", goTo<351>},
+    {352, mode, "go to move-the-&display mode", goTo<352>},
+    {353, mode, "go to &vertex-handling mode", goTo<353>},
+    {357, mode, "go to set-&left-cutoff mode", goTo<357>},
+    {359, mode, "go to resize-an-o&bject mode", goTo<359>},
+    {361, mode, "go to &texture-map-coordinate-handling mode", later},
+    {362, mode, "go to set-&right-cutoff mode", goTo<362>},
+    {363, mode, "go to re&size-the-display mode", goTo<363>},
+    {364, mode, "go to rotate-around-x mode: &x", goTo<364>},
+    {365, mode, "go to rescale-in-x mode: &i", goTo<365>},
+    {366, mode, "go to rotate-around-y mode: &y", goTo<366>},
+    {367, mode, "go to rescale-in-y mode: &j", goTo<367>},
+    {368, mode, "go to rotate-around-z mode: &z", goTo<368>},
+    {369, mode, "go to rescale-in-z mode: &k", goTo<369>},
+    {1062, mode, "go to twist-around-x mode: &1", goTo<1062>},
+    {1063, mode, "go to twist-around-y mode: &2", goTo<1063>},
+    {1064, mode, "go to twist-around-z mode: &3", goTo<1064>},
+    {1040, mode, "go to move-by-gra&phs mode", later},
+    {1049, mode, "go to s&cale-by-graphs mode", later},
+
+    {260, tools, "&info", showInfo},
+    {261, tools, "color&sep", later},
+    {267, tools, "collect &garbage", collectGarbageNow},
+    {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
+     rotationComesAfter},
+    {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
+    {281, tools, "reset a&ttitude", resetAttitude},
+    {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
+    {324, tools, "contro&l smoothing", askSmoothingAxis},
+    {371, tools, "s&moothing", smooth},
+    {372, tools, "move all vertexes out by a set &distance", onMesh<thicken>},
+    {398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>},
+    {389, tools, "du&plicate selected faces", onMesh<duplicateSelected>},
+    {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
+    {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
+     removeTexCoords},
+    {394, tools, "&boolean: weld intersecting selected faces", later},
+    {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
+    {413, tools, "chang&e sign of absolute x or y or z", changeSign},
+    {1055, tools, "s&wop y and z absolute axes", swopYAndZ},
+    {1084, tools, "rotate 90° degrees clockwise about the absolute y-axis", rotateAboutY},
+    {415, tools, "output group names to text &file",
+     [] { writeGroupNames(*OB, editorState.fileName); }},
+    {1073, tools, "output material names to text file",
+     [] { writeMaterialNames(*OB, editorState.fileName); }},
+    {1024, tools, "move selected faces to &center the box on absolute x or y or z = 0", centerBox},
+    {1051, tools, "if 2 selected faces have all the same corners, remove one: &7",
+     onMesh<removeFacesOnSamePoints>},
+    {1057, tools, "find absolute volume bounded by selected faces: &8", tellVolume},
+    {1058, tools, "say absolute size of box: &9", tellBoxSize},
+    {1082, tools, "say absolute range of box in x and y and z", tellBoxRange},
+    {1067, tools, "unselect all selected duplicated faces: &0", onMesh<unselectFacesOnSamePoints>},
+    {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
+    {1085, tools, "noise", later},
+    {1037, tools, "special", later},
+
+    {1048, graphs, "start &editing the graphs", later},
+    {1041, graphs, "&help about graphs", later},
+    {1042, graphs, "set to move or scale x as a function of y: &1", later},
+    {1043, graphs, "set to move or scale x as a function of z: &2", later},
+    {1044, graphs, "set to move or scale y as a function of x: &3", later},
+    {1045, graphs, "set to move or scale y as a function of z: &4", later},
+    {1046, graphs, "set to move or scale z as a function of x: &5", later},
+    {1047, graphs, "set to move or scale z as a function of y: &6", later},
+    {1075, graphs, "set to scale as a function of &x", later},
+    {1076, graphs, "set to scale as a function of &y", later},
+    {1077, graphs, "set to scale as a function of &z", later},
+
+    {280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces},
+    {290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"},
+    {291, facesMenu, "&unselect all faces", unselectAllFaces},
+    {292, facesMenu, "select faces in &box", selectInBox},
+    {293, facesMenu, "unselect faces in box : &9", unselectInBox},
+    {294, facesMenu, "select faces out o&f box", selectOutOfBox},
+    {295, facesMenu, "unselect faces ou&t of box", unselectOutOfBox},
+    {2003, facesMenu, "fit the box to the selected faces: &0", fitBoxToSelected},
+    {325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise},
+    {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise},
+    {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
+    {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
+    {268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }},
+    {1083, facesMenu, "detriangularize (thoroughly)", [] { detrithorough(*OB, false); }},
+    {274, facesMenu, "trian&gularize", onMesh<triangularize>},
+    {344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>},
+    {360, facesMenu, "find and start showing bad &edges", findBadEdges},
+    {395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later},
+    {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
+    {284, facesMenu, "set to `n&o current face'", setNoCurrentFace},
+    {396, facesMenu, "set to `no &curren&t edge'", setNoCurrentEdge},
+    {403, facesMenu, "split selected faces along the box's maximum &x", later},
+    {404, facesMenu, "split selected faces along the box's maximum &y", later},
+    {405, facesMenu, "split selected faces along the box's maximum z: &1", later},
+    {406, facesMenu, "split selected faces at intervals in the box's x range: &2", later},
+    {407, facesMenu, "split selected faces at intervals in the box's y range: &3", later},
+    {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
+    {1035, facesMenu, "insert faces to fill a &hole", later},
+    {1052, facesMenu, "insert faces to fill all holes: &8", later},
+    {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
+    {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
+     unselectSmallFaces},
+    {1088, facesMenu, "unselect all selected faces with non-&zero area", unselectFacesWithArea},
+
+    stoppable({390, vertexes, "weld &all very close points", [] { weldclose(*OB, true); }}),
+    stoppable({1061, vertexes, "&bring all very close points together, don't weld them",
+               [] { bringclose(*OB, false); }}),
+    stoppable({269, vertexes, "&weld all very close points which are on loose edges",
+               [] { weldclose(*OB, false); }}),
+    stoppable(
+        {317, vertexes, "w&eld all very close points, by edges and repeat", onMesh<weldedges>}),
+    {329, vertexes, "&thin out the faces", later},
+    {370, vertexes, "separate surfaces that are &glued at one point",
+     onMesh<separateGluedSurfaces>},
+    {393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>},
+    {1050, vertexes, "find &far it is between the two settable points", tellDistance},
+
+    {277, texture, "s&tart editing texture map coords", later},
+    {528, texture, "new texture map: &planar", later},
+    {515, texture, "new texture map: &cylinder", later},
+    {533, texture, "new texture map: cu&bic", later},
+    {517, texture, "new texture map: cylinder with &ends", later},
+    {276, texture, "&select texture map areas by menu", openList<subview::textureMapAreas>},
+    {380, texture, "go to select-texture-map-areas-by-c&licking mode", goTo<380>},
+    {265, texture, "make texture map of selected faces on &file", later},
+    {273, texture, "&weld equal texture map coords of selected faces", later},
+    {288, texture, "&unweld texture map coords of selected from unselected faces", later},
+    {272, texture, "reverse texture map u of selected faces: &1", later},
+    {286, texture, "reverse texture map v of selected faces: &2", later},
+    {320, texture, "swop texture map u and v of selected faces: &3", later},
+    {321, texture, "bring texture map coords into the range 0 to 1: &4", later},
+    {387, texture, "say the range of texture map coords: &5", later},
+    {391, texture, "set the range of texture map coords: &6", later},
+    {275, texture, "find texture map &areas", onMesh<findareas>},
+    {285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>},
+
+    {264, groups, "&select groups by menu", openList<subview::groups>},
+    {378, groups, "go to select-groups-by-&clicking mode", goTo<378>},
+    {322, groups, "put selected &faces into new group", onMesh<putSelectedIntoNewGroup>},
+    {1025, groups, "&amalgamate groups with same name", onMesh<amalgamateGroups>},
+
+    {328, materials, "&select materials by menu", openList<subview::materials>},
+    {379, materials, "go to select-materials-by-&clicking mode", goTo<379>},
+    {327, materials, "put selected &faces into new material", onMesh<putSelectedIntoNewMaterial>},
+    {1026, materials, "a&malgamate materials with same name", onMesh<amalgamateMaterials>},
+
+    {278, parts, "&select parts by menu", openList<subview::parts>},
+    {381, parts, "go to select-parts-by-&clicking mode", goTo<381>},
+    {279, parts, "&find parts", onMesh<askAndFindParts>},
+    {287, parts, "make parts into &groups", onMesh<makePartsIntoGroups>},
+    {1072, parts, "make parts into &materials", onMesh<makePartsIntoMaterials>},
+    stoppable({402, parts, "&unweld selected parts", onMesh<unweldSelectedParts>}),
+    {1065, parts, "delete all selected parts that contain only &1 face",
+     onMesh<deletePartsOfOneFace>},
+
+    {382, display, "show &vertexes", flip<&Show::vertexes>, isOn<&Show::vertexes>},
+    {346, display, "show &selected vertexes", flip<&Show::selectedVertexes>,
+     isOn<&Show::selectedVertexes>},
+    {347, display, "show &normals", flip<&Show::normals>, isOn<&Show::normals>},
+    {270, display, "show bad &edges", flip<&Show::badEdges>, isOn<&Show::badEdges>},
+    {266, display, "show unselected faces &grey", flip<&Show::unselectedGrey>,
+     isOn<&Show::unselectedGrey>},
+    {323, display, "show &loose edges", flip<&Show::looseEdges>, isOn<&Show::looseEdges>},
+    {354, display, "&hide faces that face away", flip<&Show::hideFacingAway>,
+     isOn<&Show::hideFacingAway>},
+    {373, display, "show the &box", flip<&Show::box>, isOn<&Show::box>},
+    {1029, display, "show the &current face, edge and vertex", flip<&Show::current>,
+     isOn<&Show::current>},
+    {1030, display, "show the settable &points", flip<&Show::settable>, isOn<&Show::settable>},
+    {1031, display, "show the &axes", flip<&Show::axes>, isOn<&Show::axes>},
+    {1032, display, "show a g&rid", flip<&Show::grid>, isOn<&Show::grid>},
+    {1033, display, "show &face and vertex numbers", flip<&Show::numbers>, isOn<&Show::numbers>},
+    {1034, display, "show the pane backgroun&ds", later},
+
+    {330, rendering, "&render the left pane", later},
+    {331, rendering, "render the r&ight pane", later},
+    {332, rendering, "render &flat", later},
+    {333, rendering, "render &smooth", later},
+    {334, rendering, "render with &texture maps", later},
+    {335, rendering, "set the &light", later},
+    {355, rendering, "set the background &colour", later},
+    {410, rendering, "read &background image of left pane", later},
+    {345, rendering, "read background image of right &pane", later},
+    {336, rendering, "select texture map &0", later},
+    {337, rendering, "select texture map &1", later},
+    {338, rendering, "select texture map &2", later},
+    {339, rendering, "select texture map &3", later},
+    {340, rendering, "select texture map &4", later},
+    {341, rendering, "select texture map &5", later},
+    {342, rendering, "select texture map &6", later},
+    {343, rendering, "select texture map &7", later},
+    {383, rendering, "read te&xture map image", later},
+    {384, rendering, "&write texture map image", later},
+    {1069, rendering, "put the rendered picture on the clipb&oard", later},
+
+    {282, makeObject, "&cube", onMesh<askAndMakeBlock>},
+    {392, makeObject, "&sphere", later},
+    {401, makeObject, "c&ylinder with flat ends", later},
+    {414, makeObject, "cylinder with rounded &ends", later},
+    {412, makeObject, "&torus", later},
+    {1036, makeObject, "s&hower of sparks", later},
+    {1054, makeObject, "&pipe along the current face's edge", later},
+    {1038, makeObject, "solid of revolution by spi&nning the current face", later},
+    {1068, makeObject, "face with spira&l edge", later},
+    {283, makeObject, "alien &rifle", later},
+
+    {385, listMenu, "&show texture map numbers", toggleTextureNumbers, showsTextureNumbers},
+
+    {263, helpMenu, "&help", [] { platform().openHelp(); }},
+});
+
+/// Whether one of the shortcuts in `a` is one of those in `b`.
+constexpr bool shareKey(std::string_view a, std::string_view b) {
+    const std::size_t end = a.find("; ");
+    if (end < a.size()) return shareKey(a.substr(0, end), b) || shareKey(a.substr(end + 2), b);
+    if (b.find("; ") < b.size()) return shareKey(b, a);
+    return a == b;
+}
+
+constexpr bool idsAndKeysAreUnique() {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (table[i].id == table[j].id) return false;
+            const bool both = *table[i].key != '\0' && *table[j].key != '\0';
+            if (both && shareKey(table[i].key, table[j].key)) return false;
+        }
+    }
+    return true;
+}
+
+static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
+
+/// What works through large meshes for seconds, or leaves it to another program.
+constexpr int longCommands[] = {256, 296, 2001, 257, 258, 259, 2002, 371, 372, 390,  1061,
+                                269, 317, 329,  370, 393, 268, 1083, 274, 344, 395,  394,
+                                280, 360, 1052, 275, 285, 279, 402,  398, 389, 1051, 1067};
+
+constexpr bool longCommandsExist() {
+    return std::all_of(std::begin(longCommands), std::end(longCommands), [](int id) {
+        return std::any_of(table.begin(), table.end(),
+                           [id](const Command& row) { return row.id == id; });
+    });
+}
+
+static_assert(longCommandsExist());
+
+} // namespace
+
+std::span<const Command> commandTable() { return table; }
+
+const Command* findCommand(int id) {
+    const auto row =
+        std::find_if(table.begin(), table.end(), [id](const Command& c) { return c.id == id; });
+    return row == table.end() ? nullptr : &*row;
+}
+
+bool runsLong(int id) {
+    return std::find(std::begin(longCommands), std::end(longCommands), id)
+           != std::end(longCommands);
+}
+
+void runCommand(int id) {
+    const Command* const command = findCommand(id);
+    if (command == nullptr || command->handler == nullptr) return;
+    command->handler();
+    updateCheckMarks();
+}
+
+} // namespace polyfab

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The command table: one row a menu command. Menus, dispatch, batch mode and the printed list are
+// all read off it.
+#pragma once
+
+#include "workbench/long_work.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+
+namespace polyfab {
+
+/// How the menu shows a row now.
+struct Shown {
+    std::string label; ///< in place of the row's; "&" as there, "&&" for the character itself
+    bool enabled = true;
+    bool hidden = false;
+};
+
+struct Command {
+    int id;
+    const char* menu;                     ///< heading that it stands under
+    const char* label;                    ///< "&" before the mnemonic letter
+    void (*handler)();                    ///< null: not built yet
+    bool (*checked)() = nullptr;          ///< whether its check mark shows; null: it never has one
+    const char* key = "";                 ///< shortcut such as "Ctrl+O", or several parted by "; "
+    Shown (*shown)() = nullptr;           ///< null: always as the row says
+    Escape escape = Escape::stopsNothing; ///< what the Escape key does while it runs
+};
+
+/// Heading of what stands only in the menu bars of name lists.
+inline constexpr const char* listMenu = "&list";
+/// Heading that every menu bar has.
+inline constexpr const char* helpMenu = "&help";
+
+/// Every command, in menu order.
+[[nodiscard]] std::span<const Command> commandTable();
+
+/// The command of this id, or null.
+[[nodiscard]] const Command* findCommand(int id);
+
+/// Whether the command may take long with a large mesh.
+[[nodiscard]] bool runsLong(int id);
+
+/// Carries the command out and brings the check marks up to date. What is not built yet, or no
+/// command at all, does nothing.
+void runCommand(int id);
+
+} // namespace polyfab

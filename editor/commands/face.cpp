@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The commands see to what the mesh does not know of: the picture, the screen positions and the
+// current edge.
+#include "editor/commands/face.h"
+
+#include "display/view.h"
+#include "mesh/edges.h"
+#include "mesh/faces.h"
+#include "mesh/garbage.h"
+#include "mesh/mesh.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
+#include "workbench/state.h"
+
+namespace polyfab {
+namespace {
+
+template <typename T>
+void removeFromSelected(T* FaceCorner::*reference) {
+    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
+        if (!isLiveSelected(*face)) continue;
+        for (FaceCorner* corner = face->q; corner != face->q + face->n; ++corner) {
+            if (corner->*reference == nullptr) continue;
+            corner->*reference = nullptr;
+            OB->changed = 1;
+        }
+    }
+    stale.picture = true;
+}
+
+} // namespace
+
+void collectGarbageNow() {
+    forgetCurrentEdge(); // faces and corners get other numbers
+    collectGarbage(*OB);
+    stale.edges = true;
+}
+
+void orientFaces() {
+    forgetCurrentEdge();
+    if (stale.points) transformPoints(*OB);
+    checkEdges(*OB, true, false, false);
+    stale.edges = true;
+}
+
+void reverseSelectedFaces() {
+    for (int i = 0; i < OB->nf; ++i) {
+        Face& face = OB->faces[i];
+        if (!isLiveSelected(face)) continue;
+        reverseFace(face);
+        if (i == editorState.currentEdgeFace) forgetCurrentEdge(); // its corners moved
+        OB->changed = 1;
+        stale.edges = true; // those that face away may be hidden
+    }
+}
+
+void removeNormals() { removeFromSelected(&FaceCorner::d); }
+
+void removeTexCoords() { removeFromSelected(&FaceCorner::t); }
+
+void setNoCurrentFace() {
+    OB->curface = -1;
+    stale.picture = true;
+}
+
+void setNoCurrentEdge() {
+    forgetCurrentEdge();
+    stale.picture = true;
+}
+
+} // namespace polyfab

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "workbench/state.h"
+
+#include "mesh/mesh.h"
+#include "platform/platform.h"
+#include "workbench/long_work.h"
+
+namespace polyfab {
+
+void resetEditorState() { editorState = EditorState(); }
+
+void noteKey(const Event& event) {
+    if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
+    editorState.keys[static_cast<std::size_t>(event.key)] =
+        event.kind == EventKind::keyDown ? 0xFF : 0;
+}
+
+void dropStaleEdge() {
+    const int face = editorState.currentEdgeFace, corner = editorState.currentEdgeCorner;
+    const bool isThere = face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
+                         && corner < OB->faces[face].n;
+    if (!isThere) forgetCurrentEdge();
+}
+
+bool abortRequested() {
+    moveProgress();
+    return platform().escapeDown() || keyIsDown(key::escape);
+}
+
+void updateTitle() {
+    platform().setTitle(std::string(programName) + " [" + editorState.fileName + "] "
+                        + editorState.modeName);
+}
+
+} // namespace polyfab
