@@ -8,6 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/install.sh build test format fuzz
 echo "== format"
 scripts/format.sh
+scripts/quiet.sh "includes between folders" scripts/includes.sh
 scripts/build.sh release
 scripts/smoke.sh
 scripts/commands.sh --check
