@@ -7,7 +7,6 @@
 #include "editor/window.h"
 #include "mesh/group_order.h"
 #include "mesh/mesh.h"
-#include "workbench/state.h"
 
 #include <random>
 #include <string>

@@ -83,7 +83,7 @@ void onMesh() {
 /// Which of the two smoothings it is depends on the Ctrl key.
 void smooth() {
     if (keyIsDown(key::ctrl)) return smoothDents(*OB);
-    smoothView(*OB, editorState.smoothingAxis);
+    smoothView(*OB, workbench.smoothingAxis);
 }
 
 /// A command that looks at the Escape key.
@@ -178,9 +178,9 @@ constexpr auto table = std::to_array<Command>({
     {1055, tools, "s&wop y and z absolute axes", swopYAndZ},
     {1084, tools, "rotate 90° degrees clockwise about the absolute y-axis", rotateAboutY},
     {415, tools, "output group names to text &file",
-     [] { writeGroupNames(*OB, editorState.fileName); }},
+     [] { writeGroupNames(*OB, workbench.fileName); }},
     {1073, tools, "output material names to text file",
-     [] { writeMaterialNames(*OB, editorState.fileName); }},
+     [] { writeMaterialNames(*OB, workbench.fileName); }},
     {1024, tools, "move selected faces to &center the box on absolute x or y or z = 0", centerBox},
     {1051, tools, "if 2 selected faces have all the same corners, remove one: &7",
      onMesh<removeFacesOnSamePoints>},

@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/input.h"
 
+#include "editor/editor_state.h"
 #include "editor/recovery/recovery.h"
 #include "mesh/mesh.h"
 #include "workbench/state.h"
 
 namespace polyfab {
 
-void clearKeys() { editorState.keys.fill(0); }
+void clearKeys() { workbench.keys.fill(0); }
 
 void noteMouse(const Event& event) {
     EditorState& editor = editorState;
-    const unsigned before = editor.history;
-    editor.history = static_cast<std::uint8_t>((before << 2 | (event.buttons & 3)) & 0xF);
-    const bool rightWasDown = (editor.history & 8) != 0;
+    const unsigned before = editor.buttons;
+    editor.buttons = static_cast<std::uint8_t>((before << 2 | (event.buttons & 3)) & 0xF);
+    const bool rightWasDown = (editor.buttons & 8) != 0;
     (rightWasDown ? editor.mouse.z : editor.mouse.x) = event.x;
     editor.mouse.y = event.y;
 }
 
 void closeUnlessRefused() {
-    if (editorState.busy) {
+    if (workbench.busy) {
         platform().beep();
         platform().setTitle("Whoa there, I got a file open!!");
         return;

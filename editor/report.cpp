@@ -3,6 +3,7 @@
 
 #include "editor/command_table.h"
 #include "editor/commands/selection.h"
+#include "editor/editor_state.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 #include "platform/platform.h"
@@ -25,8 +26,8 @@ Json vector(const Vec3& v) { return {v.x, v.y, v.z}; }
 
 Json keysDown() {
     Json keys = Json::array();
-    for (std::size_t code = 0; code < editorState.keys.size(); ++code) {
-        if (editorState.keys[code] != 0) keys.push_back(code);
+    for (std::size_t code = 0; code < workbench.keys.size(); ++code) {
+        if (workbench.keys[code] != 0) keys.push_back(code);
     }
     return keys;
 }
@@ -93,20 +94,20 @@ std::string stateJson() {
     Json state = {{"event", "state"},
                   {"title", platform().title()},
                   {"mode", editor.mode},
-                  {"modeName", editor.modeName},
+                  {"modeName", workbench.modeName},
                   {"axis", std::string(editor.resizeAxis != 0 ? 1 : 0, editor.resizeAxis)},
                   {"subview", editor.subview},
-                  {"file", editor.fileName},
-                  {"busy", editor.busy ? 1 : 0}};
+                  {"file", workbench.fileName},
+                  {"busy", workbench.busy ? 1 : 0}};
     addCounts(state);
     const auto live = [](const Face& f) { return f.q != nullptr; };
     const auto selected = [](const Face& f) { return f.q != nullptr && f.selected; };
     state["liveFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, live);
     state["selectedFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, selected);
     state["selectedPoints"] = countSelectedPoints();
-    state["settable"] = {vector(editor.settable[0]), vector(editor.settable[1])};
+    state["settable"] = {vector(workbench.settable[0]), vector(workbench.settable[1])};
     state["keys"] = keysDown();
-    state["history"] = editor.history;
+    state["history"] = editor.buttons;
     state["mouse"] = vector(editor.mouse);
     state["checks"] = commandsChecked();
     state["storeBlocks"] = storeBlocks();

@@ -5,6 +5,7 @@
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "editor/command_table.h"
+#include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/input.h"
 #include "editor/lists/subview.h"
@@ -67,8 +68,8 @@ void onMenuOpening(const Event&) {
 }
 
 void onPaint(const Event&) {
-    const Markers markers{editorState.currentEdgeFace, editorState.currentEdgeCorner,
-                          editorState.settable};
+    const Markers markers{workbench.currentEdgeFace, workbench.currentEdgeCorner,
+                          workbench.settable};
     platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 
@@ -127,7 +128,7 @@ void onStart(const Event& event) {
     if (!recovered && !file.empty()) readNamedMeshFile(file);
     std::error_code failure;
     if (recovered && !file.empty()
-        && std::filesystem::absolute(file, failure) != editorState.fileName) {
+        && std::filesystem::absolute(file, failure) != workbench.fileName) {
         platform().message("so that you don't lose what I brought back, I did not read", file,
                            Icon::none);
     }
@@ -174,7 +175,7 @@ const Route& routeOf(const Event& event) { return routes[static_cast<int>(event.
 bool endsDrag(const Event& event) { return routeOf(event).endsDrag; }
 
 void dispatch(const Event& event, bool inside) try {
-    if (event.kind == EventKind::close && inside && !editorState.busy) {
+    if (event.kind == EventKind::close && inside && !workbench.busy) {
         // The command that waits for this box, or works on this mesh, goes on with it.
         platform().beep();
         platform().setTitle("Whoa there, I am in the middle of something!!");

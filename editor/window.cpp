@@ -5,6 +5,7 @@
 
 #include "editor/command_table.h"
 #include "editor/commands/recent.h"
+#include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
@@ -60,10 +61,10 @@ std::string plain(std::string text) {
 /// What the menu calls the step that the event may lead to.
 std::string labelOf(const Event& event) {
     constexpr int homeKey = 36;
-    if (editorState.subview != 0) return plain(editorState.modeName) + " list";
+    if (editorState.subview != 0) return plain(workbench.modeName) + " list";
     if (event.kind == EventKind::keyDown && event.key == homeKey) return "box";
     if (const Command* const command = commandOf(event)) return plain(command->label);
-    return event.kind == EventKind::command ? "" : plain(editorState.modeName);
+    return event.kind == EventKind::command ? "" : plain(workbench.modeName);
 }
 
 bool movesInHistory(const Event& event) {
@@ -76,7 +77,7 @@ void recordDrag() {
     beginEvent(true);
     endDrag();
     endEvent();
-    recordStep(plain(editorState.modeName));
+    recordStep(plain(workbench.modeName));
 }
 
 /// The progress of a command or of the read that a drop is; nothing else is to last.
@@ -142,13 +143,13 @@ void handleEvent(const Event& event) {
     std::optional<LongWork> work;
     trackWork(event, work);
     if (mayTakeLong(event)) saveBeforeLongWork();
-    editorState.wholeMeshWritten = false;
+    workbench.wholeMeshWritten = false;
     nameList.step = "";
     beginEvent(dragged || listed);
     dispatch(event, false);
     if (OB != nullptr) OB->settleLostArrays();
     const bool altered = endEvent();
-    if (editorState.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
+    if (workbench.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
     if (dragRuns()) return;
     // To remember a large mesh takes long by itself.
     tellTooLateToStop();

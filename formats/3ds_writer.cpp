@@ -292,7 +292,7 @@ int write3dsFile(const std::string& path) try {
     if (!file.open(path)) return fail("can't open file", path);
     file.append(writer.out.text());
     if (!file.commit()) return fail("can't open file", path);
-    editorState.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
+    workbench.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
     if (writer.leftOut > 0) {
         fail(std::to_string(writer.leftOut)
                  + " faces were not written: their groups have no selected face",

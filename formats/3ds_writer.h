@@ -11,7 +11,7 @@ namespace polyfab {
 /// and texture coordinates are not written. When a face is not selected it asks whether only the
 /// selected ones are wanted.
 ///
-/// 1 on success, `editorState.wholeMeshWritten` then tells whether no face was left out; faces that
+/// 1 on success, `workbench.wholeMeshWritten` then tells whether no face was left out; faces that
 /// were wanted, but are in a group without a selected one, are counted in a message. 0 after a
 /// message when the mesh is faulty, the file cannot be created or written, or the mesh is more than
 /// a file can hold: 65,535 points or triangles in a group, a coordinate beyond the range of a

@@ -80,7 +80,7 @@ bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
         }
         const auto hasNoPoint = [](const FaceCorner& corner) { return corner.p == nullptr; };
         if (std::any_of(corners.begin(), corners.end(), hasNoPoint)) {
-            editorState.wholeMeshWritten = false;
+            workbench.wholeMeshWritten = false;
             continue;
         }
         writeFan(file, corners);
@@ -97,11 +97,11 @@ int writeDxfFile(const std::string& path) {
     if (!file.open(path)) return 0;
     file.append("0\nSECTION\n2\nENTITIES\n");
     const bool onlySelected = askOnlySelected(true);
-    editorState.wholeMeshWritten = !onlySelected;
+    workbench.wholeMeshWritten = !onlySelected;
     bool written = writeFaces(file, onlySelected, path);
     file.append("0\nENDSEC\n0\nEOF\n");
     written = written && file.commit();
-    if (!written) editorState.wholeMeshWritten = false;
+    if (!written) workbench.wholeMeshWritten = false;
     return written ? 1 : 0;
 }
 

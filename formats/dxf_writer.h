@@ -11,7 +11,7 @@ namespace polyfab {
 /// whether only the selected ones are wanted. Left out are faces of fewer than three corners and
 /// those with a corner that has no point.
 ///
-/// 1 on success, `editorState.wholeMeshWritten` then tells whether all faces were written. 0 after
+/// 1 on success, `workbench.wholeMeshWritten` then tells whether all faces were written. 0 after
 /// a message when a coordinate is not finite or too large for a line, and without one when the file
 /// cannot be created or written; an old file is then as it was.
 [[nodiscard]] int writeDxfFile(const std::string& path);

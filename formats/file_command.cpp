@@ -24,8 +24,8 @@ bool meshIsSound(const char* title) {
 }
 
 void setFileName(const std::string& path) {
-    editorState.fileName = path;
-    editorState.lastChosen = path.substr(path.find_last_of('/') + 1);
+    workbench.fileName = path;
+    workbench.lastChosen = path.substr(path.find_last_of('/') + 1);
 }
 
 void resetForNewMesh() {
@@ -49,13 +49,13 @@ bool readsOn(const PieceReader& file, Pass pass) {
 }
 
 Busy::Busy(const char* text) : notice(*text != '\0') {
-    editorState.busy = true;
+    workbench.busy = true;
     if (notice) platform().showBusy(text);
 }
 
 void Busy::end() {
-    if (!editorState.busy) return;
-    editorState.busy = false;
+    if (!workbench.busy) return;
+    workbench.busy = false;
     if (notice) platform().showBusy("");
 }
 

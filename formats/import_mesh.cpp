@@ -308,7 +308,7 @@ void importOtherMesh() {
     const auto path = platform().fileDialog({false,
                                              "file to import mesh from?",
                                              {{"common mesh files", common}, {"all files", "*"}},
-                                             editorState.lastChosen});
+                                             workbench.lastChosen});
     if (!path) return;
     const Choice append = platform().question("add it to the mesh? (no: it replaces the mesh)",
                                               *path, Buttons::yesNoCancel);
@@ -333,7 +333,7 @@ void exportOtherMesh() {
     const auto path = platform().fileDialog({true,
                                              "file to export mesh to?",
                                              {{"common mesh files", common}, {"all files", "*"}},
-                                             editorState.lastChosen});
+                                             workbench.lastChosen});
     if (!path || !meshIsSound("mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";
     SaveFile file;

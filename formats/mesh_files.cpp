@@ -100,7 +100,7 @@ void askAndRead(bool append) {
                                               {"DXF files", "*.DXF"},
                                               {"3DS files", "*.3DS"},
                                               {"OBJ files", "*.OBJ"}},
-                                             editorState.lastChosen});
+                                             workbench.lastChosen});
     if (!path) return;
     readFile(*path, append);
     updateTitle();
@@ -119,7 +119,7 @@ std::string objFileOf(const std::string& chosen) {
 /// said so, and the mesh still counts as altered).
 int writeObjVariant(const std::string& chosen) {
     const std::string path = objFileOf(chosen);
-    editorState.fileName = path;
+    workbench.fileName = path;
     if (endsIn(chosen, ".obj#")) {
         if (writeObjFile(path, objTrace)) return 1;
         OB->changed = 1;
@@ -147,10 +147,10 @@ WrittenFile fileAt(const std::string& path) {
 /// The mesh is unaltered where all of it was written. Where only a part was, and over the file that
 /// held all of it, under whatever name, it counts as altered again.
 void settleMark() {
-    WrittenFile& whole = editorState.wholeFile;
-    if (editorState.wholeMeshWritten) {
+    WrittenFile& whole = workbench.wholeFile;
+    if (workbench.wholeMeshWritten) {
         OB->changed = 0;
-        whole = fileAt(editorState.fileName);
+        whole = fileAt(workbench.fileName);
     } else if (!whole.path.empty() && fileAt(whole.path) != whole) {
         OB->changed = 1;
         whole = {};
@@ -167,19 +167,19 @@ void writeTo(const std::string& chosen, const WriteCommand& command) {
     const int done = command.write(chosen);
     busy.end();
     if (!done) {
-        complain("I tried to write to this file but it didn't work", editorState.fileName);
+        complain("I tried to write to this file but it didn't work", workbench.fileName);
         return;
     }
-    noteRecentFile(editorState.fileName, false);
+    noteRecentFile(workbench.fileName, false);
     settleMark();
 }
 
 void writeMeshFile(const WriteCommand& command) {
     const auto chosen = platform().fileDialog(
-        {true, "file to write mesh to?", {command.filter}, editorState.lastChosen, objFileOf});
+        {true, "file to write mesh to?", {command.filter}, workbench.lastChosen, objFileOf});
     if (!chosen) return;
     setFileName(*chosen);
-    editorState.wholeMeshWritten = false;
+    workbench.wholeMeshWritten = false;
     writeTo(*chosen, command);
     updateTitle();
 }

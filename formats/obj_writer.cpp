@@ -44,7 +44,7 @@ FaceList facesToWrite(bool onlySelected) {
         if (canBeWritten(face)) {
             faces.push_back(i);
         } else {
-            editorState.wholeMeshWritten = false;
+            workbench.wholeMeshWritten = false;
         }
     }
     faces = sortedBy(faces, OB->nmat, [](int i) { return OB->faces[i].mat; });
@@ -179,9 +179,9 @@ int writeObjFile(const std::string& path, unsigned flags) {
     // The file first: nobody is asked about a file that cannot be made.
     if (!file.open(path)) return fail(path);
     const bool onlySelected = askOnlySelected(false);
-    editorState.wholeMeshWritten = !onlySelected;
+    workbench.wholeMeshWritten = !onlySelected;
     if (writeMesh(file, onlySelected, flags)) return 1;
-    editorState.wholeMeshWritten = false;
+    workbench.wholeMeshWritten = false;
     return fail(path);
 }
 

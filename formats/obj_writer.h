@@ -18,7 +18,7 @@ inline constexpr unsigned objTrace = 2;
 /// coordinates and normals are always all written. Faces whose group or material does not exist, or
 /// with a corner that has no point, are left out.
 ///
-/// `flags` are the bits above. 1 on success, `editorState.wholeMeshWritten` then tells whether all
+/// `flags` are the bits above. 1 on success, `workbench.wholeMeshWritten` then tells whether all
 /// live faces were written. 0 after a message when the file cannot be created or written; an old
 /// file is then as it was.
 int writeObjFile(const std::string& path, unsigned flags);

@@ -6,6 +6,7 @@
 #include "display/box.h"
 #include "display/options.h"
 #include "editor/command_table.h"
+#include "editor/editor_state.h"
 #include "editor/window.h"
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
@@ -129,7 +130,7 @@ void writeAndReadBack(Bytes&) {
     // Faces of fewer corners and lines too long are not read as they are written.
     collectGarbage(*OB);
     shown->escapeAfter = -1; // Escape would end the reading
-    editorState.keys = {};
+    workbench.keys = {};
     shown->choices.clear(); // the whole mesh is to be written
     demand(writeObjFile(path, objPlain) == 1, "not written");
     const auto counts = [] { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); };

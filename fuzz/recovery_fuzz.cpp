@@ -2,13 +2,13 @@
 // The first byte chooses: an even one hands the rest to the reader of recovery files as it is, an
 // odd one as what stands between a right head and a right checksum. What is accepted must pass the
 // check, and be the same after it was written and read once more.
+#include "editor/editor_state.h"
 #include "editor/recovery/recovery_file.h"
 #include "fuzz/fuzz_support.h"
 #include "io/bytes.h"
 #include "mesh/check.h"
 #include "mesh/pack_snapshot.h"
 #include "tests/support/fake_platform.h"
-#include "workbench/state.h"
 
 #include <string>
 #include <string_view>
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
     bringBack(data[0] % 2 == 0 ? std::string(rest) : asFile(rest));
     fuzz::emptyMesh();
-    resetEditorState();
+    resetWorkbench();
     demand(storeBlocks() == 1, "blocks stay behind");
     shown.log.clear();
     return 0;

@@ -27,7 +27,7 @@ constexpr Field fields[] = {
     {"max y", 1, &Vec3::y}, {"min z", 0, &Vec3::z}, {"max z", 1, &Vec3::z},
 };
 
-double& valueOf(const Field& field) { return editorState.settable[field.point].*field.coordinate; }
+double& valueOf(const Field& field) { return workbench.settable[field.point].*field.coordinate; }
 
 std::string text(double number) {
     char digits[32];
@@ -80,7 +80,7 @@ void askAndMakeBlock(Mesh& mesh) {
     mesh.curgroup = static_cast<std::int16_t>(mesh.findOrAddGroup(fittingAnswer(answer++->text)));
     mesh.curmat =
         static_cast<std::int16_t>(mesh.findOrAddMaterial(0x000000, fittingAnswer(answer->text)));
-    const auto& [a, b] = editorState.settable;
+    const auto& [a, b] = workbench.settable;
     if (accepted) makeBlock(mesh, a.x, b.x, a.y, b.y, a.z, b.z);
 }
 

@@ -29,7 +29,7 @@ void noteDeletedFaces(Mesh& mesh) {
     mesh.changed = 1;
     stale.edges = true;
     if (isDeleted(mesh, mesh.curface)) mesh.curface = -1;
-    if (isDeleted(mesh, editorState.currentEdgeFace)) forgetCurrentEdge();
+    if (isDeleted(mesh, workbench.currentEdgeFace)) forgetCurrentEdge();
 }
 
 void deleteSelectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, true); }

@@ -27,7 +27,7 @@ Length feetAndInches(double units) {
 } // namespace
 
 void tellDistance() {
-    const auto& [a, b] = editorState.settable;
+    const auto& [a, b] = workbench.settable;
     const double dx = std::abs(b.x - a.x), dy = std::abs(b.y - a.y), dz = std::abs(b.z - a.z);
     const double distance = std::sqrt(dx * dx + dy * dy + dz * dz);
     const Length x = feetAndInches(dx), y = feetAndInches(dy), z = feetAndInches(dz),

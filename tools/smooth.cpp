@@ -147,7 +147,7 @@ void askSmoothingAxis() {
         == Choice::yes) {
         axis = axes[askYesNoCancel("(yes=X, no=Y, cancel=Z)", "which axis to smooth along?") + 1];
     }
-    editorState.smoothingAxis = axis;
+    workbench.smoothingAxis = axis;
 }
 
 } // namespace polyfab

@@ -16,7 +16,7 @@ void smoothDents(Mesh& mesh);
 /// with `axis` ('x', 'y' or 'z'; 0: all) only along that axis of the screen.
 void smoothView(Mesh& mesh, char axis);
 
-/// Asks for the axis that editorState.smoothingAxis keeps for smoothView.
+/// Asks for the axis that workbench.smoothingAxis keeps for smoothView.
 void askSmoothingAxis();
 
 } // namespace polyfab

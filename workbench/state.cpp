@@ -7,16 +7,16 @@
 
 namespace polyfab {
 
-void resetEditorState() { editorState = EditorState(); }
+void resetWorkbench() { workbench = Workbench(); }
 
 void noteKey(const Event& event) {
-    if (event.key < 0 || event.key >= static_cast<int>(editorState.keys.size())) return;
-    editorState.keys[static_cast<std::size_t>(event.key)] =
+    if (event.key < 0 || event.key >= static_cast<int>(workbench.keys.size())) return;
+    workbench.keys[static_cast<std::size_t>(event.key)] =
         event.kind == EventKind::keyDown ? 0xFF : 0;
 }
 
 void dropStaleEdge() {
-    const int face = editorState.currentEdgeFace, corner = editorState.currentEdgeCorner;
+    const int face = workbench.currentEdgeFace, corner = workbench.currentEdgeCorner;
     const bool isThere = face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
                          && corner < OB->faces[face].n;
     if (!isThere) forgetCurrentEdge();
@@ -28,8 +28,8 @@ bool abortRequested() {
 }
 
 void updateTitle() {
-    platform().setTitle(std::string(programName) + " [" + editorState.fileName + "] "
-                        + editorState.modeName);
+    platform().setTitle(std::string(programName) + " [" + workbench.fileName + "] "
+                        + workbench.modeName);
 }
 
 } // namespace polyfab

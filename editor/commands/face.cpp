@@ -48,7 +48,7 @@ void reverseSelectedFaces() {
         Face& face = OB->faces[i];
         if (!isLiveSelected(face)) continue;
         reverseFace(face);
-        if (i == editorState.currentEdgeFace) forgetCurrentEdge(); // its corners moved
+        if (i == workbench.currentEdgeFace) forgetCurrentEdge(); // its corners moved
         OB->changed = 1;
         stale.edges = true; // those that face away may be hidden
     }

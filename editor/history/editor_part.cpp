@@ -6,25 +6,21 @@
 namespace polyfab {
 
 EditorPart presentPart() {
-    const EditorState& editor = editorState;
-    return {editor.settable,
-            box,
-            view,
-            editor.currentEdgeFace,
-            editor.currentEdgeCorner,
-            editor.fileName,
-            editor.lastChosen};
+    const Workbench& bench = workbench;
+    return {
+        bench.settable,  box, view, bench.currentEdgeFace, bench.currentEdgeCorner, bench.fileName,
+        bench.lastChosen};
 }
 
 void restorePicks(const EditorPart& part) {
-    editorState.settable = part.settable;
-    editorState.currentEdgeFace = part.edgeFace;
-    editorState.currentEdgeCorner = part.edgeCorner;
+    workbench.settable = part.settable;
+    workbench.currentEdgeFace = part.edgeFace;
+    workbench.currentEdgeCorner = part.edgeCorner;
 }
 
 void restoreFileName(const EditorPart& part) {
-    editorState.fileName = part.fileName;
-    editorState.lastChosen = part.lastChosen;
+    workbench.fileName = part.fileName;
+    workbench.lastChosen = part.lastChosen;
 }
 
 void restoreView(const EditorPart& part) {

@@ -15,7 +15,7 @@ struct EditorPart {
     std::array<Vec3, 2> settable;
     Box box; ///< as `view` shows it
     View view;
-    int edgeFace = -1, edgeCorner = -1; ///< the current edge, as EditorState has it
+    int edgeFace = -1, edgeCorner = -1; ///< the current edge, as the workbench has it
     std::string fileName, lastChosen;
 };
 

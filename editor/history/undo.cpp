@@ -119,12 +119,12 @@ void settleMarks(bool content) {
     History& h = history;
     State& present = h.states[h.at];
     // What cleared the mark may have altered the mesh before: a read of nothing, a write.
-    const bool cleared = content && (OB->np == 0 || editorState.wholeMeshWritten);
+    const bool cleared = content && (OB->np == 0 || workbench.wholeMeshWritten);
     if (std::exchange(h.altered, false) || cleared) present.version = ++h.lastVersion;
     present.unaltered = OB->changed == 0;
-    const bool wasOnDisk = std::exchange(h.onDisk, !editorState.wholeFile.path.empty());
+    const bool wasOnDisk = std::exchange(h.onDisk, !workbench.wholeFile.path.empty());
     const bool overwritten = wasOnDisk && !h.onDisk;
-    if (!overwritten && !(editorState.wholeMeshWritten && present.unaltered)) return;
+    if (!overwritten && !(workbench.wholeMeshWritten && present.unaltered)) return;
     for (State& state : h.states) {
         state.unaltered = present.unaltered && state.version == present.version;
     }
@@ -205,7 +205,7 @@ void startHistory() {
     try {
         history.states.push_back({takeSnapshot(*OB, nullptr), 0, OB->changed == 0});
         history.before = presentPart();
-        history.onDisk = !editorState.wholeFile.path.empty();
+        history.onDisk = !workbench.wholeFile.path.empty();
     } catch (const std::bad_alloc&) {
         endHistory();
     }
@@ -236,7 +236,7 @@ bool endEvent() {
     if (OB == nullptr) return false;
     const bool altered = OB->changed == 1;
     // Whoever cleared the mesh has not saved what was in it.
-    const bool lost = alteredBefore && !editorState.wholeMeshWritten;
+    const bool lost = alteredBefore && !workbench.wholeMeshWritten;
     OB->changed = OB->changed != 0 || lost;
     history.altered = history.altered || altered;
     return altered;

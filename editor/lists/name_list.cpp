@@ -5,6 +5,7 @@
 
 #include "display/view.h"
 #include "editor/command_table.h"
+#include "editor/editor_state.h"
 #include "editor/input.h"
 #include "editor/lists/name_list_picture.h"
 #include "editor/lists/name_list_table.h"
@@ -93,7 +94,7 @@ void clickEntry(const List& list, int entry) {
 /// What the buttons do to the pointed entry.
 void useButtons(const List& list) {
     const int entry = nameList.pointed;
-    const int history = editorState.history;
+    const int history = editorState.buttons;
     if (leftPressed()) nameList.pressed = entry;
     if (entry < 0) return;
     const int pressed = nameList.pressed;
@@ -113,7 +114,7 @@ void onMouse(const List& list, const Event& event) {
     pointAtMouse(list);
     useButtons(list);
     if (editorState.subview == 0) return;
-    const bool buttonsMoved = (editorState.history >> 2) != (editorState.history & 3);
+    const bool buttonsMoved = (editorState.buttons >> 2) != (editorState.buttons & 3);
     if (buttonsMoved || OB->*list.current != before) refresh(list);
 }
 
@@ -150,7 +151,7 @@ void toggleSelectedOnly(const List&, int) { nameList.selectedOnly = !nameList.se
 void setTextureNumbers(const List& list, int) {
     if (!list.texturesShow) return;
     for (Group* group = OB->groups; group != OB->groups + OB->ng; ++group) {
-        if (group->selected) group->texture = static_cast<std::uint8_t>(editorState.textureNumber);
+        if (group->selected) group->texture = static_cast<std::uint8_t>(workbench.textureNumber);
     }
 }
 

@@ -2,7 +2,7 @@
 #include "editor/lists/name_list_picture.h"
 
 #include "display/pane_images.h"
-#include "workbench/state.h"
+#include "editor/editor_state.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/lists/name_list_table.h"
 
+#include "editor/editor_state.h"
 #include "editor/lists/subview.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,6 +3,7 @@
 // All of it is about OB.
 #pragma once
 
+#include "editor/editor_state.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 

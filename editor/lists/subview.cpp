@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/lists/subview.h"
 
+#include "editor/editor_state.h"
 #include "editor/lists/name_list.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
@@ -40,7 +41,7 @@ const SubviewRow& rowOf(int number) {
 void openSubview(int number) {
     const SubviewRow& row = rowOf(number);
     editorState.subview = number;
-    editorState.modeName = row.word;
+    workbench.modeName = row.word;
     row.opened();
     showMenuBar(row.bar);
     updateTitle();
@@ -51,7 +52,7 @@ void closeSubview() { editorState.subview = 0; }
 
 void handleInSubview(const Event& event) {
     const SubviewRow& row = rowOf(editorState.subview);
-    editorState.modeName = row.word;
+    workbench.modeName = row.word;
     row.handle(event);
     if (editorState.subview != 0) return;
     row.closed(row.number);

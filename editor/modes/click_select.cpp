@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/click_select.h"
 
+#include "editor/editor_state.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
-#include "workbench/state.h"
 
 #include <cstdint>
 

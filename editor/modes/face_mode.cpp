@@ -3,6 +3,7 @@
 #include "editor/modes/face_mode.h"
 
 #include "display/options.h"
+#include "editor/editor_state.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/split_face.h"
 #include "mesh/stale.h"

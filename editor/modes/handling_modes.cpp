@@ -2,6 +2,7 @@
 // Edge, group and vertex handling, and the keys of all handling modes.
 #include "editor/modes/handling_modes.h"
 
+#include "editor/editor_state.h"
 #include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
 #include "editor/modes/under_mouse.h"
@@ -56,8 +57,8 @@ void dragTo(const Event& event) {
 void pressEdge(const Event& event) {
     const auto place = pickingPlace(event);
     const PickedEdge edge = place ? edgeAt(*OB, *place) : PickedEdge();
-    editorState.currentEdgeFace = edge.face;
-    editorState.currentEdgeCorner = edge.corner;
+    workbench.currentEdgeFace = edge.face;
+    workbench.currentEdgeCorner = edge.corner;
     stale.picture = true;
     updateTitle();
     if (edge.face < 0) return;
@@ -76,7 +77,7 @@ std::optional<Side> neighbour(const Side& side) {
     return std::nullopt;
 }
 
-Side currentSide() { return {editorState.currentEdgeFace, editorState.currentEdgeCorner}; }
+Side currentSide() { return {workbench.currentEdgeFace, workbench.currentEdgeCorner}; }
 
 bool edgeIsLive(const Side& side) {
     return side.face >= 0 && side.face < OB->nf && OB->faces[side.face].q != nullptr
@@ -165,7 +166,7 @@ constexpr auto keyRows = std::to_array<KeyRow>({
 void handleEdges(const Event& event) {
     if (leftPressed()) {
         pressEdge(event);
-        if (editorState.currentEdgeFace >= 0) neighbour(currentSide());
+        if (workbench.currentEdgeFace >= 0) neighbour(currentSide());
         return;
     }
     dragTo(event);

@@ -3,6 +3,7 @@
 
 #include "display/box.h"
 #include "display/view.h"
+#include "editor/editor_state.h"
 #include "editor/modes/click_select.h"
 #include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
@@ -71,7 +72,7 @@ void enterMode(int command) {
     for (const Mode& mode : modes) {
         if (mode.command != command) continue;
         editorState.mode = mode.value;
-        editorState.modeName = mode.name;
+        workbench.modeName = mode.name;
         // Only the modes that resize, objects or display, say anything about the axis.
         if (mode.value == 's' || mode.value == 'S') editorState.resizeAxis = mode.axis;
         if (mode.value == 'E') dropStaleEdge();
@@ -79,12 +80,12 @@ void enterMode(int command) {
     updateTitle();
 }
 
-void restoreModeName() { editorState.modeName = presentMode().name; }
+void restoreModeName() { workbench.modeName = presentMode().name; }
 
 void modeMouse(const Event& event) {
     constexpr unsigned buttons = button::left | button::right;
-    const unsigned now = editorState.history & buttons;
-    const unsigned before = editorState.history >> 2 & buttons;
+    const unsigned now = editorState.buttons & buttons;
+    const unsigned before = editorState.buttons >> 2 & buttons;
     if (before == 0 && now != 0) modeDrag = {true, view, box};
     if (!modeDrag.runs) return;
     modeDrag.runs = now != 0;

@@ -5,6 +5,7 @@
 #include "display/look.h"
 #include "display/picking.h"
 #include "display/view.h"
+#include "editor/editor_state.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -32,7 +33,7 @@ struct MiddleDrag {
 
 MiddleDrag drag;
 
-bool modeButtonsAreDown() { return (editorState.history & 3) != 0; }
+bool modeButtonsAreDown() { return (editorState.buttons & 3) != 0; }
 
 /// About the axis that is seen vertical, then about the one seen horizontal: what faces the viewer
 /// of the pane follows the mouse.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/settable_points.h"
 
+#include "editor/editor_state.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/stale.h"
 #include "workbench/state.h"
@@ -58,10 +59,10 @@ bool setSettablePoints(const Event& event) {
     if (!keyIsDown(key::ctrl)) return false;
     const auto place = pickingPlace(event);
     bool set = false;
-    for (std::size_t i = 0; place && i < editorState.settable.size(); ++i) {
+    for (std::size_t i = 0; place && i < workbench.settable.size(); ++i) {
         if (!keyIsDown('1' + static_cast<int>(i))) continue;
         platform().beep();
-        setSettable(editorState.settable[i], *place);
+        setSettable(workbench.settable[i], *place);
         stale.picture = set = true;
     }
     return set;
@@ -74,7 +75,7 @@ bool held = false;
 
 bool settablePointPress(const Event& event) {
     if (leftPressed()) held = setSettablePoints(event);
-    return held && (editorState.history & 5) != 0;
+    return held && (editorState.buttons & 5) != 0;
 }
 
 } // namespace polyfab

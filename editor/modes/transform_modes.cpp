@@ -5,11 +5,11 @@
 #include "display/look.h"
 #include "display/view.h"
 #include "editor/commands/transform_selected.h"
+#include "editor/editor_state.h"
 #include "editor/modes/drag.h"
 #include "geometry/affine.h"
 #include "mesh/extent.h"
 #include "mesh/stale.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,8 +34,8 @@ struct ModeDrag {
 
 ModeDrag drag;
 
-bool begins() { return (editorState.history >> 2 & 3) == 0; }
-bool ends() { return (editorState.history & 3) == 0; }
+bool begins() { return (editorState.buttons >> 2 & 3) == 0; }
+bool ends() { return (editorState.buttons & 3) == 0; }
 
 /// Pixels since the event before; none at the press. The right button must have been down already
 /// for a movement to count along z, as for the mouse position.
@@ -51,7 +51,7 @@ Vec3 step(const Event& event) {
     drag.x = event.x;
     drag.y = event.y;
     drag.moved.y += down;
-    const bool rightWasDown = (editorState.history & 8) != 0;
+    const bool rightWasDown = (editorState.buttons & 8) != 0;
     (rightWasDown ? drag.moved.z : drag.moved.x) += across;
     return rightWasDown ? Vec3{0, down, across} : Vec3{across, down, 0};
 }
@@ -145,7 +145,7 @@ void twist(const Event& event, int axis) {
 void setCutoffs(const Event& event, Vec3& cutoffs) {
     step(event);
     // Bits of the right button, now and before: its press sets z at once, and its release still.
-    const bool right = (editorState.history & 10) != 0;
+    const bool right = (editorState.buttons & 10) != 0;
     const int start = drag.inRightPane ? panesOf(view.client).rightStart : 0;
     (right ? cutoffs.z : cutoffs.x) = event.x - start;
     cutoffs.y = event.y;

@@ -49,17 +49,17 @@ TEST_F(FaceCommands, TheCurrentFaceAndEdgeAreForgotten) {
     for (const int id : {284, 396, 267, 397, 280, 360}) {
         cubeIn(358);
         OB->curface = 2;
-        editorState.currentEdgeFace = editorState.currentEdgeCorner = 1;
+        workbench.currentEdgeFace = workbench.currentEdgeCorner = 1;
         stale = {false, false, false};
         command(id);
         EXPECT_EQ(OB->curface, id == 284 ? -1 : 2) << id;
-        EXPECT_EQ(editorState.currentEdgeFace, id == 284 ? 1 : -1) << id;
+        EXPECT_EQ(workbench.currentEdgeFace, id == 284 ? 1 : -1) << id;
         EXPECT_TRUE(stale.picture || stale.edges) << id;
     }
-    editorState.currentEdgeFace = 1;
+    workbench.currentEdgeFace = 1;
     select({0});
     command(397); // turns another face over
-    EXPECT_EQ(editorState.currentEdgeFace, 1);
+    EXPECT_EQ(workbench.currentEdgeFace, 1);
 }
 
 TEST_F(FaceCommands, BadEdgesAreFoundAndShownAndRepaired) {

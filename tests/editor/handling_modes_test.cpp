@@ -27,13 +27,13 @@ class HandlingModes : public WindowEvents {
 
 TEST_F(HandlingModes, AFaceIsMadeCurrentSelectedAndDeleted) {
     cubeIn(349);
-    editorState.currentEdgeFace = editorState.currentEdgeCorner = 0;
+    workbench.currentEdgeFace = workbench.currentEdgeCorner = 0;
     for (const auto& [spot, current] :
          {std::pair(right(0, 0), 5), {left(2, 0), -1}, {left(0, 0), 1}}) {
         click(spot);
         EXPECT_EQ(OB->curface, current);
     }
-    EXPECT_EQ(editorState.currentEdgeFace, -1);
+    EXPECT_EQ(workbench.currentEdgeFace, -1);
     down(key::shift);
     for (const int selected : {0, 1, 0}) {
         click(left(0, 0));
@@ -115,14 +115,14 @@ TEST_F(HandlingModes, AnEdgeTellsItsNeighboursAndIsDeletedBetweenTwoFaces) {
         command(348);
         click(spot);
         EXPECT_EQ(shown.windowTitle, clicked);
-        const int face = editorState.currentEdgeFace;
-        const int corner = editorState.currentEdgeCorner;
+        const int face = workbench.currentEdgeFace;
+        const int corner = workbench.currentEdgeCorner;
         EXPECT_EQ(face < 0 ? -1 : indexIn(OB->points, OB->faces[face].q[corner].p), point);
         key(deleteKey);
         EXPECT_EQ(shown.windowTitle, deleted);
         EXPECT_EQ(liveFaces(), live);
         EXPECT_EQ(OB->changed, live < 5 ? 1 : 0);
-        EXPECT_EQ(editorState.currentEdgeFace, live < 5 ? -1 : face);
+        EXPECT_EQ(workbench.currentEdgeFace, live < 5 ? -1 : face);
     };
     const std::string mode = "polyfab [] edge handling";
     const std::string no = "there is no adjacent face on this edge";
@@ -163,14 +163,14 @@ TEST_F(HandlingModes, AVertexIsHighlightedAndWeldedByCtrl) {
         click(left(0, 0));
         EXPECT_TRUE(OB->curvertex == -1 && OB->points[2].highlighted == 0);
         down(key::ctrl);
-        editorState.currentEdgeFace = editorState.currentEdgeCorner = 0;
+        workbench.currentEdgeFace = workbench.currentEdgeCorner = 0;
         drag(left(1, 1), to);
         EXPECT_EQ(OB->changed, 1);
     };
     dragInSquare(left(1, -1) + Spot{2, 1});
     EXPECT_EQ(OB->faces[0].n, 3);
     EXPECT_EQ(shown.windowTitle, "welded onto vertex 2");
-    EXPECT_EQ(editorState.currentEdgeFace, -1);
+    EXPECT_EQ(workbench.currentEdgeFace, -1);
     EXPECT_TRUE(OB->curvertex == 1 && OB->points[1].highlighted == 1);
     expectNear(point(1), {1, -1, 0}, 0); // where it was, not where the mouse was
     dragInSquare(left(0.5, 0.5));        // no vertex there
@@ -203,14 +203,14 @@ TEST_F(HandlingModes, SettablePointsGoOntoTheFaceOrKeepTheirDepth) {
     const Vec3 first{4, 5, 6}, second{7, 8, 9};
     const auto expect = [&](const Numbers& keys, const Spot& spot, const Vec3& one,
                             const Vec3& two) {
-        editorState.settable = {first, second};
-        editorState.keys = {};
+        workbench.settable = {first, second};
+        workbench.keys = {};
         for (const int code : keys) down(code);
         OB->curvertex = 0;
         shown.log.clear();
         drag(spot, spot + Spot{50, 50});
-        expectNear(editorState.settable[0], one, 1e-9);
-        expectNear(editorState.settable[1], two, 1e-9);
+        expectNear(workbench.settable[0], one, 1e-9);
+        expectNear(workbench.settable[1], two, 1e-9);
         const bool sets = shown.log == Log{"beep"};
         EXPECT_EQ(OB->curvertex, sets ? 0 : -1); // the mode does not see what sets a point
         return sets;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What entering a mode leaves in the state and in the title, the life of a drag in any mode, and
 // the modes that select by a click.
+#include "editor/editor_state.h"
 #include "tests/editor/window_fixture.h"
 
 #include <map>
@@ -78,10 +79,10 @@ TEST_F(Modes, EachHasItsValueAndNameAndOnlyThoseThatResizeSetTheAxis) {
 TEST_F(Modes, EdgeHandlingDropsAnEdgeThatIsGone) {
     OB->faces[2].q = nullptr;
     for (const auto& [face, corner] : {std::pair{0, 3}, {6, 0}, {2, 0}, {0, 4}}) {
-        editorState.currentEdgeFace = face;
-        editorState.currentEdgeCorner = corner;
+        workbench.currentEdgeFace = face;
+        workbench.currentEdgeCorner = corner;
         command(348);
-        EXPECT_EQ(editorState.currentEdgeFace, corner == 3 ? 0 : -1);
+        EXPECT_EQ(workbench.currentEdgeFace, corner == 3 ? 0 : -1);
     }
 }
 

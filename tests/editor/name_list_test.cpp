@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The name lists as the window drives them, in cells of 256 x 16 pixels.
+#include "editor/editor_state.h"
 #include "editor/lists/name_list.h"
 
 #include "display/pane_images.h"
@@ -128,7 +129,7 @@ TEST_F(NameList, EachListHasItsOwnFieldAndKeys) {
     OB->faces[1].g = 77; // in no group
     select({0, 1});      // face 0 is deleted: nobody's business
     OB->groups[5].selected = 1;
-    editorState.textureNumber = 6;
+    workbench.textureNumber = 6;
     int face = 5; // which is in entry 5
     const auto expect = [&](int list, std::int16_t Mesh::*current, const std::string& word,
                             const std::string& entry) {

@@ -49,7 +49,7 @@ TEST_F(RecentMenu, RowsChangeOnlyWithWhatThisEditorReads) {
     send(EventKind::menuOpening);
     EXPECT_EQ(rows(), (Log{"&1 b.obj", "[&2 a.obj]"}));
     command(firstRecentFileCommand);
-    EXPECT_EQ(editorState.fileName, folder.path("b.obj"));
+    EXPECT_EQ(workbench.fileName, folder.path("b.obj"));
     EXPECT_EQ(rows(), (Log{"&1 b.obj", "&2 c.obj", "&3 a.obj"})); // none was looked for again
 }
 

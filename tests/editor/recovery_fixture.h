@@ -48,7 +48,7 @@ class RecoveryTest : public WindowEvents {
         cubeIn(358);
         for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
         OB->changed = 1;
-        editorState.lastChosen = name;
+        workbench.lastChosen = name;
         saveBeforeLongWork();
         for (const std::string& entry : kept()) {
             if (std::count(before.begin(), before.end(), entry) != 0) continue;

@@ -16,11 +16,11 @@ TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
     cubeIn(358);
     select({1, 4});
     OB->changed = 1;
-    editorState.settable[1] = {1, std::nan(""), -0.0};
-    editorState.currentEdgeFace = 2;
-    editorState.currentEdgeCorner = 3;
-    editorState.fileName = "/a/cube.obj";
-    editorState.lastChosen = "cube.obj";
+    workbench.settable[1] = {1, std::nan(""), -0.0};
+    workbench.currentEdgeFace = 2;
+    workbench.currentEdgeCorner = 3;
+    workbench.fileName = "/a/cube.obj";
+    workbench.lastChosen = "cube.obj";
     turnView(1, 0.3, true);
     zoomView(1.7, {9, 8, 7});
     box = {{1, 2, 3}, {4, 5, 6}};
@@ -28,14 +28,14 @@ TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
     const View seen = view;
     saveBeforeLongWork();
     startRecovery(); // killed
-    editorState.settable = {};
+    workbench.settable = {};
 
     EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
     EXPECT_EQ(dump(), mesh);
     EXPECT_EQ(OB->changed, 1);
-    EXPECT_EQ(editorState.fileName, "/a/cube.obj");
-    EXPECT_EQ(editorState.currentEdgeCorner, 3);
-    EXPECT_TRUE(std::isnan(editorState.settable[1].y));
+    EXPECT_EQ(workbench.fileName, "/a/cube.obj");
+    EXPECT_EQ(workbench.currentEdgeCorner, 3);
+    EXPECT_TRUE(std::isnan(workbench.settable[1].y));
     EXPECT_EQ(std::memcmp(&view, &seen, sizeof view), 0);
     EXPECT_EQ(box.right.z, 6);
     EXPECT_EQ(shown.windowTitle, "polyfab [/a/cube.obj] ");
@@ -197,7 +197,7 @@ TEST_F(RecoveryTest, SavesAtRestOnlyWhatIsNewAndNeverInADrag) {
     command(2011); // redo of nothing
     rest();
     EXPECT_FALSE(saves());
-    editorState.settable[1] = {1, 2, 3}; // the mesh is the same
+    workbench.settable[1] = {1, 2, 3}; // the mesh is the same
     rest();
     EXPECT_TRUE(saves());
     mouse(155, 155, button::left);

@@ -32,7 +32,7 @@ class SessionEnd : public RecoveryTest {
     void cube(const std::string& name, int faces) {
         cubeIn(358);
         for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
-        editorState.fileName = editorState.lastChosen = name;
+        workbench.fileName = workbench.lastChosen = name;
         startHistory();
         OB->changed = 1;
     }
@@ -42,7 +42,7 @@ class SessionEnd : public RecoveryTest {
         send(EventKind::destroy);
         createMesh();
         start({Choice::yes});
-        return {editorState.lastChosen, liveFaces()};
+        return {workbench.lastChosen, liveFaces()};
     }
     using Left = std::pair<std::string, int>;
 };
@@ -116,7 +116,7 @@ TEST_F(SessionEnd, AFileComesBackUnderItsWholePath) {
     cube("a.obj", 2);
     end();
     left();
-    EXPECT_EQ(editorState.fileName, fs::current_path() / "a.obj");
+    EXPECT_EQ(workbench.fileName, fs::current_path() / "a.obj");
 }
 
 TEST_F(SessionEnd, InACommandSavesWhatWasBeforeItOrElseWhatThereIs) {

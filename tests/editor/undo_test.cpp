@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Undo and redo of whatever the window's events do.
+#include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
@@ -60,7 +61,7 @@ Everything everything() {
     };
     add(all.content, m.np, m.nq, m.nf, m.nd, m.nt, m.ng, m.nmat, m.ntma, m.nprt, m.curvertex,
         m.curtexcoord, m.curface, m.curgroup, m.curmat, m.curtma, m.curprt, m.mtllib,
-        editorState.settable, editorState.currentEdgeFace, editorState.currentEdgeCorner);
+        workbench.settable, workbench.currentEdgeFace, workbench.currentEdgeCorner);
     add(all.scratch, m.npmax, m.nqmax, m.nfmax);
     for (const Point* p = m.points; p != m.points + m.np; ++p) {
         add(all.saved, p->x, p->y, p->z);
@@ -215,8 +216,8 @@ class Undo : public WindowEvents {
     }
     /// Enters into the states what became of their marks of altered meshes by the last action.
     static void followMarks(std::vector<Everything>& states, const std::string& wholeFileBefore) {
-        const bool overwritten = !wholeFileBefore.empty() && editorState.wholeFile.path.empty();
-        const bool written = editorState.wholeMeshWritten && OB->changed == 0;
+        const bool overwritten = !wholeFileBefore.empty() && workbench.wholeFile.path.empty();
+        const bool written = workbench.wholeMeshWritten && OB->changed == 0;
         if (!overwritten && !written) return;
         const std::string saved = everything().saved;
         for (Everything& state : states) {
@@ -257,7 +258,7 @@ TEST_F(Undo, BringsBackToTheLastBitWhatAnyChainOfCommandsAndDragsDid) {
         newMesh();
         std::vector<Everything> states{everything()};
         for (int i = 0; i < 40; ++i) {
-            const std::string label = undoLabel(), wholeFile = editorState.wholeFile.path;
+            const std::string label = undoLabel(), wholeFile = workbench.wholeFile.path;
             inList.reset();
             actAtRandom();
             if (inList && inList->content == states.back().content) {
@@ -305,7 +306,7 @@ TEST_F(Undo, WhateverIsDoneTheMeshIsSoundAndThePictureUpToDate) {
         const std::vector<std::uint32_t> before = shown.picture.pixels;
         shown.paintRequests = 0;
         actAtRandom();
-        SCOPED_TRACE(std::to_string(step) + ": " + undoLabel() + ", " + editorState.modeName);
+        SCOPED_TRACE(std::to_string(step) + ": " + undoLabel() + ", " + workbench.modeName);
         const int requests = shown.paintRequests;
         send(EventKind::paint);
         const std::vector<std::uint32_t> now = shown.picture.pixels;
@@ -314,10 +315,9 @@ TEST_F(Undo, WhateverIsDoneTheMeshIsSoundAndThePictureUpToDate) {
         send(EventKind::paint);
         ASSERT_TRUE(now == shown.picture.pixels);
         ASSERT_EQ(check(*OB), nullptr);
-        const int face = editorState.currentEdgeFace;
+        const int face = workbench.currentEdgeFace;
         ASSERT_TRUE(OB->curface < 0 || isLive(OB->curface));
-        ASSERT_TRUE(face < 0
-                    || (isLive(face) && editorState.currentEdgeCorner < OB->faces[face].n));
+        ASSERT_TRUE(face < 0 || (isLive(face) && workbench.currentEdgeCorner < OB->faces[face].n));
         ASSERT_TRUE(OB->curvertex < OB->np && !pointDragRuns());
     }
 }
@@ -395,7 +395,7 @@ TEST_F(Undo, AListSessionAndEachRenameAndMoveInItAreSteps) {
 
 TEST_F(Undo, AFailedAppendIsUndoneWithViewAndFileName) {
     cubeIn(358);
-    editorState.fileName = "before.obj";
+    workbench.fileName = "before.obj";
     wheel(100, 100, 2);
     startHistory();
     const Everything before = everything();
@@ -409,7 +409,7 @@ TEST_F(Undo, AFailedAppendIsUndoneWithViewAndFileName) {
     EXPECT_EQ(shown.windowTitle, "polyfab [before.obj] ");
     redo();
     EXPECT_EQ(OB->nf, 0);
-    EXPECT_NE(editorState.fileName, "before.obj");
+    EXPECT_NE(workbench.fileName, "before.obj");
 }
 
 TEST_F(Undo, TheBoxComesBackAroundWhatItWasAroundHoweverTheViewHasMoved) {

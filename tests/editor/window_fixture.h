@@ -5,6 +5,7 @@
 #include "display/box.h"
 #include "display/options.h"
 #include "display/view.h"
+#include "editor/editor_state.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/transform_modes.h"
 #include "editor/window.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/command_table.h"
+#include "editor/editor_state.h"
 #include "mesh/stale.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
@@ -64,7 +65,7 @@ TEST_F(Window, ClosingAsksOnlyWhenThereIsSomethingToLose) {
     EXPECT_EQ(close(), Log{question});
     shown.choices = {Choice::yes};
     EXPECT_EQ(close(), (Log{question, "destroyed"}));
-    editorState.busy = true;
+    workbench.busy = true;
     EXPECT_EQ(close(), (Log{"beep", "title|Whoa there, I got a file open!!"}));
 }
 

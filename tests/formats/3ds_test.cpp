@@ -283,7 +283,7 @@ TEST_F(ThreeDs, Writing) {
     EXPECT_EQ(folder.read("mesh.3ds"),
               file(part("a", {0, 3, 4, 5}, {3, 1, 0, 7, 3, 0, 2, 7}, uses({0, 1}, {})) + second));
     EXPECT_FALSE(shown.log.back().starts_with("message")) << shown.log.back();
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     // The points of selected faces come first. A group needs a selected face.
     EXPECT_EQ(write3dsFile(path), 1);
     EXPECT_EQ(
@@ -291,10 +291,10 @@ TEST_F(ThreeDs, Writing) {
         file(part("a", {0, 3, 4, 5, 1, 2}, {0, 4, 5, 7, 3, 1, 0, 7, 3, 0, 2, 7}, uses({1, 2}, {0}))
              + second));
     EXPECT_TRUE(shown.log.back().starts_with("message!|1 faces were not written"));
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     OB->faces[2].selected = 1;
     EXPECT_EQ(write3dsFile(path), 1);
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
 }
 
 TEST_F(ThreeDs, WhatFitsInAFile) {

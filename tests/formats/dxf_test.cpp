@@ -119,18 +119,18 @@ TEST_F(DxfTest, Writing) {
     const std::string last = entity("0", "DCBB") + "8\nTHE VOID\n" + tail;
     EXPECT_EQ(written(), first + entity("0", "ABCD") + rest + last);
     EXPECT_TRUE(shown.log.empty());
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
 
     // A deleted face that is not selected is reason enough for the question.
     OB->faces[2].q = nullptr;
     OB->faces[2].selected = 0;
     EXPECT_EQ(written(), first + rest.substr(7) + last);
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
     OB->faces[7].selected = 0;
     shown.choices = {Choice::yes};
     const std::string text = written();
     EXPECT_EQ(text, first + rest.substr(7) + tail);
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     EXPECT_EQ(shown.log, Lines(2, "question||Do you want me to output only the selected parts?"));
 
     // The last entity of a face takes its material, the others "material0".
@@ -147,11 +147,11 @@ TEST_F(DxfTest, FilesThatFail) {
     const std::string missing = folder.path("missing/mesh.dxf");
     EXPECT_EQ(readDxfFile(bad, true) + readDxfFile(missing, true), 0);
     EXPECT_EQ(OB->nf, 6);
-    editorState.wholeMeshWritten = true;
+    workbench.wholeMeshWritten = true;
     EXPECT_EQ(writeDxfFile(missing), 0);
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
     EXPECT_EQ(writeDxfFile("/dev/full"), 0);
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     // Of a file that can't be written the command tells.
     EXPECT_EQ(shown.log, (Lines{"message!|bad DXF file|" + bad,
                                 "message!|I can't open this file|" + missing}));

@@ -20,10 +20,10 @@ namespace {
 
 class ImportMesh : public test::MeshTest {
   protected:
-    ImportMesh() : before(std::exchange(exchangeProgram, POLYFAB_PROGRAM)) { resetEditorState(); }
+    ImportMesh() : before(std::exchange(exchangeProgram, POLYFAB_PROGRAM)) { resetWorkbench(); }
     ~ImportMesh() override {
         exchangeProgram = before;
-        resetEditorState();
+        resetWorkbench();
     }
 
     /// Makes the child a shell script.
@@ -100,7 +100,7 @@ TEST_F(ImportMesh, KeepsWhatTheFileHas) {
     const std::string path = folder.write("c.dae", dae);
     EXPECT_EQ(import(path), "");
     EXPECT_EQ(std::tuple(OB->np, OB->nf, OB->nt, groups()), std::tuple(8, 2, 4, "left right "));
-    EXPECT_EQ(std::tuple(OB->changed, editorState.busy), std::tuple(1, false));
+    EXPECT_EQ(std::tuple(OB->changed, workbench.busy), std::tuple(1, false));
     EXPECT_EQ(shown.windowTitle, "polyfab [" + path + "] ");
     // What the mirroring node makes of the quad: still seen from above, as its normal says.
     const Face& face = OB->faces[0];
@@ -142,7 +142,7 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
                 {"exec sleep 100", "stopped by the Escape key", 3}};
     test::addCube();
     OB->changed = 0;
-    editorState.fileName = "cube.obj";
+    workbench.fileName = "cube.obj";
     for (const auto& row : rows) {
         useChild(row.child);
         shown.escapeAfter = row.looks;
@@ -154,8 +154,8 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
     EXPECT_EQ(import(folder.path("none.stl")), "there is no such file");
     EXPECT_EQ(import(folder.write("x.unknown", "x")).substr(0, 24), "No suitable reader found");
     EXPECT_NE(import(folder.write("bad.ply", "ply\n")), "");
-    EXPECT_EQ(std::tuple(OB->nf, OB->changed, editorState.busy), std::tuple(6, 0, false));
-    EXPECT_EQ(editorState.fileName, "cube.obj");
+    EXPECT_EQ(std::tuple(OB->nf, OB->changed, workbench.busy), std::tuple(6, 0, false));
+    EXPECT_EQ(workbench.fileName, "cube.obj");
 }
 
 TEST_F(ImportMesh, ExportsWhatItImports) {

@@ -19,9 +19,9 @@ constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 class MeshFiles : public test::MeshTest {
   protected:
-    MeshFiles() { resetEditorState(); }
+    MeshFiles() { resetWorkbench(); }
     ~MeshFiles() override {
-        resetEditorState();
+        resetWorkbench();
         displayOptions = {};
     }
 
@@ -65,8 +65,8 @@ TEST_F(MeshFiles, ReadingSetsNameTitleAndMarks) {
                           "busy|",
                           "title|polyfab [" + path + "] "};
     EXPECT_EQ(shown.log, expected);
-    EXPECT_EQ(std::tuple(OB->nf, OB->curvertex, editorState.busy), std::tuple(1, -1, false));
-    EXPECT_EQ(editorState.lastChosen, "Tri.OBJ");
+    EXPECT_EQ(std::tuple(OB->nf, OB->curvertex, workbench.busy), std::tuple(1, -1, false));
+    EXPECT_EQ(workbench.lastChosen, "Tri.OBJ");
     // Collects before, tidies after: a repeated corner goes, and there and back is no face.
     OB->faces[0].q = nullptr;
     shown.files = {folder.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 2 3\nf 1 2 1\n"),
@@ -145,7 +145,7 @@ TEST_F(MeshFiles, EscapeEndsAReadAsAFailedOne) {
                       stopped ? Log{"message!|I tried to read this file but it didn't work|" + path}
                               : Log{});
             EXPECT_TRUE(!stopped || OB->np + OB->nq + OB->nf == 0);
-            EXPECT_FALSE(editorState.busy);
+            EXPECT_FALSE(workbench.busy);
         }
     }
 }
@@ -195,7 +195,7 @@ TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {
     for (const auto& row : rows) {
         EXPECT_FALSE(alteredAfter(writeObjMeshFile, folder.path(row.chosen)));
         EXPECT_NE(folder.read(row.written).find("\nf" + row.face), std::string::npos);
-        EXPECT_EQ(editorState.fileName, folder.path(row.written));
+        EXPECT_EQ(workbench.fileName, folder.path(row.written));
         EXPECT_TRUE(row.chosen == row.written || !folder.has(row.chosen));
     }
     for (const auto& [write, name] :

@@ -55,7 +55,7 @@ TEST_F(ObjWriterTest, WholeFile) {
                            "vn      0      0      1\n"
                            "g default\nusemtl default\nf 1//2 3/2 4/1/3 2\nf 5 6 8 7\n"
                            "f 1 2 6 5\nf 3 7 8 4\nf 1 5 7 3\nf 2 4 8 6\n");
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
     EXPECT_TRUE(shown.log.empty());
     OB->nf = 2;
     EXPECT_EQ(written("f ", objRelative), "f -8//-2 -6/-1 -5/-2/-1 -7\nf -4 -3 -1 -2\n");
@@ -80,13 +80,13 @@ TEST_F(ObjWriterTest, OrderAndChoice) {
                                  + "f 3 7 8 4\nf 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
                                    "g a b\nusemtl default\nf 5 6 8 7\nusemtl wood\nf 1 3 4 2\n"
                                    "g c\nusemtl wood\nf 2 4 8 6\n");
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
     const std::string selected =
         names
         + "f 1 5 7 3\nusemtl wood\nf 1 2 6 5\n"
           "g a b\nusemtl default\nf 5 6 8 7\ng c\nusemtl wood\nf 2 4 8 6\n";
     EXPECT_EQ(written("g "), selected);
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     EXPECT_EQ(shown.log, Lines(2, question));
     // A deleted face asks nothing.
     for (const int face : {0, 3}) OB->faces[face].q = nullptr;
@@ -102,17 +102,17 @@ TEST_F(ObjWriterTest, UnsoundFacesAreLeftOut) {
     OB->faces[4].q[3].p = nullptr;
     OB->faces[5].n = 0;
     EXPECT_EQ(written("g "), names + "f\n");
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
 }
 
 TEST_F(ObjWriterTest, FilesThatCannotBeCreatedOrWritten) {
     OB->faces[0].selected = 0;
-    editorState.wholeMeshWritten = true;
+    workbench.wholeMeshWritten = true;
     const std::string path = folder.path("missing/mesh.obj");
     EXPECT_EQ(writeObjFile(path, 0), 0);
-    EXPECT_TRUE(editorState.wholeMeshWritten);
+    EXPECT_TRUE(workbench.wholeMeshWritten);
     EXPECT_EQ(writeObjFile("/dev/full", 0), 0);
-    EXPECT_FALSE(editorState.wholeMeshWritten);
+    EXPECT_FALSE(workbench.wholeMeshWritten);
     EXPECT_EQ(shown.log, (Lines{"message!|can't open file|" + path, question,
                                 "message!|can't open file|/dev/full"}));
 }

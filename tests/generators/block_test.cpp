@@ -98,7 +98,7 @@ TEST_F(Block, IsMadeOfWhatTheDialogHoldsUnlessCancelled) {
                     "dialog|BLOCK|group=default", "dialog|BLOCK|material=default"};
     for (const auto& row : cases) {
         emptyMesh();
-        editorState.settable = {Vec3{1, 2, 3}, Vec3{4, 1234567, 6}};
+        workbench.settable = {Vec3{1, 2, 3}, Vec3{4, 1234567, 6}};
         shown.dialogAnswers = {
             {" 0.5 m", "3", "-2", "1.23457e+06", "0x10", "abc", "walls", "brick"}};
         shown.dialogResults = {row.left};
@@ -107,7 +107,7 @@ TEST_F(Block, IsMadeOfWhatTheDialogHoldsUnlessCancelled) {
         askAndMakeBlock(*OB);
         EXPECT_EQ(shown.log, asked);
         for (const auto& [is, wanted] :
-             {std::pair(editorState.settable[0], row.a), {editorState.settable[1], row.b}}) {
+             {std::pair(workbench.settable[0], row.a), {workbench.settable[1], row.b}}) {
             EXPECT_TRUE(isZero(is - wanted)) << is.x << " " << is.y << " " << is.z;
         }
         EXPECT_EQ(OB->nf, row.faces);

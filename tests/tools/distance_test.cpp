@@ -37,11 +37,11 @@ TEST_F(Distance, IsToldInUnitsAndInFeetAndInches) {
          "dy=0 ft    nan in, dz=0 ft  0.000 in, distance=0 ft    nan in"},
     };
     for (const auto& row : cases) {
-        editorState.settable = {row.a, row.b};
+        workbench.settable = {row.a, row.b};
         tellDistance();
         EXPECT_EQ(shown.log.back(), "message|distance between the two settable points|" + row.told);
     }
-    editorState.settable = {Vec3{-1e308, -1e308, 0}, Vec3{1e308, 0, 0}};
+    workbench.settable = {Vec3{-1e308, -1e308, 0}, Vec3{1e308, 0, 0}};
     tellDistance();
     EXPECT_NE(shown.log.back().find("dx=inf, dy=1e+308, dz=0, distance=inf\n"), std::string::npos);
     EXPECT_TRUE(shown.log.back().ends_with("distance=2147483647 ft    inf in"));

@@ -18,8 +18,8 @@ class DeleteFaces : public ToolTest {
         addCube();
         for (const int face : {0, 2, 3}) OB->faces[face].selected = 0;
         OB->faces[5].q = nullptr;
-        OB->curface = editorState.currentEdgeFace = 4;
-        editorState.currentEdgeCorner = 2;
+        OB->curface = workbench.currentEdgeFace = 4;
+        workbench.currentEdgeCorner = 2;
         OB->changed = 0;
     }
 };
@@ -33,11 +33,11 @@ TEST_F(DeleteFaces, AfterAQuestionTheCurrentFaceAndEdgeStayOnlyIfTheirFaceDoes) 
     EXPECT_EQ(OB->changed, 0);
     deleteUnselectedFaces(*OB);
     EXPECT_EQ(liveFaces(), (Numbers{1, 4}));
-    EXPECT_EQ(std::tuple(OB->curface, editorState.currentEdgeCorner), std::tuple(4, 2));
+    EXPECT_EQ(std::tuple(OB->curface, workbench.currentEdgeCorner), std::tuple(4, 2));
     EXPECT_EQ(OB->changed, 1);
     deleteSelectedFaces(*OB);
     EXPECT_EQ(liveFaces(), Numbers());
-    EXPECT_EQ(std::tuple(OB->curface, editorState.currentEdgeFace), std::tuple(-1, -1));
+    EXPECT_EQ(std::tuple(OB->curface, workbench.currentEdgeFace), std::tuple(-1, -1));
 }
 
 TEST_F(DeleteFaces, OnlySelectedFacesAloneInTheirPartGoUnasked) {

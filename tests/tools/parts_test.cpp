@@ -223,7 +223,7 @@ TEST_F(Parts, TheUserIsAskedForAnAngleAndMayCancel) {
         addCube();
         addCube();
         OB->addPoint(5, 5, 5, false); // garbage
-        editorState.currentEdgeFace = 0;
+        workbench.currentEdgeFace = 0;
         shown.choices = {row.choice};
         shown.dialogAnswers.clear();
         for (const std::string& angle : row.angles) shown.dialogAnswers.push_back({angle});
@@ -231,7 +231,7 @@ TEST_F(Parts, TheUserIsAskedForAnAngleAndMayCancel) {
         askAndFindParts(*OB);
         EXPECT_EQ(OB->nprt, row.parts);
         EXPECT_EQ(OB->np, 16);
-        EXPECT_EQ(editorState.currentEdgeFace, -1);
+        EXPECT_EQ(workbench.currentEdgeFace, -1);
         EXPECT_EQ(shown.log.front(), question);
         const auto asked = std::max<std::size_t>(row.angles.size(), row.choice == Choice::yes);
         EXPECT_EQ(std::count(shown.log.begin(), shown.log.end(), prompt), static_cast<int>(asked));

@@ -184,7 +184,7 @@ TEST_F(Smooth, TheQuestionsSetTheAxis) {
         shown.log.clear();
         shown.choices = choices;
         askSmoothingAxis();
-        EXPECT_EQ(editorState.smoothingAxis, axis);
+        EXPECT_EQ(workbench.smoothingAxis, axis);
         EXPECT_EQ(shown.log, axis == 0 ? Log{first} : (Log{first, second}));
     }
 }

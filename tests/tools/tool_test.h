@@ -16,8 +16,8 @@ using Numbers = std::vector<int>;
 
 class ToolTest : public MeshTest {
   protected:
-    ToolTest() { resetEditorState(); }
-    ~ToolTest() override { resetEditorState(); }
+    ToolTest() { resetWorkbench(); }
+    ~ToolTest() override { resetWorkbench(); }
 
     /// A random mesh whose faces lie in some of six parts.
     void fillWithParts(int points, int faces, int most) {

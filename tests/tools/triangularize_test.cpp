@@ -35,7 +35,7 @@ class Triangularize : public ToolTest {
         for (int i = 0; i < OB->nf; ++i) {
             OB->faces[i].tma = static_cast<std::int16_t>(random.below(3));
         }
-        editorState.currentEdgeFace = editorState.currentEdgeCorner = 0;
+        workbench.currentEdgeFace = workbench.currentEdgeCorner = 0;
         OB->changed = 0;
         stale.edges = false;
     }
@@ -94,7 +94,7 @@ TEST_F(Triangularize, AllSelectedFacesAreSplitByThePlainRule) {
         expectAll(expected);
         ASSERT_FALSE(HasFailure()) << round;
         ASSERT_EQ(OB->curface, curface);
-        ASSERT_EQ(editorState.currentEdgeFace, -1);
+        ASSERT_EQ(workbench.currentEdgeFace, -1);
         ASSERT_EQ(OB->nf, static_cast<int>(expected.size()));
         ASSERT_EQ(shown.log.empty(), triangles); // the edge pass starts with a collection
         if (!triangles) continue;

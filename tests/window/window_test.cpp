@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The real editor in the real window, from the drop of a file to the exit question.
+#include "editor/editor_state.h"
 #include "editor/window.h"
 #include "mesh/mesh.h"
 #include "tests/platform/driver.h"
 #include "tests/support/temp_folder.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

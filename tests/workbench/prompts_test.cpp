@@ -19,7 +19,7 @@ class Prompts : public MeshTest {
   protected:
     ~Prompts() override {
         resetPrompts();
-        resetEditorState();
+        resetWorkbench();
     }
     void user(const Texts& texts, DialogResult result = accept) {
         shown.dialogAnswers.push_back(texts);

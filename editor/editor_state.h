@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The state of the window itself: its mode, its sub-view, and what the mouse did last.
+#pragma once
+
+#include "geometry/vec3.h"
+
+#include <cstdint>
+
+namespace polyfab {
+
+/// The default interaction mode; the other modes are further character codes and plain numbers.
+inline constexpr int defaultMode = ' ';
+
+/// What the four name lists share. The switches outlive an opening, the rest does not.
+struct NameListState {
+    int pointed = -1;    ///< entry under the mouse; -1: none
+    int pressed = -1;    ///< entry of the last left press: a drag starts there
+    int closingKey = 0;  ///< Escape, F1, F2 or F3: closed the list; 0: a click did
+    int firstColumn = 0; ///< first column of names that the window shows
+    int x = -1;          ///< where the mouse was last, in client pixels
+    int y = -1;
+    const char* step = "";       ///< what undo calls what this event alters; "": like the list
+    double wheel = 0;            ///< what fine wheels have turned short of a whole step
+    bool longTextShown = false;  ///< the title is the text of the pointed entry
+    bool selectedOnly = false;   ///< only selected faces are counted
+    bool textureNumbers = false; ///< texture-map numbers stand before the names of groups
+};
+
+struct EditorState {
+    int mode = defaultMode;
+    char resizeAxis = 0;      ///< 0, 'X', 'Y' or 'Z': qualifies the resize mode
+    int subview = 0;          ///< 0: the mesh itself
+    std::uint8_t buttons = 0; ///< of the mouse: now (bits 0-1) and at the event before (bits 2-3)
+    Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
+    NameListState nameList;
+};
+
+inline EditorState editorState;
+inline NameListState& nameList = editorState.nameList;
+
+/// Puts every field, and the workbench, back to its state at start-up.
+void resetEditorState();
+
+/// The mouse buttons as the last two mouse events tell them.
+[[nodiscard]] inline bool leftPressed() { return (editorState.buttons & 5) == 1; }
+[[nodiscard]] inline bool leftReleased() { return (editorState.buttons & 5) == 4; }
+
+} // namespace polyfab
