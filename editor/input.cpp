@@ -2,6 +2,7 @@
 #include "editor/input.h"
 
 #include "editor/editor_state.h"
+#include "editor/history/undo.h"
 #include "editor/recovery/recovery.h"
 #include "mesh/mesh.h"
 #include "workbench/state.h"
@@ -27,7 +28,7 @@ void closeUnlessRefused() {
     }
     if (sessionIsEnding()) {
         saveAtSessionEnd(false);
-    } else if (OB->changed) {
+    } else if (isAltered()) {
         const Choice exit =
             platform().question("you have not saved this object since you altered it last",
                                 "do you want to exit?", Buttons::yesNo);

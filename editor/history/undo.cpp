@@ -51,10 +51,9 @@ History history;
 
 std::uint64_t memory = defaultUndoMemory();
 
-/// Value of Mesh::changed while an event is handled: it was set before. Who sets it says 1.
-constexpr std::uint8_t changedBefore = 2;
-
-bool alteredBefore = false; ///< when the event began, or where it has gone back to
+/// While an event is handled: the mark was set when it began, or is where it has gone back to. The
+/// mesh's own mark then tells what the event itself does.
+bool alteredBefore = false;
 
 /// To the last bit, not-a-numbers included.
 template <typename T>
@@ -121,7 +120,7 @@ void settleMarks(bool content) {
     // What cleared the mark may have altered the mesh before: a read of nothing, a write.
     const bool cleared = content && (OB->np == 0 || workbench.wholeMeshWritten);
     if (std::exchange(h.altered, false) || cleared) present.version = ++h.lastVersion;
-    present.unaltered = OB->changed == 0;
+    present.unaltered = !isAltered();
     const bool wasOnDisk = std::exchange(h.onDisk, !workbench.wholeFile.path.empty());
     const bool overwritten = wasOnDisk && !h.onDisk;
     if (!overwritten && !(workbench.wholeMeshWritten && present.unaltered)) return;
@@ -192,18 +191,20 @@ void goTo(int direction) {
     h.at = state;
     restorePart(step, back ? step.before : step.after);
     alteredBefore = !h.states[state].unaltered;
-    OB->changed = alteredBefore ? changedBefore : 0;
+    OB->changed = 0;
     stale = Stale();
     updateTitle();
 }
 
 } // namespace
 
+bool isAltered() { return OB != nullptr && (OB->changed != 0 || alteredBefore); }
+
 void startHistory() {
     endHistory();
     if (memory == 0) return;
     try {
-        history.states.push_back({takeSnapshot(*OB, nullptr), 0, OB->changed == 0});
+        history.states.push_back({takeSnapshot(*OB, nullptr), 0, !isAltered()});
         history.before = presentPart();
         history.onDisk = !workbench.wholeFile.path.empty();
     } catch (const std::bad_alloc&) {
@@ -226,18 +227,18 @@ void setUndoMemory(std::uint64_t bytes) {
 bool undoIsOn() { return memory != 0; }
 
 void beginEvent(bool continues) {
-    alteredBefore = OB != nullptr && OB->changed != 0;
+    alteredBefore = isAltered();
     if (OB == nullptr) return;
-    if (alteredBefore) OB->changed = changedBefore;
+    OB->changed = 0;
     if (!continues) history.before = presentPart();
 }
 
 bool endEvent() {
+    const bool before = std::exchange(alteredBefore, false);
     if (OB == nullptr) return false;
-    const bool altered = OB->changed == 1;
+    const bool altered = OB->changed != 0;
     // Whoever cleared the mesh has not saved what was in it.
-    const bool lost = alteredBefore && !workbench.wholeMeshWritten;
-    OB->changed = OB->changed != 0 || lost;
+    OB->changed = altered || (before && !workbench.wholeMeshWritten);
     history.altered = history.altered || altered;
     return altered;
 }

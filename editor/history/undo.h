@@ -33,13 +33,15 @@ void setUndoMemory(std::uint64_t bytes);
 /// Whether steps are recorded.
 [[nodiscard]] bool undoIsOn();
 
+/// Whether there is something to save: the mark of altered meshes, also in the midst of an event.
+[[nodiscard]] bool isAltered();
+
 /// To be called before an event is handled. `continues`: it belongs to a drag or to a list that
 /// began with an event before, and so to the step that will come of that.
 void beginEvent(bool continues);
 
 /// To be called when an event has been handled. Whether it changed something that is saved. The
-/// mark of altered meshes is set again if it was set before and no write of the whole mesh cleared
-/// it.
+/// mark of altered meshes stays set if it was set before and no whole mesh was written.
 bool endEvent();
 
 /// The mesh and the editor as they are now become the newest step, unless they are as they were.

@@ -124,7 +124,7 @@ void saveAltered(void (*saveIt)()) try {
     recovery.lastSave = Clock::now();
     recovery.sessionEnds = false;
     recovery.failure.clear();
-    if (!stateFolder.empty() && OB != nullptr && OB->changed != 0) saveIt();
+    if (!stateFolder.empty() && isAltered()) saveIt();
 } catch (const std::bad_alloc&) {
     recovery.failure = "there is not enough memory";
 }
@@ -235,7 +235,7 @@ void saveAtRest() {
     if (isWriting()) return;
     finishWriting();
     // Undone back to what was written last, there is nothing to bring back any more.
-    if (recovery.folder && OB != nullptr && OB->changed == 0) dropRecovery();
+    if (recovery.folder && OB != nullptr && !isAltered()) dropRecovery();
     if (Clock::now() - recovery.lastSave >= pause) saveAltered(saveAll);
     if (pause.count() == 0) finishWriting();
     tellFailure();
@@ -250,7 +250,7 @@ void saveBeforeLongWork() {
 void saveAtSessionEnd(bool atWork) {
     saveAltered(atWork ? saveNewestStep : saveAll);
     finishWriting();
-    recovery.sessionEnds = OB != nullptr && OB->changed != 0;
+    recovery.sessionEnds = isAltered();
 }
 
 bool sessionIsEnding() {
