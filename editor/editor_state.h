@@ -19,7 +19,6 @@ struct NameListState {
     int firstColumn = 0; ///< first column of names that the window shows
     int x = -1;          ///< where the mouse was last, in client pixels
     int y = -1;
-    const char* step = "";       ///< what undo calls what this event alters; "": like the list
     double wheel = 0;            ///< what fine wheels have turned short of a whole step
     bool longTextShown = false;  ///< the title is the text of the pointed entry
     bool selectedOnly = false;   ///< only selected faces are counted

@@ -174,16 +174,15 @@ const Route& routeOf(const Event& event) { return routes[static_cast<int>(event.
 
 bool endsDrag(const Event& event) { return routeOf(event).endsDrag; }
 
-void dispatch(const Event& event, bool inside) try {
+const char* dispatch(const Event& event, bool inside) try {
     if (event.kind == EventKind::close && inside && !workbench.busy) {
         // The command that waits for this box, or works on this mesh, goes on with it.
         platform().beep();
         platform().setTitle("Whoa there, I am in the middle of something!!");
-        return;
+        return "";
     }
     if (editorState.subview != 0 && event.kind != EventKind::destroy) {
-        handleInSubview(event);
-        return;
+        return handleInSubview(event);
     }
     const Route& route = routeOf(event);
     if (route.endsDrag) {
@@ -191,9 +190,11 @@ void dispatch(const Event& event, bool inside) try {
         endNavigation();
     }
     route.handle(event);
+    return "";
 } catch (const std::bad_alloc&) {
     // What the user did so far is not to be lost for a table that found no room.
     platform().message(programName, "I can't get enough memory", Icon::exclamation);
+    return "";
 }
 
 } // namespace polyfab

@@ -10,7 +10,8 @@ namespace polyfab {
 [[nodiscard]] bool endsDrag(const Event& event);
 
 /// Handles the event. `inside`: another is being handled, whose box or work let this one in; it
-/// can't close the window then. When memory runs out a message says so.
-void dispatch(const Event& event, bool inside);
+/// can't close the window then. When memory runs out a message says so. What undo calls the step
+/// that the event may lead to; "": like the event.
+const char* dispatch(const Event& event, bool inside);
 
 } // namespace polyfab

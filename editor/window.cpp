@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <string_view>
 
 namespace polyfab {
 namespace {
@@ -134,7 +135,10 @@ void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
     if (isUsersAct(event)) noteUser();
-    if (Handling::depth > 1) return dispatch(event, true); // a part of the event outside
+    if (Handling::depth > 1) { // a part of the event outside
+        dispatch(event, true);
+        return;
+    }
     if (dragRuns() && movesInHistory(event)) return;
     if (dragRuns() && endsDrag(event)) recordDrag();
     const std::string label = labelOf(event);
@@ -144,9 +148,8 @@ void handleEvent(const Event& event) {
     trackWork(event, work);
     if (mayTakeLong(event)) saveBeforeLongWork();
     workbench.wholeMeshWritten = false;
-    nameList.step = "";
     beginEvent(dragged || listed);
-    dispatch(event, false);
+    const std::string_view step = dispatch(event, false);
     if (OB != nullptr) OB->settleLostArrays();
     const bool altered = endEvent();
     if (workbench.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
@@ -157,7 +160,7 @@ void handleEvent(const Event& event) {
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
     if (editorState.subview != 0 ? listed && altered : ended) {
-        recordStep(*nameList.step != '\0' ? nameList.step : label);
+        recordStep(step.empty() ? label : std::string(step));
     }
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }

@@ -73,7 +73,6 @@ void pickAll(const List& list, bool picked) {
 }
 
 void rename(const List& list, int entry) {
-    nameList.step = "rename";
     OB->changed = 1;
     askText("new name?", list.name(entry));
     // The buffer holds what was typed, or after cancel the name itself.
@@ -91,31 +90,37 @@ void clickEntry(const List& list, int entry) {
     closeSubview();
 }
 
-/// What the buttons do to the pointed entry.
-void useButtons(const List& list) {
+/// What the buttons do to the pointed entry. What undo calls it, if that is not like the list; else
+/// "".
+const char* useButtons(const List& list) {
     const int entry = nameList.pointed;
     const int history = editorState.buttons;
     if (leftPressed()) nameList.pressed = entry;
-    if (entry < 0) return;
+    if (entry < 0) return "";
     const int pressed = nameList.pressed;
     if (history == 1) clickEntry(list, entry);
-    if (history == 2 && list.name != nullptr) rename(list, entry);
-    if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
-        nameList.step = "reorder";
-        moveGroup(*OB, pressed, entry);
+    if (history == 2 && list.name != nullptr) {
+        rename(list, entry);
+        return "rename";
     }
+    if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
+        moveGroup(*OB, pressed, entry);
+        return "reorder";
+    }
+    return "";
 }
 
-void onMouse(const List& list, const Event& event) {
+const char* onMouse(const List& list, const Event& event) {
     noteMouse(event);
     const int before = OB->*list.current;
     nameList.x = event.x;
     nameList.y = event.y;
     pointAtMouse(list);
-    useButtons(list);
-    if (editorState.subview == 0) return;
+    const char* const step = useButtons(list);
+    if (editorState.subview == 0) return step;
     const bool buttonsMoved = (editorState.buttons >> 2) != (editorState.buttons & 3);
     if (buttonsMoved || OB->*list.current != before) refresh(list);
+    return step;
 }
 
 /// Scrolls sideways, as far as there are entries for a full window.
@@ -215,24 +220,31 @@ void onDrop(const List&, const Event&) {
     platform().setTitle("close this list first, then drop the file");
 }
 
+/// An event that leads to no step of a name of its own.
+template <void (*handle)(const List&, const Event&)>
+const char* plain(const List& list, const Event& event) {
+    handle(list, event);
+    return "";
+}
+
 struct Route {
     EventKind kind;
-    void (*handle)(const List&, const Event&);
+    const char* (*handle)(const List&, const Event&); ///< what undo calls it, see useButtons
 };
 
 /// The window has been created before any list opens, and destroys itself.
 constexpr Route routes[] = {
-    {EventKind::resize, onResize},
-    {EventKind::deactivate, onKeysLost},
-    {EventKind::menuOpening, onKeysLost},
-    {EventKind::paint, onPaint},
-    {EventKind::close, onClose},
-    {EventKind::keyDown, onKeyDown},
-    {EventKind::keyUp, onKeyUp},
+    {EventKind::resize, plain<onResize>},
+    {EventKind::deactivate, plain<onKeysLost>},
+    {EventKind::menuOpening, plain<onKeysLost>},
+    {EventKind::paint, plain<onPaint>},
+    {EventKind::close, plain<onClose>},
+    {EventKind::keyDown, plain<onKeyDown>},
+    {EventKind::keyUp, plain<onKeyUp>},
     {EventKind::mouse, onMouse},
-    {EventKind::wheel, onWheel},
-    {EventKind::command, onCommand},
-    {EventKind::drop, onDrop},
+    {EventKind::wheel, plain<onWheel>},
+    {EventKind::command, plain<onCommand>},
+    {EventKind::drop, plain<onDrop>},
 };
 
 } // namespace
@@ -244,10 +256,11 @@ void openNameList() {
     nameList.textureNumbers = before.textureNumbers;
 }
 
-void handleInNameList(const Event& event) {
+const char* handleInNameList(const Event& event) {
     for (const Route& route : routes) {
-        if (route.kind == event.kind) route.handle(nameListRow(editorState.subview), event);
+        if (route.kind == event.kind) return route.handle(nameListRow(editorState.subview), event);
     }
+    return "";
 }
 
 void applyNameList(int subview) {

@@ -10,8 +10,9 @@ namespace polyfab {
 /// Starts the list of the open sub-view at its first column.
 void openNameList();
 
-/// An event of the window while the list is open.
-void handleInNameList(const Event& event);
+/// An event of the window while the list is open. What undo calls the step that it may lead to; "":
+/// like the list.
+[[nodiscard]] const char* handleInNameList(const Event& event);
 
 /// The list of this sub-view has closed: selects every live face whose entry is picked, and
 /// unselects the others.

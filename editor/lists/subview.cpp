@@ -19,7 +19,7 @@ struct SubviewRow {
     const char* word; ///< stands in the title in place of the mode
     const char* bar;
     void (*opened)();
-    void (*handle)(const Event&);
+    const char* (*handle)(const Event&);
     void (*closed)(int number); ///< applies the outcome to the mesh
 };
 
@@ -50,17 +50,18 @@ void openSubview(int number) {
 
 void closeSubview() { editorState.subview = 0; }
 
-void handleInSubview(const Event& event) {
+const char* handleInSubview(const Event& event) {
     const SubviewRow& row = rowOf(editorState.subview);
     workbench.modeName = row.word;
-    row.handle(event);
-    if (editorState.subview != 0) return;
+    const char* const step = row.handle(event);
+    if (editorState.subview != 0) return step;
     row.closed(row.number);
     restoreModeName();
     showMenuBar("POLYFAB");
     updateTitle();
     stale.picture = true; // the window still shows the sub-view
     platform().requestPaint();
+    return step;
 }
 
 } // namespace polyfab

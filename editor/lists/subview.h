@@ -19,7 +19,7 @@ void openSubview(int number);
 void closeSubview();
 
 /// Hands the event to the open sub-view. When that closes itself, its outcome is applied and the
-/// mesh view is back.
-void handleInSubview(const Event& event);
+/// mesh view is back. What undo calls the step that it may lead to; "": like the sub-view.
+[[nodiscard]] const char* handleInSubview(const Event& event);
 
 } // namespace polyfab
