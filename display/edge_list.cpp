@@ -4,6 +4,7 @@
 #include "display/edge_list.h"
 
 #include "display/options.h"
+#include "mesh/faces.h"
 
 #include <algorithm>
 
@@ -19,7 +20,7 @@ std::size_t elementAt(const T* array, const T* address) {
 
 /// Whether its corners lie in the array; their points may not.
 bool hasCorners(const Mesh& mesh, const Face& face) {
-    if (face.q == nullptr || face.n <= 0) return false;
+    if (!isLive(face) || face.n <= 0) return false;
     const std::size_t start = elementAt(mesh.corners, static_cast<const FaceCorner*>(face.q));
     const auto corners = static_cast<std::size_t>(mesh.nq);
     return start < corners && static_cast<std::size_t>(face.n) <= corners - start;
@@ -30,8 +31,7 @@ bool hasCorners(const Mesh& mesh, const Face& face) {
 template <typename MarksOf, typename Use>
 void forEachSide(const Mesh& mesh, MarksOf marksOf, Use use) {
     const auto points = static_cast<std::size_t>(mesh.np);
-    for (int i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
+    for (const Face& face : allFaces(mesh)) {
         if (!hasCorners(mesh, face)) continue;
         const unsigned marks = marksOf(face);
         const FaceCorner* corner = face.q + face.n - 1;

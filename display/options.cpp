@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/options.h"
 
+#include "mesh/faces.h"
+
 namespace polyfab {
+
 double areaInPane(const Face& face, bool leftPane) {
     double Point::*const across = leftPane ? &Point::sx : &Point::sz;
     double area = 0;
@@ -14,7 +17,7 @@ double areaInPane(const Face& face, bool leftPane) {
 }
 
 bool isShown(const Face& face, bool leftPane) {
-    if (face.q == nullptr) return false;
+    if (!isLive(face)) return false;
     if (!displayOptions.hideFacingAway || face.n <= 0) return true;
     return !(areaInPane(face, leftPane) > 0);
 }

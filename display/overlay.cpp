@@ -5,6 +5,7 @@
 #include "display/edge_list.h"
 #include "display/look.h"
 #include "display/options.h"
+#include "mesh/faces.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,8 +21,7 @@ constexpr std::size_t mostNumbers = 2000; ///< of more in a pane hardly any coul
 /// Calls use(face) for the faces that the pane shows.
 template <typename Use>
 void forEachShown(const Mesh& mesh, const Pane& pane, Use use) {
-    for (int i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
+    for (const Face& face : allFaces(mesh)) {
         if (isSound(mesh, face) && isShown(face, pane.left)) use(face);
     }
 }
@@ -91,12 +91,12 @@ void drawNormal(const Pane& pane, const Point& from, const Vec3& normal) {
 void drawNormals(const Mesh& mesh, const Pane& pane) {
     forEachShown(mesh, pane, [&](const Face& face) {
         bool onCorners = false;
-        for (int k = 0; k < face.n; ++k) {
-            if (face.q[k].d == nullptr) continue;
+        for (const FaceCorner& corner : corners(face)) {
+            if (corner.d == nullptr) continue;
             onCorners = true;
-            const Normal& normal = *face.q[k].d;
-            if (!reachesPane(pane, *face.q[k].p)) continue;
-            drawNormal(pane, *face.q[k].p, {normal.x, normal.y, normal.z});
+            const Normal& normal = *corner.d;
+            if (!reachesPane(pane, *corner.p)) continue;
+            drawNormal(pane, *corner.p, {normal.x, normal.y, normal.z});
         }
         if (onCorners) return;
         const Point middle = middleOf(face);
@@ -112,13 +112,12 @@ constexpr unsigned selected = 4; ///< of a selected one
 /// Per point, these bits; of a point that only hidden faces use, none but `used`.
 std::vector<unsigned char> pointUses(const Mesh& mesh, const Pane& pane) {
     std::vector<unsigned char> uses(static_cast<std::size_t>(mesh.np), 0);
-    for (int i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
+    for (const Face& face : allFaces(mesh)) {
         if (!isSound(mesh, face)) continue;
         const unsigned bits =
             !isShown(face, pane.left) ? used : used | shown | (face.selected != 0 ? selected : 0);
-        for (int k = 0; k < face.n; ++k) {
-            auto& use = uses[static_cast<std::size_t>(indexIn<Point>(mesh.points, face.q[k].p))];
+        for (const FaceCorner& corner : corners(face)) {
+            auto& use = uses[static_cast<std::size_t>(pointOf(mesh, corner))];
             use = static_cast<unsigned char>(use | bits);
         }
     }
@@ -248,18 +247,20 @@ const Face* soundFace(const Mesh& mesh, int index) {
     return &mesh.faces[index];
 }
 
-void drawSide(const Pane& pane, const Face& face, int corner, const Stroke& stroke) {
-    pane.line(pane.at(*face.q[corner].p), pane.at(*face.q[(corner + 1) % face.n].p), stroke);
+void drawSide(const Pane& pane, const FaceCorner& from, const FaceCorner& to,
+              const Stroke& stroke) {
+    pane.line(pane.at(*from.p), pane.at(*to.p), stroke);
 }
 
 /// The current face, edge and vertex, shown even where they are hidden.
 void drawCurrent(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     if (const Face* const face = soundFace(mesh, mesh.curface)) {
-        for (int k = 0; k < face->n; ++k) drawSide(pane, *face, k, look.currentFace);
+        for (const auto& [from, to] : sides(*face)) drawSide(pane, from, to, look.currentFace);
     }
     const Face* const face = soundFace(mesh, markers.edgeFace);
     if (face != nullptr && markers.edgeCorner >= 0 && markers.edgeCorner < face->n) {
-        drawSide(pane, *face, markers.edgeCorner, look.currentEdge);
+        drawSide(pane, face->q[markers.edgeCorner], cornerAfter(*face, markers.edgeCorner),
+                 look.currentEdge);
     }
     if (mesh.curvertex < 0 || mesh.curvertex >= mesh.np) return;
     const Place at = pane.at(mesh.points[mesh.curvertex]);

@@ -10,6 +10,7 @@
 
 #include "display/options.h"
 #include "display/view.h"
+#include "mesh/faces.h"
 #include "mesh/table.h"
 
 #include <algorithm>
@@ -64,13 +65,13 @@ void eachFaceNear(const Mesh& mesh, const PanePlace& place, double radius, Use u
         const Face& face = mesh.faces[i];
         // Where faces have no order their corners are far apart; they are called for in time.
         const Face& soon = mesh.faces[std::min(i + 16, mesh.nf - 1)];
-        if (soon.q != nullptr) {
+        if (isLive(soon)) {
             __builtin_prefetch(soon.q);
             __builtin_prefetch(soon.q + soon.n - 1);
         }
-        if (face.q == nullptr) continue;
+        if (!isLive(face)) continue;
         unsigned common = 15;
-        for (int k = 0; k < face.n; ++k) common &= beyond[indexIn(mesh.points, face.q[k].p)];
+        for (const FaceCorner& corner : corners(face)) common &= beyond[pointOf(mesh, corner)];
         if (common == 0 && isShown(face, place.left)) use(i);
     }
 }
@@ -80,18 +81,12 @@ template <typename Use>
 void eachUnusedPoint(const Mesh& mesh, Use use) {
     Table<std::uint8_t> used(mesh.np, 0);
     if (!used) return;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        for (int k = 0; face->q != nullptr && k < face->n; ++k) {
-            used[indexIn(mesh.points, face->q[k].p)] = 1;
-        }
+    for (const Face& face : liveFaces(mesh)) {
+        for (const FaceCorner& corner : corners(face)) used[pointOf(mesh, corner)] = 1;
     }
     for (int i = 0; i < mesh.np; ++i) {
         if (used[i] == 0) use(i);
     }
-}
-
-const Point& cornerPoint(const Face& face, int corner) {
-    return *face.q[corner == face.n ? 0 : corner].p;
 }
 
 /// How near the edge between these ends comes to the place. Both directions of an edge give the
@@ -124,9 +119,9 @@ double depthAt(const Face& face, const PanePlace& place) {
     Crossing left{-infinity, 0};
     Crossing right{infinity, 0};
     bool inside = false;
-    for (int k = 0; k < face.n; ++k) {
-        Seen high(cornerPoint(face, k), place.left);
-        Seen low(cornerPoint(face, k + 1), place.left);
+    for (const auto& [from, to] : sides(face)) {
+        Seen high(*from.p, place.left);
+        Seen low(*to.p, place.left);
         if (!high.isFinite()) return infinity;
         // Neighbouring faces cross their common edge at the same position, as both take it
         // downwards: a place is in exactly one of them.
@@ -171,8 +166,7 @@ int pointAt(const Mesh& mesh, const PanePlace& place, double radius, int except)
         }
     };
     eachFaceNear(mesh, place, radius, [&](int i) {
-        const Face& face = mesh.faces[i];
-        for (int k = 0; k < face.n; ++k) consider(indexIn(mesh.points, face.q[k].p));
+        for (const FaceCorner& corner : corners(mesh.faces[i])) consider(pointOf(mesh, corner));
     });
     if (displayOptions.vertexes) eachUnusedPoint(mesh, consider);
     return found;
@@ -183,15 +177,15 @@ PickedEdge edgeAt(const Mesh& mesh, const PanePlace& place, double radius) {
     Near best;
     eachFaceNear(mesh, place, radius, [&](int i) {
         const Face& face = mesh.faces[i];
-        for (int k = 0; k < face.n; ++k) {
-            const Seen from(cornerPoint(face, k), place.left);
-            const Seen to(cornerPoint(face, k + 1), place.left);
+        for (const FaceSide& side : sides(face)) {
+            const Seen from(*side.from.p, place.left);
+            const Seen to(*side.to.p, place.left);
             if (!from.isFinite() || !to.isFinite()) continue;
             if (std::min(from.depth, to.depth) > best.depth) continue;
             const Near near = passing(from, to, place);
             if (near.distance <= radius * radius && near < best) {
                 best = near;
-                found = {i, k};
+                found = {i, indexIn(face.q, &side.from)};
             }
         }
     });

@@ -6,6 +6,7 @@
 #include "display/box.h"
 #include "geometry/affine.h"
 #include "mesh/extent.h"
+#include "mesh/faces.h"
 #include "mesh/stale.h"
 
 #include <algorithm>
@@ -179,8 +180,7 @@ void centreOrigin() { placeView(view.scale, middleOfPanes()); }
 
 void fitView(const Mesh& mesh) {
     Extent extent = extentOfFaces(mesh, screenAxes(), false);
-    const auto live = [](const Face& face) { return face.q != nullptr; };
-    if (std::none_of(mesh.faces, mesh.faces + mesh.nf, live)) {
+    if (std::none_of(mesh.faces, mesh.faces + mesh.nf, isLive)) {
         extent = extentOfPoints(mesh, screenAxes());
     }
     if (extent.empty()) extent = {{0, 0, 0}, {0, 0, 0}};

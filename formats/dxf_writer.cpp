@@ -4,6 +4,7 @@
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
@@ -69,21 +70,21 @@ bool fitsALine(const FaceCorner& corner) {
 /// False after a message when a coordinate cannot be written.
 bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
     LoopProgress progress(OB->nf);
-    for (const Face& face : std::span(OB->faces, static_cast<std::size_t>(OB->nf))) {
+    for (const Face& face : allFaces(*OB)) {
         progress.step();
-        if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
-        const Corners corners(face.q, static_cast<std::size_t>(face.n));
-        if (!std::all_of(corners.begin(), corners.end(), fitsALine)) {
+        if (!isLive(face) || face.n < 3 || (onlySelected && face.selected == 0)) continue;
+        const Corners fan = corners(face);
+        if (!std::all_of(fan.begin(), fan.end(), fitsALine)) {
             platform().message("a DXF file can't have a coordinate beyond 1e249", path,
                                Icon::exclamation);
             return false;
         }
         const auto hasNoPoint = [](const FaceCorner& corner) { return corner.p == nullptr; };
-        if (std::any_of(corners.begin(), corners.end(), hasNoPoint)) {
+        if (std::any_of(fan.begin(), fan.end(), hasNoPoint)) {
             workbench.wholeMeshWritten = false;
             continue;
         }
-        writeFan(file, corners);
+        writeFan(file, fan);
         if (face.mat != 0) writeLayer(file, face.mat);
     }
     return true;

@@ -7,6 +7,7 @@
 #include "formats/only_selected.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "platform/platform.h"
@@ -186,13 +187,11 @@ StreamTables tablesOf(bool onlySelected) {
     UsedElements texcoords(OB->texcoords, OB->nt, tables.texcoords);
     UsedElements normals(OB->normals, OB->nd, tables.normals);
     LoopProgress progress(OB->nf);
-    for (int i = 0; i < OB->nf; ++i) {
+    for (const Face& face : allFaces(*OB)) {
         progress.step();
-        const Face& face = OB->faces[i];
-        if (face.q == nullptr || face.n < 3 || (onlySelected && face.selected == 0)) continue;
+        if (!isLive(face) || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         tables.faces.push_back({face.n, face.g, face.mat});
-        for (int k = 0; k < face.n; ++k) {
-            const auto& [p, d, t, edgeuse, mark] = face.q[k];
+        for (const auto& [p, d, t, edgeuse, mark] : corners(face)) {
             tables.corners.push_back({points.number(p, {p->x, p->y, p->z}),
                                       t != nullptr ? texcoords.number(t, {t->u, t->v}) : -1,
                                       d != nullptr ? normals.number(d, {d->x, d->y, d->z}) : -1});

@@ -7,6 +7,7 @@
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
@@ -40,7 +41,7 @@ FaceList facesToWrite(bool onlySelected) {
     faces.reserve(static_cast<std::size_t>(OB->nf));
     for (int i = 0; i < OB->nf; ++i) {
         const Face& face = OB->faces[i];
-        if (face.q == nullptr || (onlySelected && face.selected == 0)) continue;
+        if (!isLive(face) || (onlySelected && face.selected == 0)) continue;
         if (canBeWritten(face)) {
             faces.push_back(i);
         } else {
@@ -138,7 +139,6 @@ void writeFaces(SaveFile& file, bool onlySelected, unsigned flags, LoopProgress&
     for (const int index : facesToWrite(onlySelected)) {
         progress.step();
         const Face& face = OB->faces[index];
-        const std::span<const FaceCorner> corners(face.q, static_cast<std::size_t>(face.n));
         if (face.g != group) {
             writeName(file, "g ", OB->groups[face.g].name);
             material = -1;
@@ -147,11 +147,11 @@ void writeFaces(SaveFile& file, bool onlySelected, unsigned flags, LoopProgress&
         group = face.g;
         material = face.mat;
         file.append("f");
-        for (const FaceCorner& corner : corners) {
+        for (const FaceCorner& corner : corners(face)) {
             file.wrote(numbering.printCorner(file.room(), corner));
         }
         file.append("\n");
-        if ((flags & objTrace) != 0) writeTrace(file, corners);
+        if ((flags & objTrace) != 0) writeTrace(file, corners(face));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/only_selected.h"
 
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 
@@ -10,7 +11,7 @@ namespace polyfab {
 
 bool askOnlySelected(bool deletedToo) {
     const auto unselected = [&](const Face& face) {
-        return face.selected == 0 && (deletedToo || face.q != nullptr);
+        return face.selected == 0 && (deletedToo || isLive(face));
     };
     return std::any_of(OB->faces, OB->faces + OB->nf, unselected)
            && platform().question("", "Do you want me to output only the selected parts?",

@@ -2,6 +2,7 @@
 // Every test ends in checkSpan, which writes the fault's text.
 #include "mesh/check.h"
 
+#include "mesh/faces.h"
 #include "mesh/progress.h"
 
 #include <algorithm>
@@ -73,13 +74,13 @@ const char* checkCorner(const Mesh& mesh, const FaceCorner& corner) {
 }
 
 const char* checkFace(const Mesh& mesh, const Face& face) {
-    const Span<FaceCorner> corners{mesh.corners, mesh.nq, 16, "fac.q"};
-    if (const char* fault = checkElement(face.q, corners)) return fault;
+    const Span<FaceCorner> all{mesh.corners, mesh.nq, 16, "fac.q"};
+    if (const char* fault = checkElement(face.q, all)) return fault;
     const std::int64_t end = indexIn(mesh.corners, face.q) + std::int64_t{face.n};
     if (const char* fault = checkSpan(end, 1, std::int64_t{mesh.nq} + 1, "fac.n")) return fault;
     // From here on every corner of the face is known to lie in the used part of the array.
-    for (int k = 0; k < face.n; ++k) {
-        if (const char* fault = checkCorner(mesh, face.q[k])) return fault;
+    for (const FaceCorner& corner : corners(face)) {
+        if (const char* fault = checkCorner(mesh, corner)) return fault;
     }
     if (const char* fault = checkSpan(face.mat, 1, mesh.nmat, "fac.mat")) return fault;
     if (const char* fault = checkSpan(face.tma, 1, mesh.ntma, "fac.tma")) return fault;
@@ -112,10 +113,9 @@ const char* checkSpan(std::int64_t offset, std::int64_t elementSize, std::int64_
 const char* check(const Mesh& mesh) {
     if (const char* fault = checkCounts(mesh)) return fault;
     WorkCounter done;
-    for (int i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
+    for (const Face& face : allFaces(mesh)) {
         done.step(face.n);
-        if (face.q == nullptr) continue;
+        if (!isLive(face)) continue;
         if (const char* fault = checkFace(mesh, face)) return fault;
     }
     return nullptr;

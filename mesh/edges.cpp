@@ -5,6 +5,7 @@
 // table by the higher point finds an edge in one step, however long the list is.
 #include "mesh/edges.h"
 
+#include "mesh/faces.h"
 #include "mesh/progress.h"
 #include "mesh/table.h"
 
@@ -44,17 +45,11 @@ bool takeTables(Mesh& mesh) {
 template <typename Use>
 void eachSide(const Mesh& mesh, Use use) {
     WorkCounter done;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || face->n < 1) continue;
-        done.step(face->n);
-        const std::int32_t start = indexIn(mesh.corners, face->q);
-        const std::int32_t first = indexIn(mesh.points, face->q->p);
-        std::int32_t from = first;
-        for (std::int32_t k = 0; k < face->n; ++k) {
-            const bool last = k + 1 == face->n;
-            const std::int32_t to = last ? first : indexIn(mesh.points, face->q[k + 1].p);
-            use(start + k, std::min(from, to), std::max(from, to));
-            from = to;
+    for (const Face& face : liveFaces(mesh)) {
+        done.step(face.n);
+        for (const auto& [from, to] : sides(face)) {
+            const auto [low, high] = std::minmax({pointOf(mesh, from), pointOf(mesh, to)});
+            use(indexIn(mesh.corners, &from), low, high);
         }
     }
 }
@@ -63,14 +58,12 @@ bool enterOwners(Mesh& mesh) {
     if (!take(mesh.cornerFace, mesh.nq)) return false;
     std::fill_n(mesh.cornerFace, mesh.nq, CornerFace{noFace, 0});
     WorkCounter done;
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
-        if (face.q == nullptr) continue;
+    for (const Face& face : liveFaces(mesh)) {
         done.step(face.n);
+        const auto number = static_cast<std::uint32_t>(indexIn(mesh.faces, &face));
         CornerFace* const owners = mesh.cornerFace + indexIn(mesh.corners, face.q);
-        for (std::int32_t k = 0; k < face.n; ++k) {
-            owners[k] = {static_cast<std::uint32_t>(i), static_cast<std::uint16_t>(k)};
-        }
+        for (std::int32_t k = 0; k < face.n; ++k)
+            owners[k] = {number, static_cast<std::uint16_t>(k)};
     }
     return true;
 }

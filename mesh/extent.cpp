@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/extent.h"
 
+#include "mesh/faces.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,7 +12,7 @@ namespace {
 void add(Extent& extent, const AffineMap& map, const Point& p) {
     const auto near = [](double v) { return std::abs(v) <= farthest; };
     if (!near(p.x) || !near(p.y) || !near(p.z)) return;
-    const Vec3 at = map({p.x, p.y, p.z});
+    const Vec3 at = map(worldPosition(p));
     if (extent.empty()) extent = {at, at};
     for (int axis = 0; axis < 3; ++axis) {
         along(extent.low, axis) = std::min(along(extent.low, axis), along(at, axis));
@@ -22,10 +24,10 @@ void add(Extent& extent, const AffineMap& map, const Point& p) {
 
 Extent extentOfFaces(const Mesh& mesh, const AffineMap& map, bool selectedOnly) {
     Extent extent;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || (selectedOnly && !face->selected)) continue;
-        for (const FaceCorner* q = face->q; q != face->q + face->n; ++q) {
-            if (q->p != nullptr) add(extent, map, *q->p);
+    for (const Face& face : liveFaces(mesh)) {
+        if (selectedOnly && !face.selected) continue;
+        for (const FaceCorner& corner : corners(face)) {
+            if (corner.p != nullptr) add(extent, map, *corner.p);
         }
     }
     return extent;

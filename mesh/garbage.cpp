@@ -4,6 +4,7 @@
 #include "mesh/garbage.h"
 
 #include "mesh/check.h"
+#include "mesh/faces.h"
 #include "mesh/progress.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
@@ -37,10 +38,9 @@ void announce() {
 void compactFaces(Mesh& mesh) {
     std::int32_t kept = 0;
     std::int32_t curface = -1;
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        if (mesh.faces[i].q == nullptr) continue;
-        if (mesh.curface == i) curface = kept;
-        mesh.faces[kept++] = mesh.faces[i];
+    for (const Face& face : liveFaces(mesh)) {
+        if (mesh.curface == indexIn(mesh.faces, &face)) curface = kept;
+        mesh.faces[kept++] = face;
     }
     mesh.nf = kept;
     mesh.curface = curface;
@@ -48,9 +48,7 @@ void compactFaces(Mesh& mesh) {
 
 std::int64_t liveCorners(const Mesh& mesh) {
     std::int64_t total = 0;
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        if (mesh.faces[i].q != nullptr) total += mesh.faces[i].n;
-    }
+    for (const Face& face : liveFaces(mesh)) total += face.n;
     return total;
 }
 
@@ -58,11 +56,11 @@ std::int64_t liveCorners(const Mesh& mesh) {
 void moveCorners(Mesh& mesh, FaceCorner* corners) {
     WorkCounter done;
     FaceCorner* end = corners;
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+    for (Face& face : allFaces(mesh)) {
         FaceCorner* const start = end;
-        end = std::copy_n(face->q, face->n, start);
-        face->q = start;
-        done.step(face->n);
+        end = std::copy_n(face.q, face.n, start);
+        face.q = start;
+        done.step(face.n);
     }
     farfree(&mesh.corners);
     mesh.corners = corners;
@@ -114,11 +112,10 @@ template <typename Named>
 std::int32_t compactNamed(Mesh& mesh, Named* array, std::int32_t count, std::int16_t Face::*field) {
     std::vector<std::int32_t> list(static_cast<std::size_t>(count), unused);
     std::int32_t* const places = list.data();
-    Face* const end = mesh.faces + mesh.nf;
-    for (const Face* face = mesh.faces; face != end; ++face) places[face->*field] = 0;
+    for (const Face& face : allFaces(mesh)) places[face.*field] = 0;
     const std::int32_t kept = compact(array, count, places);
-    for (Face* face = mesh.faces; face != end; ++face) {
-        face->*field = static_cast<std::int16_t>(places[face->*field]);
+    for (Face& face : allFaces(mesh)) {
+        face.*field = static_cast<std::int16_t>(places[face.*field]);
     }
     return kept;
 }

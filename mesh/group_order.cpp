@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/group_order.h"
 
+#include "mesh/faces.h"
+
 #include <algorithm>
 
 namespace polyfab {
@@ -14,9 +16,9 @@ void moveGroup(Mesh& mesh, int from, int to) {
     }
     const auto [low, high] = std::minmax(from, to);
     const int shift = from < to ? -1 : 1;
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || face->g < low || face->g > high) continue;
-        face->g = static_cast<std::int16_t>(face->g == from ? to : face->g + shift);
+    for (Face& face : liveFaces(mesh)) {
+        if (face.g < low || face.g > high) continue;
+        face.g = static_cast<std::int16_t>(face.g == from ? to : face.g + shift);
     }
     mesh.changed = 1;
 }

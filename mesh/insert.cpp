@@ -3,6 +3,7 @@
 #include "mesh/mesh.h"
 
 #include "geometry/projection.h"
+#include "mesh/faces.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -130,11 +131,9 @@ Face* Mesh::addFaceByCorners(const FaceCorner* list, int n) {
 
 void Mesh::markPointsOnSelected() {
     for (int i = 0; i < np; ++i) points[i].onselected = 0;
-    for (int i = 0; i < nf; ++i) {
-        const Face& face = faces[i];
-        if (face.q == nullptr || !face.selected) continue;
-        for (int k = 0; k < face.n; ++k) {
-            if (face.q[k].p != nullptr) face.q[k].p->onselected = 1;
+    for (const Face& face : selectedFaces(*this)) {
+        for (const FaceCorner& corner : polyfab::corners(face)) {
+            if (corner.p != nullptr) corner.p->onselected = 1;
         }
     }
 }

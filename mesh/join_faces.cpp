@@ -4,6 +4,8 @@
 // round to B.
 #include "mesh/join_faces.h"
 
+#include "mesh/faces.h"
+
 #include <algorithm>
 
 namespace polyfab {
@@ -51,13 +53,11 @@ std::vector<Side> otherSides(const Mesh& mesh, const Side& side) {
     const Point* const a = own.q[side.corner].p;
     const Point* const b = cornerAt(own, side.corner + 1).p;
     std::vector<Side> found;
-    for (int f = 0; f < mesh.nf; ++f) {
-        const Face& face = mesh.faces[f];
-        if (face.q == nullptr) continue;
-        for (int k = 0; k < face.n; ++k) {
-            const Point* const from = face.q[k].p;
-            if (from != a && from != b) continue;
-            if (cornerAt(face, k + 1).p == (from == a ? b : a)) found.push_back({f, k});
+    for (const Face& face : liveFaces(mesh)) {
+        for (const auto& [from, to] : sides(face)) {
+            if (from.p != a && from.p != b) continue;
+            if (to.p != (from.p == a ? b : a)) continue;
+            found.push_back({indexIn(mesh.faces, &face), indexIn(face.q, &from)});
         }
     }
     std::erase_if(found,

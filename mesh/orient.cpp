@@ -5,6 +5,7 @@
 // on a surface that contradicts itself the same faces win.
 #include "mesh/edges.h"
 
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "mesh/progress.h"
 #include "mesh/table.h"
@@ -29,10 +30,6 @@ struct Spread {
     int sweeps = 0;
     int reached = 1;
 };
-
-bool hasCurrentFace(const Mesh& mesh) {
-    return mesh.curface >= 0 && mesh.curface < mesh.nf && mesh.faces[mesh.curface].q != nullptr;
-}
 
 void markBadEdges(Mesh& mesh) {
     for (std::int32_t c = 0; c < mesh.nq; ++c) {
@@ -78,7 +75,7 @@ Spread spreadFromCurrent(const Mesh& mesh, Keep& keep) {
 int reverseUnkept(Mesh& mesh, const Keep& keep) {
     int reversed = 0;
     for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        if (mesh.faces[i].q == nullptr || keep[i] != 0) continue;
+        if (!isLive(mesh.faces[i]) || keep[i] != 0) continue;
         reverseFace(mesh.faces[i]);
         ++reversed;
     }
@@ -104,11 +101,11 @@ void orientFaces(Mesh& mesh) {
 } // namespace
 
 bool checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables) {
-    if (orient && !hasCurrentFace(mesh)) return true;
+    if (orient && !hasFace(mesh, mesh.curface)) return true;
     if (!skipCollection && !collectGarbage(mesh)) return false;
     if (!buildEdges(mesh)) return false;
     // The collection may have taken the current face away.
-    if (orient && hasCurrentFace(mesh)) {
+    if (orient && hasFace(mesh, mesh.curface)) {
         orientFaces(mesh);
         return true;
     }

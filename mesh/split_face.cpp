@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/split_face.h"
 
+#include "mesh/faces.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
@@ -10,14 +12,14 @@ namespace {
 
 /// The first diagonal of the face from a corner at one point to a corner at the other; a face may
 /// pass a point more than once.
-std::optional<Diagonal> diagonalOf(const Mesh& mesh, int index, const Point* a, const Point* b) {
-    const Face& face = mesh.faces[index];
+std::optional<Diagonal> diagonalOf(const Mesh& mesh, const Face& face, const Point* a,
+                                   const Point* b) {
     for (int i = 0; i < face.n; ++i) {
         if (face.q[i].p != a) continue;
         for (int k = 0; k < face.n; ++k) {
             const int apart = std::abs(i - k);
             if (face.q[k].p == b && apart > 1 && apart < face.n - 1) {
-                return Diagonal{index, std::min(i, k), std::max(i, k)};
+                return Diagonal{indexIn(mesh.faces, &face), std::min(i, k), std::max(i, k)};
             }
         }
     }
@@ -28,9 +30,9 @@ std::optional<Diagonal> diagonalOf(const Mesh& mesh, int index, const Point* a, 
 
 std::vector<Diagonal> diagonalsBetween(const Mesh& mesh, int point1, int point2) {
     std::vector<Diagonal> found;
-    for (int f = 0; f < mesh.nf; ++f) {
-        if (mesh.faces[f].q == nullptr) continue;
-        if (const auto diagonal = diagonalOf(mesh, f, mesh.points + point1, mesh.points + point2)) {
+    for (const Face& face : liveFaces(mesh)) {
+        if (const auto diagonal =
+                diagonalOf(mesh, face, mesh.points + point1, mesh.points + point2)) {
             found.push_back(*diagonal);
         }
     }

@@ -3,6 +3,7 @@
 // again after each removal. A removal can only make a new one where it happened or across the ends,
 // so that one walk with a gap at the place of repair takes out the same corners in the same order.
 #include "mesh/face_loops.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ bool repeatsPoint(const Face& face) {
         return false;
     }
     std::vector<const Point*> points;
-    for (int k = 0; k < face.n; ++k) points.push_back(face.q[k].p);
+    for (const FaceCorner& corner : corners(face)) points.push_back(corner.p);
     std::sort(points.begin(), points.end());
     return std::adjacent_find(points.begin(), points.end()) != points.end();
 }
@@ -174,7 +175,7 @@ void split(Mesh& mesh, int index, std::size_t n, const std::vector<FaceCorner>& 
 
 int tidyFace(Mesh& mesh, int index, bool thorough) {
     Face& face = mesh.faces[index];
-    if (face.q == nullptr) return 0;
+    if (!isLive(face)) return 0;
     if (face.n >= 3 && !repeatsPoint(face)) return 0;
     const std::vector<FaceCorner> all(face.q, face.q + std::max<int>(face.n, 0));
     Path path(all);

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/weld_pair.h"
 
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 
 namespace polyfab {
 namespace {
 
 int repoint(Face& face, const Point* from, Point* onto) {
+    if (!isLive(face)) return 0;
     int moved = 0;
-    for (int k = 0; face.q != nullptr && k < face.n; ++k) {
-        if (face.q[k].p != from) continue;
-        face.q[k].p = onto;
+    for (FaceCorner& corner : corners(face)) {
+        if (corner.p != from) continue;
+        corner.p = onto;
         ++moved;
     }
     return moved;
@@ -29,7 +31,7 @@ int weldPair(Mesh& mesh, int from, int onto) {
         tidyFace(mesh, f, true);
         if (mesh.faces == nullptr || mesh.corners == nullptr) return moved; // out of memory, told
     }
-    if (mesh.curface >= 0 && mesh.faces[mesh.curface].q == nullptr) mesh.curface = -1;
+    if (!hasFace(mesh, mesh.curface)) mesh.curface = -1;
     return moved;
 }
 

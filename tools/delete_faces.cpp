@@ -12,10 +12,6 @@
 namespace polyfab {
 namespace {
 
-bool isDeleted(const Mesh& mesh, int face) {
-    return face >= 0 && (face >= mesh.nf || !isLive(mesh.faces[face]));
-}
-
 void deleteAfterQuestion(Mesh& mesh, bool selected) {
     const Choice choice = platform().question(
         "bulk delete", "do you really want to delete these faces?", Buttons::yesNo);
@@ -28,8 +24,8 @@ void deleteAfterQuestion(Mesh& mesh, bool selected) {
 void noteDeletedFaces(Mesh& mesh) {
     mesh.changed = 1;
     stale.edges = true;
-    if (isDeleted(mesh, mesh.curface)) mesh.curface = -1;
-    if (isDeleted(mesh, workbench.currentEdgeFace)) forgetCurrentEdge();
+    if (!hasFace(mesh, mesh.curface)) mesh.curface = -1;
+    if (!hasFace(mesh, workbench.currentEdgeFace)) forgetCurrentEdge();
 }
 
 void deleteSelectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, true); }
@@ -39,9 +35,7 @@ void deleteUnselectedFaces(Mesh& mesh) { deleteAfterQuestion(mesh, false); }
 void deletePartsOfOneFace(Mesh& mesh) {
     Table<std::int32_t> faces(mesh.nprt, 0);
     if (!faces) return;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (isLive(*face)) ++faces[face->prt];
-    }
+    for (const Face& face : liveFaces(mesh)) ++faces[face.prt];
     deleteFaces(mesh, [&](const Face& face) { return face.selected && faces[face.prt] == 1; });
 }
 

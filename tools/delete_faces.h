@@ -3,7 +3,7 @@
 // collected.
 #pragma once
 
-#include "mesh/mesh.h"
+#include "mesh/faces.h"
 
 namespace polyfab {
 
@@ -15,9 +15,9 @@ void noteDeletedFaces(Mesh& mesh);
 template <typename Doomed>
 int deleteFaces(Mesh& mesh, Doomed doomed) {
     int count = 0;
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || !doomed(*face)) continue;
-        face->q = nullptr;
+    for (Face& face : liveFaces(mesh)) {
+        if (!doomed(face)) continue;
+        face.q = nullptr;
         ++count;
     }
     if (count > 0) noteDeletedFaces(mesh);

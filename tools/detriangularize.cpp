@@ -158,13 +158,11 @@ class ThoroughJoiner {
 /// Calls use(side, lower point, higher point) for the sides of the triangles in question.
 template <typename Use>
 void ThoroughJoiner::eachSide(Use use) const {
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
-        if (!isTriangle(face)) continue;
-        for (int k = 0; k < 3; ++k) {
-            const auto [low, high] =
-                std::minmax({pointAt(mesh, face, k), pointAt(mesh, face, k + 1)});
-            use(3 * i + k, low, high);
+    for (const Face& face : FacesThat<const Face, isTriangle>(mesh)) {
+        std::int32_t side = 3 * indexIn(mesh.faces, &face);
+        for (const auto& [from, to] : sides(face)) {
+            const auto [low, high] = std::minmax({pointOf(mesh, from), pointOf(mesh, to)});
+            use(side++, low, high);
         }
     }
 }
@@ -197,8 +195,8 @@ bool ThoroughJoiner::linkSides() {
 
 bool ThoroughJoiner::makeTables() {
     if (!normal || !next || !linkSides()) return false;
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        if (isTriangle(mesh.faces[i])) normal[i] = faceNormal(mesh.faces[i]);
+    for (const Face& face : FacesThat<const Face, isTriangle>(mesh)) {
+        normal[indexIn(mesh.faces, &face)] = faceNormal(face);
     }
     return true;
 }

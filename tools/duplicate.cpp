@@ -40,12 +40,12 @@ struct Side {
 /// last point of the mesh.
 Counts countCopies(const Mesh& mesh, Copies& copies, LoopProgress& progress) {
     Counts counts;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+    for (const Face& face : allFaces(mesh)) {
         progress.step();
-        if (!isLiveSelected(*face)) continue;
+        if (!isLiveSelected(face)) continue;
         ++counts.faces;
-        counts.corners += face->n;
-        for (int k = 0; k < face->n; ++k) copies[pointAt(mesh, *face, k)] = 0;
+        counts.corners += face.n;
+        for (const FaceCorner& corner : corners(face)) copies[pointOf(mesh, corner)] = 0;
     }
     for (std::int32_t i = 0; i < mesh.np; ++i) {
         progress.step();
@@ -57,14 +57,13 @@ Counts countCopies(const Mesh& mesh, Copies& copies, LoopProgress& progress) {
 /// Calls use(low, side) for each side between two points, in the order of faces.
 template <typename Use>
 void eachSide(const Mesh& mesh, LoopProgress& progress, Use use) {
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
+    for (const Face& face : allFaces(mesh)) {
         progress.step();
-        const Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
-        for (int k = 0; k < face.n; ++k) {
-            const auto [low, high] =
-                std::minmax({pointAt(mesh, face, k), pointAt(mesh, face, k + 1)});
-            if (low != high) use(low, Side{high, i, k});
+        for (const auto& [from, to] : sides(face)) {
+            const auto [low, high] = std::minmax({pointOf(mesh, from), pointOf(mesh, to)});
+            if (low == high) continue;
+            use(low, Side{high, indexIn(mesh.faces, &face), indexIn(face.q, &from)});
         }
     }
 }
@@ -123,7 +122,7 @@ Face& appendFace(Mesh& mesh, const Face& like) {
 }
 
 FaceCorner onCopy(const Mesh& mesh, const Copies& copies, FaceCorner corner) {
-    corner.p = mesh.points + copies[indexIn(mesh.points, corner.p)];
+    corner.p = mesh.points + copies[pointOf(mesh, corner)];
     return corner;
 }
 
@@ -137,8 +136,8 @@ void appendCopies(Mesh& mesh, const Copies& copies, LoopProgress& progress) {
         Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
         appendFace(mesh, face);
-        for (int k = 0; k < face.n; ++k) {
-            mesh.corners[mesh.nq++] = onCopy(mesh, copies, face.q[k]);
+        for (const FaceCorner& corner : corners(face)) {
+            mesh.corners[mesh.nq++] = onCopy(mesh, copies, corner);
         }
         face.selected = 0;
     }
@@ -148,7 +147,7 @@ void appendCopies(Mesh& mesh, const Copies& copies, LoopProgress& progress) {
 void appendWall(Mesh& mesh, const Side& side, const Copies& copies, int part) {
     const Face& original = mesh.faces[side.face];
     FaceCorner from = original.q[side.place];
-    FaceCorner to = original.q[side.place + 1 == original.n ? 0 : side.place + 1];
+    FaceCorner to = cornerAfter(original, side.place);
     from.d = to.d = nullptr; // those of the surface, which the wall stands on
     from.edgeuse = to.edgeuse = 2;
     Face& wall = appendFace(mesh, original);

@@ -3,6 +3,7 @@
 // path halving); each tree is an area.
 #include "tools/find_areas.h"
 
+#include "mesh/faces.h"
 #include "mesh/store.h"
 #include "mesh/table.h"
 #include "tools/collect.h"
@@ -32,12 +33,12 @@ class Areas {
 
     void unite() {
         for (std::int32_t i = 0; i < mesh.nt; ++i) parent[i] = i;
-        for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        for (const Face& face : liveFaces(mesh)) {
             progress.step();
-            std::int32_t first = rootOf(*face);
-            for (int k = 0; first >= 0 && k < face->n; ++k) {
-                if (face->q[k].t == nullptr) continue;
-                const std::int32_t other = root(indexIn(mesh.texcoords, face->q[k].t));
+            std::int32_t first = rootOf(face);
+            for (const FaceCorner& corner : corners(face)) {
+                if (corner.t == nullptr) continue;
+                const std::int32_t other = root(indexIn(mesh.texcoords, corner.t));
                 // Linked to the lower one, so that a path can only lead down.
                 const std::int32_t low = std::min(first, other);
                 parent[std::max(first, other)] = low;
@@ -55,9 +56,9 @@ class Areas {
             showTitle("%6d texture map areas found, %ld iterations", found, passes);
         };
         showProgress();
-        for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        for (const Face& face : liveFaces(mesh)) {
             progress.step();
-            const std::int32_t tree = rootOf(*face);
+            const std::int32_t tree = rootOf(face);
             if (tree < 0 || numberOf[tree] != noArea) continue;
             numberOf[tree] = found++;
             passes = 1; // each area takes one
@@ -79,10 +80,10 @@ class Areas {
 
     /// The tree of the face's texture coordinates, or noArea when it has none.
     std::int32_t rootOf(const Face& face) {
-        const FaceCorner* const end = face.q + face.n;
-        const FaceCorner* corner = face.q;
-        while (corner != end && corner->t == nullptr) ++corner;
-        return corner == end ? noArea : root(indexIn(mesh.texcoords, corner->t));
+        for (const FaceCorner& corner : corners(face)) {
+            if (corner.t != nullptr) return root(indexIn(mesh.texcoords, corner.t));
+        }
+        return noArea;
     }
 
     const Mesh& mesh;
@@ -115,8 +116,8 @@ void findareas(Mesh& mesh) {
         areas.unite();
         found = areas.number();
         if (!replaceTable(mesh, std::min(found, maxIndexed))) return;
-        for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-            face->tma = static_cast<std::int16_t>(std::min(areas.areaOf(*face), maxIndexed - 1));
+        for (Face& face : liveFaces(mesh)) {
+            face.tma = static_cast<std::int16_t>(std::min(areas.areaOf(face), maxIndexed - 1));
         }
     }
     tellIfTooMany(found, "texture map areas");

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The same few loops over live faces serve groups and materials: only the face's field differs.
+// The same few loops serve groups and materials: only the face's field differs.
 #include "tools/name_commands.h"
 
 #include "io/save_file.h"
+#include "mesh/faces.h"
 #include "platform/platform.h"
 
 #include <string_view>
@@ -12,18 +13,9 @@
 namespace polyfab {
 namespace {
 
-template <typename Do>
-void forLiveFaces(Mesh& mesh, Do act) {
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q != nullptr) act(*face);
-    }
-}
-
 void setOnSelected(Mesh& mesh, std::int16_t Face::*field, int value) {
     mesh.changed = 1; // also when no name could be added and the faces go under the first one
-    forLiveFaces(mesh, [&](Face& face) {
-        if (face.selected) face.*field = static_cast<std::int16_t>(value);
-    });
+    for (Face& face : selectedFaces(mesh)) face.*field = static_cast<std::int16_t>(value);
 }
 
 /// Per element, the lowest element of the same name.
@@ -38,13 +30,13 @@ std::vector<std::int16_t> firstOfName(const T* array, int count) {
 }
 
 void moveFaces(Mesh& mesh, std::int16_t Face::*field, const std::vector<std::int16_t>& target) {
-    forLiveFaces(mesh, [&](Face& face) {
+    for (Face& face : liveFaces(mesh)) {
         std::int16_t& index = face.*field;
-        if (index < 0 || index >= static_cast<int>(target.size())) return;
+        if (index < 0 || index >= static_cast<int>(target.size())) continue;
         const std::int16_t to = target[static_cast<std::size_t>(index)];
         if (to != index) mesh.changed = 1;
         index = to;
-    });
+    }
 }
 
 template <typename T>

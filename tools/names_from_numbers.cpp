@@ -41,10 +41,10 @@ constexpr std::int32_t unused = -1;
 /// Enters the first live face of each number; gives how many numbers have one.
 std::int64_t findFirstFaces(const Mesh& mesh, const Change& change, Table<std::int32_t>& first) {
     std::int64_t used = 0;
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
-        if (!isLive(face) || first[face.*change.number] != unused) continue;
-        first[face.*change.number] = i;
+    for (const Face& face : liveFaces(mesh)) {
+        std::int32_t& place = first[face.*change.number];
+        if (place != unused) continue;
+        place = indexIn(mesh.faces, &face);
         ++used;
     }
     return used;
@@ -67,9 +67,7 @@ void carryOut(Mesh& mesh, const Change& change) {
         const std::string name = change.word + std::to_string(i);
         made[i] = static_cast<std::int16_t>(change.add(mesh, name, mesh.faces[first[i]]));
     }
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (isLive(*face)) face->*change.name = made[face->*change.number];
-    }
+    for (Face& face : liveFaces(mesh)) face.*change.name = made[face.*change.number];
 }
 
 } // namespace

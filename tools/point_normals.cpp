@@ -8,17 +8,13 @@
 namespace polyfab {
 namespace {
 
-/// Calls use(face) for the live selected faces that have corners.
-template <typename Use>
-void eachSelected(const Mesh& mesh, Use use) {
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (isLiveSelected(*face) && face->n > 0) use(*face);
-    }
-}
+bool isSelectedWithCorners(const Face& face) { return isLiveSelected(face) && face.n > 0; }
+
+using SelectedWithCorners = FacesThat<const Face, isSelectedWithCorners>;
 
 std::int64_t lengthOfList(const Mesh& mesh) {
     std::int64_t length = 0;
-    eachSelected(mesh, [&](const Face& face) { length += face.n + 1; });
+    for (const Face& face : SelectedWithCorners(mesh)) length += face.n + 1;
     return length;
 }
 
@@ -26,10 +22,9 @@ std::int64_t lengthOfList(const Mesh& mesh) {
 
 void markUsers(Mesh& mesh) {
     for (Point* p = mesh.points; p != mesh.points + mesh.np; ++p) p->mark = 0;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLive(*face)) continue;
-        const std::uint8_t user = face->selected ? ofSelected : ofUnselected;
-        for (int k = 0; k < face->n; ++k) face->q[k].p->mark |= user;
+    for (const Face& face : liveFaces(mesh)) {
+        const std::uint8_t user = face.selected ? ofSelected : ofUnselected;
+        for (const FaceCorner& corner : corners(face)) corner.p->mark |= user;
     }
 }
 
@@ -39,10 +34,10 @@ SelectedSurface::SelectedSurface(const Mesh& mesh)
     if (!*this) return;
     for (std::int32_t i = 0; i < points; ++i) position[i] = worldPosition(mesh.points[i]);
     std::int64_t end = 0;
-    eachSelected(mesh, [&](const Face& face) {
+    for (const Face& face : SelectedWithCorners(mesh)) {
         faces[end++] = face.n;
-        for (int k = 0; k < face.n; ++k) faces[end++] = pointAt(mesh, face, k);
-    });
+        for (const FaceCorner& corner : corners(face)) faces[end++] = pointOf(mesh, corner);
+    }
 }
 
 void SelectedSurface::findNormals() {

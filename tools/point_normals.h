@@ -14,13 +14,6 @@ namespace polyfab {
 /// Whose faces use a point, in its mark.
 inline constexpr std::uint8_t ofSelected = 1, ofUnselected = 2, ofBoth = 3;
 
-/// Puts the point there in the world.
-inline void moveTo(Point& p, const Vec3& position) {
-    p.x = position.x;
-    p.y = position.y;
-    p.z = position.z;
-}
-
 /// Marks every point by the live faces that use it.
 void markUsers(Mesh& mesh);
 

@@ -49,15 +49,15 @@ std::uint64_t hashOf(const std::int32_t* first, const std::int32_t* end) {
 /// Lists the points of each selected face, and gives the end of the sets. There must be room.
 PointSet* listSets(const Mesh& mesh, std::int32_t* points, PointSet* sets) {
     LoopProgress progress(mesh.nf);
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
+    for (const Face& face : allFaces(mesh)) {
         progress.step();
-        const Face& face = mesh.faces[i];
         if (!isLiveSelected(face)) continue;
         std::int32_t* const list = points;
-        for (int k = 0; k < face.n; ++k) *points++ = pointAt(mesh, face, k);
+        for (const FaceCorner& corner : corners(face)) *points++ = pointOf(mesh, corner);
         std::sort(list, points);
         points = std::unique(list, points);
-        *sets++ = {hashOf(list, points), list, static_cast<std::int32_t>(points - list), i};
+        *sets++ = {hashOf(list, points), list, static_cast<std::int32_t>(points - list),
+                   indexIn(mesh.faces, &face)};
     }
     return sets;
 }
@@ -67,13 +67,12 @@ PointSet* listSets(const Mesh& mesh, std::int32_t* points, PointSet* sets) {
 template <typename Use>
 bool eachTwin(Mesh& mesh, Use use) {
     std::int64_t faces = 0;
-    std::int64_t corners = 0;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
+    std::int64_t sides = 0;
+    for (const Face& face : selectedFaces(mesh)) {
         ++faces;
-        corners += face->n;
+        sides += face.n;
     }
-    Table<std::int32_t> points(corners);
+    Table<std::int32_t> points(sides);
     Table<PointSet> sets(faces);
     if (!points || !sets) return false;
     PointSet* const first = &sets[0];

@@ -26,10 +26,9 @@ struct Incidence {
 
 template <typename Use>
 void eachCorner(const Mesh& mesh, Use use) {
-    for (std::int32_t i = 0; i < mesh.nf; ++i) {
-        const Face& face = mesh.faces[i];
-        if (!isLive(face)) continue;
-        for (std::int32_t k = 0; k < face.n; ++k) use(pointAt(mesh, face, k), Incidence{i, k});
+    for (const Face& face : liveFaces(mesh)) {
+        const std::int32_t number = indexIn(mesh.faces, &face);
+        for (int k = 0; k < face.n; ++k) use(pointAt(mesh, face, k), Incidence{number, k});
     }
 }
 

@@ -44,25 +44,23 @@ double sineToAxis(Vec3 edge, Coordinate axis) {
 /// Edges at a larger angle to the axis take no part. No sine is as large as this: all of them do.
 constexpr double largestSine = 1e99;
 
-Vec3 screenPosition(const Point& p) { return {p.sx, p.sy, p.sz}; }
-
 /// Sets the mark of the points that are free to move.
 void markFree(Mesh& mesh) {
     for (Point* p = mesh.points; p != mesh.points + mesh.np; ++p) p->mark = 1;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLive(*face) || face->selected) continue;
-        for (int k = 0; k < face->n; ++k) face->q[k].p->mark = 0;
+    for (const Face& face : liveFaces(mesh)) {
+        if (face.selected) continue;
+        for (const FaceCorner& corner : corners(face)) corner.p->mark = 0;
     }
 }
 
-/// Calls use(point before, point) for each corner of each live face.
+/// Calls use(point before, point) for each corner of each live face. That puts the last side of a
+/// face first; in another order sums would round differently.
 template <typename Use>
 void eachSide(const Mesh& mesh, Use use) {
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLive(*face) || face->n < 1) continue;
-        std::int32_t before = pointAt(mesh, *face, face->n - 1);
-        for (int k = 0; k < face->n; ++k) {
-            const std::int32_t at = pointAt(mesh, *face, k);
+    for (const Face& face : liveFaces(mesh)) {
+        std::int32_t before = face.n < 1 ? 0 : pointAt(mesh, face, face.n - 1);
+        for (const FaceCorner& corner : corners(face)) {
+            const std::int32_t at = pointOf(mesh, corner);
             use(before, at);
             before = at;
         }

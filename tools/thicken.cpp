@@ -86,12 +86,10 @@ void takeSteps(const Mesh& mesh, SelectedSurface& surface, const Answers& answer
 std::int64_t markWalls(Mesh& mesh) {
     std::int64_t walls = 0;
     for (std::int32_t c = 0; c < mesh.nq; ++c) mesh.corners[c].mark = 0;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (int k = 0; k < face->n; ++k) {
-            const FaceCorner& next = face->q[k + 1 == face->n ? 0 : k + 1];
-            if (face->q[k].p->mark != ofBoth || next.p->mark != ofBoth) continue;
-            face->q[k].mark = 1;
+    for (const Face& face : selectedFaces(mesh)) {
+        for (const auto& [from, to] : sides(face)) {
+            if (from.p->mark != ofBoth || to.p->mark != ofBoth) continue;
+            from.mark = 1;
             ++walls;
         }
     }
@@ -101,7 +99,7 @@ std::int64_t markWalls(Mesh& mesh) {
 /// The wall runs the side against the face, and its copy `copies` points further on along with it.
 void appendWall(Mesh& mesh, const Face& face, int place, std::int32_t copies) {
     const FaceCorner from = face.q[place];
-    const FaceCorner to = face.q[place + 1 == face.n ? 0 : place + 1];
+    const FaceCorner to = cornerAfter(face, place);
     Face& wall = mesh.faces[mesh.nf++];
     wall = face;
     wall.q = mesh.corners + mesh.nq;

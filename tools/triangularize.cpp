@@ -74,12 +74,11 @@ Counts countAll(const Mesh& mesh) {
         ++counts.faces;
         counts.corners += corners;
     };
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!stays(*face)) continue;
-        if (!face->selected)
-            add(face->n);
+    for (const Face& face : FacesThat<const Face, stays>(mesh)) {
+        if (!face.selected)
+            add(face.n);
         else
-            Split::eachPiece(face->n, [&](Places places) { add(std::ssize(places)); });
+            Split::eachPiece(face.n, [&](Places places) { add(std::ssize(places)); });
     }
     return counts;
 }

@@ -52,27 +52,25 @@ struct PartTables {
     template <typename Use>
     void eachCorner(const Mesh& mesh, std::int32_t part, Use use) const {
         for (std::int32_t i = part == 0 ? 0 : end[part - 1]; i < end[part]; ++i) {
-            const Face& face = mesh.faces[faces[i]];
-            for (int k = 0; k < face.n; ++k) use(face.q[k], pointAt(mesh, face, k));
+            for (FaceCorner& corner : corners(mesh.faces[faces[i]])) {
+                use(corner, pointOf(mesh, corner));
+            }
         }
     }
 };
 
 void sortByParts(const Mesh& mesh, PartTables& t) {
-    const auto eachFace = [&](auto use) {
-        for (std::int32_t i = 0; i < mesh.nf; ++i) {
-            if (isLive(mesh.faces[i])) use(i, mesh.faces[i].prt);
-        }
-    };
-    eachFace([&](std::int32_t face, std::int16_t part) {
-        ++t.end[part];
-        if (mesh.faces[face].selected) t.selected[part] = 1;
-    });
+    for (const Face& face : liveFaces(mesh)) {
+        ++t.end[face.prt];
+        if (face.selected) t.selected[face.prt] = 1;
+    }
     std::int32_t start = 0;
     for (std::int32_t i = 0; i < mesh.nprt; ++i) {
         t.end[i] = std::exchange(start, start + t.end[i]);
     }
-    eachFace([&](std::int32_t face, std::int16_t part) { t.faces[t.end[part]++] = face; });
+    for (const Face& face : liveFaces(mesh)) {
+        t.faces[t.end[face.prt]++] = indexIn(mesh.faces, &face);
+    }
 }
 
 /// Counts the parts at each point; gives the number of copies that there will be: one for each
@@ -124,11 +122,9 @@ void unweldSelected(Mesh& mesh) {
     Table<std::uint8_t> users(mesh.np, 0);
     Table<std::int32_t> copies(mesh.np, 0);
     if (!users || !copies) return;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        const int n = isLive(*face) ? face->n : 0;
-        for (int k = 0; k < n; ++k) {
-            users[pointAt(mesh, *face, k)] |= face->selected ? bySelected : byUnselected;
-        }
+    for (const Face& face : liveFaces(mesh)) {
+        const std::uint8_t user = face.selected ? bySelected : byUnselected;
+        for (const FaceCorner& corner : corners(face)) users[pointOf(mesh, corner)] |= user;
     }
     const std::int32_t before = mesh.np;
     const auto shared = std::count(&users[0], &users[0] + before, byBoth);
@@ -136,10 +132,9 @@ void unweldSelected(Mesh& mesh) {
     for (std::int32_t i = 0; i < before; ++i) {
         copies[i] = users[i] == byBoth ? copyPoint(mesh, i) : i;
     }
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (int k = 0; k < face->n; ++k) {
-            face->q[k].p = mesh.points + copies[pointAt(mesh, *face, k)];
+    for (const Face& face : selectedFaces(mesh)) {
+        for (FaceCorner& corner : corners(face)) {
+            corner.p = mesh.points + copies[pointOf(mesh, corner)];
         }
     }
     finish(mesh, mesh.np - before);

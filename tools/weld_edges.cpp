@@ -29,26 +29,25 @@ class EdgeWelder {
     bool pass() {
         ++number;
         collapses = 0;
-        corners = 0;
+        looks = 0;
         LoopProgress progress(mesh.nf);
-        for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
+        for (const Face& face : allFaces(mesh)) {
             progress.step();
-            if (isLiveSelected(*face) && !passFace(*face)) return false;
+            if (isLiveSelected(face) && !passFace(face)) return false;
         }
         showTitle("%6d", collapses);
         return collapses != 0;
     }
 
     void repointCorners() {
-        for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-            const int n = isLive(*face) ? face->n : 0;
-            for (int k = 0; k < n; ++k) face->q[k].p = mesh.points + pointNow(*face, k);
+        for (const Face& face : liveFaces(mesh)) {
+            for (FaceCorner& corner : corners(face)) corner.p = mesh.points + pointNow(corner);
         }
     }
 
   private:
-    std::int32_t pointNow(const Face& face, int place) {
-        std::int32_t point = pointAt(mesh, face, place);
+    std::int32_t pointNow(const FaceCorner& corner) {
+        std::int32_t point = pointOf(mesh, corner);
         while (into[point] != point) point = into[point] = into[into[point]];
         return point;
     }
@@ -56,10 +55,10 @@ class EdgeWelder {
     /// False when the user wants it to stop.
     bool passFace(const Face& face) {
         if (face.n < 1) return true;
-        std::int32_t from = pointNow(face, face.n - 1);
-        for (int k = 0; k < face.n; ++k) {
-            ++corners;
-            const std::int32_t to = pointNow(face, k);
+        std::int32_t from = pointNow(face.q[face.n - 1]);
+        for (const FaceCorner& corner : corners(face)) {
+            ++looks;
+            const std::int32_t to = pointNow(corner);
             if (from != to && squaredDistance(mesh.points[from], mesh.points[to]) <= square) {
                 return collapse(from, to);
             }
@@ -72,8 +71,8 @@ class EdgeWelder {
         ++collapses;
         // No power of two less one; it makes the title change at uneven intervals.
         constexpr int mask = 0x255;
-        if ((corners & mask) == 0) {
-            showTitle("%6d : %6d", number, static_cast<int>(mesh.nq - corners));
+        if ((looks & mask) == 0) {
+            showTitle("%6d : %6d", number, static_cast<int>(mesh.nq - looks));
         }
         if (abortRequested()) return false;
         const Point& a = mesh.points[from];
@@ -90,7 +89,7 @@ class EdgeWelder {
     Table<std::int32_t> into; ///< of each point: the one it went into, or itself
     int number = 0;           ///< of the pass
     int collapses = 0;        ///< in this pass
-    std::int64_t corners = 0; ///< looked at in this pass
+    std::int64_t looks = 0;   ///< at corners, in this pass
 };
 
 } // namespace

@@ -28,11 +28,8 @@ constexpr std::int32_t noPart = -1;
 void markEnds(Mesh& mesh, bool allEdges) {
     for (std::int32_t i = 0; i < mesh.np; ++i) mesh.points[i].mark = 0;
     for (std::int32_t i = 0; i < mesh.nq; ++i) mesh.corners[i].mark = 0;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (int k = 0; k < face->n; ++k) {
-            FaceCorner& from = face->q[k];
-            FaceCorner& to = face->q[k + 1 == face->n ? 0 : k + 1];
+    for (const Face& face : selectedFaces(mesh)) {
+        for (const auto& [from, to] : sides(face)) {
             if (!allEdges && from.edgeuse != 1) continue;
             from.mark = to.mark = from.p->mark = to.p->mark = 1;
         }
@@ -87,7 +84,7 @@ void takeClose(Mesh& mesh, bool allEdges, Follow follow) {
 void weldclose(Mesh& mesh, bool allEdges) {
     takeClose(mesh, allEdges, [&](const Takers& takers) {
         for (FaceCorner* corner = mesh.corners; corner != mesh.corners + mesh.nq; ++corner) {
-            const std::int32_t taker = takers[indexIn(mesh.points, corner->p)];
+            const std::int32_t taker = takers[pointOf(mesh, *corner)];
             if (taker != noPart) corner->p = mesh.points + taker;
         }
     });
@@ -99,7 +96,7 @@ void bringclose(Mesh& mesh, bool allEdges) {
             if (takers[i] == noPart) continue;
             Point& point = mesh.points[i];
             const Point& taker = mesh.points[takers[i]];
-            point.x = taker.x, point.y = taker.y, point.z = taker.z;
+            moveTo(point, worldPosition(taker));
             point.sx = taker.sx, point.sy = taker.sy, point.sz = taker.sz;
         }
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/state.h"
 
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
@@ -17,8 +18,7 @@ void noteKey(const Event& event) {
 
 void dropStaleEdge() {
     const int face = workbench.currentEdgeFace, corner = workbench.currentEdgeCorner;
-    const bool isThere = face >= 0 && face < OB->nf && OB->faces[face].q != nullptr && corner >= 0
-                         && corner < OB->faces[face].n;
+    const bool isThere = hasFace(*OB, face) && corner >= 0 && corner < OB->faces[face].n;
     if (!isThere) forgetCurrentEdge();
 }
 

@@ -9,6 +9,7 @@
 #include "io/print_number.h"
 #include "mesh/edges.h"
 #include "mesh/extent.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
@@ -27,8 +28,8 @@ namespace {
 template <typename Test>
 void setSelectedWhere(std::uint8_t selected, Test test) {
     if (stale.points) transformPoints(*OB);
-    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q != nullptr && test(*face)) face->selected = selected;
+    for (Face& face : liveFaces(*OB)) {
+        if (test(face)) face.selected = selected;
     }
     stale.edges = true;
 }
@@ -50,9 +51,7 @@ std::string askAxes(const std::string& question) {
 void move(const Vec3& way) {
     for (const std::int32_t i : pointsOfSelectedFaces()) {
         Point& p = OB->points[i];
-        p.x += way.x;
-        p.y += way.y;
-        p.z += way.z;
+        moveTo(p, worldPosition(p) + way);
     }
     for (int axis = 0; axis < 3; ++axis) {
         const double* const row = projection.toScreen.row[axis];

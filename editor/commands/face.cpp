@@ -17,11 +17,10 @@ namespace {
 
 template <typename T>
 void removeFromSelected(T* FaceCorner::*reference) {
-    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (FaceCorner* corner = face->q; corner != face->q + face->n; ++corner) {
-            if (corner->*reference == nullptr) continue;
-            corner->*reference = nullptr;
+    for (const Face& face : selectedFaces(*OB)) {
+        for (FaceCorner& corner : corners(face)) {
+            if (corner.*reference == nullptr) continue;
+            corner.*reference = nullptr;
             OB->changed = 1;
         }
     }
@@ -44,11 +43,10 @@ void orientFaces() {
 }
 
 void reverseSelectedFaces() {
-    for (int i = 0; i < OB->nf; ++i) {
-        Face& face = OB->faces[i];
-        if (!isLiveSelected(face)) continue;
+    for (Face& face : selectedFaces(*OB)) {
         reverseFace(face);
-        if (i == workbench.currentEdgeFace) forgetCurrentEdge(); // its corners moved
+        if (indexIn(OB->faces, &face) == workbench.currentEdgeFace)
+            forgetCurrentEdge(); // its corners moved
         OB->changed = 1;
         stale.edges = true; // those that face away may be hidden
     }

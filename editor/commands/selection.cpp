@@ -16,9 +16,7 @@ namespace polyfab {
 namespace {
 
 void setSelected(std::uint8_t selected) {
-    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q != nullptr) face->selected = selected;
-    }
+    for (Face& face : liveFaces(*OB)) face.selected = selected;
     stale.edges = true;
 }
 
@@ -26,9 +24,9 @@ void setSelected(std::uint8_t selected) {
 template <typename Which>
 void unselectWhere(Which which, const char* caption) {
     int count = 0;
-    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (!isLiveSelected(*face) || !which(*face)) continue;
-        face->selected = 0;
+    for (Face& face : selectedFaces(*OB)) {
+        if (!which(face)) continue;
+        face.selected = 0;
         ++count;
     }
     if (count > 0) stale.edges = true;

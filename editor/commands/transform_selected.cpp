@@ -17,10 +17,10 @@ namespace {
 /// Calls `act` with every corner that has a normal, of the selected or of the unselected faces.
 template <typename Act>
 void forNormals(Mesh& mesh, bool selected, Act act) {
-    for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (face->q == nullptr || (face->selected != 0) != selected) continue;
-        for (FaceCorner* q = face->q; q != face->q + face->n; ++q) {
-            if (q->d != nullptr) act(*q);
+    for (const Face& face : liveFaces(mesh)) {
+        if ((face.selected != 0) != selected) continue;
+        for (FaceCorner& q : corners(face)) {
+            if (q.d != nullptr) act(q);
         }
     }
 }
@@ -89,16 +89,11 @@ bool transformSelected(Mesh& mesh, const AffineMap& map) {
     if (points.empty()) return false;
     for (const std::int32_t i : points) {
         Point& p = mesh.points[i];
-        const Vec3 to = map({p.x, p.y, p.z});
-        p.x = to.x;
-        p.y = to.y;
-        p.z = to.z;
+        moveTo(p, map(worldPosition(p)));
     }
     transformSelectedNormals(mesh, map);
     if (determinantOf(map) < 0) {
-        for (Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-            if (isLiveSelected(*face)) reverseFace(*face);
-        }
+        for (Face& face : selectedFaces(mesh)) reverseFace(face);
         forgetCurrentEdge(); // corners are numbered the other way round
         stale.edges = true;
     }

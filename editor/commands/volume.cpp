@@ -19,31 +19,22 @@
 namespace polyfab {
 namespace {
 
-/// Calls `use` with the ends of every edge of the selected live faces, in their direction.
-template <typename Use>
-void eachSelectedEdge(const Mesh& mesh, Use use) {
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (int k = 0; k < face->n; ++k) {
-            const int next = k + 1 == face->n ? 0 : k + 1;
-            use(indexIn(mesh.points, face->q[k].p), indexIn(mesh.points, face->q[next].p));
-        }
-    }
-}
-
 /// Edges along which more selected faces run one way than the other, or -1 without memory. Equal
 /// edges are brought together by sorting: the two points, the lower one first, then the direction.
 std::int64_t countOpenEdges(const Mesh& mesh) {
     std::int64_t count = 0;
-    eachSelectedEdge(mesh, [&](std::int32_t, std::int32_t) { ++count; });
+    for (const Face& face : selectedFaces(mesh)) count += std::ssize(corners(face));
     Table<std::uint64_t> runs(count);
     if (!runs) return -1;
     count = 0;
-    eachSelectedEdge(mesh, [&](std::int32_t from, std::int32_t to) {
-        const auto low = static_cast<std::uint64_t>(std::min(from, to));
-        const auto high = static_cast<std::uint64_t>(std::max(from, to));
-        if (low != high) runs[count++] = low << 32 | high << 1 | (from < to ? 1U : 0U);
-    });
+    for (const Face& face : selectedFaces(mesh)) {
+        for (const auto& [from, to] : sides(face)) {
+            if (from.p == to.p) continue;
+            const auto [low, high] = std::minmax({pointOf(mesh, from), pointOf(mesh, to)});
+            runs[count++] = static_cast<std::uint64_t>(low) << 32
+                            | static_cast<std::uint64_t>(high) << 1 | (from.p < to.p ? 1U : 0U);
+        }
+    }
     std::uint64_t* const end = &runs[0] + count;
     std::sort(&runs[0], end);
     std::int64_t open = 0;
@@ -69,12 +60,15 @@ struct Frame {
 
 Frame frameOf(const Mesh& mesh) {
     Frame frame;
-    eachSelectedEdge(mesh, [&](std::int32_t index, std::int32_t) {
-        const Point& p = mesh.points[index];
-        if (frame.origin == nullptr) frame.origin = &p;
-        frame.extent = std::max({frame.extent, std::abs(p.x - frame.origin->x),
-                                 std::abs(p.y - frame.origin->y), std::abs(p.z - frame.origin->z)});
-    });
+    for (const Face& face : selectedFaces(mesh)) {
+        for (const FaceCorner& corner : corners(face)) {
+            const Point& p = *corner.p;
+            if (frame.origin == nullptr) frame.origin = &p;
+            frame.extent =
+                std::max({frame.extent, std::abs(p.x - frame.origin->x),
+                          std::abs(p.y - frame.origin->y), std::abs(p.z - frame.origin->z)});
+        }
+    }
     return frame;
 }
 
@@ -97,9 +91,8 @@ double volumeWithin(const Mesh& mesh) {
     const Frame frame = frameOf(mesh);
     if (frame.extent == 0) return 0;
     double sum = 0;
-    for (const Face* face = mesh.faces; face != mesh.faces + mesh.nf; ++face) {
-        if (!isLiveSelected(*face) || face->n < 1) continue;
-        sum += sixfoldVolume(*face, frame);
+    for (const Face& face : selectedFaces(mesh)) {
+        if (face.n > 0) sum += sixfoldVolume(face, frame);
     }
     return sum / 6 * frame.extent * frame.extent * frame.extent;
 }

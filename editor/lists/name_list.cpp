@@ -10,6 +10,7 @@
 #include "editor/lists/name_list_picture.h"
 #include "editor/lists/name_list_table.h"
 #include "editor/lists/subview.h"
+#include "mesh/faces.h"
 #include "mesh/group_order.h"
 #include "mesh/names.h"
 #include "mesh/stale.h"
@@ -265,10 +266,9 @@ const char* handleInNameList(const Event& event) {
 
 void applyNameList(int subview) {
     const NameListRow& list = nameListRow(subview);
-    for (Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q == nullptr) continue;
-        const int entry = face->*list.field;
-        face->selected = entry >= 0 && entry < OB->*list.count && list.picked(entry);
+    for (Face& face : liveFaces(*OB)) {
+        const int entry = face.*list.field;
+        face.selected = entry >= 0 && entry < OB->*list.count && list.picked(entry);
     }
     stale.edges = true;
 }

@@ -3,6 +3,7 @@
 
 #include "editor/editor_state.h"
 #include "editor/lists/subview.h"
+#include "mesh/faces.h"
 
 #include <algorithm>
 #include <iterator>
@@ -51,10 +52,10 @@ std::vector<int> countFaces(const NameListRow& list) {
     const int entries = OB->*list.count;
     const bool all = !nameList.selectedOnly;
     std::vector<int> counts(static_cast<std::size_t>(entries));
-    for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        const int entry = face->*list.field;
-        if (face->q == nullptr || entry < 0 || entry >= entries) continue;
-        if (all || face->selected) ++counts[static_cast<std::size_t>(entry)];
+    for (const Face& face : liveFaces(*OB)) {
+        const int entry = face.*list.field;
+        if (entry < 0 || entry >= entries) continue;
+        if (all || face.selected) ++counts[static_cast<std::size_t>(entry)];
     }
     return counts;
 }

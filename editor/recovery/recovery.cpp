@@ -8,6 +8,7 @@
 #include "editor/recovery/recovery_folder.h"
 #include "io/state_folder.h"
 #include "mesh/check.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
@@ -152,8 +153,7 @@ std::string timeText(std::int64_t time) {
 }
 
 Choice ask(const RecoveryRecord& record) {
-    const auto faces = std::count_if(OB->faces, OB->faces + OB->nf,
-                                     [](const Face& face) { return face.q != nullptr; });
+    const auto faces = std::count_if(OB->faces, OB->faces + OB->nf, isLive);
     const std::string name =
         record.editor.lastChosen.empty() ? "without a name" : record.editor.lastChosen;
     return platform().question("recovery",
