@@ -5,6 +5,7 @@
 #include "display/edge_list.h"
 #include "display/look.h"
 #include "display/options.h"
+#include "mesh/face_area.h"
 #include "mesh/faces.h"
 
 #include <algorithm>
@@ -26,45 +27,16 @@ void forEachShown(const Mesh& mesh, const Pane& pane, Use use) {
     }
 }
 
-/// The middle of the corners, world and screen.
+/// The middle of the corners on the screen.
 Point middleOf(const Face& face) {
     Point middle{};
     const double share = 1.0 / face.n;
-    for (int k = 0; k < face.n; ++k) {
-        const Point& p = *face.q[k].p;
-        middle.x += p.x * share;
-        middle.y += p.y * share;
-        middle.z += p.z * share;
-        middle.sx += p.sx * share;
-        middle.sy += p.sy * share;
-        middle.sz += p.sz * share;
+    for (const FaceCorner& corner : corners(face)) {
+        middle.sx += corner.p->sx * share;
+        middle.sy += corner.p->sy * share;
+        middle.sz += corner.p->sz * share;
     }
     return middle;
-}
-
-/// Normal to the face by Newell's method; it points to where the face runs anticlockwise.
-Vec3 normalOf(const Face& face) {
-    const Point& base = *face.q[0].p;
-    double extent = 0;
-    for (int k = 1; k < face.n; ++k) {
-        const Point& p = *face.q[k].p;
-        extent = std::max(
-            {extent, std::abs(p.x - base.x), std::abs(p.y - base.y), std::abs(p.z - base.z)});
-    }
-    // In units of the face, so that no product overflows or vanishes.
-    const double scale = 1 / extent;
-    const auto from = [&](const Point& p) {
-        return Vec3{(p.x - base.x) * scale, (p.y - base.y) * scale, (p.z - base.z) * scale};
-    };
-    Vec3 normal;
-    for (int k = 0; k < face.n; ++k) {
-        const Vec3 a = from(*face.q[k].p);
-        const Vec3 b = from(*face.q[(k + 1) % face.n].p);
-        normal.x += a.y * b.z - a.z * b.y;
-        normal.y += a.z * b.x - a.x * b.z;
-        normal.z += a.x * b.y - a.y * b.x;
-    }
-    return normal;
 }
 
 bool reachesPane(const Pane& pane, const Point& from) {
@@ -72,7 +44,7 @@ bool reachesPane(const Pane& pane, const Point& from) {
 }
 
 void drawNormal(const Pane& pane, const Point& from, const Vec3& normal) {
-    double length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
+    double length = std::sqrt(dot(normal, normal));
     if (!(length > 1e-100 && length < 1e100)) {
         length = std::hypot(normal.x, normal.y, normal.z); // squares may vanish or overflow
         if (!(length > 0)) return;
@@ -100,7 +72,7 @@ void drawNormals(const Mesh& mesh, const Pane& pane) {
         }
         if (onCorners) return;
         const Point middle = middleOf(face);
-        if (reachesPane(pane, middle)) drawNormal(pane, middle, normalOf(face));
+        if (reachesPane(pane, middle)) drawNormal(pane, middle, scaledArea(face));
     });
 }
 

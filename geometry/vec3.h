@@ -37,6 +37,14 @@ inline Vec3& operator+=(Vec3& a, const Vec3& b) { return a = a + b; }
 [[nodiscard]] inline Vec3 cross(const Vec3& a, const Vec3& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
+/// The square of the distance between two positions, which may be anything with an x, y and z. Not
+/// a number when a coordinate of either is none, or when both are infinite in the same direction.
+template <typename A, typename B>
+[[nodiscard]] double squaredDistance(const A& a, const B& b) {
+    const Vec3 way{a.x - b.x, a.y - b.y, a.z - b.z};
+    return dot(way, way);
+}
+
 [[nodiscard]] inline bool isZero(const Vec3& v) { return v.x == 0 && v.y == 0 && v.z == 0; }
 
 /// The largest coordinate by size.

@@ -34,7 +34,4 @@ bool checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables);
 /// Turns the face over: the order of its corners, which keep what they refer to, is reversed.
 void reverseFace(Face& face);
 
-/// Area on the screen in square pixels, positive for a face that is seen clockwise.
-[[nodiscard]] double screenArea(const Face& face);
-
 } // namespace polyfab

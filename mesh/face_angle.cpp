@@ -11,8 +11,6 @@
 namespace polyfab {
 namespace {
 
-Vec3 place(const Face& face, int corner) { return worldPosition(*face.q[corner % face.n].p); }
-
 /// The unit normal of the triangle, or zero where it can't be told from what rounding makes of
 /// corners in a line.
 Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c) {
@@ -34,7 +32,7 @@ Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c) {
 
 Vec3 centroid(const Face& face) {
     Vec3 sum;
-    for (int k = 0; k < face.n; ++k) sum += place(face, k);
+    for (const FaceCorner& corner : corners(face)) sum += worldPosition(*corner.p);
     return {sum.x / face.n, sum.y / face.n, sum.z / face.n};
 }
 
@@ -42,12 +40,12 @@ Vec3 centroid(const Face& face) {
 
 Vec3 faceNormal(const Face& face) {
     if (face.n < 3) return {};
-    const Vec3 first = place(face, 0);
-    if (face.n == 3) return triangleNormal(first, place(face, 1), place(face, 2));
+    const auto place = [](const FaceCorner& corner) { return worldPosition(*corner.p); };
+    if (face.n == 3) return triangleNormal(place(face.q[0]), place(face.q[1]), place(face.q[2]));
     const Vec3 middle = centroid(face);
     Vec3 sum;
-    for (int k = 0; k < face.n; ++k) {
-        sum += triangleNormal(place(face, k), place(face, k + 1), middle);
+    for (const auto& [from, to] : sides(face)) {
+        sum += triangleNormal(place(from), place(to), middle);
     }
     // Unit vectors that cancel each other leave their rounding.
     return largestPart(sum) > 4 * DBL_EPSILON * face.n ? unit(sum) : Vec3{};

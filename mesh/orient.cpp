@@ -5,6 +5,7 @@
 // on a surface that contradicts itself the same faces win.
 #include "mesh/edges.h"
 
+#include "mesh/face_area.h"
 #include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "mesh/progress.h"
@@ -114,16 +115,6 @@ bool checkEdges(Mesh& mesh, bool orient, bool skipCollection, bool keepTables) {
     return true;
 }
 
-void reverseFace(Face& face) { std::reverse(face.q, face.q + std::max<int>(face.n, 0)); }
-
-double screenArea(const Face& face) {
-    double sum = 0;
-    for (int k = 0; k < face.n; ++k) {
-        const Point& from = *face.q[k].p;
-        const Point& to = *face.q[k + 1 == face.n ? 0 : k + 1].p;
-        sum += (to.sx - from.sx) * (to.sy + from.sy);
-    }
-    return -0.5 * sum;
-}
+void reverseFace(Face& face) { std::ranges::reverse(corners(face)); }
 
 } // namespace polyfab

@@ -52,7 +52,7 @@ ClosePoints::ClosePoints(const Mesh& owner, std::int32_t marked, double most)
 double ClosePoints::extent() const {
     Vec3 low{infinity, infinity, infinity}, high{-infinity, -infinity, -infinity};
     for (const Point* p = mesh.points; p != mesh.points + mesh.np; ++p) {
-        if (!p->mark || !hasDistance({p->x, p->y, p->z})) continue;
+        if (!p->mark || !hasDistance(worldPosition(*p))) continue;
         low = {std::min(low.x, p->x), std::min(low.y, p->y), std::min(low.z, p->z)};
         high = {std::max(high.x, p->x), std::max(high.y, p->y), std::max(high.z, p->z)};
     }
@@ -79,7 +79,7 @@ template <typename Use>
 void ClosePoints::eachMarked(Use use) const {
     for (std::int32_t i = mesh.np - 1; i >= 0; --i) {
         const Point& point = mesh.points[i];
-        const Vec3 position{point.x, point.y, point.z};
+        const Vec3 position = worldPosition(point);
         if (point.mark && hasDistance(position)) use(listOf(cellOf(position)), position, i);
     }
 }

@@ -4,20 +4,12 @@
 #pragma once
 
 #include "geometry/vec3.h"
-#include "mesh/mesh.h"
+#include "mesh/faces.h"
 #include "mesh/table.h"
 
 #include <cstdint>
 
 namespace polyfab {
-
-/// The square of the distance between two positions. Not a number when a coordinate of either is
-/// none, or when both are infinite in the same direction.
-template <typename A, typename B>
-[[nodiscard]] double squaredDistance(const A& a, const B& b) {
-    const double dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
-    return dx * dx + dy * dy + dz * dz;
-}
 
 class ClosePoints {
   public:
@@ -36,10 +28,9 @@ class ClosePoints {
     /// looked at a limited number of times.
     template <typename Found>
     void takeOut(std::int32_t number, Found found) {
-        const Point& p = mesh.points[number];
-        const Vec3 position{p.x, p.y, p.z};
+        const Vec3 position = worldPosition(mesh.points[number]);
         if (!hasDistance(position)) return;
-        const Range xs = around(p.x), ys = around(p.y), zs = around(p.z);
+        const Range xs = around(position.x), ys = around(position.y), zs = around(position.z);
         for (double x = xs.first; x <= xs.last; x = after(x)) {
             for (double y = ys.first; y <= ys.last; y = after(y)) {
                 for (double z = zs.first; z <= zs.last; z = after(z)) {

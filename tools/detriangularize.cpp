@@ -105,13 +105,9 @@ bool joinNeighbours(Face& a, Face& b, double largestAngle) {
 /// Angle at b between a and c, 0 to pi; pi when b is one of them, or so near that the square of the
 /// distance vanishes. NaN if a position is not finite.
 double vertexAngle(const Point& a, const Point& b, const Point& c) {
-    const auto square = [](const Point& from, const Point& to) {
-        const Vec3 way = worldPosition(to) - worldPosition(from);
-        return dot(way, way);
-    };
-    const double toA = square(b, a), toC = square(b, c);
+    const double toA = squaredDistance(b, a), toC = squaredDistance(b, c);
     if (toA == 0 || toC == 0) return pi;
-    return angleOpposite(square(a, c), toA, toC);
+    return angleOpposite(squaredDistance(a, c), toA, toC);
 }
 
 /// Behind all sides.

@@ -4,10 +4,10 @@
 // halving: Tarjan and van Leeuwen, Worst-case analysis of set union algorithms, 1984).
 #include "tools/weld_edges.h"
 
+#include "geometry/vec3.h"
 #include "mesh/faces.h"
 #include "mesh/stale.h"
 #include "mesh/table.h"
-#include "tools/close_points.h"
 #include "workbench/long_work.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"

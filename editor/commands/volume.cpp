@@ -76,14 +76,14 @@ Frame frameOf(const Mesh& mesh) {
 double sixfoldVolume(const Face& face, const Frame& frame) {
     Vec3 sum;
     Vec3 area;
-    for (int k = 0; k < face.n; ++k) {
-        const Vec3 a = frame(*face.q[k].p);
-        const Vec3 b = frame(*face.q[k + 1 == face.n ? 0 : k + 1].p);
-        sum = {sum.x + a.x, sum.y + a.y, sum.z + a.z};
+    for (const auto& [from, to] : sides(face)) {
+        const Vec3 a = frame(*from.p);
+        const Vec3 b = frame(*to.p);
+        sum += a;
         area = {area.x + a.y * b.z - a.z * b.y, area.y + a.z * b.x - a.x * b.z,
                 area.z + a.x * b.y - a.y * b.x};
     }
-    return (sum.x * area.x + sum.y * area.y + sum.z * area.z) / face.n;
+    return dot(sum, area) / face.n;
 }
 
 /// Positive when the faces face outwards.

@@ -2,6 +2,7 @@
 #include "mesh/edges.h"
 
 #include "mesh/check.h"
+#include "mesh/face_area.h"
 #include "mesh/garbage.h"
 #include "tests/mesh/random_mesh.h"
 
