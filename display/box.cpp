@@ -21,6 +21,16 @@ bool between(double position, double a, double b) {
 
 } // namespace
 
+Box carried(Box moved, const View& from, const View& to) {
+    for (Vec3* const corner : {&moved.left, &moved.right}) {
+        for (int i = 0; i < 3; ++i) {
+            const double pixels = along(*corner, i) - along(from.offset, i);
+            along(*corner, i) = along(to.offset, i) + pixels * (to.scale / from.scale);
+        }
+    }
+    return moved;
+}
+
 bool inBox(const Face& face) {
     return std::all_of(face.q, face.q + face.n, [](const FaceCorner& corner) {
         const Point& p = *corner.p;

@@ -2,6 +2,7 @@
 // The box: a left and a right cut-off along each screen axis.
 #pragma once
 
+#include "display/view.h"
 #include "geometry/vec3.h"
 #include "mesh/mesh.h"
 
@@ -14,6 +15,10 @@ struct Box {
 };
 
 inline Box box;
+
+/// The box around what it is around in the one view, as the other one shows it. Both must have the
+/// same rotation.
+[[nodiscard]] Box carried(Box moved, const View& from, const View& to);
 
 /// Whether all corners of the live face are in the box, its sides included (and a millionth of a
 /// pixel more). Screen positions must be up to date.

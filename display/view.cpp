@@ -51,14 +51,10 @@ void straighten(double (&rotation)[3][3]) {
 
 /// Takes another scale and offset, and the box with them.
 void placeView(double scale, const Vec3& offset) {
-    for (Vec3* const corner : {&box.left, &box.right}) {
-        for (int i = 0; i < 3; ++i) {
-            const double from = along(*corner, i) - along(view.offset, i);
-            along(*corner, i) = along(offset, i) + from * (scale / view.scale);
-        }
-    }
+    const View before = view;
     view.scale = scale;
     view.offset = offset;
+    box = carried(box, before, view);
     applyView();
 }
 

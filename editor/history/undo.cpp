@@ -63,17 +63,10 @@ bool same(const T& a, const T& b) {
 
 /// The part's box around what it was around, as that view shows it.
 Box boxInView(const EditorPart& part, const View& to) {
-    Box moved = part.box;
     const View& from = part.view;
-    if (same(from.scale, to.scale) && same(from.offset, to.offset)) return moved;
-    if (!same(from.rotation, to.rotation)) return moved; // turning leaves the box alone
-    for (Vec3* const corner : {&moved.left, &moved.right}) {
-        for (int i = 0; i < 3; ++i) {
-            const double pixels = along(*corner, i) - along(from.offset, i);
-            along(*corner, i) = along(to.offset, i) + pixels * (to.scale / from.scale);
-        }
-    }
-    return moved;
+    if (same(from.scale, to.scale) && same(from.offset, to.offset)) return part.box;
+    if (!same(from.rotation, to.rotation)) return part.box; // turning leaves the box alone
+    return carried(part.box, from, to);
 }
 
 /// Whether the box is around something else, by more than the rounding of the view.
