@@ -19,9 +19,7 @@ static bool operator==(const StreamCorner& a, const StreamCorner& b) {
 }
 
 static std::uint64_t hashOf(const StreamCorner& corner) {
-    return mixed({static_cast<std::uint32_t>(corner.point),
-                  static_cast<std::uint32_t>(corner.texcoord),
-                  static_cast<std::uint32_t>(corner.normal)});
+    return hashOfNumbers(corner.point, corner.texcoord, corner.normal);
 }
 
 namespace {

@@ -10,7 +10,6 @@
 #include <assimp/config.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <sys/stat.h>
 
@@ -26,12 +25,9 @@ static bool operator==(const StreamTexCoord& a, const StreamTexCoord& b) {
     return a.u == b.u && a.v == b.v;
 }
 
-/// Equal for 0 and -0.
-static std::uint64_t bits(double value) { return std::bit_cast<std::uint64_t>(value + 0.0); }
+static std::uint64_t hashOf(const Vec3& v) { return hashOfNumbers(v.x, v.y, v.z); }
 
-static std::uint64_t hashOf(const Vec3& v) { return mixed({bits(v.x), bits(v.y), bits(v.z)}); }
-
-static std::uint64_t hashOf(const StreamTexCoord& t) { return mixed({bits(t.u), bits(t.v)}); }
+static std::uint64_t hashOf(const StreamTexCoord& t) { return hashOfNumbers(t.u, t.v); }
 
 namespace {
 

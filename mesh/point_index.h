@@ -2,10 +2,10 @@
 // Find-or-add of points by position with a hash table instead of a scan.
 #pragma once
 
+#include "mesh/hash_slots.h"
 #include "mesh/mesh.h"
 
-#include <cstddef>
-#include <vector>
+#include <cstdint>
 
 namespace polyfab {
 
@@ -20,10 +20,10 @@ class PointIndex {
 
   private:
     void enterAll();
-    std::size_t slotOf(double x, double y, double z) const;
+    std::int32_t& slotOf(double x, double y, double z);
 
     Mesh& mesh;
-    std::vector<int> slots; ///< point, or -1; a power of two, at least half of them -1
+    HashSlots slots; ///< points
 };
 
 } // namespace polyfab

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/close_points.h"
 
+#include "mesh/hash_slots.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -115,14 +117,8 @@ double ClosePoints::after(double cell) {
     return std::max(cell + 1, std::nextafter(cell, infinity));
 }
 
-/// The factors are odd and otherwise arbitrary. Small whole numbers differ in their high bits only.
 std::int64_t ClosePoints::listOf(const Vec3& cell) const {
-    const auto bitsOf = [](double v) { return std::bit_cast<std::uint64_t>(v + 0.0); }; // -0 is 0
-    std::uint64_t h = bitsOf(cell.x) * 0x9E3779B97F4A7C15U;
-    h = (h ^ (h >> 32) ^ bitsOf(cell.y)) * 0xC2B2AE3D27D4EB4FU;
-    h = (h ^ (h >> 32) ^ bitsOf(cell.z)) * 0x165667B19E3779F9U;
-    h = (h ^ (h >> 32)) * 0x9E3779B97F4A7C15U;
-    return static_cast<std::int64_t>(h >> (64 - bits));
+    return static_cast<std::int64_t>(hashOfNumbers(cell.x, cell.y, cell.z) >> (64 - bits));
 }
 
 } // namespace polyfab

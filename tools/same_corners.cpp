@@ -5,6 +5,7 @@
 #include "tools/same_corners.h"
 
 #include "mesh/faces.h"
+#include "mesh/hash_slots.h"
 #include "mesh/stale.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
@@ -37,15 +38,6 @@ bool before(const PointSet& a, const PointSet& b) {
     return std::lexicographical_compare(a.points, a.points + a.n, b.points, b.points + b.n);
 }
 
-/// FNV-1a, a point number at a time (Fowler, Noll and Vo).
-std::uint64_t hashOf(const std::int32_t* first, const std::int32_t* end) {
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (; first != end; ++first) {
-        hash = (hash ^ static_cast<std::uint32_t>(*first)) * 0x100000001b3U;
-    }
-    return hash;
-}
-
 /// Lists the points of each selected face, and gives the end of the sets. There must be room.
 PointSet* listSets(const Mesh& mesh, std::int32_t* points, PointSet* sets) {
     LoopProgress progress(mesh.nf);
@@ -56,7 +48,11 @@ PointSet* listSets(const Mesh& mesh, std::int32_t* points, PointSet* sets) {
         for (const FaceCorner& corner : corners(face)) *points++ = pointOf(mesh, corner);
         std::sort(list, points);
         points = std::unique(list, points);
-        *sets++ = {hashOf(list, points), list, static_cast<std::int32_t>(points - list),
+        std::uint64_t hash = 0;
+        for (const std::int32_t* point = list; point != points; ++point) {
+            hash = mixedInto(hash, *point);
+        }
+        *sets++ = {hash, list, static_cast<std::int32_t>(points - list),
                    indexIn(mesh.faces, &face)};
     }
     return sets;
