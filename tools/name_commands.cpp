@@ -3,6 +3,7 @@
 #include "tools/name_commands.h"
 
 #include "io/save_file.h"
+#include "io/utf8.h"
 #include "mesh/faces.h"
 #include "platform/platform.h"
 
@@ -43,7 +44,7 @@ template <typename T>
 void writeNames(const T* array, int count, std::string& fileName, const char* prompt) {
     if (fileName.size() > 3) {
         std::size_t end = fileName.size() - 4;
-        while (end > 0 && (fileName[end] & 0xC0) == 0x80) --end; // no half of a character stays
+        while (end > 0 && continuesCharacter(fileName[end])) --end; // no half of a character stays
         fileName.replace(end, std::string::npos, ".txt");
     }
     const auto path = platform().fileDialog({true, prompt, {{"text files", "*.txt"}}, fileName});

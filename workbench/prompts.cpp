@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/prompts.h"
 
+#include "io/utf8.h"
 #include "workbench/state.h"
 
 #include <cstdlib>
@@ -58,7 +59,7 @@ std::string_view fittingAnswer(std::string_view text) {
     constexpr std::size_t longestCharacter = 4;
     if (text.size() <= most) return text;
     std::size_t end = most;
-    while (end > most - longestCharacter && (text[end] & 0xC0) == 0x80) --end;
+    while (end > most - longestCharacter && continuesCharacter(text[end])) --end;
     return text.substr(0, end);
 }
 

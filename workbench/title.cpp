@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/title.h"
 
+#include "io/utf8.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -11,10 +12,9 @@ namespace polyfab {
 
 std::string titleUpTo(int most) {
     std::string title = platform().title();
-    const auto startsCharacter = [](char c) { return (c & 0xC0) != 0x80; };
     int characters = 0;
     const auto end = std::find_if(title.begin(), title.end(), [&](char c) {
-        return startsCharacter(c) && characters++ == most;
+        return !continuesCharacter(c) && characters++ == most;
     });
     title.erase(end, title.end());
     return title;

@@ -3,6 +3,7 @@
 
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
+#include "io/utf8.h"
 #include "workbench/recent_files.h"
 
 #include <algorithm>
@@ -22,11 +23,10 @@ const RecentFile* fileAt(int number) {
 /// A path as a menu shows it: of a long one the end, from a folder or at least a character on.
 std::string menuPath(std::string path) {
     constexpr std::size_t most = 60;
-    const auto continues = [&](std::size_t at) { return (path[at] & 0xC0) == 0x80; };
     if (path.size() > most) {
         std::size_t start = path.size() - most;
         const std::size_t folder = path.find('/', start);
-        while (continues(start)) ++start;
+        while (continuesCharacter(path[start])) ++start;
         path = "..." + path.substr(folder == std::string::npos ? start : folder);
     }
     std::replace_if(
