@@ -12,20 +12,34 @@ namespace polyfab {
 /// call it.
 inline void (*workGoesOn)() = [] {};
 
-/// Counts what such a loop has done.
-class WorkCounter {
+/// Counts what a loop has done.
+class StepCounter {
   public:
-    /// To be called in each step with the number of elements that it took.
-    void step(std::int64_t elements = 1) {
-        left -= elements;
-        if (left > 0) return;
-        left = pause;
-        workGoesOn();
+    /// To be called in each step with the number of elements that it took. True now and then: it is
+    /// time to let something be known.
+    bool step(std::int64_t elements = 1) {
+        done += elements;
+        if (done < next) return false;
+        next = done + pause;
+        return true;
     }
+    [[nodiscard]] std::int64_t count() const { return done; }
 
   private:
     static constexpr std::int64_t pause = 65536;
-    std::int64_t left = pause;
+    std::int64_t done = 0;
+    std::int64_t next = pause;
+};
+
+/// Says of a loop that it goes on.
+class WorkCounter {
+  public:
+    void step(std::int64_t elements = 1) {
+        if (steps.step(elements)) workGoesOn();
+    }
+
+  private:
+    StepCounter steps;
 };
 
 } // namespace polyfab

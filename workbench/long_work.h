@@ -4,6 +4,8 @@
 // Loops that run outside of any may tell too: nothing shows it.
 #pragma once
 
+#include "mesh/progress.h"
+
 #include <cstdint>
 #include <string>
 
@@ -43,14 +45,14 @@ class LoopProgress {
     explicit LoopProgress(std::int64_t steps) : all(steps) {}
     /// To be called in each of the steps.
     void step() {
-        if (++done % 65536 == 0) tell();
+        if (done.step()) tell();
     }
     /// To be called before what takes long within a step.
-    void tell() const { tellProgress(static_cast<double>(done), static_cast<double>(all)); }
+    void tell() const { tellProgress(static_cast<double>(done.count()), static_cast<double>(all)); }
 
   private:
     std::int64_t all;
-    std::int64_t done = 0;
+    StepCounter done;
 };
 
 } // namespace polyfab
