@@ -107,10 +107,11 @@ const char* Walk::readChunk() {
     if (bytes.size() - at < headerSize) return "chunk too short";
     const unsigned id = word(at);
     const unsigned parent = open.empty() ? 0 : open.back().id;
-    // Of a material's colour only the lower half of the length counts.
+    const std::uint32_t given = longWord(at + 4);
+    if (given > bytes.size() - at) return runsOff;
+    // Where a material's colour ends, only the lower half of the length tells.
     const bool color = id == 0xA020 && parent == 0xAFFF;
-    const std::uint32_t length = color ? word(at + 4) : longWord(at + 4);
-    if (length > bytes.size() - at) return runsOff;
+    const std::uint32_t length = color ? given & 0xFFFF : given;
     // The next chunk would begin inside this one's header, or be this one again.
     if (length < headerSize) return "chunk too short";
     const Chunk chunk{id, at, at + length};

@@ -167,6 +167,7 @@ TEST_F(ThreeDs, Chunks) {
         {container(0xAFFF, word(0xA000) + "??" + word(6) + filler(8)), "chunk runs off end 0"},
         {inside(word(0x4130) + "??" + word(6)), "chunk runs off end 0"},
         {container(0xAFFF, header(0xA020, 5)) + filler(0x11000), "chunk too short 0"},
+        {container(0xAFFF, header(0xA020, 0x20006)), "chunk runs off end 0"},
         {inside(word(0x4110) + "??" + word(6)), "bad vertex list 0"},
         {inside(word(0x4120) + "??" + word(7) + "\0"s), "bad face list 0"},
         {inside(object(xyz) + triangles({0, 1, 2})), "bad vertex number 1"},
