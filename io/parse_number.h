@@ -32,8 +32,17 @@ inline const char* digits(const char* p, std::uint64_t& value) {
 /// The value of an unsigned run of digits of any length, at most maxParsedInteger.
 [[nodiscard]] std::uint64_t longInteger(const char* begin, const char* end);
 
-/// The nearest double to an unsigned decimal number of any length; HUGE_VAL beyond the range.
-[[nodiscard]] double longDecimal(const char* begin, const char* end);
+/// An unsigned decimal number of any length: `mantissa` times ten to the `exponent`.
+struct Decimal {
+    const char* begin;
+    const char* end;
+    std::uint64_t mantissa; ///< wraps after 19 digits that count
+    std::int64_t digits;    ///< zeros in front included
+    std::int64_t exponent;
+};
+
+/// The nearest double; HUGE_VAL beyond the range.
+[[nodiscard]] double longDecimal(const Decimal& number);
 
 } // namespace parsing
 
@@ -88,7 +97,7 @@ inline bool parseDecimal(const char*& text, double& value) {
             value *= parsing::powers[exponent];
         }
     } else {
-        value = parsing::longDecimal(begin, p);
+        value = parsing::longDecimal({begin, p, mantissa, digits, exponent});
     }
     if (negative) value = -value;
     text = p;
