@@ -4,6 +4,7 @@
 #include "editor/command_table.h"
 #include "editor/commands/selection.h"
 #include "editor/editor_state.h"
+#include "editor/json_pieces.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 #include "platform/platform.h"
@@ -17,7 +18,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Names come from files and may be anything but UTF-8; such bytes are shown as U+FFFD.
+/// Texts may hold bytes that are no UTF-8; such are shown as U+FFFD.
 std::string line(const Json& object) {
     return object.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -65,26 +66,43 @@ void addCounts(Json& state) {
     state["curprt"] = mesh.curprt;
 }
 
-Json corner(const FaceCorner& q) {
-    const int t = q.t != nullptr ? indexIn(OB->texcoords, q.t) : -1;
-    const int d = q.d != nullptr ? indexIn(OB->normals, q.d) : -1;
-    return {indexIn(OB->points, q.p), t, d, q.edgeuse};
+/// Begins a member that is a list and adds one entry per element to it.
+template <typename T, typename Add>
+void addMember(JsonPieces& out, const char* name, const T* array, int count, Add add) {
+    out.add(",\"", name, "\":[");
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) out.add(",");
+        add(array[i]);
+    }
+    out.add("]");
 }
 
-Json face(const Face& fac) {
-    if (fac.q == nullptr) return nullptr;
-    Json object = {{"g", fac.g},     {"mat", fac.mat},           {"tma", fac.tma},
-                   {"prt", fac.prt}, {"selected", fac.selected}, {"corners", Json::array()}};
-    for (int k = 0; k < fac.n; ++k) object["corners"].push_back(corner(fac.q[k]));
-    return object;
+void addFace(JsonPieces& out, const Mesh& mesh, const Face& fac) {
+    if (fac.q == nullptr) return out.add("null");
+    out.add(R"({"g":)", fac.g, R"(,"mat":)", fac.mat, R"(,"tma":)", fac.tma);
+    out.add(R"(,"prt":)", fac.prt, R"(,"selected":)", fac.selected);
+    addMember(out, "corners", fac.q, fac.n, [&](const FaceCorner& q) {
+        const int t = q.t != nullptr ? indexIn(mesh.texcoords, q.t) : -1;
+        const int d = q.d != nullptr ? indexIn(mesh.normals, q.d) : -1;
+        out.addList(indexIn(mesh.points, q.p), t, d, q.edgeuse);
+    });
+    out.add("}");
 }
 
-/// A list with one entry per element.
-template <typename T, typename Make>
-Json list(const T* array, int count, Make make) {
-    Json entries = Json::array();
-    for (int i = 0; i < count; ++i) entries.push_back(make(array[i]));
-    return entries;
+void addNames(JsonPieces& out, const Mesh& mesh) {
+    addMember(out, "groups", mesh.groups, mesh.ng, [&](const Group& g) {
+        out.add(R"({"name":)");
+        out.addString(g.name);
+        out.add(R"(,"selected":)", g.selected, "}");
+    });
+    addMember(out, "materials", mesh.materials, mesh.nmat, [&](const Material& m) {
+        out.add(R"({"name":)");
+        out.addString(m.name);
+        out.add(R"(,"color":)", m.color, R"(,"selected":)", m.selected, "}");
+    });
+    const auto addSelected = [&](const auto& element) { out.add(element.selected); };
+    addMember(out, "tmas", mesh.tmas, mesh.ntma, addSelected);
+    addMember(out, "parts", mesh.parts, mesh.nprt, addSelected);
 }
 
 } // namespace
@@ -114,28 +132,22 @@ std::string stateJson() {
     return line(state);
 }
 
-std::string dumpJson() {
+void writeDump(const TextSink& sink) {
     const Mesh& mesh = *OB;
-    Json dump = {{"event", "dump"}};
-    dump["points"] = list(mesh.points, mesh.np, [](const Point& p) { return Json{p.x, p.y, p.z}; });
-    dump["texcoords"] = list(mesh.texcoords, mesh.nt, [](const TexCoord& t) {
-        return Json{t.u, t.v};
-    });
-    dump["normals"] = list(mesh.normals, mesh.nd, [](const Normal& d) {
-        return Json{d.x, d.y, d.z};
-    });
-    dump["groups"] = list(mesh.groups, mesh.ng, [](const Group& g) {
-        return Json{{"name", g.name}, {"selected", g.selected}};
-    });
-    dump["materials"] = list(mesh.materials, mesh.nmat, [](const Material& m) {
-        return Json{{"name", m.name}, {"color", m.color}, {"selected", m.selected}};
-    });
-    const auto selected = [](const auto& element) { return Json(element.selected); };
-    dump["tmas"] = list(mesh.tmas, mesh.ntma, selected);
-    dump["parts"] = list(mesh.parts, mesh.nprt, selected);
-    dump["mtllib"] = mesh.mtllib;
-    dump["faces"] = list(mesh.faces, mesh.nf, face);
-    return line(dump);
+    JsonPieces out(sink);
+    out.add(R"({"event":"dump")");
+    addMember(out, "points", mesh.points, mesh.np,
+              [&](const Point& p) { out.addList(p.x, p.y, p.z); });
+    addMember(out, "texcoords", mesh.texcoords, mesh.nt,
+              [&](const TexCoord& t) { out.addList(t.u, t.v); });
+    addMember(out, "normals", mesh.normals, mesh.nd,
+              [&](const Normal& d) { out.addList(d.x, d.y, d.z); });
+    addNames(out, mesh);
+    out.add(R"(,"mtllib":)");
+    out.addString(mesh.mtllib);
+    addMember(out, "faces", mesh.faces, mesh.nf, [&](const Face& fac) { addFace(out, mesh, fac); });
+    out.add("}");
+    out.finish();
 }
 
 } // namespace polyfab

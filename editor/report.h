@@ -2,6 +2,8 @@
 // The editor's state and its mesh as JSON text, for scripts.
 #pragma once
 
+#include "platform/platform.h"
+
 #include <string>
 
 namespace polyfab {
@@ -9,7 +11,7 @@ namespace polyfab {
 /// {"event":"state", ...} on one line.
 [[nodiscard]] std::string stateJson();
 
-/// {"event":"dump", ...} on one line: the whole mesh.
-[[nodiscard]] std::string dumpJson();
+/// {"event":"dump", ...} on one line, without its end: the whole mesh.
+void writeDump(const TextSink& sink);
 
 } // namespace polyfab

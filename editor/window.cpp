@@ -166,7 +166,7 @@ void handleEvent(const Event& event) {
 }
 
 const Program& editorProgram() {
-    static constexpr Program program = {handleEvent, listCommands, stateJson, dumpJson,
+    static constexpr Program program = {handleEvent, listCommands, stateJson, writeDump,
                                         useStateFolder};
     return program;
 }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace polyfab {
@@ -206,12 +207,16 @@ struct CommandInfo {
     bool ready = false; ///< false: not built yet, greyed in the menu
 };
 
+/// Takes a text piece by piece, in order.
+using TextSink = std::function<void(std::string_view piece)>;
+
 /// What a backend needs of the program that it runs.
 struct Program {
     void (*handle)(const Event& event) = nullptr;
     std::vector<CommandInfo> (*commands)() = nullptr;
     std::string (*stateJson)() = nullptr; ///< the editor's state as one JSON object on one line
-    std::string (*dumpJson)() = nullptr;  ///< the whole mesh as one JSON object on one line
+    /// Hands out the whole mesh as one JSON object on one line.
+    void (*writeDump)(const TextSink& sink) = nullptr;
     /// Lets the program keep things from run to run in this folder, and what the user has not saved
     /// every so many seconds.
     void (*useStateFolder)(const std::string& folder, int recoverySeconds) = nullptr;

@@ -114,9 +114,12 @@ void BatchPlatform::sendDueClose() {
 }
 
 void BatchPlatform::print(const std::string& line) {
-    if (quiet) return;
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
+    printPiece(line);
+    printPiece("\n");
+}
+
+void BatchPlatform::printPiece(std::string_view piece) {
+    if (!quiet) std::fwrite(piece.data(), 1, piece.size(), stdout);
 }
 
 void BatchPlatform::resize(Size newSize) {

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 
@@ -40,8 +41,10 @@ class BatchPlatform : public Platform {
     /// What the window shows now: it is painted first if that is due.
     const Bitmap& currentPicture();
     const Program& runs() const { return program; }
-    /// Prints one line on standard output.
+    /// Prints one line on standard output, or the end of one.
     void print(const std::string& line);
+    /// Prints a piece of a line.
+    void printPiece(std::string_view piece);
 
     std::string title() const override { return windowTitle; }
     void setTitle(const std::string& text) override;

@@ -50,7 +50,8 @@ std::string runState(BatchPlatform& window, const Step&) {
 }
 
 std::string runDump(BatchPlatform& window, const Step&) {
-    window.print(window.runs().dumpJson());
+    window.runs().writeDump([&](std::string_view piece) { window.printPiece(piece); });
+    window.print("");
     return "";
 }
 

@@ -155,7 +155,7 @@ TEST_F(Progress, OnlyCommandsThatSaySoCanBeStopped) {
         Willing user;
         user.escapeAfter = stop ? 0 : -1;
         command(id);
-        return std::pair(editorProgram().dumpJson(), user.looks);
+        return std::pair(dumpedMesh(), user.looks);
     };
     for (const Command& row : commandTable()) {
         const std::string menu = row.menu;

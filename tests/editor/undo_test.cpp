@@ -91,7 +91,7 @@ Everything everything() {
     addAll(m.parts, m.nprt);
     all.content += all.saved;
     all.altered = m.changed != 0;
-    all.dump = editorProgram().dumpJson();
+    all.dump = dumpedMesh();
     all.view = view;
     all.box = box;
     return all;

@@ -32,6 +32,13 @@ inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
 /// A file with one triangle.
 inline constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
+/// The mesh as a script sees it.
+inline std::string dumpedMesh() {
+    std::string text;
+    editorProgram().writeDump([&](std::string_view piece) { text += piece; });
+    return text;
+}
+
 /// A client position.
 struct Spot {
     int x, y;
@@ -156,7 +163,7 @@ class WindowEvents : public MeshTest {
         }
         return ids;
     }
-    static std::string dump() { return editorProgram().dumpJson(); }
+    static std::string dump() { return dumpedMesh(); }
 };
 
 } // namespace polyfab::test

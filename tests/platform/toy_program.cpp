@@ -131,7 +131,9 @@ std::vector<CommandInfo> commands() {
 
 const Program& toyProgram() {
     static const Program program{handle, commands, [] { return std::string("{\"s\":1}"); },
-                                 [] { return std::string("{\"d\":1}"); }};
+                                 [](const TextSink& sink) {
+                                     for (const char* const piece : {"{\"d\"", ":1}"}) sink(piece);
+                                 }};
     return program;
 }
 
