@@ -7,11 +7,12 @@
 #include "platform/end_signals.h"
 
 #include <cstdio>
+#include <new>
 
 namespace polyfab {
 namespace {
 
-constexpr int failureShown = 1, wrongCommandLine = 2, unanswered = 3;
+constexpr int failureShown = 1, wrongCommandLine = 2, cannotGoOn = 2, unanswered = 3;
 
 /// Standard output goes first, so that both streams tell one story on a terminal.
 int complain(const std::string& text, int status) {
@@ -57,6 +58,8 @@ int runSteps(BatchPlatform& window, const Script& script) {
         if (endedBySignal(window, status)) return status;
     } catch (const Unanswered& caught) {
         return complain(now + ": no fitting answer to " + caught.question, unanswered);
+    } catch (const std::bad_alloc&) {
+        return complain(now + ": I can't get enough memory", cannotGoOn);
     }
     return window.exclamationShown() ? failureShown : 0;
 }
@@ -74,7 +77,7 @@ int runScript(const Program& program, const Script& script) {
     window.finish();
     setPlatform(before);
     if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-        status = complain("cannot write to standard output", wrongCommandLine);
+        status = complain("cannot write to standard output", cannotGoOn);
     }
     return status;
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Batch mode: the same program without a window, driven by the command line. Exit statuses: 0 all
 // done, 1 all done but a box with an exclamation icon was shown, 2 the command line is wrong (or a
-// picture or the output cannot be written), 3 a question was left unanswered.
+// picture or the output cannot be written, or there is not enough memory), 3 a question was left
+// unanswered.
 #pragma once
 
 #include "platform/platform.h"
