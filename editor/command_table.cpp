@@ -86,10 +86,16 @@ void smooth() {
     smoothView(*OB, workbench.smoothingAxis);
 }
 
-/// A command that looks at the Escape key.
+/// A command that works through large meshes for seconds, or leaves it to another program.
+constexpr Command slow(Command row) {
+    row.takesLong = true;
+    return row;
+}
+
+/// One that looks at the Escape key meanwhile.
 constexpr Command stoppable(Command row, Escape escape = Escape::stops) {
     row.escape = escape;
-    return row;
+    return slow(row);
 }
 
 Shown shownStep(const char* label, const std::string& step) {
@@ -127,9 +133,9 @@ constexpr auto table = std::to_array<Command>({
     {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
     {redoCommand, edit, "&redo", redo, nullptr, "Ctrl+Shift+Z; Ctrl+Y", shownRedo},
 
-    {257, write, "&DXF mesh file", writeDxfMeshFile},
-    {258, write, "&3DS mesh file", write3dsMeshFile},
-    {259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"},
+    slow({257, write, "&DXF mesh file", writeDxfMeshFile}),
+    slow({258, write, "&3DS mesh file", write3dsMeshFile}),
+    slow({259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"}),
     stoppable({2002, write, "e&xport other mesh file", exportOtherMesh}),
 
     {358, mode, "go to defa&ult mode", goTo<358>},
@@ -165,14 +171,14 @@ constexpr auto table = std::to_array<Command>({
     {281, tools, "reset a&ttitude", resetAttitude},
     {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
     {324, tools, "contro&l smoothing", askSmoothingAxis},
-    {371, tools, "s&moothing", smooth},
-    {372, tools, "move all vertexes out by a set &distance", onMesh<thicken>},
-    {398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>},
-    {389, tools, "du&plicate selected faces", onMesh<duplicateSelected>},
+    slow({371, tools, "s&moothing", smooth}),
+    slow({372, tools, "move all vertexes out by a set &distance", onMesh<thicken>}),
+    slow({398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>}),
+    slow({389, tools, "du&plicate selected faces", onMesh<duplicateSelected>}),
     {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
      removeTexCoords},
-    {394, tools, "&boolean: weld intersecting selected faces", later},
+    slow({394, tools, "&boolean: weld intersecting selected faces", later}),
     {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
     {413, tools, "chang&e sign of absolute x or y or z", changeSign},
     {1055, tools, "s&wop y and z absolute axes", swopYAndZ},
@@ -182,12 +188,13 @@ constexpr auto table = std::to_array<Command>({
     {1073, tools, "output material names to text file",
      [] { writeMaterialNames(*OB, workbench.fileName); }},
     {1024, tools, "move selected faces to &center the box on absolute x or y or z = 0", centerBox},
-    {1051, tools, "if 2 selected faces have all the same corners, remove one: &7",
-     onMesh<removeFacesOnSamePoints>},
+    slow({1051, tools, "if 2 selected faces have all the same corners, remove one: &7",
+          onMesh<removeFacesOnSamePoints>}),
     {1057, tools, "find absolute volume bounded by selected faces: &8", tellVolume},
     {1058, tools, "say absolute size of box: &9", tellBoxSize},
     {1082, tools, "say absolute range of box in x and y and z", tellBoxRange},
-    {1067, tools, "unselect all selected duplicated faces: &0", onMesh<unselectFacesOnSamePoints>},
+    slow({1067, tools, "unselect all selected duplicated faces: &0",
+          onMesh<unselectFacesOnSamePoints>}),
     {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
     {1085, tools, "noise", later},
     {1037, tools, "special", later},
@@ -204,7 +211,7 @@ constexpr auto table = std::to_array<Command>({
     {1076, graphs, "set to scale as a function of &y", later},
     {1077, graphs, "set to scale as a function of &z", later},
 
-    {280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces},
+    slow({280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces}),
     {290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"},
     {291, facesMenu, "&unselect all faces", unselectAllFaces},
     {292, facesMenu, "select faces in &box", selectInBox},
@@ -216,12 +223,12 @@ constexpr auto table = std::to_array<Command>({
     {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise},
     {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
     {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
-    {268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }},
-    {1083, facesMenu, "detriangularize (thoroughly)", [] { detrithorough(*OB, false); }},
-    {274, facesMenu, "trian&gularize", onMesh<triangularize>},
-    {344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>},
-    {360, facesMenu, "find and start showing bad &edges", findBadEdges},
-    {395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later},
+    slow({268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }}),
+    slow({1083, facesMenu, "detriangularize (thoroughly)", [] { detrithorough(*OB, false); }}),
+    slow({274, facesMenu, "trian&gularize", onMesh<triangularize>}),
+    slow({344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>}),
+    slow({360, facesMenu, "find and start showing bad &edges", findBadEdges}),
+    slow({395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later}),
     {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
     {284, facesMenu, "set to `n&o current face'", setNoCurrentFace},
     {396, facesMenu, "set to `no &curren&t edge'", setNoCurrentEdge},
@@ -232,7 +239,7 @@ constexpr auto table = std::to_array<Command>({
     {407, facesMenu, "split selected faces at intervals in the box's y range: &3", later},
     {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
     {1035, facesMenu, "insert faces to fill a &hole", later},
-    {1052, facesMenu, "insert faces to fill all holes: &8", later},
+    slow({1052, facesMenu, "insert faces to fill all holes: &8", later}),
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
     {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
      unselectSmallFaces},
@@ -245,10 +252,10 @@ constexpr auto table = std::to_array<Command>({
                [] { weldclose(*OB, false); }}),
     stoppable(
         {317, vertexes, "w&eld all very close points, by edges and repeat", onMesh<weldedges>}),
-    {329, vertexes, "&thin out the faces", later},
-    {370, vertexes, "separate surfaces that are &glued at one point",
-     onMesh<separateGluedSurfaces>},
-    {393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>},
+    slow({329, vertexes, "&thin out the faces", later}),
+    slow({370, vertexes, "separate surfaces that are &glued at one point",
+          onMesh<separateGluedSurfaces>}),
+    slow({393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>}),
     {1050, vertexes, "find &far it is between the two settable points", tellDistance},
 
     {277, texture, "s&tart editing texture map coords", later},
@@ -267,8 +274,8 @@ constexpr auto table = std::to_array<Command>({
     {321, texture, "bring texture map coords into the range 0 to 1: &4", later},
     {387, texture, "say the range of texture map coords: &5", later},
     {391, texture, "set the range of texture map coords: &6", later},
-    {275, texture, "find texture map &areas", onMesh<findareas>},
-    {285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>},
+    slow({275, texture, "find texture map &areas", onMesh<findareas>}),
+    slow({285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>}),
 
     {264, groups, "&select groups by menu", openList<subview::groups>},
     {378, groups, "go to select-groups-by-&clicking mode", goTo<378>},
@@ -282,7 +289,7 @@ constexpr auto table = std::to_array<Command>({
 
     {278, parts, "&select parts by menu", openList<subview::parts>},
     {381, parts, "go to select-parts-by-&clicking mode", goTo<381>},
-    {279, parts, "&find parts", onMesh<askAndFindParts>},
+    slow({279, parts, "&find parts", onMesh<askAndFindParts>}),
     {287, parts, "make parts into &groups", onMesh<makePartsIntoGroups>},
     {1072, parts, "make parts into &materials", onMesh<makePartsIntoMaterials>},
     stoppable({402, parts, "&unweld selected parts", onMesh<unweldSelectedParts>}),
@@ -366,20 +373,6 @@ constexpr bool idsAndKeysAreUnique() {
 
 static_assert(idsAndKeysAreUnique(), "two commands have the same id or shortcut");
 
-/// What works through large meshes for seconds, or leaves it to another program.
-constexpr int longCommands[] = {256, 296, 2001, 257, 258, 259, 2002, 371, 372, 390,  1061,
-                                269, 317, 329,  370, 393, 268, 1083, 274, 344, 395,  394,
-                                280, 360, 1052, 275, 285, 279, 402,  398, 389, 1051, 1067};
-
-constexpr bool longCommandsExist() {
-    return std::all_of(std::begin(longCommands), std::end(longCommands), [](int id) {
-        return std::any_of(table.begin(), table.end(),
-                           [id](const Command& row) { return row.id == id; });
-    });
-}
-
-static_assert(longCommandsExist());
-
 } // namespace
 
 std::span<const Command> commandTable() { return table; }
@@ -388,11 +381,6 @@ const Command* findCommand(int id) {
     const auto row =
         std::find_if(table.begin(), table.end(), [id](const Command& c) { return c.id == id; });
     return row == table.end() ? nullptr : &*row;
-}
-
-bool runsLong(int id) {
-    return std::find(std::begin(longCommands), std::end(longCommands), id)
-           != std::end(longCommands);
 }
 
 void runCommand(int id) {

@@ -27,6 +27,7 @@ struct Command {
     const char* key = "";                 ///< shortcut such as "Ctrl+O", or several parted by "; "
     Shown (*shown)() = nullptr;           ///< null: always as the row says
     Escape escape = Escape::stopsNothing; ///< what the Escape key does while it runs
+    bool takesLong = false;               ///< with a large mesh
 };
 
 /// Heading of what stands only in the menu bars of name lists.
@@ -39,9 +40,6 @@ inline constexpr const char* helpMenu = "&help";
 
 /// The command of this id, or null.
 [[nodiscard]] const Command* findCommand(int id);
-
-/// Whether the command may take long with a large mesh.
-[[nodiscard]] bool runsLong(int id);
 
 /// Carries the command out and brings the check marks up to date. What is not built yet, or no
 /// command at all, does nothing.

@@ -121,7 +121,7 @@ bool isUsersAct(const Event& event) {
 
 bool mayTakeLong(const Event& event) {
     const Command* const command = commandOf(event);
-    return command != nullptr && runsLong(command->id);
+    return command != nullptr && command->takesLong;
 }
 
 void useStateFolder(const std::string& folder, int recoverySeconds) {
