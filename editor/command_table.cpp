@@ -109,15 +109,15 @@ template <int number>
 constexpr Command recentRow(const char* label) {
     constexpr auto open = [] { openRecentFile(number); };
     constexpr auto shown = [] { return shownRecentFile(number); };
-    return stoppable({firstRecentFileCommand + number, file, label, open, nullptr, "", shown},
+    return stoppable({commandid::firstRecentFile + number, file, label, open, nullptr, "", shown},
                      Escape::stopsReading);
 }
 
 constexpr auto table = std::to_array<Command>({
-    stoppable({256, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
+    stoppable({commandid::readMesh, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
               Escape::stopsReading),
     stoppable({296, file, "&append mesh file", appendMeshFile}, Escape::stopsReading),
-    stoppable({2001, file, "&import other mesh file", importOtherMesh}),
+    stoppable({commandid::importMesh, file, "&import other mesh file", importOtherMesh}),
     recentRow<0>("recent file &1"),
     recentRow<1>("recent file &2"),
     recentRow<2>("recent file &3"),
@@ -133,10 +133,10 @@ constexpr auto table = std::to_array<Command>({
     {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
     {redoCommand, edit, "&redo", redo, nullptr, "Ctrl+Shift+Z; Ctrl+Y", shownRedo},
 
-    slow({257, write, "&DXF mesh file", writeDxfMeshFile}),
-    slow({258, write, "&3DS mesh file", write3dsMeshFile}),
-    slow({259, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"}),
-    stoppable({2002, write, "e&xport other mesh file", exportOtherMesh}),
+    slow({commandid::writeDxf, write, "&DXF mesh file", writeDxfMeshFile}),
+    slow({commandid::write3ds, write, "&3DS mesh file", write3dsMeshFile}),
+    slow({commandid::writeObj, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"}),
+    stoppable({commandid::exportMesh, write, "e&xport other mesh file", exportOtherMesh}),
 
     {358, mode, "go to defa&ult mode", goTo<358>},
     {348, mode, "go to &edge-handling mode", goTo<348>},
@@ -347,9 +347,10 @@ constexpr auto table = std::to_array<Command>({
     {1068, makeObject, "face with spira&l edge", later},
     {283, makeObject, "alien &rifle", later},
 
-    {385, listMenu, "&show texture map numbers", toggleTextureNumbers, showsTextureNumbers},
+    {commandid::textureNumbers, listMenu, "&show texture map numbers", toggleTextureNumbers,
+     showsTextureNumbers},
 
-    {263, helpMenu, "&help", [] { platform().openHelp(); }},
+    {commandid::help, helpMenu, "&help", [] { platform().openHelp(); }},
 });
 
 /// Whether one of the shortcuts in `a` is one of those in `b`.

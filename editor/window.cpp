@@ -33,15 +33,13 @@ struct Handling {
     static inline int depth = 0;
 };
 
-constexpr int readFileCommand = 256; ///< what a drop and the start amount to
-
 bool readsFile(const Event& event) {
     return event.kind == EventKind::drop || event.kind == EventKind::start;
 }
 
 /// The command that the event is or amounts to, or null.
 const Command* commandOf(const Event& event) {
-    if (readsFile(event)) return findCommand(readFileCommand);
+    if (readsFile(event)) return findCommand(commandid::readMesh);
     return event.kind == EventKind::command ? findCommand(plainCommand(event.command)) : nullptr;
 }
 
@@ -61,9 +59,8 @@ std::string plain(std::string text) {
 
 /// What the menu calls the step that the event may lead to.
 std::string labelOf(const Event& event) {
-    constexpr int homeKey = 36;
     if (editorState.subview != 0) return plain(workbench.modeName) + " list";
-    if (event.kind == EventKind::keyDown && event.key == homeKey) return "box";
+    if (event.kind == EventKind::keyDown && event.key == key::home) return "box";
     if (const Command* const command = commandOf(event)) return plain(command->label);
     return event.kind == EventKind::command ? "" : plain(workbench.modeName);
 }

@@ -74,7 +74,15 @@ using MenuBar = std::vector<Menu>;
 /// Virtual-key codes that have a name here; letters and digits are their capital ASCII codes.
 namespace key {
 inline constexpr int shift = 16, ctrl = 17, alt = 18, escape = 27, pageUp = 33, pageDown = 34,
-                     f1 = 112, f2 = 113, f3 = 114;
+                     home = 36, del = 46, keypadPoint = 110, f1 = 112, f2 = 113, f3 = 114,
+                     fullStop = 190;
+}
+
+/// Commands that are spoken of outside of the command table.
+namespace commandid {
+inline constexpr int readMesh = 256, writeDxf = 257, write3ds = 258, writeObj = 259, help = 263,
+                     textureNumbers = 385, importMesh = 2001, exportMesh = 2002,
+                     firstRecentFile = 2020;
 }
 
 /// Mouse buttons as a bit set.

@@ -4,6 +4,7 @@
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "io/utf8.h"
+#include "platform/platform.h"
 #include "workbench/recent_files.h"
 
 #include <algorithm>
@@ -54,9 +55,8 @@ void openRecentFile(int number) {
 }
 
 int plainCommand(int id) {
-    constexpr int readCommand = 256, importCommand = 2001;
-    const RecentFile* const file = fileAt(id - firstRecentFileCommand);
-    return file == nullptr ? id : file->imported ? importCommand : readCommand;
+    const RecentFile* const file = fileAt(id - commandid::firstRecentFile);
+    return file == nullptr ? id : file->imported ? commandid::importMesh : commandid::readMesh;
 }
 
 } // namespace polyfab

@@ -6,8 +6,6 @@
 
 namespace polyfab {
 
-inline constexpr int firstRecentFileCommand = 2020;
-
 /// How the menu shows the file of this number, 0 the latest: greyed when it was found missing,
 /// hidden when there are fewer.
 [[nodiscard]] Shown shownRecentFile(int number);

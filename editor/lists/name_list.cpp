@@ -206,10 +206,8 @@ void onResize(const List&, const Event&) {
 }
 
 void onCommand(const List& list, const Event& event) {
-    constexpr int help = 263;
-    constexpr int showTextureNumbers = 385;
-    const bool numbers = event.command == showTextureNumbers && list.texturesShow;
-    if (event.command != help && !numbers) return;
+    const bool numbers = event.command == commandid::textureNumbers && list.texturesShow;
+    if (event.command != commandid::help && !numbers) return;
     runCommand(event.command);
     refresh(list);
 }

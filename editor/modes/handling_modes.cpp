@@ -21,8 +21,6 @@
 namespace polyfab {
 namespace {
 
-constexpr int deleteKey = 46;
-
 /// Where the button went down on the points that are dragged, and whether they have moved since.
 struct Grip {
     int x, y;
@@ -157,8 +155,8 @@ struct KeyRow {
 };
 
 constexpr auto keyRows = std::to_array<KeyRow>({
-    {'F', deleteKey, deleteCurrentFace},
-    {'E', deleteKey, deleteCurrentEdge},
+    {'F', key::del, deleteCurrentFace},
+    {'E', key::del, deleteCurrentEdge},
 });
 
 } // namespace

@@ -19,10 +19,6 @@ constexpr double stepFactor = 1.2;
 constexpr double mostSteps = 100; ///< of the wheel in one event
 constexpr double radiansPerPixel = std::numbers::pi / 360;
 
-namespace virtualKey {
-constexpr int home = 36, decimal = 110, fullStop = 190;
-}
-
 /// The drag with the middle button.
 struct MiddleDrag {
     bool runs = false;
@@ -73,8 +69,8 @@ void navigateByMouse(const Event& event) {
 void endNavigation() { drag = MiddleDrag(); }
 
 bool navigateByKey(int code) {
-    const bool fitsAll = code == virtualKey::home;
-    const bool fitsSelected = code == virtualKey::fullStop || code == virtualKey::decimal;
+    const bool fitsAll = code == key::home;
+    const bool fitsSelected = code == key::fullStop || code == key::keypadPoint;
     if (!fitsAll && !fitsSelected) return false;
     if (modeButtonsAreDown()) return true;
     if (fitsAll) {

@@ -12,14 +12,14 @@ namespace {
 
 struct WriterRow {
     std::string_view suffix;
-    const char* command;
+    int command;
 };
 
 /// The writer commands. The OBJ writer takes its two variants by a longer suffix; files of any
 /// other go to the exporter.
 constexpr WriterRow writerRows[] = {
-    {".obj", "259"}, {".obj-", "259"}, {".obj#", "259"},
-    {".dxf", "257"}, {".3ds", "258"},  {"", "2002"},
+    {".obj", commandid::writeObj}, {".obj-", commandid::writeObj}, {".obj#", commandid::writeObj},
+    {".dxf", commandid::writeDxf}, {".3ds", commandid::write3ds},  {"", commandid::exportMesh},
 };
 
 constexpr std::string_view ownSuffixes[] = {".obj", ".dxf", ".3ds"};
@@ -29,8 +29,10 @@ std::vector<std::string> readingSteps(const std::string& input) {
     const std::string name = lowerCase(input);
     const bool own = std::any_of(std::begin(ownSuffixes), std::end(ownSuffixes),
                                  [&](std::string_view suffix) { return name.ends_with(suffix); });
-    if (own) return {"--command", "256", "--answer", input};
-    return {"--command", "2001", "--answer", input, "--answer", "no"};
+    const int command = own ? commandid::readMesh : commandid::importMesh;
+    std::vector<std::string> steps{"--command", std::to_string(command), "--answer", input};
+    if (!own) steps.insert(steps.end(), {"--answer", "no"});
+    return steps;
 }
 
 bool hasSuffix(const std::string& path) {
@@ -51,8 +53,7 @@ Script convertScript(const std::vector<CommandInfo>& commands, const std::string
         std::find_if(std::begin(writerRows), std::end(writerRows),
                      [&](const WriterRow& row) { return name.ends_with(row.suffix); });
     std::vector<std::string> steps = readingSteps(input);
-    for (const char* const word : {"--command", writer->command, "--answer"}) steps.push_back(word);
-    steps.push_back(output);
+    steps.insert(steps.end(), {"--command", std::to_string(writer->command), "--answer", output});
     script = parseScript(commands, steps);
     script.stopAfterFailure = true;
     return script;

@@ -20,9 +20,12 @@ struct KeyRow {
 };
 
 constexpr KeyRow keypadRows[] = {
-    {Qt::Key_0, Qt::Key_9, 96},          {Qt::Key_Asterisk, Qt::Key_Asterisk, 106},
-    {Qt::Key_Plus, Qt::Key_Plus, 107},   {Qt::Key_Minus, Qt::Key_Minus, 109},
-    {Qt::Key_Comma, Qt::Key_Comma, 110}, {Qt::Key_Period, Qt::Key_Period, 110},
+    {Qt::Key_0, Qt::Key_9, 96},
+    {Qt::Key_Asterisk, Qt::Key_Asterisk, 106},
+    {Qt::Key_Plus, Qt::Key_Plus, 107},
+    {Qt::Key_Minus, Qt::Key_Minus, 109},
+    {Qt::Key_Comma, Qt::Key_Comma, key::keypadPoint},
+    {Qt::Key_Period, Qt::Key_Period, key::keypadPoint},
     {Qt::Key_Slash, Qt::Key_Slash, 111},
 };
 
@@ -47,11 +50,11 @@ constexpr KeyRow keyRows[] = {
     {Qt::Key_PageUp, Qt::Key_PageUp, key::pageUp},
     {Qt::Key_PageDown, Qt::Key_PageDown, key::pageDown},
     {Qt::Key_End, Qt::Key_End, 35},
-    {Qt::Key_Home, Qt::Key_Home, 36},
+    {Qt::Key_Home, Qt::Key_Home, key::home},
     {Qt::Key_Left, Qt::Key_Down, 37}, // left, up, right, down
     {Qt::Key_Print, Qt::Key_Print, 44},
     {Qt::Key_Insert, Qt::Key_Insert, 45},
-    {Qt::Key_Delete, Qt::Key_Delete, 46},
+    {Qt::Key_Delete, Qt::Key_Delete, key::del},
     {Qt::Key_Meta, Qt::Key_Meta, 91},
     {Qt::Key_Super_L, Qt::Key_Super_R, 91}, // left, right
     {Qt::Key_Menu, Qt::Key_Menu, 93},
@@ -65,8 +68,8 @@ constexpr KeyRow keyRows[] = {
     {Qt::Key_Less, Qt::Key_Less, 188},
     {Qt::Key_Minus, Qt::Key_Minus, 189},
     {Qt::Key_Underscore, Qt::Key_Underscore, 189},
-    {Qt::Key_Period, Qt::Key_Period, 190},
-    {Qt::Key_Greater, Qt::Key_Greater, 190},
+    {Qt::Key_Period, Qt::Key_Period, key::fullStop},
+    {Qt::Key_Greater, Qt::Key_Greater, key::fullStop},
     {Qt::Key_Slash, Qt::Key_Slash, 191},
     {Qt::Key_Question, Qt::Key_Question, 191},
     {Qt::Key_QuoteLeft, Qt::Key_QuoteLeft, 192},

@@ -8,7 +8,7 @@
 namespace polyfab::test {
 namespace {
 
-constexpr int deleteKey = 46;
+constexpr int deleteKey = key::del;
 
 int pixel(double position) { return static_cast<int>(std::lround(position)); }
 Spot left(double x, double y) { return {pixel(255 + 100 * x), pixel(255 - 100 * y)}; }

@@ -25,7 +25,8 @@ class RecentMenu : public WindowEvents {
     Log rows() {
         Log list;
         for (const MenuItem& item : items()) {
-            if (item.id < firstRecentFileCommand || item.id > firstRecentFileCommand + 9) continue;
+            if (item.id < commandid::firstRecentFile || item.id > commandid::firstRecentFile + 9)
+                continue;
             std::string label = item.label;
             if (const std::size_t at = label.find(folder.path("")); at != std::string::npos) {
                 label.erase(at, folder.path("").size());
@@ -48,7 +49,7 @@ TEST_F(RecentMenu, RowsChangeOnlyWithWhatThisEditorReads) {
     std::filesystem::remove(folder.path("a.obj"));
     send(EventKind::menuOpening);
     EXPECT_EQ(rows(), (Log{"&1 b.obj", "[&2 a.obj]"}));
-    command(firstRecentFileCommand);
+    command(commandid::firstRecentFile);
     EXPECT_EQ(workbench.fileName, folder.path("b.obj"));
     EXPECT_EQ(rows(), (Log{"&1 b.obj", "&2 c.obj", "&3 a.obj"})); // none was looked for again
 }
@@ -86,7 +87,7 @@ TEST_F(RecentMenu, ExportsAreThereWhenTheyCanBeImported) {
         EXPECT_TRUE(folder.has(name));
     }
     EXPECT_EQ(rows(), Log{"&1 a.PLY"});
-    EXPECT_EQ(plainCommand(firstRecentFileCommand), 2001);
+    EXPECT_EQ(plainCommand(commandid::firstRecentFile), 2001);
     exchangeProgram = folder.write("child", "#!/bin/sh\nexit 1");
     shown.files = {folder.path("e.ply")};
     command(2002);
