@@ -163,8 +163,8 @@ void handleEvent(const Event& event) {
 }
 
 const Program& editorProgram() {
-    static constexpr Program program = {handleEvent, listCommands, stateJson, writeDump,
-                                        useStateFolder};
+    static constexpr Program program = {handleEvent, listCommands,   stateJson,
+                                        writeDump,   useStateFolder, setUndoMemory};
     return program;
 }
 

@@ -218,6 +218,9 @@ struct CommandInfo {
 /// Takes a text piece by piece, in order.
 using TextSink = std::function<void(std::string_view piece)>;
 
+/// How often what is not saved is kept, unless somebody wants it otherwise.
+inline constexpr int usualRecoverySeconds = 120;
+
 /// What a backend needs of the program that it runs.
 struct Program {
     void (*handle)(const Event& event) = nullptr;
@@ -228,6 +231,8 @@ struct Program {
     /// Lets the program keep things from run to run in this folder, and what the user has not saved
     /// every so many seconds.
     void (*useStateFolder)(const std::string& folder, int recoverySeconds) = nullptr;
+    /// The bytes that undo may take; 0: there is none.
+    void (*setUndoMemory)(std::uint64_t bytes) = nullptr;
 };
 
 } // namespace polyfab

@@ -35,7 +35,7 @@ struct Step {
 struct Script {
     Size size{1024, 512};
     std::string stateFolder; ///< "": nothing is kept from run to run
-    int recoverySeconds = 120;
+    int recoverySeconds = usualRecoverySeconds;
     std::vector<Step> steps;
     bool stopAfterFailure = false; ///< an exclamation box ends the run after its step
     std::string error;             ///< why the command line is wrong; empty: it is sound
