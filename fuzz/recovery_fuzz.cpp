@@ -9,6 +9,7 @@
 #include "mesh/check.h"
 #include "mesh/pack_snapshot.h"
 #include "tests/support/fake_platform.h"
+#include "workbench/state.h"
 
 #include <string>
 #include <string_view>
