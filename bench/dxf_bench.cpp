@@ -35,11 +35,11 @@ void readMesh(benchmark::State& state, void (*build)(std::int64_t)) {
     const bench::ScratchFile file;
     build(state.range(0));
     const double faces = OB->nf;
-    if (!polyfab::writeDxfFile(file.path)) state.SkipWithError("no scratch file");
+    if (!polyfab::writeDxfFile(*OB, file.path)) state.SkipWithError("no scratch file");
     for (auto _ : state) {
         // Reading clears the mesh, which leaves the groups it had to whoever holds them.
         polyfab::Group* groups = OB->groups;
-        if (!polyfab::readDxfFile(file.path, false)) state.SkipWithError("not read");
+        if (!polyfab::readDxfFile(*OB, file.path, false)) state.SkipWithError("not read");
         polyfab::farfree(&groups);
     }
     if (OB->nf != faces) state.SkipWithError("faces are missing");
@@ -53,7 +53,7 @@ void writeGrid(benchmark::State& state) {
     const bench::ScratchFile file;
     bench::buildGridMesh(state.range(0));
     for (auto _ : state) {
-        if (!polyfab::writeDxfFile(file.path)) state.SkipWithError("not written");
+        if (!polyfab::writeDxfFile(*OB, file.path)) state.SkipWithError("not written");
     }
     bench::showRate(state, "faces", OB->nf);
 }

@@ -45,14 +45,14 @@ void readFile(benchmark::State& state, bool (*write)(const std::string&, std::in
     const ScratchFile file;
     if (!write(file.path, state.range(0))) state.SkipWithError("no scratch file");
     // On a virtual machine the first use of memory for a while also pays for its host's pages.
-    if (!polyfab::readObjFile(file.path, false)) state.SkipWithError("not read");
+    if (!polyfab::readObjFile(*OB, file.path, false)) state.SkipWithError("not read");
     OB->clear(true);
     const double before = residentBytes("VmRSS:");
     resetPeak();
     for (auto _ : state) {
         // Reading clears the mesh, which leaves the groups it had to whoever holds them.
         polyfab::Group* groups = OB->groups;
-        if (!polyfab::readObjFile(file.path, false)) state.SkipWithError("not read");
+        if (!polyfab::readObjFile(*OB, file.path, false)) state.SkipWithError("not read");
         polyfab::farfree(&groups);
     }
     state.counters["peak/records"] = (residentBytes("VmHWM:") - before) / recordBytes();
@@ -89,7 +89,7 @@ void writeGrid(benchmark::State& state) {
     const ScratchFile file;
     bench::buildGridMesh(state.range(0));
     for (auto _ : state) {
-        if (!polyfab::writeObjFile(file.path, 0)) state.SkipWithError("not written");
+        if (!polyfab::writeObjFile(*OB, file.path, 0)) state.SkipWithError("not written");
     }
     bench::showRate(state, "MB", file.megabytes());
 }

@@ -34,7 +34,7 @@ constexpr const char* noRoom = "";
 
 class Walk {
   public:
-    explicit Walk(std::span<const std::uint8_t> all) : bytes(all) {}
+    Walk(Mesh& to, std::span<const std::uint8_t> all) : mesh(to), bytes(all) {}
 
     /// Null, or the reason why it ended early.
     const char* run() {
@@ -87,6 +87,7 @@ class Walk {
     [[nodiscard]] bool verticesExist(std::size_t list, std::size_t count) const;
     [[nodiscard]] bool addTriangle(std::size_t p) const;
 
+    Mesh& mesh;
     std::span<const std::uint8_t> bytes;
     std::size_t at = 0;
     std::vector<Chunk> open; ///< the containers around the position
@@ -131,18 +132,18 @@ const char* Walk::enter(const Chunk& chunk, std::size_t inside) {
 }
 
 const char* Walk::enterMaterial(const Chunk& chunk) {
-    const int before = OB->nmat;
-    OB->addMaterial(0, "");
-    return OB->nmat == before ? noRoom : enterContainer(chunk);
+    const int before = mesh.nmat;
+    mesh.addMaterial(0, "");
+    return mesh.nmat == before ? noRoom : enterContainer(chunk);
 }
 
 const char* Walk::enterObject(const Chunk& chunk) {
     std::string_view name;
     if (!nameIn(chunk, name)) return runsOff;
-    const int before = OB->ng;
-    OB->curgroup = static_cast<std::int16_t>(OB->addGroup(name));
-    if (OB->ng == before) return noRoom;
-    pointBase = OB->np;
+    const int before = mesh.ng;
+    mesh.curgroup = static_cast<std::int16_t>(mesh.addGroup(name));
+    if (mesh.ng == before) return noRoom;
+    pointBase = mesh.np;
     return enter(chunk, chunk.start + headerSize + name.size() + 1);
 }
 
@@ -150,7 +151,7 @@ const char* Walk::enterFaces(const Chunk& chunk) {
     const std::size_t count = word(chunk.start + headerSize);
     const std::size_t list = chunk.start + listStart;
     if (listStart + count * triangleSize > left(chunk)) return "bad face list";
-    faceBase = OB->nf;
+    faceBase = mesh.nf;
     if (!verticesExist(list, count)) return "bad vertex number";
     for (std::size_t i = 0; i < count; ++i) {
         if (!addTriangle(list + i * triangleSize)) return noRoom;
@@ -162,14 +163,14 @@ const char* Walk::readMaterialName(const Chunk& chunk) {
     std::string_view name;
     if (!nameIn(chunk, name)) return runsOff;
     name = name.substr(0, nameSize - 1);
-    auto& field = OB->materials[OB->nmat - 1].name;
+    auto& field = mesh.materials[mesh.nmat - 1].name;
     std::memset(field, 0, sizeof field);
     std::copy(name.begin(), name.end(), field);
     return nullptr;
 }
 
 const char* Walk::readColor(const Chunk& chunk) {
-    OB->materials[OB->nmat - 1].color = longWord(chunk.start + headerSize) & 0xFFFFFF;
+    mesh.materials[mesh.nmat - 1].color = longWord(chunk.start + headerSize) & 0xFFFFFF;
     return nullptr;
 }
 
@@ -178,9 +179,9 @@ const char* Walk::readPoints(const Chunk& chunk) {
     if (listStart + count * pointSize > left(chunk)) return "bad vertex list";
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t p = chunk.start + listStart + i * pointSize;
-        const int before = OB->np;
-        OB->addPoint(real(p), real(p + 4), real(p + 8), false);
-        if (OB->np == before) return noRoom;
+        const int before = mesh.np;
+        mesh.addPoint(real(p), real(p + 4), real(p + 8), false);
+        if (mesh.np == before) return noRoom;
     }
     return nullptr;
 }
@@ -189,9 +190,9 @@ const char* Walk::readPoints(const Chunk& chunk) {
 const char* Walk::readMaterialGroup(const Chunk& chunk) {
     std::string_view name;
     if (!nameIn(chunk, name)) return runsOff;
-    const Material* const end = OB->materials + OB->nmat;
+    const Material* const end = mesh.materials + mesh.nmat;
     const Material* const material =
-        std::find_if(static_cast<const Material*>(OB->materials), end,
+        std::find_if(static_cast<const Material*>(mesh.materials), end,
                      [&](const Material& m) { return name.substr(0, nameSize - 1) == m.name; });
     if (material == end || faceBase < 0) return nullptr;
     std::size_t p = chunk.start + headerSize + name.size() + 1;
@@ -200,8 +201,9 @@ const char* Walk::readMaterialGroup(const Chunk& chunk) {
     p += 2;
     for (unsigned i = 0; i < count && p + 2 <= bytes.size(); ++i, p += 2) {
         const auto face = std::int64_t{faceBase} + word(p);
-        if (face >= OB->nf) continue;
-        OB->faces[face].mat = static_cast<std::int16_t>(indexIn<Material>(OB->materials, material));
+        if (face >= mesh.nf) continue;
+        mesh.faces[face].mat =
+            static_cast<std::int16_t>(indexIn<Material>(mesh.materials, material));
     }
     return nullptr;
 }
@@ -219,15 +221,15 @@ bool Walk::nameIn(const Chunk& chunk, std::string_view& name) const {
 bool Walk::verticesExist(std::size_t list, std::size_t count) const {
     for (std::size_t p = list; p < list + count * triangleSize; p += triangleSize) {
         const unsigned highest = std::max({word(p), word(p + 2), word(p + 4)});
-        if (std::int64_t{pointBase} + highest >= OB->np) return false;
+        if (std::int64_t{pointBase} + highest >= mesh.np) return false;
     }
     return true;
 }
 
 bool Walk::addTriangle(std::size_t p) const {
-    Point* const base = OB->points + pointBase;
+    Point* const base = mesh.points + pointBase;
     Point* const corners[] = {base + word(p), base + word(p + 2), base + word(p + 4)};
-    return OB->addFaceByPoints(corners, 3, false) != nullptr;
+    return mesh.addFaceByPoints(corners, 3, false) != nullptr;
 }
 
 int fail(const char* what, const std::string& path) {
@@ -249,15 +251,15 @@ std::size_t readUpTo(PieceReader& file, std::span<std::uint8_t> buffer) {
 
 } // namespace
 
-const char* add3dsChunks(std::span<const std::uint8_t> bytes) try {
-    return Walk(bytes).run();
+const char* add3dsChunks(Mesh& mesh, std::span<const std::uint8_t> bytes) try {
+    return Walk(mesh, bytes).run();
 } catch (const std::bad_alloc&) { // the stack of containers
     platform().message("I can't get enough memory", "containers", Icon::exclamation);
     return noRoom;
 }
 
-int read3dsFile(const std::string& path, bool append) {
-    if (!append) OB->clear(true);
+int read3dsFile(Mesh& mesh, const std::string& path, bool append) {
+    if (!append) mesh.clear(true);
     PieceReader file(path);
     if (!file.isOpen()) return fail("I can't open this file", path);
     Table<std::uint8_t> buffer(maxLength, 0);
@@ -271,11 +273,11 @@ int read3dsFile(const std::string& path, bool append) {
     if (id != 0x4D4D || length < headerSize || length > bytes.size()) {
         return fail("bad 3DS file", path);
     }
-    if (const char* fault = add3dsChunks(bytes.first(length))) {
+    if (const char* fault = add3dsChunks(mesh, bytes.first(length))) {
         if (*fault != 0) platform().message(path, fault, Icon::exclamation);
         return 0;
     }
-    OB->highlightPoint(-1);
+    mesh.highlightPoint(-1);
     return 1;
 }
 

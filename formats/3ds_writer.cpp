@@ -72,8 +72,8 @@ class Chunk {
 /// Builds the file; the first thing that does not fit ends it.
 class Writer {
   public:
-    explicit Writer(bool selectedOnly)
-        : onlySelected(selectedOnly), progress(4 * std::int64_t{OB->nf}) {}
+    Writer(const Mesh& from, bool selectedOnly)
+        : mesh(from), onlySelected(selectedOnly), progress(4 * std::int64_t{from.nf}) {}
 
     /// "", or what the file can't hold.
     std::string write();
@@ -82,6 +82,12 @@ class Writer {
     int leftOut = 0; ///< faces that were wanted, in groups without a selected face
 
   private:
+    [[nodiscard]] bool isSelected(int face) const { return mesh.faces[face].selected != 0; }
+    [[nodiscard]] std::span<const FaceCorner> cornersOf(int face) const {
+        return {mesh.faces[face].q, static_cast<std::size_t>(mesh.faces[face].n)};
+    }
+    [[nodiscard]] std::size_t triangleCount(std::span<const int> faces) const;
+
     void writeMaterials();
     void writeColor(std::uint32_t color);
     std::string writeGroups();
@@ -93,23 +99,18 @@ class Writer {
     void writeTriangles(std::span<const int> faces);
     void writeMaterialGroups();
 
+    const Mesh& mesh;
     bool onlySelected;
     LoopProgress progress; ///< each face is looked at four times
     // Of the group that is being written.
-    std::vector<int> points; ///< indices into OB->points in the order of their new numbers
+    std::vector<int> points; ///< indices into mesh.points, in the order of their new numbers
     std::vector<std::vector<std::uint16_t>> uses; ///< for each material, the triangles that have it
     // Of each point of the mesh.
     std::vector<int> listedFor; ///< the last group that listed it
     std::vector<std::uint16_t> number;
 };
 
-bool isSelected(int face) { return OB->faces[face].selected != 0; }
-
-std::span<const FaceCorner> cornersOf(int face) {
-    return {OB->faces[face].q, static_cast<std::size_t>(OB->faces[face].n)};
-}
-
-std::size_t triangleCount(std::span<const int> faces) {
+std::size_t Writer::triangleCount(std::span<const int> faces) const {
     std::size_t count = 0;
     for (const int face : faces) count += cornersOf(face).size() - 2;
     return count;
@@ -131,13 +132,13 @@ std::string Writer::write() {
 }
 
 void Writer::writeMaterials() {
-    for (int i = 0; i < OB->nmat; ++i) {
+    for (int i = 0; i < mesh.nmat; ++i) {
         const Chunk entry(out, 0xAFFF);
         {
             const Chunk name(out, 0xA000);
-            out.name(OB->materials[i].name);
+            out.name(mesh.materials[i].name);
         }
-        writeColor(OB->materials[i].color);
+        writeColor(mesh.materials[i].color);
     }
 }
 
@@ -150,19 +151,19 @@ void Writer::writeColor(std::uint32_t color) {
 }
 
 std::string Writer::writeGroups() {
-    listedFor.assign(static_cast<std::size_t>(OB->np), -1);
-    number.resize(static_cast<std::size_t>(OB->np));
-    uses.resize(static_cast<std::size_t>(OB->nmat));
+    listedFor.assign(static_cast<std::size_t>(mesh.np), -1);
+    number.resize(static_cast<std::size_t>(mesh.np));
+    uses.resize(static_cast<std::size_t>(mesh.nmat));
     FaceList faces;
-    for (int i = 0; i < OB->nf; ++i) {
+    for (int i = 0; i < mesh.nf; ++i) {
         progress.step();
         if (isSelected(i) || !onlySelected) faces.push_back(i);
     }
-    faces = sortedBy(faces, OB->ng, [](int face) { return OB->faces[face].g; });
+    faces = sortedBy(faces, mesh.ng, [&](int face) { return mesh.faces[face].g; });
     for (auto first = faces.begin(); first != faces.end() && !out.tooLong();) {
-        const int group = OB->faces[*first].g;
+        const int group = mesh.faces[*first].g;
         const auto last =
-            std::find_if(first, faces.end(), [&](int face) { return OB->faces[face].g != group; });
+            std::find_if(first, faces.end(), [&](int face) { return mesh.faces[face].g != group; });
         const std::string fault = writeGroup({first, last});
         if (!fault.empty()) return fault;
         first = last;
@@ -171,7 +172,7 @@ std::string Writer::writeGroups() {
 }
 
 std::string Writer::writeGroup(std::span<const int> faces) {
-    if (std::none_of(faces.begin(), faces.end(), isSelected)) {
+    if (std::none_of(faces.begin(), faces.end(), [&](int face) { return isSelected(face); })) {
         leftOut += static_cast<int>(faces.size());
         return "";
     }
@@ -179,7 +180,7 @@ std::string Writer::writeGroup(std::span<const int> faces) {
     std::string fault = refuse(faces);
     if (!fault.empty()) return fault;
     const Chunk object(out, 0x4000);
-    out.name(OB->groups[OB->faces[faces.front()].g].name);
+    out.name(mesh.groups[mesh.faces[faces.front()].g].name);
     const Chunk triangles(out, 0x4100);
     writePoints();
     writeTriangles(faces);
@@ -193,7 +194,7 @@ std::string Writer::refuse(std::span<const int> faces) const {
         return std::isfinite(static_cast<float>(value)) || !std::isfinite(value);
     };
     const auto pointFits = [&](int i) {
-        const Point& point = OB->points[i];
+        const Point& point = mesh.points[i];
         return fits(point.x) && fits(point.y) && fits(point.z);
     };
     const char* fault = nullptr;
@@ -203,7 +204,7 @@ std::string Writer::refuse(std::span<const int> faces) const {
         fault = "can't have a coordinate beyond 3.4e38";
     }
     if (fault == nullptr) return "";
-    const char* const name = OB->groups[OB->faces[faces.front()].g].name;
+    const char* const name = mesh.groups[mesh.faces[faces.front()].g].name;
     return "in a 3DS file the group \"" + std::string(name) + "\" " + fault;
 }
 
@@ -224,10 +225,10 @@ void Writer::addPointsOf(std::span<const int> faces, bool selected) {
         progress.step();
         if (isSelected(face) != selected) continue;
         for (const FaceCorner& corner : cornersOf(face)) {
-            const int point = indexIn(OB->points, corner.p);
+            const int point = indexIn(mesh.points, corner.p);
             int& listed = listedFor[static_cast<std::size_t>(point)];
-            if (listed != OB->faces[face].g) points.push_back(point);
-            listed = OB->faces[face].g;
+            if (listed != mesh.faces[face].g) points.push_back(point);
+            listed = mesh.faces[face].g;
         }
     }
     std::sort(points.begin() + before, points.end());
@@ -237,7 +238,7 @@ void Writer::writePoints() {
     const Chunk list(out, 0x4110);
     out.word(points.size());
     for (const int i : points) {
-        const Point& point = OB->points[i];
+        const Point& point = mesh.points[i];
         for (const double value : {point.x, point.y, point.z}) out.real(value);
     }
 }
@@ -246,7 +247,7 @@ void Writer::writePoints() {
 void Writer::writeTriangles(std::span<const int> faces) {
     for (auto& triangles : uses) triangles.clear();
     const auto writeNumber = [&](const FaceCorner& corner) {
-        out.word(number[static_cast<std::size_t>(indexIn(OB->points, corner.p))]);
+        out.word(number[static_cast<std::size_t>(indexIn(mesh.points, corner.p))]);
     };
     const Chunk list(out, 0x4120);
     out.word(triangleCount(faces));
@@ -254,7 +255,7 @@ void Writer::writeTriangles(std::span<const int> faces) {
     for (const int face : faces) {
         progress.step();
         const auto corners = cornersOf(face);
-        auto& triangles = uses[static_cast<std::size_t>(OB->faces[face].mat)];
+        auto& triangles = uses[static_cast<std::size_t>(mesh.faces[face].mat)];
         for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
             for (const std::size_t k : {std::size_t{0}, i, i + 1}) writeNumber(corners[k]);
             out.word(allEdgesVisible);
@@ -266,7 +267,7 @@ void Writer::writeTriangles(std::span<const int> faces) {
 void Writer::writeMaterialGroups() {
     for (std::size_t i = 0; i < uses.size(); ++i) {
         const Chunk group(out, 0x4130);
-        out.name(OB->materials[i].name);
+        out.name(mesh.materials[i].name);
         out.word(uses[i].size());
         for (const std::uint16_t triangle : uses[i]) out.word(triangle);
     }
@@ -279,13 +280,13 @@ int fail(const std::string& what, const std::string& path) {
 
 } // namespace
 
-int write3dsFile(const std::string& path) try {
-    if (!collectGarbage(*OB)) return 0;
+int write3dsFile(Mesh& mesh, const std::string& path) try {
+    if (!collectGarbage(mesh)) return 0;
     moveProgress();
     forgetCurrentEdge();
     stale.edges = true;
-    const bool onlySelected = askOnlySelected(true);
-    Writer writer(onlySelected);
+    const bool onlySelected = askOnlySelected(mesh, true);
+    Writer writer(mesh, onlySelected);
     const std::string fault = writer.write();
     if (!fault.empty()) return fail(fault, path);
     SaveFile file;

@@ -104,6 +104,8 @@ bool isLetter(char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
 /// The reading pass.
 class Reader {
   public:
+    explicit Reader(Mesh& to) : mesh(to) {}
+
     /// Number of boundaries, or nothing when there was no room for what the file holds.
     std::optional<int> read(Lines& lines);
 
@@ -112,7 +114,8 @@ class Reader {
     bool addEntity();
     void setField(std::int64_t code, std::string_view value);
 
-    PointIndex points{*OB};
+    Mesh& mesh;
+    PointIndex points{mesh};
     // Made behind the first face, which may have made the default material.
     std::optional<NameTable> materials;
     std::array<std::array<double, 3>, 4> corners{}; ///< of the entity
@@ -171,10 +174,11 @@ bool Reader::addEntity() {
     // The layer of a degenerate entity stays for the next one.
     if (found[0] == found[2] || found[1] == found[3]) return true;
     Point* list[4];
-    std::transform(std::begin(found), std::end(found), list, [](int i) { return OB->points + i; });
-    Face* const face = OB->addFaceByPoints(list, 4, true);
+    std::transform(std::begin(found), std::end(found), list,
+                   [&](int i) { return mesh.points + i; });
+    Face* const face = mesh.addFaceByPoints(list, 4, true);
     if (face == nullptr) return false;
-    if (!materials) materials.emplace(*OB, NameTable::Kind::materials);
+    if (!materials) materials.emplace(mesh, NameTable::Kind::materials);
     const int material = materials->findOrAdd(layer.empty() ? "defaultmat" : layer);
     face->mat = static_cast<std::int16_t>(material);
     layer.clear();
@@ -188,13 +192,14 @@ std::int64_t countEntities(Lines& lines) {
     return count;
 }
 
-bool reserve(std::int64_t entities) {
-    return OB->growFaces(OB->nf + entities, false) && OB->growCorners(OB->nq + 4 * entities, false)
-           && OB->growPoints(OB->np + 4 * entities, false);
+bool reserve(Mesh& mesh, std::int64_t entities) {
+    return mesh.growFaces(mesh.nf + entities, false)
+           && mesh.growCorners(mesh.nq + 4 * entities, false)
+           && mesh.growPoints(mesh.np + 4 * entities, false);
 }
 
 /// Number of boundaries; or 0, after a message unless the user stopped it.
-int readEntities(const std::string& path) try {
+int readEntities(Mesh& mesh, const std::string& path) try {
     Lines counted(path, Pass::counting);
     Lines lines(path, Pass::reading);
     if (!counted.isOpen() || !lines.isOpen()) {
@@ -202,8 +207,8 @@ int readEntities(const std::string& path) try {
         return 0;
     }
     const std::int64_t entities = countEntities(counted);
-    if (counted.stopped() || !reserve(entities)) return 0;
-    const std::optional<int> boundaries = Reader().read(lines);
+    if (counted.stopped() || !reserve(mesh, entities)) return 0;
+    const std::optional<int> boundaries = Reader(mesh).read(lines);
     if (!boundaries || lines.stopped()) return 0;
     if (counted.failed() || lines.failed()) {
         complain("I can't read this file", path);
@@ -218,15 +223,15 @@ int readEntities(const std::string& path) try {
 
 } // namespace
 
-int readDxfFile(const std::string& path, bool append) {
-    if (!append) OB->clear(true);
+int readDxfFile(Mesh& mesh, const std::string& path, bool append) {
+    if (!append) mesh.clear(true);
     const std::string title = titleUpTo(128);
-    const int boundaries = readEntities(path);
+    const int boundaries = readEntities(mesh, path);
     if (boundaries == 0) return 0;
     stale.edges = true;
     platform().setTitle(title);
-    OB->highlightPoint(-1);
-    collectGarbage(*OB);
+    mesh.highlightPoint(-1);
+    collectGarbage(mesh);
     return boundaries;
 }
 

@@ -52,9 +52,9 @@ void writeFan(SaveFile& file, Corners c) {
 
 /// Names the layer of the face just written, behind its last entity: a reader gives that one the
 /// material and the others of the fan "material0".
-void writeLayer(SaveFile& file, int material) {
+void writeLayer(SaveFile& file, const Mesh& mesh, int material) {
     std::string name = "THE VOID";
-    if (material >= 0 && material < OB->nmat) name = OB->materials[material].name;
+    if (material >= 0 && material < mesh.nmat) name = mesh.materials[material].name;
     // A line end inside a name would shift all the pairs that follow.
     std::replace_if(
         name.begin(), name.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
@@ -68,9 +68,9 @@ bool fitsALine(const FaceCorner& corner) {
 }
 
 /// False after a message when a coordinate cannot be written.
-bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
-    LoopProgress progress(OB->nf);
-    for (const Face& face : allFaces(*OB)) {
+bool writeFaces(SaveFile& file, const Mesh& mesh, bool onlySelected, const std::string& path) {
+    LoopProgress progress(mesh.nf);
+    for (const Face& face : allFaces(mesh)) {
         progress.step();
         if (!isLive(face) || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         const Corners fan = corners(face);
@@ -85,21 +85,21 @@ bool writeFaces(SaveFile& file, bool onlySelected, const std::string& path) {
             continue;
         }
         writeFan(file, fan);
-        if (face.mat != 0) writeLayer(file, face.mat);
+        if (face.mat != 0) writeLayer(file, mesh, face.mat);
     }
     return true;
 }
 
 } // namespace
 
-int writeDxfFile(const std::string& path) {
+int writeDxfFile(const Mesh& mesh, const std::string& path) {
     SaveFile file;
     // The file first: nobody is asked about a file that cannot be made.
     if (!file.open(path)) return 0;
     file.append("0\nSECTION\n2\nENTITIES\n");
-    const bool onlySelected = askOnlySelected(true);
+    const bool onlySelected = askOnlySelected(mesh, true);
     workbench.wholeMeshWritten = !onlySelected;
-    bool written = writeFaces(file, onlySelected, path);
+    bool written = writeFaces(file, mesh, onlySelected, path);
     file.append("0\nENDSEC\n0\nEOF\n");
     written = written && file.commit();
     if (!written) workbench.wholeMeshWritten = false;

@@ -6,7 +6,9 @@
 
 namespace polyfab {
 
-/// Writes the live faces of OB to `path` in the order of the array, each as a fan of quadrilaterals
+struct Mesh;
+
+/// Writes the live faces to `path` in the order of the array, each as a fan of quadrilaterals
 /// and triangles with three decimals. When a face is not selected (a deleted one counts) it asks
 /// whether only the selected ones are wanted. Left out are faces of fewer than three corners and
 /// those with a corner that has no point.
@@ -14,6 +16,6 @@ namespace polyfab {
 /// 1 on success, `workbench.wholeMeshWritten` then tells whether all faces were written. 0 after
 /// a message when a coordinate is not finite or too large for a line, and without one when the file
 /// cannot be created or written; an old file is then as it was.
-[[nodiscard]] int writeDxfFile(const std::string& path);
+[[nodiscard]] int writeDxfFile(const Mesh& mesh, const std::string& path);
 
 } // namespace polyfab

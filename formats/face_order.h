@@ -8,7 +8,7 @@
 
 namespace polyfab {
 
-using FaceList = std::vector<int>; ///< indices into OB->faces
+using FaceList = std::vector<int>; ///< indices of faces in the mesh
 
 /// Orders the faces by a key in [0, keys); faces of the same key keep their order.
 template <typename Key>

@@ -17,8 +17,8 @@ void complain(const std::string& what, const std::string& path) {
     platform().message(what, path, Icon::exclamation);
 }
 
-bool meshIsSound(const char* title) {
-    const char* const fault = check(*OB);
+bool meshIsSound(const Mesh& mesh, const char* title) {
+    const char* const fault = check(mesh);
     if (fault != nullptr) platform().message(title, fault, Icon::exclamation);
     return fault == nullptr;
 }
@@ -28,12 +28,12 @@ void setFileName(const std::string& path) {
     workbench.lastChosen = path.substr(path.find_last_of('/') + 1);
 }
 
-void resetForNewMesh() {
-    OB->curface = OB->curvertex = OB->curtexcoord = -1;
+void resetForNewMesh(Mesh& mesh) {
+    mesh.curface = mesh.curvertex = mesh.curtexcoord = -1;
     forgetCurrentEdge();
     stale.edges = true;
-    fitView(*OB);
-    fitBox(*OB, false);
+    fitView(mesh);
+    fitBox(mesh, false);
 }
 
 bool readsOn(const PieceReader& file, Pass pass) {

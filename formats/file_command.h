@@ -8,18 +8,19 @@
 namespace polyfab {
 
 class PieceReader;
+struct Mesh;
 
 /// A message about a file: its path is the text, what happened the title.
 void complain(const std::string& what, const std::string& path);
 
 /// Shows the fault that the integrity check finds under this title. True when there is none.
-[[nodiscard]] bool meshIsSound(const char* title);
+[[nodiscard]] bool meshIsSound(const Mesh& mesh, const char* title);
 
 /// Makes this the current file, whose name the next file dialog offers.
 void setFileName(const std::string& path);
 
 /// No current elements; the view fitted anew, and the box around the mesh.
-void resetForNewMesh();
+void resetForNewMesh(Mesh& mesh);
 
 /// Which part of reading a file a pass over it is.
 enum class Pass { only, counting, reading };

@@ -55,16 +55,16 @@ void explain(const char* what, const std::string& path, const std::string& reaso
 // Import.
 
 /// Why the mesh cannot take these tables up; "" when it can.
-std::string refusal(const StreamView& view, bool append) {
+std::string refusal(const Mesh& mesh, const StreamView& view, bool append) {
     const auto tooMany = [append](std::int64_t present, std::size_t added, std::int64_t limit) {
         return static_cast<std::int64_t>(added) > limit - (append ? present : 0);
     };
     constexpr std::int64_t maxCount = std::numeric_limits<std::int32_t>::max();
-    if (tooMany(OB->ng, view.groups.size(), maxIndexed)) return "it has too many groups";
-    if (tooMany(OB->nmat, view.materials.size(), maxIndexed)) return "it has too many materials";
-    if (tooMany(OB->np, view.points.size(), maxCount)
-        || tooMany(OB->nq, view.corners.size(), maxCount)
-        || tooMany(OB->nf, view.faces.size(), maxCount)) {
+    if (tooMany(mesh.ng, view.groups.size(), maxIndexed)) return "it has too many groups";
+    if (tooMany(mesh.nmat, view.materials.size(), maxIndexed)) return "it has too many materials";
+    if (tooMany(mesh.np, view.points.size(), maxCount)
+        || tooMany(mesh.nq, view.corners.size(), maxCount)
+        || tooMany(mesh.nf, view.faces.size(), maxCount)) {
         return "the mesh would be too large";
     }
     const bool wide = std::any_of(view.faces.begin(), view.faces.end(),
@@ -73,19 +73,19 @@ std::string refusal(const StreamView& view, bool append) {
 }
 
 /// Room for all, so that adding neither fails nor moves an array.
-bool reserve(const StreamView& view) {
+bool reserve(Mesh& mesh, const StreamView& view) {
     const auto sum = [](std::int64_t present, std::size_t added) {
         return present + static_cast<std::int64_t>(added);
     };
-    return OB->growPoints(sum(OB->np, view.points.size()), true)
-           && OB->growNormals(sum(OB->nd, view.normals.size()), true)
-           && OB->growTexCoords(sum(OB->nt, view.texcoords.size()), true)
-           && OB->growCorners(sum(OB->nq, view.corners.size()), true)
-           && OB->growFaces(sum(OB->nf, view.faces.size()), true);
+    return mesh.growPoints(sum(mesh.np, view.points.size()), true)
+           && mesh.growNormals(sum(mesh.nd, view.normals.size()), true)
+           && mesh.growTexCoords(sum(mesh.nt, view.texcoords.size()), true)
+           && mesh.growCorners(sum(mesh.nq, view.corners.size()), true)
+           && mesh.growFaces(sum(mesh.nf, view.faces.size()), true);
 }
 
-std::vector<std::int16_t> addGroups(const StreamView& view) {
-    NameTable table(*OB, NameTable::Kind::groups);
+std::vector<std::int16_t> addGroups(Mesh& mesh, const StreamView& view) {
+    NameTable table(mesh, NameTable::Kind::groups);
     std::vector<std::int16_t> indices;
     for (const std::string_view name : view.groups) {
         indices.push_back(static_cast<std::int16_t>(table.findOrAdd(cleanName(name))));
@@ -94,45 +94,45 @@ std::vector<std::int16_t> addGroups(const StreamView& view) {
 }
 
 /// A material of the mesh stands for one of the file when name and colour are the same.
-std::vector<std::int16_t> addMaterials(const StreamView& view) {
+std::vector<std::int16_t> addMaterials(Mesh& mesh, const StreamView& view) {
     std::map<std::pair<std::string, std::uint32_t>, int> known;
-    for (int i = 0; i < OB->nmat; ++i) {
-        known.try_emplace({OB->materials[i].name, OB->materials[i].color}, i);
+    for (int i = 0; i < mesh.nmat; ++i) {
+        known.try_emplace({mesh.materials[i].name, mesh.materials[i].color}, i);
     }
     std::vector<std::int16_t> indices;
     for (std::size_t i = 0; i < view.materials.size(); ++i) {
         const std::string name = cleanName(view.materials[i]);
         const std::uint32_t color = view.colors[i] & 0xFFFFFF;
         const auto [entry, isNew] = known.try_emplace({name, color}, 0);
-        if (isNew) entry->second = OB->addMaterial(color, name);
+        if (isNew) entry->second = mesh.addMaterial(color, name);
         indices.push_back(static_cast<std::int16_t>(entry->second));
     }
     return indices;
 }
 
 /// Adds the tables to the mesh. False, and the mesh empty, when there is no room.
-bool addTables(const StreamView& view) {
-    const auto [np, nt, nd] = std::tuple(OB->np, OB->nt, OB->nd);
-    if (!reserve(view)) {
-        OB->clear(true);
+bool addTables(Mesh& mesh, const StreamView& view) {
+    const auto [np, nt, nd] = std::tuple(mesh.np, mesh.nt, mesh.nd);
+    if (!reserve(mesh, view)) {
+        mesh.clear(true);
         return false;
     }
-    for (const Vec3& p : view.points) OB->addPoint(finite(p.x), finite(p.y), finite(p.z), false);
-    for (const Vec3& d : view.normals) OB->addNormal(finite(d.x), finite(d.y), finite(d.z));
-    for (const StreamTexCoord& t : view.texcoords) OB->addTexCoord(finite(t.u), finite(t.v));
-    const std::vector<std::int16_t> groups = addGroups(view);
-    const std::vector<std::int16_t> materials = addMaterials(view);
+    for (const Vec3& p : view.points) mesh.addPoint(finite(p.x), finite(p.y), finite(p.z), false);
+    for (const Vec3& d : view.normals) mesh.addNormal(finite(d.x), finite(d.y), finite(d.z));
+    for (const StreamTexCoord& t : view.texcoords) mesh.addTexCoord(finite(t.u), finite(t.v));
+    const std::vector<std::int16_t> groups = addGroups(mesh, view);
+    const std::vector<std::int16_t> materials = addMaterials(mesh, view);
     const StreamCorner* next = view.corners.data();
     LoopProgress progress(std::ssize(view.faces));
     for (const StreamFace& face : view.faces) {
         progress.step();
-        OB->curgroup = groups[static_cast<std::size_t>(face.group)];
-        OB->curmat = materials[static_cast<std::size_t>(face.material)];
-        FaceCorner* corner = OB->newFace(face.corners)->q;
+        mesh.curgroup = groups[static_cast<std::size_t>(face.group)];
+        mesh.curmat = materials[static_cast<std::size_t>(face.material)];
+        FaceCorner* corner = mesh.newFace(face.corners)->q;
         for (int k = 0; k < face.corners; ++k, ++corner, ++next) {
-            corner->p = OB->points + np + next->point;
-            if (next->texcoord >= 0) corner->t = OB->texcoords + nt + next->texcoord;
-            if (next->normal >= 0) corner->d = OB->normals + nd + next->normal;
+            corner->p = mesh.points + np + next->point;
+            if (next->texcoord >= 0) corner->t = mesh.texcoords + nt + next->texcoord;
+            if (next->normal >= 0) corner->d = mesh.normals + nd + next->normal;
             corner->edgeuse = 2;
         }
     }
@@ -141,7 +141,7 @@ bool addTables(const StreamView& view) {
 
 /// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
 /// it grew.
-std::string importFile(const std::string& path, bool append) try {
+std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"import", path}, -1, bytes);
@@ -150,10 +150,10 @@ std::string importFile(const std::string& path, bool append) try {
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
     if (!view.failure.empty()) return std::string(view.failure);
-    reason = refusal(view, append);
+    reason = refusal(mesh, view, append);
     if (!reason.empty()) return reason;
-    if (!append) OB->clear(true);
-    return addTables(view) ? "" : "there is not enough memory";
+    if (!append) mesh.clear(true);
+    return addTables(mesh, view) ? "" : "there is not enough memory";
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
@@ -181,13 +181,13 @@ class UsedElements {
     std::vector<std::int32_t> numbers;
 };
 
-StreamTables tablesOf(bool onlySelected) {
+StreamTables tablesOf(const Mesh& mesh, bool onlySelected) {
     StreamTables tables;
-    UsedElements points(OB->points, OB->np, tables.points);
-    UsedElements texcoords(OB->texcoords, OB->nt, tables.texcoords);
-    UsedElements normals(OB->normals, OB->nd, tables.normals);
-    LoopProgress progress(OB->nf);
-    for (const Face& face : allFaces(*OB)) {
+    UsedElements points(mesh.points, mesh.np, tables.points);
+    UsedElements texcoords(mesh.texcoords, mesh.nt, tables.texcoords);
+    UsedElements normals(mesh.normals, mesh.nd, tables.normals);
+    LoopProgress progress(mesh.nf);
+    for (const Face& face : allFaces(mesh)) {
         progress.step();
         if (!isLive(face) || face.n < 3 || (onlySelected && face.selected == 0)) continue;
         tables.faces.push_back({face.n, face.g, face.mat});
@@ -197,19 +197,19 @@ StreamTables tablesOf(bool onlySelected) {
                                       d != nullptr ? normals.number(d, {d->x, d->y, d->z}) : -1});
         }
     }
-    for (int i = 0; i < OB->ng; ++i) tables.groups.emplace_back(OB->groups[i].name);
-    for (int i = 0; i < OB->nmat; ++i) {
-        tables.materials.emplace_back(OB->materials[i].name);
-        tables.colors.push_back(OB->materials[i].color);
+    for (int i = 0; i < mesh.ng; ++i) tables.groups.emplace_back(mesh.groups[i].name);
+    for (int i = 0; i < mesh.nmat; ++i) {
+        tables.materials.emplace_back(mesh.materials[i].name);
+        tables.colors.push_back(mesh.materials[i].color);
     }
     return tables;
 }
 
 /// A file in memory with the mesh in it, for the child to read; -1 when that fails.
-int streamFile(bool onlySelected) {
+int streamFile(const Mesh& mesh, bool onlySelected) {
     const int file = ::memfd_create("mesh", MFD_CLOEXEC);
     if (file < 0) return -1;
-    const StreamTables tables = tablesOf(onlySelected);
+    const StreamTables tables = tablesOf(mesh, onlySelected);
     moveProgress();
     if (writeStream(file, tables)) return file;
     ::close(file);
@@ -272,10 +272,11 @@ std::string saveAll(const fs::path& folder, const fs::path& target, SaveFile& fi
 }
 
 /// Returns "" or why the old file is as it was.
-std::string exportFile(const std::string& path, bool onlySelected, SaveFile& file) try {
+std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
+                       SaveFile& file) try {
     const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
     const ScratchFolder folder;
-    const int input = folder.path.empty() ? -1 : streamFile(onlySelected);
+    const int input = folder.path.empty() ? -1 : streamFile(mesh, onlySelected);
     if (input < 0) return "there is no room for temporary files";
     const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
@@ -315,16 +316,17 @@ void importOtherMesh() {
 }
 
 void importNamedMesh(const std::string& path, bool append) {
-    if (!meshIsSound("mesh fault before reading")) return;
-    const std::string reason = importFile(path, append);
+    Mesh& mesh = *OB;
+    if (!meshIsSound(mesh, "mesh fault before reading")) return;
+    const std::string reason = importFile(mesh, path, append);
     if (!reason.empty()) {
         explain("I tried to read this file but it didn't work", path, reason);
         return;
     }
     setFileName(path);
     noteRecentFile(path, true);
-    resetForNewMesh();
-    static_cast<void>(meshIsSound("mesh fault after reading"));
+    resetForNewMesh(mesh);
+    static_cast<void>(meshIsSound(mesh, "mesh fault after reading"));
     updateTitle();
 }
 
@@ -333,11 +335,12 @@ void exportOtherMesh() {
                                              "file to export mesh to?",
                                              {{"common mesh files", common}, {"all files", "*"}},
                                              workbench.lastChosen});
-    if (!path || !meshIsSound("mesh fault before writing")) return;
+    const Mesh& mesh = *OB;
+    if (!path || !meshIsSound(mesh, "mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";
     SaveFile file;
     if (!file.open(*path)) return explain(failed, *path, "can't open file");
-    const std::string reason = exportFile(*path, askOnlySelected(false), file);
+    const std::string reason = exportFile(mesh, *path, askOnlySelected(mesh, false), file);
     if (!reason.empty()) return explain(failed, *path, reason);
     if (isCommon(*path)) noteRecentFile(*path, true);
 }

@@ -28,7 +28,7 @@ namespace {
 
 struct Format {
     std::string_view suffix;
-    int (*read)(const std::string& path, bool append);
+    int (*read)(Mesh& mesh, const std::string& path, bool append);
 };
 
 constexpr Format formats[] = {{".dxf", readDxfFile}, {".3ds", read3dsFile}, {".obj", readObjFile}};
@@ -45,11 +45,12 @@ bool endsIn(std::string_view path, std::string_view suffix) {
 enum class Outcome { read, failed, refused };
 
 /// Runs the reader that the suffix names, or the OBJ reader where the user wants that.
-Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
+Outcome dispatchRead(Mesh& mesh, const std::string& path, bool append, Busy& busy) {
     const auto row =
         std::find_if(std::begin(formats), std::end(formats),
                      [&](const Format& format) { return endsIn(path, format.suffix); });
-    if (row != std::end(formats)) return row->read(path, append) ? Outcome::read : Outcome::failed;
+    const auto outcome = [](int done) { return done ? Outcome::read : Outcome::failed; };
+    if (row != std::end(formats)) return outcome(row->read(mesh, path, append));
     if (platform().question("do you want me to read this file as .OBJ?", path, Buttons::yesNo)
         != Choice::yes) {
         busy.end();
@@ -57,40 +58,40 @@ Outcome dispatchRead(const std::string& path, bool append, Busy& busy) {
         return Outcome::refused;
     }
     // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
-    return readObjFile(path, displayOptions.unselectedGrey) ? Outcome::read : Outcome::failed;
+    return outcome(readObjFile(mesh, path, displayOptions.unselectedGrey));
 }
 
 /// What a failed read leaves: no geometry, but the names that were there.
-void emptyMesh() {
-    OB->np = OB->nq = OB->nf = 0;
-    OB->settleLostArrays();
+void emptyMesh(Mesh& mesh) {
+    mesh.np = mesh.nq = mesh.nf = 0;
+    mesh.settleLostArrays();
 }
 
-void readFile(const std::string& path, bool append) {
+void readFile(Mesh& mesh, const std::string& path, bool append) {
     setFileName(path);
-    if (!meshIsSound("mesh fault before reading")) return;
-    collectGarbage(*OB);
+    if (!meshIsSound(mesh, "mesh fault before reading")) return;
+    collectGarbage(mesh);
     moveProgress();
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
-    const Outcome outcome = dispatchRead(path, append, busy);
+    const Outcome outcome = dispatchRead(mesh, path, append, busy);
     if (outcome == Outcome::refused) return;
     tellTooLateToStop();
     if (outcome == Outcome::failed) {
         complain("I tried to read this file but it didn't work", path);
-        emptyMesh();
+        emptyMesh(mesh);
     }
     if (outcome == Outcome::read) noteRecentFile(path, false);
     busy.end();
     // A split appends a face, which is tidied in its turn.
-    LoopProgress progress(OB->nf);
-    for (int face = 0; face < OB->nf; ++face) {
+    LoopProgress progress(mesh.nf);
+    for (int face = 0; face < mesh.nf; ++face) {
         progress.step();
-        tidyFace(*OB, face, true);
+        tidyFace(mesh, face, true);
     }
-    resetForNewMesh();
-    static_cast<void>(meshIsSound("mesh fault after reading"));
+    resetForNewMesh(mesh);
+    static_cast<void>(meshIsSound(mesh, "mesh fault after reading"));
 }
 
 void askAndRead(bool append) {
@@ -102,7 +103,7 @@ void askAndRead(bool append) {
                                               {"OBJ files", "*.OBJ"}},
                                              workbench.lastChosen});
     if (!path) return;
-    readFile(*path, append);
+    readFile(*OB, *path, append);
     updateTitle();
 }
 
@@ -117,17 +118,17 @@ std::string objFileOf(const std::string& chosen) {
 
 /// 1: the command counts as done (which a plain write does even when it failed; its own message has
 /// said so, and the mesh still counts as altered).
-int writeObjVariant(const std::string& chosen) {
+int writeObjVariant(Mesh& mesh, const std::string& chosen) {
     const std::string path = objFileOf(chosen);
     workbench.fileName = path;
     if (endsIn(chosen, ".obj#")) {
-        if (writeObjFile(path, objTrace)) return 1;
-        OB->changed = 1;
+        if (writeObjFile(mesh, path, objTrace)) return 1;
+        mesh.changed = 1;
         return 0;
     }
-    if (endsIn(chosen, ".obj") && writeObjFile(path, objPlain)) return 1;
-    if (endsIn(chosen, ".obj-") && writeObjFile(path, objRelative)) return 1;
-    (void)writeObjFile(path, objPlain);
+    if (endsIn(chosen, ".obj") && writeObjFile(mesh, path, objPlain)) return 1;
+    if (endsIn(chosen, ".obj-") && writeObjFile(mesh, path, objRelative)) return 1;
+    (void)writeObjFile(mesh, path, objPlain);
     return 1;
 }
 
@@ -135,7 +136,7 @@ int writeObjVariant(const std::string& chosen) {
 struct WriteCommand {
     std::string_view suffix; ///< that a name must have; "": any
     FileFilter filter;
-    int (*write)(const std::string& chosen);
+    int (*write)(Mesh& mesh, const std::string& chosen);
 };
 
 WrittenFile fileAt(const std::string& path) {
@@ -146,32 +147,32 @@ WrittenFile fileAt(const std::string& path) {
 
 /// The mesh is unaltered where all of it was written. Where only a part was, and over the file that
 /// held all of it, under whatever name, it counts as altered again.
-void settleMark() {
+void settleMark(Mesh& mesh) {
     WrittenFile& whole = workbench.wholeFile;
     if (workbench.wholeMeshWritten) {
-        OB->changed = 0;
+        mesh.changed = 0;
         whole = fileAt(workbench.fileName);
     } else if (!whole.path.empty() && fileAt(whole.path) != whole) {
-        OB->changed = 1;
+        mesh.changed = 1;
         whole = {};
     }
 }
 
 /// Writes the mesh and settles the marks.
-void writeTo(const std::string& chosen, const WriteCommand& command) {
+void writeTo(Mesh& mesh, const std::string& chosen, const WriteCommand& command) {
     if (chosen.size() <= 4 || !endsIn(chosen, command.suffix)) {
         complain("wrong suffix for this type of file", chosen);
         return;
     }
     Busy busy("");
-    const int done = command.write(chosen);
+    const int done = command.write(mesh, chosen);
     busy.end();
     if (!done) {
         complain("I tried to write to this file but it didn't work", workbench.fileName);
         return;
     }
     noteRecentFile(workbench.fileName, false);
-    settleMark();
+    settleMark(mesh);
 }
 
 void writeMeshFile(const WriteCommand& command) {
@@ -180,7 +181,7 @@ void writeMeshFile(const WriteCommand& command) {
     if (!chosen) return;
     setFileName(*chosen);
     workbench.wholeMeshWritten = false;
-    writeTo(*chosen, command);
+    writeTo(*OB, *chosen, command);
     updateTitle();
 }
 
@@ -191,11 +192,15 @@ void readMeshFile() { askAndRead(false); }
 void appendMeshFile() { askAndRead(true); }
 
 void readNamedMeshFile(const std::string& path) {
-    readFile(path, false);
+    readFile(*OB, path, false);
     updateTitle();
 }
 
-void writeDxfMeshFile() { writeMeshFile({".dxf", {"DXF files", "*.DXF"}, writeDxfFile}); }
+void writeDxfMeshFile() {
+    writeMeshFile({".dxf", {"DXF files", "*.DXF"}, [](Mesh& mesh, const std::string& path) {
+                       return writeDxfFile(mesh, path);
+                   }});
+}
 
 void write3dsMeshFile() { writeMeshFile({".3ds", {"3DS files", "*.3DS"}, write3dsFile}); }
 

@@ -32,7 +32,7 @@ struct CornerNumbers {
 /// Elements that were there before the section of the file that numbers count from.
 using Bases = CornerNumbers;
 
-Bases currentCounts() { return {OB->np, OB->nt, OB->nd}; }
+Bases currentCounts(const Mesh& mesh) { return {mesh.np, mesh.nt, mesh.nd}; }
 
 /// A number of the file as a 1-based number of the mesh: negative ones count back from the last.
 std::int64_t absolute(std::int64_t number, std::int64_t base, std::int64_t count) {
@@ -41,17 +41,18 @@ std::int64_t absolute(std::int64_t number, std::int64_t base, std::int64_t count
 
 /// Sets the references of a corner. Null, or the reason why there is no such corner, which is then
 /// unchanged.
-const char* setCorner(FaceCorner& corner, const CornerNumbers& numbers, const Bases& bases) {
-    const std::int64_t point = absolute(numbers.point, bases.point, OB->np);
-    if (point < 1 || point > OB->np) return "no such vertex";
+const char* setCorner(const Mesh& mesh, FaceCorner& corner, const CornerNumbers& numbers,
+                      const Bases& bases) {
+    const std::int64_t point = absolute(numbers.point, bases.point, mesh.np);
+    if (point < 1 || point > mesh.np) return "no such vertex";
     // An absent number (0) also gets the base, here and below: with a base it names an element.
-    std::int64_t texcoord = absolute(numbers.texcoord, bases.texcoord, OB->nt);
-    if (texcoord < 0 || texcoord > OB->nt) texcoord = OB->nt > 0 ? 1 : 0;
-    const std::int64_t normal = absolute(numbers.normal, bases.normal, OB->nd);
-    if (normal < 0 || normal > OB->nd) return "no such normal";
-    corner.p = OB->points + (point - 1);
-    corner.t = texcoord > 0 ? OB->texcoords + (texcoord - 1) : nullptr;
-    corner.d = normal > 0 ? OB->normals + (normal - 1) : nullptr;
+    std::int64_t texcoord = absolute(numbers.texcoord, bases.texcoord, mesh.nt);
+    if (texcoord < 0 || texcoord > mesh.nt) texcoord = mesh.nt > 0 ? 1 : 0;
+    const std::int64_t normal = absolute(numbers.normal, bases.normal, mesh.nd);
+    if (normal < 0 || normal > mesh.nd) return "no such normal";
+    corner.p = mesh.points + (point - 1);
+    corner.t = texcoord > 0 ? mesh.texcoords + (texcoord - 1) : nullptr;
+    corner.d = normal > 0 ? mesh.normals + (normal - 1) : nullptr;
     return nullptr;
 }
 
@@ -84,28 +85,28 @@ const char* plainNumbers(const char* p, const char* limit, double (&values)[coun
     return p <= limit ? p : nullptr;
 }
 
-const char* plainPoint(const char* p, const char* limit) {
+const char* plainPoint(Mesh& mesh, const char* p, const char* limit) {
     double xyz[3];
     p = plainNumbers(p, limit, xyz);
-    if (p != nullptr) OB->addPoint(xyz[0], xyz[1], xyz[2], false);
+    if (p != nullptr) mesh.addPoint(xyz[0], xyz[1], xyz[2], false);
     return p;
 }
 
-const char* plainNormal(const char* p, const char* limit) {
+const char* plainNormal(Mesh& mesh, const char* p, const char* limit) {
     double xyz[3];
     p = plainNumbers(p, limit, xyz);
-    if (p != nullptr) OB->addNormal(xyz[0], xyz[1], xyz[2]);
+    if (p != nullptr) mesh.addNormal(xyz[0], xyz[1], xyz[2]);
     return p;
 }
 
-const char* plainTexCoord(const char* p, const char* limit) {
+const char* plainTexCoord(Mesh& mesh, const char* p, const char* limit) {
     double uv[2];
     p = plainNumbers(p, limit, uv);
-    if (p != nullptr) OB->addTexCoord(sensibleTexCoord(uv[0]), sensibleTexCoord(uv[1]));
+    if (p != nullptr) mesh.addTexCoord(sensibleTexCoord(uv[0]), sensibleTexCoord(uv[1]));
     return p;
 }
 
-const char* plainFace(const char* p, const char* limit, const Bases& bases) {
+const char* plainFace(Mesh& mesh, const char* p, const char* limit, const Bases& bases) {
     FaceCorner corners[32];
     int n = 0;
     for (p = skipBlanks(p); !isLineEnd(*p); p = skipBlanks(p)) {
@@ -116,28 +117,30 @@ const char* plainFace(const char* p, const char* limit, const Bases& bases) {
             if (*p == '/') parseInteger(++p, numbers.normal);
         }
         FaceCorner& corner = corners[n++];
-        if (!isBlank(*p) || setCorner(corner, numbers, bases) != nullptr) return nullptr;
+        if (!isBlank(*p) || setCorner(mesh, corner, numbers, bases) != nullptr) return nullptr;
         corner.edgeuse = 2;
         corner.mark = 0;
     }
     if (n == 0 || p > limit) return nullptr;
-    OB->addFaceByCorners(corners, n);
+    mesh.addFaceByCorners(corners, n);
     return p;
 }
 
-const char* plainLine(const char* line, const Bases& bases) {
+const char* plainLine(Mesh& mesh, const char* line, const Bases& bases) {
     const char* const limit = line + maxObjLine;
-    if (line[0] == 'f' && line[1] == ' ') return plainFace(line + 2, limit, bases);
+    if (line[0] == 'f' && line[1] == ' ') return plainFace(mesh, line + 2, limit, bases);
     if (line[0] != 'v') return nullptr;
-    if (line[1] == ' ') return plainPoint(line + 2, limit);
-    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(line + 3, limit);
-    if (line[1] == 'n' && line[2] == ' ') return plainNormal(line + 3, limit);
+    if (line[1] == ' ') return plainPoint(mesh, line + 2, limit);
+    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(mesh, line + 3, limit);
+    if (line[1] == 'n' && line[2] == ' ') return plainNormal(mesh, line + 3, limit);
     return nullptr;
 }
 
 /// The reading pass.
 class Reader {
   public:
+    explicit Reader(Mesh& to) : mesh(to) {}
+
     /// 1; or 0, after a message unless the user stopped it.
     int read(PieceReader& file, const std::string& path);
 
@@ -167,7 +170,8 @@ class Reader {
     const char* section();
     const char* material();
 
-    Bases bases = currentCounts();
+    Mesh& mesh;
+    Bases bases = currentCounts(mesh);
     ObjLine line;
     std::int64_t lineNumber = 0;  ///< lines with a word so far
     const char* reason = nullptr; ///< why the line is bad
@@ -206,7 +210,7 @@ int Reader::read(PieceReader& file, const std::string& path) {
         cannot("read", path);
         return 0;
     }
-    OB->highlightPoint(-1);
+    mesh.highlightPoint(-1);
     return 1;
 }
 
@@ -223,7 +227,7 @@ std::size_t Reader::readLines(std::string_view text) {
         // What is left of a split line goes by the full rules at once, lest the parsers look
         // through all of an endless line from each of its splits.
         if (p < plainEnd && (p == begin || isLineEnd(p[-1]))) {
-            const char* const after = plainLine(p, bases);
+            const char* const after = plainLine(mesh, p, bases);
             if (after != nullptr) {
                 ++lineNumber;
                 p = after + 1;
@@ -257,19 +261,19 @@ double Reader::decimal(int k) const {
 
 const char* Reader::point() {
     if (line.arguments() < 3) return "<3 args";
-    OB->addPoint(decimal(1), decimal(2), decimal(3), false);
+    mesh.addPoint(decimal(1), decimal(2), decimal(3), false);
     return nullptr;
 }
 
 const char* Reader::texcoord() {
     if (line.arguments() < 2) return "<2 args";
-    OB->addTexCoord(sensibleTexCoord(decimal(1)), sensibleTexCoord(decimal(2)));
+    mesh.addTexCoord(sensibleTexCoord(decimal(1)), sensibleTexCoord(decimal(2)));
     return nullptr;
 }
 
 const char* Reader::normal() {
     if (line.arguments() < 3) return "<3 args";
-    OB->addNormal(decimal(1), decimal(2), decimal(3));
+    mesh.addNormal(decimal(1), decimal(2), decimal(3));
     return nullptr;
 }
 
@@ -291,29 +295,29 @@ std::optional<CornerNumbers> Reader::cornerNumbers(int k) const {
 }
 
 const char* Reader::face() {
-    Face* const added = OB->addFaceByPoints(nullptr, line.arguments(), false);
+    Face* const added = mesh.addFaceByPoints(nullptr, line.arguments(), false);
     if (added == nullptr) return nullptr;
     for (int k = 0; k < added->n; ++k) {
         const std::optional<CornerNumbers> numbers = cornerNumbers(k + 1);
         if (!numbers) return "no such vertex";
-        if (const char* bad = setCorner(added->q[k], *numbers, bases)) return bad;
+        if (const char* bad = setCorner(mesh, added->q[k], *numbers, bases)) return bad;
     }
     return nullptr;
 }
 
 const char* Reader::library() {
-    static_assert(sizeof OB->mtllib > maxObjLine);
-    if (OB->mtllib[0] != '\0') return nullptr;
+    static_assert(sizeof mesh.mtllib > maxObjLine);
+    if (mesh.mtllib[0] != '\0') return nullptr;
     const std::string name = line.rest(1);
-    name.copy(OB->mtllib, name.size());
-    OB->mtllib[name.size()] = '\0';
+    name.copy(mesh.mtllib, name.size());
+    mesh.mtllib[name.size()] = '\0';
     return nullptr;
 }
 
 /// Makes the group of this name, which ends before a colon, the current one.
 void Reader::enterGroup(std::string_view name) {
-    if (!groups) groups.emplace(*OB, NameTable::Kind::groups);
-    OB->curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, name.find(':'))));
+    if (!groups) groups.emplace(mesh, NameTable::Kind::groups);
+    mesh.curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, name.find(':'))));
 }
 
 const char* Reader::group() {
@@ -332,32 +336,32 @@ const char* Reader::prop() {
 }
 
 const char* Reader::section() {
-    bases = currentCounts();
+    bases = currentCounts(mesh);
     return nullptr;
 }
 
 const char* Reader::material() {
-    if (!materials) materials.emplace(*OB, NameTable::Kind::materials);
-    OB->curmat = static_cast<std::int16_t>(materials->findOrAdd(line.rest(1)));
+    if (!materials) materials.emplace(mesh, NameTable::Kind::materials);
+    mesh.curmat = static_cast<std::int16_t>(materials->findOrAdd(line.rest(1)));
     return nullptr;
 }
 
-bool reserve(const ObjCounts& counts) {
-    return OB->growFaces(counts.faces, false) && OB->growCorners(counts.corners, false)
-           && OB->growPoints(counts.points, false) && OB->growTexCoords(counts.texcoords, false)
-           && OB->growNormals(counts.normals, false) && OB->growGroups(counts.groups, false)
-           && OB->growMaterials(counts.materials, false);
+bool reserve(Mesh& mesh, const ObjCounts& counts) {
+    return mesh.growFaces(counts.faces, false) && mesh.growCorners(counts.corners, false)
+           && mesh.growPoints(counts.points, false) && mesh.growTexCoords(counts.texcoords, false)
+           && mesh.growNormals(counts.normals, false) && mesh.growGroups(counts.groups, false)
+           && mesh.growMaterials(counts.materials, false);
 }
 
 /// Gives back what was reserved too much. Shrinking can hardly fail, and when it does it has shown
 /// its message; the arrays after it are trimmed all the same.
-void trim() {
+void trim(Mesh& mesh) {
     const int trimmed[] = {
-        OB->growFaces(OB->nf, true),       OB->growCorners(OB->nq, true),
-        OB->growPoints(OB->np, true),      OB->growTexCoords(OB->nt, true),
-        OB->growNormals(OB->nd, true),     OB->growGroups(OB->ng, true),
-        OB->growMaterials(OB->nmat, true), OB->growTextureMapAreas(OB->ntma, true),
-        OB->growParts(OB->nprt, true),
+        mesh.growFaces(mesh.nf, true),       mesh.growCorners(mesh.nq, true),
+        mesh.growPoints(mesh.np, true),      mesh.growTexCoords(mesh.nt, true),
+        mesh.growNormals(mesh.nd, true),     mesh.growGroups(mesh.ng, true),
+        mesh.growMaterials(mesh.nmat, true), mesh.growTextureMapAreas(mesh.ntma, true),
+        mesh.growParts(mesh.nprt, true),
     };
     static_cast<void>(trimmed);
 }
@@ -380,9 +384,9 @@ int countObjFile(const std::string& path, ObjCounts& counts) {
     return file.failed() ? 0 : 1;
 }
 
-int readObjFile(const std::string& path, bool append) {
-    if (!append) OB->clear(true);
-    ObjCounts counts{OB->nf, OB->nq, OB->np, OB->nt, OB->nd, OB->ng, OB->nmat};
+int readObjFile(Mesh& mesh, const std::string& path, bool append) {
+    if (!append) mesh.clear(true);
+    ObjCounts counts{mesh.nf, mesh.nq, mesh.np, mesh.nt, mesh.nd, mesh.ng, mesh.nmat};
     platform().showBusy("I am counting the vertexes etc in the file");
     // When it fails, reading fails in the same way, and that is what counts.
     const bool stopped = countObjFile(path, counts) < 0;
@@ -393,9 +397,9 @@ int readObjFile(const std::string& path, bool append) {
         cannot("open", path);
         return 0;
     }
-    if (!reserve(counts)) return 0;
-    const int result = Reader().read(file, path);
-    trim();
+    if (!reserve(mesh, counts)) return 0;
+    const int result = Reader(mesh).read(file, path);
+    trim(mesh);
     return result;
 }
 

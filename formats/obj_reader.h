@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Reads OBJ files into the global mesh.
+// Reads OBJ files.
 #pragma once
 
 #include "formats/obj_lines.h"
@@ -8,13 +8,15 @@
 
 namespace polyfab {
 
+struct Mesh;
+
 /// Reads the file in place of the mesh, or with `append` adds it to the mesh, its numbers then
 /// counting from what is there. Shows a busy notice while counting and a message for every failure.
 /// Returns 1; or 0 when the file can't be opened or read to its end, has a bad line, or finds no
 /// room. What was read before a bad line stays, the face of a bad corner included, whose corners
 /// from that one on have no point: the integrity check tells.
 /// Moves the arrays and trims them. A line behind the last line end is not read.
-[[nodiscard]] int readObjFile(const std::string& path, bool append);
+[[nodiscard]] int readObjFile(Mesh& mesh, const std::string& path, bool append);
 
 /// Adds what the lines of the file announce to `counts`. 1; 0 after a message when it can't be
 /// read; -1 when the user stops it.

@@ -9,11 +9,11 @@
 
 namespace polyfab {
 
-bool askOnlySelected(bool deletedToo) {
+bool askOnlySelected(const Mesh& mesh, bool deletedToo) {
     const auto unselected = [&](const Face& face) {
         return face.selected == 0 && (deletedToo || isLive(face));
     };
-    return std::any_of(OB->faces, OB->faces + OB->nf, unselected)
+    return std::any_of(mesh.faces, mesh.faces + mesh.nf, unselected)
            && platform().question("", "Do you want me to output only the selected parts?",
                                   Buttons::yesNo)
                   == Choice::yes;

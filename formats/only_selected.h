@@ -4,8 +4,10 @@
 
 namespace polyfab {
 
-/// When a face of OB is not selected, asks whether only the selected ones shall be written; true
+struct Mesh;
+
+/// When a face is not selected, asks whether only the selected ones shall be written; true
 /// after yes. With `deletedToo` a deleted face that is not selected is reason enough to ask.
-[[nodiscard]] bool askOnlySelected(bool deletedToo);
+[[nodiscard]] bool askOnlySelected(const Mesh& mesh, bool deletedToo);
 
 } // namespace polyfab

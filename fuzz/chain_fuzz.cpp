@@ -132,11 +132,11 @@ void writeAndReadBack(Bytes&) {
     shown->escapeAfter = -1; // Escape would end the reading
     workbench.keys = {};
     shown->choices.clear(); // the whole mesh is to be written
-    demand(writeObjFile(path, objPlain) == 1, "not written");
+    demand(writeObjFile(*OB, path, objPlain) == 1, "not written");
     const auto counts = [] { return std::tuple(OB->np, OB->nt, OB->nd, OB->nf, OB->nq); };
     const auto before = counts();
     fuzz::emptyMesh();
-    const int result = readObjFile(path, false);
+    const int result = readObjFile(*OB, path, false);
     std::filesystem::remove(path);
     demand(result == 1, "what was written does not read back");
     demand(counts() == before, "what was written reads back with other counts");

@@ -33,11 +33,11 @@ int entities() {
 void writeAndReadBack() {
     static const std::string path = fuzz::scratchPath(".dxf");
     const bool fits = numbersFit(); // every point has a face: reading ends with a collection
-    demand((writeDxfFile(path) == 1) == fits, fits ? "not written" : "written all the same");
+    demand((writeDxfFile(*OB, path) == 1) == fits, fits ? "not written" : "written all the same");
     if (!fits) return;
     const int written = entities();
     fuzz::emptyMesh();
-    const int boundaries = readDxfFile(path, false);
+    const int boundaries = readDxfFile(*OB, path, false);
     std::filesystem::remove(path);
     demand(check(*OB) == nullptr, "what was written reads back unsound");
     demand(boundaries == written + 1, "entities get lost");
@@ -50,8 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     createMesh();
     if (size == 0) return 0;
     const fuzz::MemoryFile file(data + 1, size - 1);
-    bool read = readDxfFile(file.path(), false) != 0;
-    if ((data[0] & 1) != 0) read = readDxfFile(file.path(), true) != 0 && read;
+    bool read = readDxfFile(*OB, file.path(), false) != 0;
+    if ((data[0] & 1) != 0) read = readDxfFile(*OB, file.path(), true) != 0 && read;
     if (read) {
         const char* const fault = check(*OB);
         demand(fault == nullptr, fault);

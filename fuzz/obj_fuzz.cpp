@@ -28,11 +28,11 @@ bool facesAreShort() {
 
 void writeAndReadBack(unsigned flags) {
     static const std::string path = fuzz::scratchPath(".obj");
-    demand(writeObjFile(path, flags) == 1, "not written");
+    demand(writeObjFile(*OB, path, flags) == 1, "not written");
     const auto before = counts();
     const bool comparable = facesAreShort() && (flags & objTrace) == 0;
     emptyMesh();
-    const int result = readObjFile(path, false);
+    const int result = readObjFile(*OB, path, false);
     std::filesystem::remove(path);
     if (!comparable) return;
     demand(result == 1, "what was written does not read back");
@@ -49,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool append = (data[0] & 1) != 0;
     const unsigned flags = (data[0] >> 1) & 3;
     const MemoryFile file(data + 1, size - 1);
-    bool read = readObjFile(file.path(), false) == 1;
-    if (append) read = readObjFile(file.path(), true) == 1 && read;
+    bool read = readObjFile(*OB, file.path(), false) == 1;
+    if (append) read = readObjFile(*OB, file.path(), true) == 1 && read;
     if (read) {
         const char* const fault = check(*OB);
         demand(fault == nullptr, fault);

@@ -37,7 +37,7 @@ Bytes stretched(const std::uint8_t* data, std::size_t size) {
 
 void writeAndLook() {
     static const std::string path = fuzz::scratchPath(".3ds");
-    demand(write3dsFile(path) == 1, "not written");
+    demand(write3dsFile(*OB, path) == 1, "not written");
     std::ifstream file(path, std::ios::binary);
     const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
     std::filesystem::remove(path);
@@ -56,10 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int times = 1 + (data[0] & 1);
     if ((data[0] & 2) != 0) {
         const Bytes bytes = stretched(data + 1, size - 1);
-        for (int i = 0; i < times; ++i) (void)add3dsChunks(bytes);
+        for (int i = 0; i < times; ++i) (void)add3dsChunks(*OB, bytes);
     } else {
         const fuzz::MemoryFile file(data + 1, size - 1);
-        for (int i = 0; i < times; ++i) (void)read3dsFile(file.path(), i > 0);
+        for (int i = 0; i < times; ++i) (void)read3dsFile(*OB, file.path(), i > 0);
     }
     const char* const fault = check(*OB);
     demand(fault == nullptr, fault);

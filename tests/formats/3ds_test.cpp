@@ -22,7 +22,7 @@ class ThreeDs : public test::MeshTest {
     /// groups, and each triangle as letters of points and its material.
     static std::string walk(const std::string& bytes) {
         const std::vector<std::uint8_t> exact(bytes.begin(), bytes.end());
-        const char* const fault = add3dsChunks(exact);
+        const char* const fault = add3dsChunks(*OB, exact);
         EXPECT_EQ(check(*OB), nullptr);
         std::string told = (fault == nullptr ? "done " : fault + " "s) + std::to_string(OB->ng);
         for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
@@ -208,7 +208,7 @@ TEST_F(ThreeDs, Files) {
     for (const auto& row : rows) {
         shown.log.clear();
         OB->addPoint(1, 2, 3, false);
-        EXPECT_EQ(read3dsFile(folder.write("mesh.3ds", row.bytes), false), row.title.empty());
+        EXPECT_EQ(read3dsFile(*OB, folder.write("mesh.3ds", row.bytes), false), row.title.empty());
         EXPECT_EQ(OB->np, 0);
         const std::string expected = "message!|" + row.title + "|" + row.text;
         EXPECT_EQ(shown.log, std::vector<std::string>(row.title.empty() ? 0 : 1, expected));
@@ -220,14 +220,14 @@ TEST_F(ThreeDs, Files) {
         if (size >= 6) walk(cut.replace(4, 2, word(size)));
     }
     OB->addPoint(1, 2, 3, false);
-    EXPECT_EQ(read3dsFile(folder.path(""), true), 0);
+    EXPECT_EQ(read3dsFile(*OB, folder.path(""), true), 0);
     EXPECT_EQ(OB->np, 1);
     EXPECT_EQ(shown.log.back(), "message!|I can't open this file|" + folder.path(""));
     // Full tables end the reading.
     while (OB->ng < maxIndexed) OB->addGroup("group");
     folder.write("mesh.3ds", container(0x4D4D, object("") + object("")));
     shown.log.clear();
-    EXPECT_EQ(read3dsFile(path, true), 0);
+    EXPECT_EQ(read3dsFile(*OB, path, true), 0);
     EXPECT_EQ(shown.log.size(), 1U);
 }
 
@@ -280,13 +280,13 @@ TEST_F(ThreeDs, Writing) {
     };
     const std::string second = part("b b", {1, 2, 3}, {1, 0, 2, 7}, uses({}, {0}));
     shown.choices = {Choice::yes, Choice::no};
-    EXPECT_EQ(write3dsFile(path), 1);
+    EXPECT_EQ(write3dsFile(*OB, path), 1);
     EXPECT_EQ(folder.read("mesh.3ds"),
               file(part("a", {0, 3, 4, 5}, {3, 1, 0, 7, 3, 0, 2, 7}, uses({0, 1}, {})) + second));
     EXPECT_FALSE(shown.log.back().starts_with("message")) << shown.log.back();
     EXPECT_FALSE(workbench.wholeMeshWritten);
     // The points of selected faces come first. A group needs a selected face.
-    EXPECT_EQ(write3dsFile(path), 1);
+    EXPECT_EQ(write3dsFile(*OB, path), 1);
     EXPECT_EQ(
         folder.read("mesh.3ds"),
         file(part("a", {0, 3, 4, 5, 1, 2}, {0, 4, 5, 7, 3, 1, 0, 7, 3, 0, 2, 7}, uses({1, 2}, {0}))
@@ -294,7 +294,7 @@ TEST_F(ThreeDs, Writing) {
     EXPECT_TRUE(shown.log.back().starts_with("message!|1 faces were not written"));
     EXPECT_FALSE(workbench.wholeMeshWritten);
     OB->faces[2].selected = 1;
-    EXPECT_EQ(write3dsFile(path), 1);
+    EXPECT_EQ(write3dsFile(*OB, path), 1);
     EXPECT_TRUE(workbench.wholeMeshWritten);
 }
 
@@ -337,7 +337,7 @@ TEST_F(ThreeDs, WhatFitsInAFile) {
         shown.log = {""};
         row.build();
         folder.write("mesh.3ds", "old");
-        EXPECT_EQ(write3dsFile(path), row.fault.empty());
+        EXPECT_EQ(write3dsFile(*OB, path), row.fault.empty());
         EXPECT_EQ(folder.read("mesh.3ds") == "old", !row.fault.empty());
         const std::string expected = row.fault.empty() ? "" : "message!|" + row.fault + "|";
         EXPECT_TRUE(shown.log.back().starts_with(expected)) << shown.log.back();

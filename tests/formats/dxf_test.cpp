@@ -38,7 +38,7 @@ class DxfTest : public test::MeshTest {
         return folder.write(std::to_string(++files) + ".dxf", text);
     }
     std::string written() {
-        EXPECT_EQ(writeDxfFile(folder.path("out.dxf")), 1);
+        EXPECT_EQ(writeDxfFile(*OB, folder.path("out.dxf")), 1);
         return folder.read("out.dxf");
     }
 
@@ -70,7 +70,7 @@ TEST_F(DxfTest, Reading) {
         for (const char c : row.text) withReturns += c == '\n' ? "\r\n" : std::string(1, c);
         for (const std::string& text : {row.text, withReturns}) {
             test::emptyMesh();
-            std::string told = std::to_string(readDxfFile(fresh(text), false));
+            std::string told = std::to_string(readDxfFile(*OB, fresh(text), false));
             told += " " + std::to_string(OB->np);
             for (const Face* f = OB->faces; f != OB->faces + OB->nf; ++f) {
                 told += " "s + OB->materials[f->mat].name + ":";
@@ -91,7 +91,7 @@ TEST_F(DxfTest, LargeFiles) {
     OB->addPoint(0, 0, 0, false);
     OB->highlightPoint(0);
     for (int shift = 1; shift < 30; ++shift) { // lines across the pieces of the file
-        ASSERT_EQ(readDxfFile(fresh("999\n" + text + tail), true), count + 1);
+        ASSERT_EQ(readDxfFile(*OB, fresh("999\n" + text + tail), true), count + 1);
         ASSERT_EQ(std::tuple(OB->np, OB->nf, OB->nmat), std::tuple(4, shift * count, 1));
         text.insert(0, "x");
     }
@@ -135,7 +135,7 @@ TEST_F(DxfTest, Writing) {
 
     // The last entity of a face takes its material, the others "material0".
     test::emptyMesh();
-    EXPECT_EQ(readDxfFile(fresh(text), false), 9);
+    EXPECT_EQ(readDxfFile(*OB, fresh(text), false), 9);
     std::string names;
     for (int i = 0; i < OB->nf; ++i) names += OB->materials[OB->faces[i].mat].name + "/"s;
     EXPECT_EQ(names, "material0/material0/THE VOID/material0/material0/a  b/material0/THE VOID/");
@@ -145,12 +145,12 @@ TEST_F(DxfTest, FilesThatFail) {
     test::addCube();
     const std::string bad = fresh("0\nSECTION\n3DFACE\n0\n");
     const std::string missing = folder.path("missing/mesh.dxf");
-    EXPECT_EQ(readDxfFile(bad, true) + readDxfFile(missing, true), 0);
+    EXPECT_EQ(readDxfFile(*OB, bad, true) + readDxfFile(*OB, missing, true), 0);
     EXPECT_EQ(OB->nf, 6);
     workbench.wholeMeshWritten = true;
-    EXPECT_EQ(writeDxfFile(missing), 0);
+    EXPECT_EQ(writeDxfFile(*OB, missing), 0);
     EXPECT_TRUE(workbench.wholeMeshWritten);
-    EXPECT_EQ(writeDxfFile("/dev/full"), 0);
+    EXPECT_EQ(writeDxfFile(*OB, "/dev/full"), 0);
     EXPECT_FALSE(workbench.wholeMeshWritten);
     // Of a file that can't be written the command tells.
     EXPECT_EQ(shown.log, (Lines{"message!|bad DXF file|" + bad,

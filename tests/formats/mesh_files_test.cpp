@@ -180,8 +180,8 @@ TEST_F(MeshFiles, ReadingAndWritingTellHowFarTheyAre) {
         EXPECT_GT(before, 0.8);
     };
     expectSteps("read", [&] { read(path); });
-    expectSteps("obj", [&] { EXPECT_EQ(writeObjFile(folder.path("out.obj"), objPlain), 1); });
-    expectSteps("dxf", [&] { EXPECT_EQ(writeDxfFile(folder.path("out.dxf")), 1); });
+    expectSteps("obj", [&] { EXPECT_EQ(writeObjFile(*OB, folder.path("out.obj"), objPlain), 1); });
+    expectSteps("dxf", [&] { EXPECT_EQ(writeDxfFile(*OB, folder.path("out.dxf")), 1); });
 }
 
 TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {

@@ -21,7 +21,7 @@ class ObjReader : public test::MeshTest {
         // A file that is new need not wait for the disk when it is closed, as a rewritten one may.
         std::filesystem::remove(path);
         folder.write("mesh.obj", text);
-        const int result = readObjFile(path, append);
+        const int result = readObjFile(*OB, path, append);
         std::erase_if(shown.log, [](const std::string& line) { return line.starts_with("busy|"); });
         return result;
     }
@@ -161,7 +161,7 @@ TEST_F(ObjReader, FilesThatCannotBeOpenedOrRead) {
     // The last of them opens, but its first page is nowhere to be read.
     for (const std::string& file : {folder.path(""), std::string("/proc/self/mem")}) {
         shown.log.clear();
-        EXPECT_EQ(readObjFile(file, true), 0);
+        EXPECT_EQ(readObjFile(*OB, file, true), 0);
         const std::string verb = file[1] == 'p' ? "read" : "open";
         const std::string message = "message!|I can't " + verb + " this file|" + file;
         EXPECT_EQ(shown.log, (Log{"busy|I am counting the vertexes etc in the file", message,

@@ -22,7 +22,7 @@ class ObjWriterTest : public test::MeshTest {
 
     /// What is written from this text on.
     std::string written(const std::string& start, unsigned flags = 0) {
-        EXPECT_EQ(writeObjFile(folder.path("mesh.obj"), flags), 1);
+        EXPECT_EQ(writeObjFile(*OB, folder.path("mesh.obj"), flags), 1);
         const std::string text = folder.read("mesh.obj");
         return text.substr(std::min(text.find(start), text.size()));
     }
@@ -109,9 +109,9 @@ TEST_F(ObjWriterTest, FilesThatCannotBeCreatedOrWritten) {
     OB->faces[0].selected = 0;
     workbench.wholeMeshWritten = true;
     const std::string path = folder.path("missing/mesh.obj");
-    EXPECT_EQ(writeObjFile(path, 0), 0);
+    EXPECT_EQ(writeObjFile(*OB, path, 0), 0);
     EXPECT_TRUE(workbench.wholeMeshWritten);
-    EXPECT_EQ(writeObjFile("/dev/full", 0), 0);
+    EXPECT_EQ(writeObjFile(*OB, "/dev/full", 0), 0);
     EXPECT_FALSE(workbench.wholeMeshWritten);
     EXPECT_EQ(shown.log, (Lines{"message!|can't open file|" + path, question,
                                 "message!|can't open file|/dev/full"}));
