@@ -164,7 +164,7 @@ std::string Writer::writeGroups() {
         const int group = mesh.faces[*first].g;
         const auto last =
             std::find_if(first, faces.end(), [&](int face) { return mesh.faces[face].g != group; });
-        const std::string fault = writeGroup({first, last});
+        std::string fault = writeGroup({first, last});
         if (!fault.empty()) return fault;
         first = last;
     }

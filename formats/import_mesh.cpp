@@ -280,7 +280,7 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     if (input < 0) return "there is no room for temporary files";
     const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
-    const std::string reason = runExchangeProcess({"export", written}, input, bytes);
+    std::string reason = runExchangeProcess({"export", written}, input, bytes);
     tellTooLateToStop();
     ::close(input);
     if (!reason.empty()) return reason;

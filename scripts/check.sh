@@ -5,11 +5,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install.sh build test format fuzz
+scripts/install.sh build test format tidy fuzz
 echo "== format"
 scripts/format.sh
 scripts/quiet.sh "includes between folders" scripts/includes.sh
 scripts/build.sh release
+scripts/quiet.sh "clang-tidy over the sources touched last" scripts/tidy.sh --touched
 scripts/smoke.sh
 scripts/commands.sh --check
 scripts/build.sh asan
