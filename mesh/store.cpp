@@ -27,8 +27,16 @@ Index& tracked() {
     return index;
 }
 
+/// The block of `allocate`, which is called again with more memory at hand when it gives none.
+template <typename Allocate>
+void* withAllMemory(Allocate allocate) {
+    void* const block = allocate();
+    return block == nullptr && largeblock::giveBack() ? allocate() : block;
+}
+
 void* systemAllocate(std::size_t size) {
-    return size >= largeblock::threshold ? largeblock::allocate(size) : std::malloc(size);
+    if (size >= largeblock::threshold) return largeblock::allocate(size);
+    return withAllMemory([=] { return std::malloc(size); });
 }
 
 void systemRelease(void* block, std::size_t size) {
@@ -47,7 +55,7 @@ void* systemResize(void* block, std::size_t oldSize, std::size_t newSize) {
     if (wasLarge && newSize >= largeblock::threshold) {
         result = largeblock::resize(block, oldSize, newSize);
     } else if (!wasLarge && newSize < largeblock::threshold) {
-        result = newSize == 0 ? nullptr : std::realloc(block, newSize);
+        if (newSize != 0) result = withAllMemory([=] { return std::realloc(block, newSize); });
     } else {
         result = newSize == 0 ? nullptr : systemAllocate(newSize);
         if (result != nullptr) {
@@ -113,6 +121,8 @@ void farfreeBlock(void** block) {
     tracked().erase(found);
     *block = nullptr;
 }
+
+void giveBackMemory() { largeblock::giveBack(); }
 
 int storeBlocks() { return static_cast<int>(tracked().size()); }
 

@@ -31,6 +31,9 @@ void farfree(T** block) {
     *block = static_cast<T*>(address);
 }
 
+/// Memory of released blocks that was kept for later ones goes back to the system.
+void giveBackMemory();
+
 /// Blocks that are live in the table.
 [[nodiscard]] int storeBlocks();
 

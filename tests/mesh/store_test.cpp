@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "mesh/large_block.h"
 #include "mesh/stale.h"
 #include "mesh/store.h"
 
 #include "tests/support/fake_platform.h"
 
+#include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
+#include <new>
 #include <random>
+#include <sys/resource.h>
 
 namespace polyfab {
 namespace {
@@ -55,6 +61,50 @@ TEST_F(Store, ContentsSurviveEveryKindOfResize) {
     }
     EXPECT_EQ(farrealloc(block, 0, "test"), nullptr);
     EXPECT_TRUE(shown.log.empty());
+}
+
+/// Pages of memory that this process has, or of addresses.
+std::size_t pagesHeld(bool addresses) {
+    std::size_t all = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return addresses ? all : resident;
+}
+
+TEST_F(Store, WhatLargeBlocksLeaveServesTheNextUntilItIsGivenBackOrMemoryIsShort) {
+    if (largeblock::threshold > largeblock::pageSize) GTEST_SKIP() << "none is large here";
+    constexpr std::size_t size = 64 << 20, pages = size / 4096;
+    const auto take = [](std::size_t bytes) {
+        void* const block = farmalloc(bytes);
+        if (block != nullptr) std::memset(block, 1, bytes);
+        return block;
+    };
+    void* stays = take(size);
+    void* block = take(size);
+    const std::size_t most = pagesHeld(false);
+    farfree(&block);
+    EXPECT_GT(pagesHeld(false) + pages / 8, most);
+    void* parts[] = {take(size / 4), take(size / 2)}; // of other sizes, and resized
+    parts[0] = farrealloc(parts[0], size / 3, "test");
+    parts[1] = farrealloc(parts[1], size / 5, "test");
+    EXPECT_LT(pagesHeld(false), most + pages / 8);
+    for (void*& part : parts) farfree(&part);
+    giveBackMemory();
+    EXPECT_LT(pagesHeld(false), most - pages + pages / 8);
+
+    block = take(size);
+    farfree(&block);
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    const rlimit tight{(pagesHeld(true) + pages / 2) * 4096, limit.rlim_max};
+    setrlimit(RLIMIT_AS, &tight);
+    block = farmalloc(size);
+    farfree(&block);
+    const auto other = std::unique_ptr<char[]>(new (std::nothrow) char[size]);
+    setrlimit(RLIMIT_AS, &limit);
+    EXPECT_NE(other, nullptr);
+    EXPECT_TRUE(shown.log.empty());
+    farfree(&stays);
+    giveBackMemory();
 }
 
 TEST_F(Store, AFullTableSaysSoTwiceAndWorksAgainAfterARelease) {
