@@ -184,6 +184,19 @@ void release(void* block, std::size_t size) {
     countLive(0, length);
 }
 
+void* takePage() {
+    Kept& pool = kept();
+    {
+        const std::lock_guard lock(pool.mutex);
+        if (pool.count != 0) return pop(pool);
+    }
+    return mapAligned(pageSize);
+}
+
+void releasePage(void* page) {
+    letGo(static_cast<char*>(page), static_cast<char*>(page) + pageSize);
+}
+
 bool giveBack() {
     Kept& pool = kept();
     const std::lock_guard lock(pool.mutex);

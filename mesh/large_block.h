@@ -28,6 +28,11 @@ inline constexpr std::size_t threshold = pageSize;
 
 void release(void* block, std::size_t size);
 
+/// A single page, or null. Such pages do not count where the bound of what is kept is worked out.
+[[nodiscard]] void* takePage();
+
+void releasePage(void* page);
+
 /// Gives the kept pages back to the system. Whether there were any. Also done by itself before an
 /// allocation, `new` included, fails.
 bool giveBack();

@@ -5,6 +5,7 @@
 // touches no new memory.
 #include "mesh/snapshot.h"
 
+#include "mesh/chunk_memory.h"
 #include "mesh/edges.h"
 #include "mesh/progress.h"
 #include "mesh/store.h"
@@ -300,12 +301,15 @@ const std::array<ColumnFacts, Snapshot::columnCount>& columnFacts() {
 }
 
 Chunk::Chunk(const std::byte* from, std::size_t byteCount)
-    : bytes(std::make_unique_for_overwrite<std::byte[]>(byteCount)), count(byteCount) {
-    std::copy_n(from, byteCount, bytes.get());
+    : bytes(takeChunkBytes(byteCount)), count(byteCount) {
+    std::copy_n(from, byteCount, bytes);
     liveBytes += count + sizeof *this;
 }
 
-Chunk::~Chunk() { liveBytes -= count + sizeof *this; }
+Chunk::~Chunk() {
+    releaseChunkBytes(bytes, count);
+    liveBytes -= count + sizeof *this;
+}
 
 std::size_t snapshotBytes() { return liveBytes; }
 

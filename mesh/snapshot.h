@@ -25,12 +25,12 @@ class Chunk {
     Chunk(const Chunk&) = delete;
     Chunk& operator=(const Chunk&) = delete;
 
-    const std::byte* data() const { return bytes.get(); }
+    const std::byte* data() const { return bytes; }
     std::size_t size() const { return count; }
 
   private:
-    std::unique_ptr<std::byte[]> bytes;
-    std::size_t count;
+    std::byte* const bytes;
+    const std::size_t count;
 };
 
 using Chunks = std::vector<std::shared_ptr<const Chunk>>;
