@@ -15,6 +15,7 @@
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
+#include "mesh/store.h"
 #include "workbench/long_work.h"
 #include "workbench/state.h"
 
@@ -95,11 +96,30 @@ bool mayChange(const Event& event) {
     return readsFile(event);
 }
 
+/// When the user was first seen to rest, by the clock of work; below 0: he is at work. A headless
+/// run never rests: that clock stands still there.
+double restsSince = -1;
+
+/// What one command has released may serve the next one, as long as that may come soon.
+void giveBackAfterRest() {
+    constexpr double untilRested = 10;
+    const double now = platform().workSeconds();
+    if (restsSince < 0) restsSince = now;
+    if (now - restsSince >= untilRested) giveBackMemory();
+}
+
+void noteAct() {
+    restsSince = -1;
+    noteUser();
+}
+
 /// What is no part of the user's work and comes whatever the window shows. Whether it was that.
 bool handledApart(const Event& event) {
     const bool atWork = Handling::depth > 1;
     if (event.kind == EventKind::idle) {
-        if (!atWork && !dragRuns()) saveAtRest();
+        if (atWork || dragRuns()) return true;
+        saveAtRest();
+        giveBackAfterRest();
         return true;
     }
     if (event.kind != EventKind::sessionEnd) return false;
@@ -131,7 +151,7 @@ void useStateFolder(const std::string& folder, int recoverySeconds) {
 void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
-    if (isUsersAct(event)) noteUser();
+    if (isUsersAct(event)) noteAct();
     if (Handling::depth > 1) { // a part of the event outside
         dispatch(event, true);
         return;
