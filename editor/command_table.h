@@ -20,12 +20,13 @@ struct Shown {
 
 struct Command {
     int id;
-    const char* menu;                     ///< heading that it stands under
-    const char* label;                    ///< "&" before the mnemonic letter
-    void (*handler)();                    ///< null: not built yet
-    bool (*checked)() = nullptr;          ///< whether its check mark shows; null: it never has one
-    const char* key = "";                 ///< shortcut such as "Ctrl+O", or several parted by "; "
-    Shown (*shown)() = nullptr;           ///< null: always as the row says
+    const char* menu;            ///< heading that it stands under
+    const char* label;           ///< "&" before the mnemonic letter
+    void (*handler)();           ///< null: not built yet
+    bool (*checked)() = nullptr; ///< whether its check mark shows; null: it never has one. What
+                                 ///< has one only flips a switch: the mesh stays
+    const char* key = "";        ///< shortcut such as "Ctrl+O", or several parted by "; "
+    Shown (*shown)() = nullptr;  ///< null: always as the row says
     Escape escape = Escape::stopsNothing; ///< what the Escape key does while it runs
     bool takesLong = false;               ///< with a large mesh
 };

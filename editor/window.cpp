@@ -8,6 +8,7 @@
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/menus.h"
+#include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
 #include "editor/recovery/recovery.h"
 #include "editor/report.h"
@@ -76,7 +77,7 @@ void recordDrag() {
     beginEvent(true);
     endDrag();
     endEvent();
-    recordStep(plain(workbench.modeName));
+    recordStep(plain(workbench.modeName), Snap::now);
 }
 
 /// The progress of a command or of the read that a drop is; nothing else is to last.
@@ -94,6 +95,25 @@ bool mayChange(const Event& event) {
     if (event.kind == EventKind::mouse) return leftPressed();
     if (event.kind == EventKind::keyDown) return stale.points || stale.edges || stale.picture;
     return readsFile(event);
+}
+
+/// Whether the mesh may become another by this, or by the drag that begins with it.
+bool mayChangeMesh(const Event& event) {
+    if (editorState.subview != 0) return true;
+    const Command* const command = commandOf(event);
+    if (command != nullptr) {
+        return command->checked == nullptr && !entersMode(command->id) && !movesInHistory(event);
+    }
+    if (event.kind == EventKind::keyDown) return isHandlingKey(event.key);
+    return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
+}
+
+/// Most who read a mesh look at it first, and some do no more.
+Snap snapAfter(const Event& event) {
+    const Command* const command = commandOf(event);
+    const bool reads = command != nullptr
+                       && (command->escape == Escape::stopsReading || command->id == commandid::importMesh);
+    return reads ? Snap::beforeTheNextChange : Snap::now;
 }
 
 /// When the user was first seen to rest, by the clock of work; below 0: he is at work. A headless
@@ -163,6 +183,7 @@ void handleEvent(const Event& event) {
     const bool listed = editorState.subview != 0;
     std::optional<LongWork> work;
     trackWork(event, work);
+    if (mayChangeMesh(event)) completeNewestStep();
     if (mayTakeLong(event)) saveBeforeLongWork();
     workbench.wholeMeshWritten = false;
     beginEvent(dragged || listed);
@@ -177,7 +198,7 @@ void handleEvent(const Event& event) {
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
     if (editorState.subview != 0 ? listed && altered : ended) {
-        recordStep(step.empty() ? label : std::string(step));
+        recordStep(step.empty() ? label : std::string(step), snapAfter(event));
     }
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }

@@ -334,6 +334,14 @@ Difference differenceOf(const Snapshot& taken, const Snapshot& before) {
     return content ? Difference::content : Difference::scratch;
 }
 
+bool countsDiffer(const Mesh& mesh, const Snapshot& snapshot) {
+    bool differ = false;
+    Arrays::each([&]<typename Each>(std::size_t number, std::size_t) {
+        differ = differ || mesh.*Each::count != snapshot.arrays[number].count;
+    });
+    return differ;
+}
+
 bool restoreSnapshot(Mesh& mesh, const Snapshot& to, const Snapshot& now) {
     FreshBlocks fresh;
     if (!fresh.allocate(to, now)) return false;

@@ -93,6 +93,9 @@ enum class Difference {
 /// How a snapshot differs from the one that it was taken against.
 [[nodiscard]] Difference differenceOf(const Snapshot& taken, const Snapshot& before);
 
+/// Whether the mesh has more or fewer elements of some kind than the snapshot shows.
+[[nodiscard]] bool countsDiffer(const Mesh& mesh, const Snapshot& snapshot);
+
 /// Makes the mesh what `to` shows, every array in its order and with its capacity, in the tracked
 /// store. `now` must show the mesh as it is: what both have in common is left where it stands. The
 /// edge tables are released; screen positions have to be worked out anew. `changed` stays. False

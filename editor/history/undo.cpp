@@ -23,7 +23,7 @@ namespace polyfab {
 namespace {
 
 struct State {
-    SnapshotRef mesh;
+    SnapshotRef mesh; ///< null: the present one, and the mesh stands as it shall show it
     int version;
     bool unaltered; ///< nothing to lose: so the mark was, or this version was the last one written
 };
@@ -130,6 +130,12 @@ void dropOldest(std::size_t count) {
     h.at -= count;
 }
 
+void dropWhatIsTooMuch() {
+    History& h = history;
+    constexpr std::size_t each = sizeof(Step) + sizeof(State) + sizeof(Snapshot);
+    while (h.at > 1 && snapshotBytes() + h.steps.size() * each > memory) dropOldest(1);
+}
+
 /// The new state follows the present one; what came after that is gone.
 void push(SnapshotRef mesh, Step step) {
     History& h = history;
@@ -138,8 +144,17 @@ void push(SnapshotRef mesh, Step step) {
     h.states.push_back({std::move(mesh), h.states[h.at].version, false});
     h.steps.push_back(std::move(step));
     ++h.at;
-    constexpr std::size_t each = sizeof(Step) + sizeof(State) + sizeof(Snapshot);
-    while (h.at > 1 && snapshotBytes() + h.steps.size() * each > memory) dropOldest(1);
+    dropWhatIsTooMuch();
+}
+
+/// Takes the snapshot of the present state, if that is still to be done.
+void takeDueSnapshot() {
+    History& h = history;
+    if (h.states[h.at].mesh != nullptr) return;
+    SnapshotRef mesh = takeSnapshot(*OB, h.at > 0 ? h.states[h.at - 1].mesh : nullptr);
+    h.states[h.at].mesh =
+        std::move(mesh); // not before: it tells of progress, and that lets events in
+    dropWhatIsTooMuch();
 }
 
 Step stepTo(const EditorPart& now, bool content, const std::string& label) {
@@ -154,23 +169,54 @@ Step stepTo(const EditorPart& now, bool content, const std::string& label) {
             before.fileName != now.fileName};
 }
 
-void record(const std::string& label) {
-    const EditorPart now = presentPart();
+/// The step, if it is one, that leads from the present state to this mesh; null: to one that holds
+/// certainly other elements, and of which the snapshot is due.
+bool enterStep(SnapshotRef mesh, const EditorPart& now, const std::string& label) {
     State& present = history.states[history.at];
-    SnapshotRef mesh = takeSnapshot(*OB, present.mesh);
-    const bool content = differenceOf(*mesh, *present.mesh) == Difference::content;
+    const bool content =
+        mesh == nullptr || differenceOf(*mesh, *present.mesh) == Difference::content;
     if (content || differ(history.before, now)) {
         push(std::move(mesh), stepTo(now, content, label));
     } else {
         present.mesh = std::move(mesh);
     }
+    return content;
+}
+
+void record(const std::string& label, Snap snap) {
+    const EditorPart now = presentPart();
+    bool content = false;
+    // As long as a snapshot is due the mesh is what it was.
+    if (history.states[history.at].mesh != nullptr || differ(history.before, now)) {
+        takeDueSnapshot();
+        const SnapshotRef before = history.states[history.at].mesh;
+        const bool waits = snap == Snap::beforeTheNextChange && countsDiffer(*OB, *before);
+        content = enterStep(waits ? nullptr : takeSnapshot(*OB, before), now, label);
+    }
     settleMarks(content);
     history.before = now;
 }
 
+/// Does this, which takes memory, with fewer and fewer steps, or starts anew.
+template <typename Act>
+void inMemory(Act act) {
+    for (;;) {
+        try {
+            return act();
+        } catch (const std::bad_alloc&) {
+            if (history.at == 0) break;
+            dropOldest((history.at + 1) / 2);
+        }
+    }
+    startHistory();
+    platform().message("undo", "I can't get enough memory, so I forget what you did so far",
+                       Icon::exclamation);
+}
+
 /// Goes one state back (-1) or forward (1), if there is one.
 void goTo(int direction) {
-    recordStep("change"); // the history ends with what is there, whoever made it
+    completeNewestStep();
+    recordStep("change", Snap::now); // the history ends with what is there, whoever made it
     History& h = history;
     const bool back = direction < 0;
     if (h.at == (back ? 0 : h.steps.size())) {
@@ -236,20 +282,14 @@ bool endEvent() {
     return altered;
 }
 
-void recordStep(const std::string& label) {
+void recordStep(const std::string& label, Snap snap) {
     if (OB == nullptr) return;
     if (history.states.empty()) return startHistory();
-    for (;;) {
-        try {
-            return record(label);
-        } catch (const std::bad_alloc&) {
-            if (history.at == 0) break;
-            dropOldest((history.at + 1) / 2);
-        }
-    }
-    startHistory();
-    platform().message("undo", "I can't get enough memory, so I forget what you did so far",
-                       Icon::exclamation);
+    inMemory([&] { record(label, snap); });
+}
+
+void completeNewestStep() {
+    if (!history.states.empty()) inMemory(takeDueSnapshot);
 }
 
 void undo() { goTo(-1); }
@@ -257,7 +297,9 @@ void undo() { goTo(-1); }
 void redo() { goTo(1); }
 
 SnapshotRef presentMesh() {
-    return history.states.empty() ? nullptr : history.states[history.at].mesh;
+    if (history.states.empty()) return nullptr;
+    takeDueSnapshot();
+    return history.states[history.at].mesh;
 }
 
 const EditorPart& partBefore() { return history.before; }

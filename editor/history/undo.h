@@ -44,10 +44,17 @@ void beginEvent(bool continues);
 /// mark of altered meshes stays set if it was set before and no whole mesh was written.
 bool endEvent();
 
+/// When a step takes the snapshot of a mesh that has more or fewer elements than the one before.
+/// Until the next change the mesh is a picture of itself, and who only looks at it needs no other.
+enum class Snap { now, beforeTheNextChange };
+
 /// The mesh and the editor as they are now become the newest step, unless they are as they were.
 /// What could have been redone is then gone. When memory is short the older half of the steps is
 /// dropped, again and again; where that does not help the history starts anew, and a box says so.
-void recordStep(const std::string& label);
+void recordStep(const std::string& label, Snap snap);
+
+/// To be called before something may change the mesh: takes the snapshot that waits for that.
+void completeNewestStep();
 
 /// Goes one step back or forward. Without one it beeps; without memory there is a message box, and
 /// everything is as it was.
@@ -55,7 +62,7 @@ void undo();
 void redo();
 
 /// The mesh as the newest step recorded it, or as it was where undo has gone back to; null when
-/// nothing is recorded.
+/// nothing is recorded. May throw std::bad_alloc.
 [[nodiscard]] SnapshotRef presentMesh();
 
 /// The editor as it was then, before the event that is handled now.

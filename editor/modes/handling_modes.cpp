@@ -159,6 +159,14 @@ constexpr auto keyRows = std::to_array<KeyRow>({
     {'E', key::del, deleteCurrentEdge},
 });
 
+/// What the key does in the present mode, or null.
+const KeyRow* keyRow(int code) {
+    const auto row = std::find_if(keyRows.begin(), keyRows.end(), [&](const KeyRow& r) {
+        return r.mode == editorState.mode && r.code == code;
+    });
+    return row == keyRows.end() ? nullptr : &*row;
+}
+
 } // namespace
 
 void handleEdges(const Event& event) {
@@ -186,13 +194,13 @@ void handleVertexes(const Event& event) {
 }
 
 bool handlingKeyDown(int code) {
-    const auto row = std::find_if(keyRows.begin(), keyRows.end(), [&](const KeyRow& r) {
-        return r.mode == editorState.mode && r.code == code;
-    });
-    if (row == keyRows.end()) return false;
+    const KeyRow* const row = keyRow(code);
+    if (row == nullptr) return false;
     row->act();
     stale.picture = true;
     return true;
 }
+
+bool isHandlingKey(int code) { return keyRow(code) != nullptr; }
 
 } // namespace polyfab

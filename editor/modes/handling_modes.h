@@ -23,4 +23,7 @@ void handleVertexes(const Event& event);
 /// edge. Whether the key is taken.
 bool handlingKeyDown(int code);
 
+/// Whether it would be.
+[[nodiscard]] bool isHandlingKey(int code);
+
 } // namespace polyfab

@@ -80,6 +80,11 @@ void enterMode(int command) {
     updateTitle();
 }
 
+bool entersMode(int command) {
+    return std::any_of(modes.begin(), modes.end(),
+                       [=](const Mode& mode) { return mode.command == command; });
+}
+
 void restoreModeName() { workbench.modeName = presentMode().name; }
 
 void modeMouse(const Event& event) {

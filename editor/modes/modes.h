@@ -19,6 +19,9 @@ struct Mode {
 /// Enters the mode of this menu command. A drag ends.
 void enterMode(int command);
 
+/// Whether a menu command enters a mode.
+[[nodiscard]] bool entersMode(int command);
+
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();
 

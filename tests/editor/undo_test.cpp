@@ -412,6 +412,45 @@ TEST_F(Undo, AFailedAppendIsUndoneWithViewAndFileName) {
     EXPECT_NE(workbench.fileName, "before.obj");
 }
 
+TEST_F(Undo, WhatAReadLeftTakesNoMemoryUntilItIsChangedAndComesBackThen) {
+    const std::string file = folder.write("two.obj", "v 0 0 0\nv 3 0 0\nv 0 2 0\nv 3 2 0\n"
+                                                     "g a\nf 1 2 3\ng b\nf 2 4 3\n");
+    const std::pair<int, void (*)()> changes[] = {
+        {358, [] { command(397); }},
+        {351, [] { drag(200, 200, 40, 0, button::left); }},
+        {348,
+         [] {
+             workbench.currentEdgeFace = 0, workbench.currentEdgeCorner = 1;
+             key(46);
+         }},
+        {358,
+         [] {
+             command(264);
+             click({20, 8});
+             key(key::escape);
+         }},
+    };
+    for (const auto& [mode, change] : changes) {
+        cubeIn(mode);
+        startHistory();
+        const std::string before = dump();
+        const std::size_t held = snapshotBytes();
+        shown.files = {file};
+        command(256);
+        wheel(300, 200, 1);
+        command(382);
+        command(mode);
+        EXPECT_EQ(snapshotBytes(), held);
+        const std::string read = dump();
+        change();
+        EXPECT_NE(dump(), read);
+        undo();
+        EXPECT_EQ(dump(), read);
+        undo();
+        EXPECT_EQ(dump(), before);
+    }
+}
+
 TEST_F(Undo, TheBoxComesBackAroundWhatItWasAroundHoweverTheViewHasMoved) {
     cubeIn(358);
     command(2003);
