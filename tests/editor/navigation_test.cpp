@@ -1,63 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Mirrors and other changes of the selected faces, and navigation by wheel, middle button and keys.
+// Navigation by wheel, middle button and keys.
 #include "tests/editor/window_fixture.h"
 
 namespace polyfab::test {
 namespace {
-
-using ViewCommands = WindowEvents;
-
-TEST_F(ViewCommands, MirrorsKeepTheOutsideOutside) {
-    struct Row {
-        int command;
-        std::deque<Log> answers;
-        double angle; ///< of the view
-        Vec3 corner;  ///< where (4, 5, 8) goes, of a cube whose middle is (3, 4, 7)
-    };
-    const Row rows[] = {{409, {{"w"}, {""}, {"Y"}}, 0, {4, 3, 8}},
-                        {409, {{"z"}}, 0, {4, 5, 6}},
-                        {409, {{"x"}}, M_PI / 2, {4, 5, 6}}, // z is seen across
-                        {413, {{"y"}}, 1, {4, -5, 8}},
-                        {1055, {}, 1, {4, 8, 5}},
-                        {1084, {}, 1, {-8, 5, 4}}};
-    for (const Row& row : rows) {
-        cubeIn(358);
-        shift(0, {3, 4, 7});
-        turnView(1, row.angle, true);
-        shown.dialogAnswers = row.answers;
-        command(row.command);
-        expectNear(point(7), row.corner);
-        EXPECT_EQ(OB->changed, 1);
-        EXPECT_EQ(run(1057), Log{"message|absolute volume bounded by the selected faces|8"});
-    }
-}
-
-TEST_F(ViewCommands, OnlySelectedFacesAreTurnedOver) {
-    cubeIn(358);
-    select({5});
-    OB->addNormal(1, 0, 0);
-    OB->faces[5].q[0].d = OB->normals;
-    shown.dialogAnswers = {{"x"}};
-    command(413);
-    EXPECT_EQ(OB->normals[0].x, -1);
-    EXPECT_EQ(OB->faces[4].q[1].p, OB->points + 4);
-    EXPECT_NE(OB->faces[5].q[1].p, OB->points + 3);
-    EXPECT_EQ(point(0).x, -1); // not of the face that is selected
-    EXPECT_EQ(point(1).x, -1);
-}
-
-TEST_F(ViewCommands, WithoutAnAnswerOrASelectionNothingHappens) {
-    cubeIn(358);
-    const std::string before = dump();
-    for (const int id : {409, 413}) command(id); // cancelled
-    command(291);
-    for (const int id : {409, 413, 1055, 1084, 2003, 1024, 1057}) {
-        EXPECT_EQ(run(id), Log{"message||no face is selected"});
-    }
-    command(290);
-    EXPECT_EQ(dump(), before);
-    EXPECT_EQ(OB->changed, 0);
-}
 
 class Navigation : public WindowEvents {
   protected:
