@@ -206,30 +206,6 @@ TEST_F(Thicken, RandomMeshesBecomeThoseOfThePlainRules) {
     EXPECT_GT(dropped, 100);
 }
 
-TEST_F(Thicken, TheTitleTellsHowFarItIs) {
-    addCube();
-    shown.windowTitle = "before";
-    run(".011", ".005", "2", false, Choice::no); // three whole steps
-    EXPECT_NEAR(OB->points[7].x, 1 + 0.015 / std::sqrt(3), 1e-14);
-    const Log expected{"title|collecting garbage",
-                       "title|before",
-                       "title|working out normals",
-                       "dialog|ASKDB|thickness to add?=.005",
-                       "dialog|ASKDB|increment step?=.005",
-                       "dialog|ASKDB|how many iterations of smoothing the normals?=30",
-                       "question||do you want to avoid changing the sign of x?",
-                       "question|shall I move the edge points?|(cancel = put a step along the "
-                       "edge)",
-                       "title|0.011:2",
-                       "title|0.011:1",
-                       "title|0.006:2",
-                       "title|0.006:1",
-                       "title|0.001:2",
-                       "title|0.001:1",
-                       "title|before"};
-    EXPECT_EQ(shown.log, expected);
-}
-
 TEST_F(Thicken, SoManyWallsThatTheArraysGrow) {
     addGrid(102, 102);
     for (int f = 0; f < OB->nf; ++f) OB->faces[f].selected = f % 102 % 3 == 1 && f / 102 % 3 == 1;
