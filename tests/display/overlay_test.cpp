@@ -29,34 +29,6 @@ class OverlayTest : public PaneTest {
     }
 };
 
-TEST_F(OverlayTest, EachSwitchBringsItsOwnColours) {
-    OB->curface = 1;
-    OB->curvertex = 3;
-    OB->corners[0].edgeuse = 255;
-    OB->faces[2].q = nullptr; // its four edges are loose now
-    box = {{20, 20, 20}, {150, 180, 150}};
-    Markers markers{3, 0, {Vec3{}, Vec3{}}};
-    displayOptions.settable = true;
-    EXPECT_EQ(count(redraw(markers), look.settable.color), 0); // none of them is set
-    displayOptions.settable = false;
-    markers.settable[0] = {0.5, 0.5, 0.5};
-    const std::pair<bool DisplayOptions::*, std::uint32_t> cases[] = {
-        {&DisplayOptions::normals, look.normal.color},
-        {&DisplayOptions::badEdges, look.bad.color},
-        {&DisplayOptions::looseEdges, look.loose.color},
-        {&DisplayOptions::box, look.box.color},
-        {&DisplayOptions::current, look.currentFace.color},
-        {&DisplayOptions::settable, look.settable.color},
-        {&DisplayOptions::axes, look.axes[0].color},
-        {&DisplayOptions::grid, look.grid.color}};
-    for (const auto& [option, color] : cases) {
-        EXPECT_EQ(count(redraw(markers), color), 0);
-        displayOptions.*option = true;
-        EXPECT_GT(count(redraw(markers), color), 20);
-        displayOptions.*option = false;
-    }
-}
-
 TEST_F(OverlayTest, NormalsPointToWhereTheFacesRunAnticlockwise) {
     displayOptions.normals = true;
     for (const double size : {1.0, 1e-170, 1e160}) {
