@@ -20,9 +20,6 @@
 
 namespace polyfab::test {
 
-using Log = std::vector<std::string>;
-using Numbers = std::vector<int>;
-
 inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
     for (int axis = 0; axis < 3; ++axis) {
         EXPECT_NEAR(along(a, axis), along(b, axis), tolerance) << "xyz"[axis];
@@ -59,7 +56,10 @@ Numbers selectedOf(const T* array, int count) {
 /// at (255, 255) of both panes.
 class WindowEvents : public MeshTest {
   protected:
-    WindowEvents() { reset(); }
+    WindowEvents() {
+        leavesGroups = true;
+        reset();
+    }
     ~WindowEvents() override {
         reset();
         view.client = {};

@@ -2,12 +2,11 @@
 // Small meshes with everything in them that collection and edges have to cope with.
 #pragma once
 
+#include "tests/support/described_mesh.h"
 #include "tests/support/mesh_fixture.h"
 
-#include <array>
 #include <random>
 #include <string>
-#include <vector>
 
 namespace polyfab::test {
 
@@ -47,44 +46,5 @@ class RandomMesh {
   private:
     std::mt19937 random;
 };
-
-/// The points of a face; none of a deleted one.
-inline std::vector<int> pointsOf(int index) {
-    const Face& face = OB->faces[index];
-    std::vector<int> points;
-    for (int k = 0; face.q != nullptr && k < face.n; ++k) {
-        points.push_back(indexIn(OB->points, face.q[k].p));
-    }
-    return points;
-}
-
-/// A face by the names of group and material, its other numbers and what each corner refers to
-/// (position, u, x of the normal), so that it can be compared across meshes.
-struct Description {
-    std::string group, material;
-    int tma, prt, selected;
-    std::vector<std::array<double, 5>> corners;
-
-    bool operator==(const Description&) const = default;
-};
-
-/// The live faces.
-inline std::vector<Description> describe() {
-    std::vector<Description> faces;
-    for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (face->q == nullptr) continue;
-        faces.push_back({OB->groups[face->g].name,
-                         OB->materials[face->mat].name,
-                         face->tma,
-                         face->prt,
-                         face->selected,
-                         {}});
-        for (const FaceCorner* c = face->q; c != face->q + face->n; ++c) {
-            const double x = c->d != nullptr ? c->d->x : -1;
-            faces.back().corners.push_back({c->p->x, c->p->y, c->p->z, c->t->u, x});
-        }
-    }
-    return faces;
-}
 
 } // namespace polyfab::test

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace polyfab::test {
@@ -29,13 +30,21 @@ class MeshTest : public testing::Test {
     ~MeshTest() override {
         emptyMesh();
         destroyMesh();
+        EXPECT_TRUE(leavesGroups || storeBlocks() == blocksBefore);
     }
 
     FakePlatform shown;
+    bool leavesGroups = false; ///< as clearing the mesh, and so each reading of a file, does
+
+  private:
+    const int blocksBefore = storeBlocks();
 };
 
+using Log = std::vector<std::string>;
+using Numbers = std::vector<int>;
+
 /// Adds a face on the points of these numbers to OB.
-inline Face* addFace(const std::vector<int>& points) {
+inline Face* addFace(const Numbers& points) {
     std::vector<Point*> list;
     for (const int point : points) list.push_back(OB->points + point);
     return OB->addFaceByPoints(list.data(), static_cast<int>(list.size()), false);

@@ -135,13 +135,11 @@ TEST_F(Parts, AreThoseOfThePlainRule) {
             if (OB->faces[i].q == nullptr) deleted[i] = OB->faces[i].prt;
         }
         for (int i = 0; i < OB->nprt; ++i) OB->parts[i].selected = 0;
-        const int blocks = storeBlocks();
         shown.log.clear();
         findparts(*OB, limit);
         ASSERT_NO_FATAL_FAILURE(expect(wanted, &Face::prt, OB->nprt)) << round;
         for (const auto& [face, number] : deleted) ASSERT_EQ(OB->faces[face].prt, number);
         for (int i = 0; i < OB->nprt; ++i) ASSERT_EQ(OB->parts[i].selected, 1U);
-        ASSERT_EQ(storeBlocks(), blocks);
         ASSERT_EQ(OB->cornerMate, nullptr);
         most = std::max(most, OB->nf - static_cast<int>(deleted.size()) - OB->nprt);
     }
@@ -158,13 +156,11 @@ TEST_F(Parts, OfTextureMapsAreThoseOfThePlainRule) {
         }
         ASSERT_TRUE(collectGarbage(*OB));
         const Numbering wanted = areasBySweeps();
-        const int blocks = storeBlocks();
         shown.log.clear();
         findareas(*OB);
         ASSERT_NO_FATAL_FAILURE(expect(wanted, &Face::tma, OB->ntma)) << round;
         ASSERT_EQ(OB->ntmamax, OB->ntma);
         for (int i = 0; i < OB->ntma; ++i) ASSERT_EQ(OB->tmas[i].selected, 1U);
-        ASSERT_EQ(storeBlocks(), blocks);
     }
 }
 

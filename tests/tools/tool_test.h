@@ -11,9 +11,6 @@
 
 namespace polyfab::test {
 
-using Log = std::vector<std::string>;
-using Numbers = std::vector<int>;
-
 class ToolTest : public MeshTest {
   protected:
     ToolTest() { resetWorkbench(); }
