@@ -2,8 +2,7 @@
 // What the fuzz targets share.
 #pragma once
 
-#include "mesh/mesh.h"
-#include "mesh/store.h"
+#include "tests/support/small_meshes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,11 +40,6 @@ inline void demand(bool condition, const char* what) {
     std::abort();
 }
 
-/// Empties OB, its groups included, which a clear leaves in the store.
-inline void emptyMesh() {
-    Group* groups = OB->groups;
-    OB->clear(true);
-    farfree(&groups);
-}
+using test::emptyMesh;
 
 } // namespace polyfab::fuzz

@@ -9,7 +9,7 @@
 #include "display/wireframe.h"
 #include "geometry/affine.h"
 #include "mesh/stale.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Undo and redo of whatever the window's events do.
-#include "editor/editor_state.h"
 #include "editor/history/undo.h"
-#include "mesh/screen_positions.h"
-#include "mesh/stale.h"
 
-#include "editor/command_table.h"
 #include "editor/modes/drag.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/random_user.h"
 #include "tests/support/temp_folder.h"
 
 #include <cstring>
@@ -19,18 +15,22 @@
 namespace polyfab::test {
 namespace {
 
-template <typename... Values>
-void add(std::string& text, const Values&... values) {
-    (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
-}
-
 /// What the user would miss, and beside it what else has to come back to the last bit.
 struct Everything {
-    std::string content, scratch, dump;
-    std::string saved;           ///< the part of the content that files hold
-    std::optional<bool> altered; ///< nothing: either will do
-    View view;
-    Box box;
+    MeshBits mesh = bitsOf(*OB);
+    std::string dump = dumpedMesh();
+    std::array<Vec3, 2> settable = workbench.settable;
+    int edgeFace = workbench.currentEdgeFace, edgeCorner = workbench.currentEdgeCorner;
+    std::optional<bool> altered = OB->changed != 0; ///< nothing: either will do
+    View view = polyfab::view;
+    Box box = polyfab::box;
+
+    /// Marks of the tools and the view may differ.
+    bool hasContentOf(const Everything& other) const {
+        return mesh.content == other.mesh.content && edgeFace == other.edgeFace
+               && edgeCorner == other.edgeCorner
+               && std::memcmp(&settable, &other.settable, sizeof settable) == 0;
+    }
 };
 
 bool sameView(const View& a, const View& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
@@ -53,65 +53,11 @@ bool sameBox(const Everything& a, const Everything& b) {
     return true;
 }
 
-Everything everything() {
-    const Mesh& m = *OB;
-    Everything all;
-    const auto addAll = [&all](const auto* array, int count) {
-        for (int i = 0; i < count; ++i) add(all.content, array[i]);
-    };
-    add(all.content, m.np, m.nq, m.nf, m.nd, m.nt, m.ng, m.nmat, m.ntma, m.nprt, m.curvertex,
-        m.curtexcoord, m.curface, m.curgroup, m.curmat, m.curtma, m.curprt, m.mtllib,
-        workbench.settable, workbench.currentEdgeFace, workbench.currentEdgeCorner);
-    add(all.scratch, m.npmax, m.nqmax, m.nfmax);
-    for (const Point* p = m.points; p != m.points + m.np; ++p) {
-        add(all.saved, p->x, p->y, p->z);
-        add(all.scratch, p->mark, p->highlighted, p->mark3, p->onselected);
-    }
-    for (const TexCoord* t = m.texcoords; t != m.texcoords + m.nt; ++t) {
-        add(all.content, t->u, t->v);
-        add(all.scratch, t->onselected);
-    }
-    const auto number = [](const auto* array, const auto* element) {
-        return element != nullptr ? indexIn(array, element) : -1;
-    };
-    for (const FaceCorner* q = m.corners; q != m.corners + m.nq; ++q) {
-        add(all.saved, number(m.points, q->p), number(m.normals, q->d), number(m.texcoords, q->t));
-        add(all.scratch, q->edgeuse, q->mark);
-    }
-    for (const Face* f = m.faces; f != m.faces + m.nf; ++f) {
-        add(all.saved, number(m.corners, f->q), f->n, f->mat, f->g);
-        add(all.content, f->tma, f->prt, f->selected);
-    }
-    for (int i = 0; i < m.ng; ++i) add(all.saved, m.groups[i].name);
-    for (int i = 0; i < m.nmat; ++i) add(all.saved, m.materials[i].name);
-    addAll(m.normals, m.nd);
-    addAll(m.groups, m.ng);
-    addAll(m.materials, m.nmat);
-    addAll(m.tmas, m.ntma);
-    addAll(m.parts, m.nprt);
-    all.content += all.saved;
-    all.altered = m.changed != 0;
-    all.dump = dumpedMesh();
-    all.view = view;
-    all.box = box;
-    return all;
-}
-
-/// The commands that leave the history, the program and other programs alone.
-std::vector<int> commandsToTry() {
-    std::vector<int> ids;
-    const std::set<int> left{undoCommand, redoCommand, 262, 2001, 2002};
-    for (const Command& command : commandTable()) {
-        if (command.handler != nullptr && !left.contains(command.id)) ids.push_back(command.id);
-    }
-    return ids;
-}
-
-/// Those that read and write files, which come too seldom among all others.
-constexpr int fileCommands[] = {256, 296, 257, 258, 259};
-
 class Undo : public WindowEvents {
   protected:
+    Undo() {
+        user.beforeListIsClosed = [this] { inList.emplace(); };
+    }
     ~Undo() override { setUndoMemory(defaultUndoMemory()); }
 
     static void undo() { command(undoCommand); }
@@ -132,104 +78,30 @@ class Undo : public WindowEvents {
         stale = Stale();
         OB->changed = below(2) != 0;
         startHistory();
-        folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n");
-        folder.write("empty.obj", "");
-    }
-    void answerAtRandom() {
-        const char* const names[] = {"1.obj", "1.dxf", "1.3ds", "2.obj", "bad.obj", "empty.obj"};
-        const char* const words[] = {"1", "0.5", "x", "Y", "2", "90", "-1", "abc", "", "1e300"};
-        for (int i = 0; i < 4; ++i) {
-            shown.files.push_back(folder.path(below(6) == 0 ? "none/1.obj" : names[below(6)]));
-            shown.choices.push_back(Choice(below(3) - 1));
-            shown.dialogAnswers.push_back({words[below(10)], words[below(10)], words[below(10)]});
-            shown.dialogResults.push_back(DialogResult(std::max(below(6) - 3, 0)));
-        }
-        shown.escapeAfter = below(8) == 0 ? below(4) : -1;
-    }
-    /// Anywhere, but mostly by a point, so that something is hit.
-    Spot spot() {
-        if (OB->np > 0 && below(4) != 0) {
-            if (stale.points) transformPoints(*OB);
-            const Point& p = OB->points[below(OB->np)];
-            const double x = below(2) != 0 ? p.sx : p.sz + 513;
-            if (std::abs(x) < 1500 && std::abs(p.sy) < 500) {
-                return Spot{int(x), int(p.sy)} + Spot{below(9) - 4, below(9) - 4};
-            }
-        }
-        return {below(shown.size.width), below(shown.size.height)};
-    }
-    void dragAtRandom() {
-        constexpr int held[] = {key::ctrl, key::shift, '1', '2'};
-        for (const int code : held) {
-            if (below(4) == 0) down(code);
-        }
-        const Spot from = spot();
-        const unsigned buttons = 1 + static_cast<unsigned>(below(3));
-        mouse(from, buttons);
-        for (int i = below(3); i > 0; --i) mouse(spot(), buttons);
-        if (below(8) == 0) down(key::escape);
-        mouse(below(2) != 0 ? from : spot(), 0);
-        for (const int code : {key::ctrl, key::shift, int('1'), int('2'), key::escape}) up(code);
-    }
-    /// Some picks in the open list, or a rename or reorder, and out of it.
-    void useListAtRandom() {
-        const auto cell = [this] { return Spot{20 + 200 * below(2), 8 + 16 * below(6)}; };
-        const Spot at = cell();
-        const bool picks = below(3) == 0;
-        down(key::ctrl);
-        if (picks) {
-            for (int i = below(4); i >= 0; --i) click(cell());
-        } else if (below(2) == 0) {
-            drag(at, cell());
-        } else {
-            mouse(at, 0);
-            mouse(at, button::right);
-            mouse(at, 0);
-        }
-        up(key::ctrl);
-        if (!picks) inList = everything();
-        for (const int code : {key::escape, key::f1}) { // the first may have left a prompt
-            if (editorState.subview != 0) key(code);
+        user.files = {folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n"), folder.write("empty.obj", "")};
+        for (const char* name : {"1.obj", "1.dxf", "1.3ds", "2.obj", "none/1.obj"}) {
+            user.files.push_back(folder.path(name));
         }
     }
     void actAtRandom() {
-        constexpr int keys[] = {46, 36, 190}; // Delete, Home, full stop
-        answerAtRandom();
-        if (const int kind = below(9); kind < 3) {
-            dragAtRandom();
-        } else if (kind == 3) {
-            wheel(300, 200, below(3) - 1);
-        } else if (kind == 4) {
-            key(keys[below(3)]);
-        } else if (kind == 5) {
-            command(fileCommands[below(5)]);
-        } else {
-            command(commands[commandsDone++ % commands.size()]);
-            if (editorState.subview != 0) useListAtRandom();
-        }
-        shown.files.clear();
-        shown.choices.clear();
-        shown.dialogAnswers.clear();
-        shown.dialogResults.clear();
-        shown.escapeAfter = -1;
-        shown.log.clear();
+        inList.reset();
+        user.act();
     }
     /// Enters into the states what became of their marks of altered meshes by the last action.
     static void followMarks(std::vector<Everything>& states, const std::string& wholeFileBefore) {
         const bool overwritten = !wholeFileBefore.empty() && workbench.wholeFile.path.empty();
         const bool written = workbench.wholeMeshWritten && OB->changed == 0;
         if (!overwritten && !written) return;
-        const std::string saved = everything().saved;
+        const std::string saved = bitsOf(*OB).saved;
         for (Everything& state : states) {
             state.altered = true;
-            if (written && state.saved == saved) state.altered.reset();
+            if (written && state.mesh.saved == saved) state.altered.reset();
         }
     }
     /// The present state is this one; of the box, which goes with the view, see sameBox.
     static void expectIs(const Everything& state, const char* when) {
-        const Everything now = everything();
-        ASSERT_TRUE(now.content == state.content) << when;
-        ASSERT_TRUE(now.scratch == state.scratch) << when;
+        const Everything now;
+        ASSERT_TRUE(now.hasContentOf(state) && now.mesh == state.mesh) << when;
         ASSERT_TRUE(now.dump == state.dump) << when;
         if (state.altered) {
             ASSERT_EQ(now.altered, state.altered) << when;
@@ -249,29 +121,29 @@ class Undo : public WindowEvents {
     TempFolder folder;
     RandomMesh random{11};
     std::optional<Everything> inList; ///< before the last action closed a list
-    std::vector<int> commands = commandsToTry();
-    std::size_t commandsDone = 0;
+    /// Leaves the history, the program and other programs alone.
+    RandomUser user{
+        shown, [this](int n) { return below(n); }, {undoCommand, redoCommand, 262, 2001, 2002}};
 };
 
 TEST_F(Undo, BringsBackToTheLastBitWhatAnyChainOfCommandsAndDragsDid) {
     for (int round = 0; round < 150; ++round) {
         newMesh();
-        std::vector<Everything> states{everything()};
+        std::vector<Everything> states(1);
         for (int i = 0; i < 40; ++i) {
             const std::string label = undoLabel(), wholeFile = workbench.wholeFile.path;
-            inList.reset();
             actAtRandom();
-            if (inList && inList->content == states.back().content) {
+            if (inList && inList->hasContentOf(states.back())) {
                 states.back().altered = inList->altered; // the name stays
             } else if (inList) {
                 undo();
-                if (everything().content == inList->content) states.push_back(*inList);
+                if (Everything().hasContentOf(*inList)) states.push_back(*inList);
                 redo();
             }
             followMarks(states, wholeFile);
             SCOPED_TRACE(std::to_string(round) + ", " + std::to_string(i) + ": " + undoLabel());
-            Everything now = everything();
-            if (now.content == states.back().content && sameBox(states.back(), now)) {
+            Everything now;
+            if (now.hasContentOf(states.back()) && sameBox(states.back(), now)) {
                 states.back() = now; // no step
                 ASSERT_TRUE(inList || undoLabel() == label);
                 continue;
@@ -279,10 +151,10 @@ TEST_F(Undo, BringsBackToTheLastBitWhatAnyChainOfCommandsAndDragsDid) {
             undo();
             ASSERT_NO_FATAL_FAILURE(expectIs(states.back(), "undone"));
             ASSERT_TRUE(!sameView(view, states.back().view)
-                        || sameBox(states.back(), everything()));
+                        || sameBox(states.back(), Everything()));
             redo();
             ASSERT_NO_FATAL_FAILURE(expectIs(now, "redone"));
-            ASSERT_TRUE(sameView(view, now.view) && sameBox(now, everything()));
+            ASSERT_TRUE(sameView(view, now.view) && sameBox(now, Everything()));
             states.push_back(std::move(now));
         }
         const std::size_t all = states.size();
@@ -398,14 +270,14 @@ TEST_F(Undo, AFailedAppendIsUndoneWithViewAndFileName) {
     workbench.fileName = "before.obj";
     wheel(100, 100, 2);
     startHistory();
-    const Everything before = everything();
+    const Everything before;
     shown.files = {folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n")};
     command(296);
     EXPECT_EQ(OB->nf, 0);
     EXPECT_FALSE(sameView(view, before.view));
     undo();
     expectIs(before, "undone");
-    EXPECT_TRUE(sameView(view, before.view) && sameBox(everything(), before));
+    EXPECT_TRUE(sameView(view, before.view) && sameBox(Everything(), before));
     EXPECT_EQ(shown.windowTitle, "polyfab [before.obj] ");
     redo();
     EXPECT_EQ(OB->nf, 0);
@@ -528,7 +400,7 @@ TEST_F(Undo, TheOldestStepsAreDroppedButNeverTheNewest) {
     setUndoMemory(1);
     startHistory();
     command(397);
-    const Everything second = everything();
+    const Everything second;
     command(291);
     undo();
     expectIs(second, "undone");

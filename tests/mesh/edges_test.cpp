@@ -4,7 +4,7 @@
 #include "mesh/check.h"
 #include "mesh/face_area.h"
 #include "mesh/garbage.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <algorithm>
 #include <chrono>

@@ -2,7 +2,7 @@
 #include "mesh/garbage.h"
 
 #include "mesh/check.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <algorithm>
 #include <chrono>

@@ -2,7 +2,7 @@
 // Growth of the arrays and adding of elements.
 #include "mesh/check.h"
 #include "mesh/point_index.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <cmath>
 

@@ -4,7 +4,7 @@
 #include "mesh/join_faces.h"
 #include "mesh/split_face.h"
 #include "mesh/weld_pair.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #include "mesh/pack_snapshot.h"
 
 #include "mesh/check.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <cmath>
 #include <cstring>

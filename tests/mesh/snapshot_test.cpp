@@ -5,7 +5,7 @@
 #include "mesh/check.h"
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #include "mesh/names.h"
 
 #include "mesh/group_order.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 #include "tools/name_commands.h"
 

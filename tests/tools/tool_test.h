@@ -4,7 +4,7 @@
 
 #include "display/view.h"
 #include "mesh/check.h"
-#include "tests/mesh/random_mesh.h"
+#include "tests/support/mesh_fixture.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -34,17 +34,6 @@ inline Face& addFaceAt(const std::vector<Vec3>& corners) {
     Numbers points;
     for (const Vec3& at : corners) points.push_back(OB->addPoint(at.x, at.y, at.z, false));
     return *addFace(points);
-}
-
-/// Adds rows and columns of quads in the plane z = 0 that look along z to OB.
-inline void addGrid(int columns, int rows) {
-    for (int y = 0; y <= rows; ++y) {
-        for (int x = 0; x <= columns; ++x) OB->addPoint(x, y, 0, false);
-    }
-    for (int p = 0; p < rows * (columns + 1); ++p) {
-        if (p % (columns + 1) == columns) continue;
-        addFace({p, p + 1, p + columns + 2, p + columns + 1});
-    }
 }
 
 /// The numbers of the live faces, or of those that are selected.

@@ -3,18 +3,24 @@
 #pragma once
 
 #include "tests/support/described_mesh.h"
-#include "tests/support/mesh_fixture.h"
+#include "tests/support/small_meshes.h"
 
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace polyfab::test {
 
 class RandomMesh {
   public:
-    explicit RandomMesh(unsigned seed) : random(seed) {}
+    explicit RandomMesh(unsigned seed)
+        : below([random = std::mt19937(seed)](int n) mutable {
+              return static_cast<int>(random() % static_cast<unsigned>(n));
+          }) {}
+    explicit RandomMesh(std::function<int(int)> numbers) : below(std::move(numbers)) {}
 
-    int below(int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); }
+    std::function<int(int)> below; ///< a number from 0 to n - 1
 
     /// Fills OB with faces of 1 to `most` random corners, each corner with a texture coordinate of
     /// its own and some with normals; a few of the faces are deleted.
@@ -42,9 +48,6 @@ class RandomMesh {
         }
         OB->curface = below(faces + 1) - 1;
     }
-
-  private:
-    std::mt19937 random;
 };
 
 } // namespace polyfab::test
