@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Joining of triangles, both ways against plain statements of their rules on random flat patches,
-// and by hand at the limits and through the closing question.
+// and by hand at the limits.
 #include "mesh/stale.h"
 #include "tools/detriangularize.h"
 
@@ -237,20 +237,6 @@ TEST_F(Detriangularize, TheLimitsThemselvesAreAllowed) {
             if (!joins) continue;
             EXPECT_EQ(pointsOf(0), (thorough ? Numbers{0, 3, 1, 2} : Numbers{1, 2, 0, 3})) << about;
         }
-    }
-}
-
-TEST_F(Detriangularize, RemovedNormalsLeaveTheirStorage) {
-    for (const bool thorough : {false, true}) {
-        emptyMesh();
-        for (int i = 0; i < 4; ++i) OB->addPoint(i % 2, i / 2, 0, false);
-        addFace({0, 1, 2});
-        addFace({3, 2, 1});
-        OB->addNormal(0, 0, 1);
-        for (int c = 0; c < OB->nq; ++c) OB->corners[c].d = OB->normals;
-        shown.choices = {Choice::yes};
-        run(thorough, false, "4", "20");
-        EXPECT_TRUE(OB->nf == 1 && OB->normals == nullptr && OB->ndmax == 0);
     }
 }
 

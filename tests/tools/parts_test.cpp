@@ -201,44 +201,5 @@ TEST_F(Parts, TooManyToNumberShareTheLastNumber) {
     }
 }
 
-TEST_F(Parts, TheUserIsAskedForAnAngleAndMayCancel) {
-    const std::string question =
-        "question||do you want to separate parts at sharp angles between faces?";
-    const std::string prompt = "dialog|ASKDB|max allowed dihedral angle(deg)? (flat=0)=0";
-    struct {
-        Choice choice;
-        std::vector<std::string> angles;
-        int parts;
-    } const cases[] = {
-        {Choice::no, {}, 2},           {Choice::yes, {"90"}, 12},
-        {Choice::yes, {"90.0001"}, 2}, {Choice::yes, {"x", "-3"}, 12},
-        {Choice::yes, {}, 2}, // left by cancel: 0
-    };
-    for (const auto& row : cases) {
-        emptyMesh();
-        addCube();
-        addCube();
-        OB->addPoint(5, 5, 5, false); // garbage
-        workbench.currentEdgeFace = 0;
-        shown.choices = {row.choice};
-        shown.dialogAnswers.clear();
-        for (const std::string& angle : row.angles) shown.dialogAnswers.push_back({angle});
-        shown.log.clear();
-        askAndFindParts(*OB);
-        EXPECT_EQ(OB->nprt, row.parts);
-        EXPECT_EQ(OB->np, 16);
-        EXPECT_EQ(workbench.currentEdgeFace, -1);
-        EXPECT_EQ(shown.log.front(), question);
-        const auto asked = std::max<std::size_t>(row.angles.size(), row.choice == Choice::yes);
-        EXPECT_EQ(std::count(shown.log.begin(), shown.log.end(), prompt), static_cast<int>(asked));
-    }
-    OB->addPoint(5, 5, 5, false);
-    shown.choices = {Choice::cancel};
-    shown.log.clear();
-    askAndFindParts(*OB);
-    EXPECT_EQ(shown.log, Log{question});
-    EXPECT_EQ(OB->np, 17);
-}
-
 } // namespace
 } // namespace polyfab::test

@@ -127,16 +127,12 @@ TEST_F(Triangularize, OneFaceIsSplitIntoAFanAtTheEnd) {
     }
 }
 
-TEST_F(Triangularize, TheLargestFaceAndAnEmptyMeshAreNoExceptions) {
+TEST_F(Triangularize, TheLargestFaceIsNoException) {
     const struct {
         void (*tool)(Mesh&);
         int pieces;
     } cases[] = {{triangularize, maxIndexed - 2}, {breakupfaces, (maxIndexed - 1) / 2}};
     for (const auto& [tool, pieces] : cases) {
-        emptyMesh();
-        tool(*OB);
-        EXPECT_EQ(check(*OB), nullptr);
-        EXPECT_EQ(OB->nf, 0);
         emptyMesh();
         Numbers points;
         for (int i = 0; i < maxIndexed; ++i) points.push_back(OB->addPoint(i, 0, 0, false));
