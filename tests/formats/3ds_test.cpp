@@ -18,6 +18,8 @@ using namespace std::string_literals;
 
 class ThreeDs : public test::MeshTest {
   protected:
+    ThreeDs() { leavesGroups = true; }
+
     /// Walks through the bytes, which end where their memory ends. How that ended, the number of
     /// groups, and each triangle as letters of points and its material.
     static std::string walk(const std::string& bytes) {

@@ -13,13 +13,16 @@
 namespace polyfab {
 namespace {
 
-using Log = std::vector<std::string>;
+using test::Log;
 
 constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 class MeshFiles : public test::MeshTest {
   protected:
-    MeshFiles() { resetWorkbench(); }
+    MeshFiles() {
+        leavesGroups = true;
+        resetWorkbench();
+    }
     ~MeshFiles() override {
         resetWorkbench();
         displayOptions = {};
@@ -33,13 +36,6 @@ class MeshFiles : public test::MeshTest {
         return std::exchange(shown.log, {});
     }
 
-    /// Group tables that readings leave in the store by design.
-    void read(const std::string& path) {
-        Group* before = OB->groups;
-        readNamedMeshFile(path);
-        if (OB->groups != before) farfree(&before);
-    }
-
     /// Whether the mesh counts as altered afterwards.
     bool alteredAfter(void (*write)(), const std::string& path) {
         OB->changed = 1;
@@ -51,62 +47,13 @@ class MeshFiles : public test::MeshTest {
     test::TempFolder folder;
 };
 
-TEST_F(MeshFiles, ReadingSetsNameTitleAndMarks) {
-    const std::string path = folder.write("Tri.OBJ", triangle);
-    OB->curvertex = 3;
-    shown.files = {path};
-    readMeshFile();
-    const Log expected = {"file|file to read mesh from?|",
-                          "title|collecting garbage",
-                          "title|",
-                          "busy|HANG ON WHILE I READ THE FILE IN",
-                          "busy|I am counting the vertexes etc in the file",
-                          "busy|",
-                          "busy|",
-                          "title|polyfab [" + path + "] "};
-    EXPECT_EQ(shown.log, expected);
-    EXPECT_EQ(std::tuple(OB->nf, OB->curvertex, workbench.busy), std::tuple(1, -1, false));
-    EXPECT_EQ(workbench.lastChosen, "Tri.OBJ");
-    // Collects before, tidies after: a repeated corner goes, and there and back is no face.
-    OB->faces[0].q = nullptr;
-    shown.files = {folder.write("t.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 2 3\nf 1 2 1\n"),
-                   std::nullopt};
-    appendMeshFile();
-    readMeshFile();
-    ASSERT_EQ(OB->nf, 2);
-    EXPECT_EQ(OB->faces[0].n, 3);
-    EXPECT_EQ(OB->faces[1].q, nullptr);
-}
-
-TEST_F(MeshFiles, OtherSuffixes) {
-    const std::string path = folder.write("model.ply", triangle);
-    test::addCube();
-    read(path); // answered no
-    EXPECT_EQ(newLog(), (Log{"question|do you want me to read this file as .OBJ?|" + path,
-                             "message!|bad suffix|" + path}));
-    EXPECT_EQ(OB->nf, 6);
-    for (const int faces : {1, 2}) {
-        shown.choices = {Choice::yes};
-        read(path);
-        EXPECT_EQ(OB->nf, faces);
-        displayOptions.unselectedGrey = true; // then such a file is appended
-    }
-}
-
-TEST_F(MeshFiles, AFailedReadLeavesNoGeometryButTheNames) {
+TEST_F(MeshFiles, AnUnsoundMeshIsNotReplaced) {
     test::addCube();
     OB->faces[0].g = 9;
-    const std::string path = folder.write("bad.obj", "v 0 0 0\ng wing\nv 1 0\n");
-    read(path);
+    readNamedMeshFile(folder.write("tri.obj", triangle));
     EXPECT_EQ(newLog(),
               Log{"message!|mesh fault before reading|fac.g = 9 out of range, should be 0 to 0"});
     EXPECT_EQ(OB->nf, 6);
-    OB->faces[0].g = 0;
-    read(path);
-    const std::string failed = "message!|I tried to read this file but it didn't work|";
-    EXPECT_EQ(newLog(), (Log{"message!|line 3 is bad: <3 args|v 1 0", failed + path}));
-    EXPECT_EQ(OB->np + OB->nq + OB->nf, 0);
-    EXPECT_EQ(OB->ng, 1);
 }
 
 TEST_F(MeshFiles, EscapeEndsAReadAsAFailedOne) {
@@ -138,7 +85,7 @@ TEST_F(MeshFiles, EscapeEndsAReadAsAFailedOne) {
             test::addCube();
             newLog();
             shown.escapeAfter = look;
-            read(path);
+            readNamedMeshFile(path);
             const bool stopped = look < row.looks;
             EXPECT_EQ(shown.escapeAfter, stopped ? -1 : 0);
             EXPECT_EQ(newLog(),
@@ -154,7 +101,7 @@ TEST_F(MeshFiles, ReadingAndWritingTellHowFarTheyAre) {
     std::string obj = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
     while (obj.size() < 3 * PieceReader::pieceSize) obj += "f 1 2 3\n";
     const std::string path = folder.write("many.obj", obj);
-    read(path);
+    readNamedMeshFile(path);
     const auto expectSteps = [&](const char* what, auto work) {
         SCOPED_TRACE(what);
         shown.log.clear();
@@ -179,7 +126,7 @@ TEST_F(MeshFiles, ReadingAndWritingTellHowFarTheyAre) {
         }
         EXPECT_GT(before, 0.8);
     };
-    expectSteps("read", [&] { read(path); });
+    expectSteps("read", [&] { readNamedMeshFile(path); });
     expectSteps("obj", [&] { EXPECT_EQ(writeObjFile(*OB, folder.path("out.obj"), objPlain), 1); });
     expectSteps("dxf", [&] { EXPECT_EQ(writeDxfFile(*OB, folder.path("out.dxf")), 1); });
 }
@@ -191,7 +138,7 @@ TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {
                 {"c.obj-", "c.obj", " -3 -2 -1"},
                 {"d.obj#", "d.obj", " 1 2 3\n ## / 0,0,0 / 1,0,0 / 0,1,0"},
                 {"e.txt", "e.txt", " 1 2 3"}};
-    read(folder.write("tri.obj", triangle));
+    readNamedMeshFile(folder.write("tri.obj", triangle));
     for (const auto& row : rows) {
         EXPECT_FALSE(alteredAfter(writeObjMeshFile, folder.path(row.chosen)));
         EXPECT_NE(folder.read(row.written).find("\nf" + row.face), std::string::npos);
@@ -207,30 +154,8 @@ TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {
                   Log{"message!|wrong suffix for this type of file|" + folder.path("cube.obj")});
         EXPECT_FALSE(folder.has("cube.obj"));
     }
-    read(folder.path("cube.Dxf"));
+    readNamedMeshFile(folder.path("cube.Dxf"));
     EXPECT_EQ(std::tuple(OB->nf, OB->np), std::tuple(1, 3));
-}
-
-TEST_F(MeshFiles, WhatIsNotWrittenStaysAltered) {
-    test::addCube();
-    const std::string nowhere = folder.path("missing/a.obj");
-    const std::string cannot = "message!|can't open file|" + nowhere;
-    const std::string didnt =
-        "message!|I tried to write to this file but it didn't work|" + nowhere;
-    const std::pair<std::string, Log> rows[] = {
-        {nowhere, {cannot, cannot}},
-        {nowhere + "-", {cannot, cannot}},
-        {nowhere + "#", {cannot, didnt}},
-        {".obj", {"message!|wrong suffix for this type of file|.obj"}}};
-    for (const auto& [path, messages] : rows) {
-        EXPECT_TRUE(alteredAfter(writeObjMeshFile, path));
-        EXPECT_EQ(newLog(), messages);
-    }
-    OB->faces[0].selected = 0;
-    shown.choices = {Choice::yes, Choice::no};
-    for (const bool part : {true, false}) {
-        EXPECT_EQ(alteredAfter(writeObjMeshFile, folder.path("part.obj")), part);
-    }
 }
 
 } // namespace

@@ -53,34 +53,6 @@ TEST_F(Names, AFoundMaterialKeepsItsColorAndAnIndexNamesSoManyOnly) {
     EXPECT_EQ(table.findOrAdd("m32766"), 32766);
 }
 
-TEST_F(Names, SelectedFacesGoIntoANewGroupEachTime) {
-    EXPECT_STREQ(OB->currentGroupName(), "default"); // there is none
-    test::addCube();
-    OB->faces[0].selected = 0;
-    OB->faces[1].q = nullptr;
-    putSelectedIntoNewGroup(*OB); // answered no
-    EXPECT_EQ(OB->ng, 1);
-    shown.choices = {Choice::yes, Choice::yes, Choice::yes};
-    putSelectedIntoNewGroup(*OB);
-    putSelectedIntoNewGroup(*OB);
-    EXPECT_EQ(shown.log.back(),
-              "question||do you want to put the selected faces into a new group?");
-    EXPECT_STREQ(OB->groups[2].name, "NewGroup");
-    putSelectedIntoNewMaterial(*OB);
-    EXPECT_STREQ(OB->materials[1].name, "NewMaterial");
-    for (int f = 0; f < 6; ++f) {
-        EXPECT_EQ(OB->faces[f].g, f < 2 ? 0 : 2);
-        EXPECT_EQ(OB->faces[f].mat, f < 2 ? 0 : 1);
-    }
-    OB->faces[2].g = OB->faces[2].mat = 1;
-    OB->changed = 0;
-    amalgamateGroups(*OB); // group 2 is called as group 1
-    EXPECT_EQ(OB->changed, 1);
-    for (int f = 0; f < 6; ++f) EXPECT_EQ(OB->faces[f].g, f < 2 ? 0 : 1);
-    OB->curgroup = 1;
-    EXPECT_STREQ(OB->currentGroupName(), "NewGroup");
-}
-
 TEST_F(Names, AreWrittenOneALine) {
     const test::TempFolder folder;
     const std::string nowhere = folder.path("missing/x.txt");

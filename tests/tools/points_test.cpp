@@ -116,36 +116,6 @@ TEST_F(Unweld, SelectedFacesAndPartsAreUnweldedByThePlainRule) {
     }
 }
 
-/// Three triangles in parts 0, 2 and 3 that have point 0 in common.
-void addThreeParts() {
-    emptyMesh();
-    for (int i = 0; i < 7; ++i) OB->addPoint(i, 0, 0, false);
-    for (const int base : {1, 3, 5}) addFace({0, base, base + 1});
-    for (int i = 0; i < 4; ++i) OB->addPart();
-    OB->faces[1].prt = 2;
-    OB->faces[2].prt = 3;
-}
-
-TEST_F(Unweld, ThreePartsInAPointShowTheirProgressAndStopAtEscape) {
-    shown.windowTitle = "before";
-    for (int polls = 0; polls < 4; ++polls) {
-        addThreeParts();
-        shown.escapeAfter = polls;
-        shown.log.clear();
-        unweldSelectedParts(*OB);
-        EXPECT_EQ(OB->np, 7 + std::min(polls, 2)) << polls;
-        EXPECT_EQ(check(*OB), nullptr);
-    }
-    EXPECT_EQ(shown.log, (Log{"title|I am working on part    1 out of 3",
-                              "title|I am working on part    2 out of 3",
-                              "title|I am working on part    3 out of 3", "title|before",
-                              "message||I have unwelded 2 points"}));
-    addThreeParts();
-    separateGluedSurfaces(*OB);
-    EXPECT_EQ(shown.log.back(), "message||I have separated surfaces at 1 point");
-    for (int f = 0; f < 3; ++f) EXPECT_EQ(pointsOf(f)[0], f == 0 ? 0 : 6 + f); // the first keeps it
-}
-
 const std::string done = "message||I have duplicated the selected faces like you told me to";
 
 using Duplicate = ToolTest;

@@ -162,20 +162,5 @@ TEST_F(Smooth, OnAFlatGridNoPointMoves) {
     }
 }
 
-TEST_F(Smooth, TheQuestionsSetTheAxis) {
-    const struct {
-        std::deque<Choice> choices;
-        char axis;
-    } cases[] = {{{Choice::yes, Choice::yes}, 'x'},
-                 {{Choice::yes, Choice::no}, 'y'},
-                 {{Choice::yes, Choice::cancel}, 'z'},
-                 {{Choice::no}, 0}};
-    for (const auto& [choices, axis] : cases) {
-        shown.choices = choices;
-        askSmoothingAxis();
-        EXPECT_EQ(workbench.smoothingAxis, axis);
-    }
-}
-
 } // namespace
 } // namespace polyfab::test
