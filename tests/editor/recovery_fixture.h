@@ -41,12 +41,15 @@ class RecoveryTest : public WindowEvents {
         std::sort(names.begin(), names.end());
         return names;
     }
+    void cubeWithFaces(int faces) {
+        cubeIn(358);
+        for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
+    }
     /// An editor is killed that had a cube with so many faces left, and saved it that many seconds
     /// ago.
     void leaveBehind(const std::string& name, int faces, int age) {
         const Log before = kept();
-        cubeIn(358);
-        for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
+        cubeWithFaces(faces);
         OB->changed = 1;
         workbench.lastChosen = name;
         saveBeforeLongWork();

@@ -5,6 +5,7 @@
 #include "tests/editor/recovery_fixture.h"
 
 #include <cstring>
+#include <functional>
 #include <thread>
 
 namespace polyfab::test {
@@ -132,35 +133,29 @@ TEST_F(RecoveryTest, DamageIsToldAndTheFileKept) {
 }
 
 TEST_F(RecoveryTest, AMeshThatIsUnsoundOrAViewThatIsUselessDoesNoHarm) {
-    cubeIn(358);
-    RecoveryRecord record = recoveryRecord(takeSnapshot(*OB, nullptr), presentPart());
-    const auto leave = [&] {
-        RecoveryFolder gone = RecoveryFolder::make(stateFolder);
-        ASSERT_TRUE(writeRecoveryFile(gone.file(), record));
+    const auto leaveAndStart = [this](auto damage) {
+        cubeIn(358);
+        EditorPart editor = presentPart();
+        damage(editor);
+        EXPECT_TRUE(writeRecoveryFile(RecoveryFolder::make(stateFolder).file(),
+                                      recoveryRecord(takeSnapshot(*OB, nullptr), editor)));
+        return start({Choice::yes});
     };
-    record.editor.view.scale = 1e306;
-    leave();
-    EXPECT_EQ(start({Choice::yes}).size(), 1U);
-    EXPECT_EQ(liveFaces(), 6);
+    const Log asked = leaveAndStart([](EditorPart& editor) {
+        editor.view.scale = 1e306;
+        // Current elements that are none.
+        OB->curvertex = OB->curtexcoord = OB->curface = 99;
+        OB->curgroup = OB->curmat = OB->curtma = OB->curprt = 99;
+    });
+    EXPECT_EQ(std::tuple(asked.size(), liveFaces()), std::tuple(1U, 6));
     EXPECT_LT(view.scale, 1e6);
-    close();
-    // A current element that is none.
-    cubeIn(358);
-    OB->curvertex = OB->curtexcoord = OB->curface = 99;
-    OB->curgroup = OB->curmat = OB->curtma = OB->curprt = 99;
-    record = recoveryRecord(takeSnapshot(*OB, nullptr), presentPart());
-    leave();
-    EXPECT_EQ(start({Choice::yes}).size(), 1U);
     for (const int current : {OB->curvertex, OB->curtexcoord, OB->curface, int{OB->curgroup},
                               int{OB->curmat}, int{OB->curtma}, int{OB->curprt}}) {
         EXPECT_EQ(current, -1);
     }
     close();
-    cubeIn(358);
-    OB->faces[0].g = 9;
-    record.mesh = takeSnapshot(*OB, nullptr);
-    leave();
-    EXPECT_TRUE(start({Choice::yes}).at(0).starts_with("message!|I can't bring back"));
+    const Log told = leaveAndStart([](EditorPart&) { OB->faces[0].g = 9; });
+    EXPECT_TRUE(told.at(0).starts_with("message!|I can't bring back"));
     EXPECT_EQ(OB->nf + OB->ng + OB->changed, 0);
 }
 
@@ -217,53 +212,50 @@ TEST_F(RecoveryTest, SavesAtRestOnlyWhatIsNewAndNeverInADrag) {
     EXPECT_TRUE(saves()); // long work does not wait for that
 }
 
-TEST_F(RecoveryTest, AThreadWritesWhatWasThereAtRest) {
-    cubeIn(358);
-    setRecoverySeconds(1);
-    OB->changed = 1;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-    rest();
-    OB->faces[0].q = nullptr; // while it writes
-    while (kept().empty() || !folder.has(kept()[0] + "/mesh")) std::this_thread::yield();
-    rest(); // too soon for what is new
-    startRecovery();
-    EXPECT_EQ(start({Choice::yes}).size(), 1U);
-    EXPECT_EQ(liveFaces(), 6);
-}
-
-TEST_F(RecoveryTest, AFolderThatSomebodyRemovedIsMadeAnew) {
-    cubeIn(358);
-    OB->changed = 1;
-    for (const char* const removed : {"", "/recovery-"}) {
-        OB->points[0].x += 1;
+TEST_F(RecoveryTest, AKilledEditorLeavesWhatWasThereAtRest) {
+    const auto aThreadWrites = [this] {
+        setRecoverySeconds(1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
         rest();
-        ASSERT_EQ(kept().size(), 1U);
-        fs::remove_all(*removed != 0 ? folder.path(kept()[0]) : stateFolder);
+        OB->points[0].x = 78; // while it writes
+        while (kept().empty() || !folder.has(kept()[0] + "/mesh")) std::this_thread::yield();
+        rest(); // too soon for what is new
+    };
+    const auto theFolderGoes = [this] { // and is made anew
+        for (const bool whole : {false, true}) {
+            OB->points[0].x += 1;
+            rest();
+            ASSERT_EQ(kept().size(), 1U);
+            fs::remove_all(whole ? stateFolder : folder.path(kept()[0]));
+        }
+        OB->points[0].x = 77;
+        EXPECT_EQ(showsAt(EventKind::idle), nothing);
+    };
+    const auto aWholeWrite = [this] { // makes the file needless, until there is more to lose
+        rest();
+        EXPECT_EQ(kept().size(), 1U);
+        shown.files = {folder.path("cube.obj")};
+        command(259);
+        EXPECT_EQ(kept(), nothing);
+        OB->changed = 1;
+        send(EventKind::sessionEnd);
+        EXPECT_EQ(showsAt(EventKind::close), Log{"destroyed"}); // no question any more
+        send(EventKind::destroy);
+        createMesh();
+    };
+    const std::function<void()> rows[] = {rest, aThreadWrites, theFolderGoes, aWholeWrite};
+    for (const auto& beforeTheEnd : rows) {
+        SCOPED_TRACE(&beforeTheEnd - rows);
+        setRecoverySeconds(0);
+        cubeIn(358);
+        OB->points[0].x = 77;
+        OB->changed = 1;
+        beforeTheEnd();
+        startRecovery();
+        EXPECT_EQ(start({Choice::yes}).size(), 1U);
+        EXPECT_EQ(OB->np > 0 ? OB->points[0].x : 0, 77);
+        close();
     }
-    OB->points[0].x = 77;
-    EXPECT_EQ(showsAt(EventKind::idle), nothing);
-    startRecovery();
-    EXPECT_EQ(start({Choice::yes}).size(), 1U);
-    EXPECT_EQ(OB->points[0].x, 77);
-}
-
-TEST_F(RecoveryTest, TheFileGoesWithAWholeWriteAndStaysWhenTheSessionEnds) {
-    cubeIn(358);
-    OB->changed = 1;
-    rest();
-    EXPECT_EQ(kept().size(), 1U);
-    shown.files = {folder.path("cube.obj")};
-    command(259);
-    EXPECT_EQ(kept(), nothing);
-
-    OB->points[0].x = 5;
-    OB->changed = 1;
-    send(EventKind::sessionEnd);
-    EXPECT_EQ(showsAt(EventKind::close), Log{"destroyed"}); // no question any more
-    send(EventKind::destroy);
-    createMesh();
-    EXPECT_EQ(start({Choice::yes}).size(), 1U);
-    EXPECT_EQ(OB->points[0].x, 5);
 }
 
 TEST_F(RecoveryTest, WhatCanNotBeSavedIsToldOnce) {

@@ -3,6 +3,8 @@
 #include "tests/editor/recovery_fixture.h"
 #include "workbench/long_work.h"
 
+#include <functional>
+
 namespace polyfab::test {
 namespace {
 
@@ -30,93 +32,86 @@ class SessionEnd : public RecoveryTest {
   protected:
     /// A cube with so many faces in a file of that name, altered.
     void cube(const std::string& name, int faces) {
-        cubeIn(358);
-        for (int i = faces; i < 6; ++i) OB->faces[i].q = nullptr;
+        cubeWithFaces(faces);
         workbench.fileName = workbench.lastChosen = name;
         startHistory();
         OB->changed = 1;
     }
     static void end() { send(EventKind::sessionEnd); }
-    /// The window goes, and another editor starts. The mesh that it finds: its name and live faces.
+    /// The window goes, and another editor starts. The mesh that it finds: its file and live faces.
     std::pair<std::string, int> left() {
         send(EventKind::destroy);
         createMesh();
         start({Choice::yes});
-        return {workbench.lastChosen, liveFaces()};
+        return {workbench.fileName, liveFaces()};
     }
     using Left = std::pair<std::string, int>;
 };
 
-TEST_F(SessionEnd, WhatWasSavedStaysWhenTheRestCanNotBe) {
-    for (const bool asked : {false, true}) {
-        cube("/a.obj", 5);
-        rest();
-        OB->faces[0].g = 9; // unsound
-        end();
-        if (asked) { // the user stays, and leaves without a wish to save
-            shown.choices = {Choice::yes};
-            send(EventKind::close);
-        }
-        EXPECT_EQ(left(), asked ? Left("", 0) : Left("/a.obj", 5));
-        close();
-    }
-    cube("/a.obj", 5);
-    stateFolder.clear();
-    end();
-    EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
-    stateFolder = folder.path("");
-}
-
-TEST_F(SessionEnd, ReadingAnotherFileIsNotYetItsName) {
+TEST_F(SessionEnd, TheNextEditorFindsWhatWasThereOrWasSavedLast) {
+    const std::string bad = folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n");
     const std::string other = folder.write("other.mesh", ""); // asks whether to read it as OBJ
-    for (const std::uint64_t memory : {defaultUndoMemory(), std::uint64_t{0}}) {
-        setUndoMemory(memory);
-        cube("/a.obj", 4);
-        {
-            Ending ending;
-            ending.files = {other};
-            command(256);
-            EXPECT_TRUE(ending.told);
-        }
-        EXPECT_EQ(left(), Left("/a.obj", 4));
-        close();
-    }
-}
-
-TEST_F(SessionEnd, AFailedReadTakesNoWorksPlace) {
-    cube("/a.obj", 3);
-    shown.files = {folder.write("bad.obj", "v 0 0 0\nf 1 2 3\n")};
-    command(256);
-    EXPECT_EQ(OB->nf, 0);
-    rest();
-    end();
-    EXPECT_EQ(left(), Left("/a.obj", 3));
-}
-
-TEST_F(SessionEnd, MayComeWhileASaveIsWaitedFor) {
-    cube("/a.obj", 6);
-    {
+    const auto endIn = [&](int id, double secondsPerLook) {
         Ending ending;
-        ending.secondsPerLook = 1;
-        command(280); // long work
+        ending.files = {other};
+        ending.secondsPerLook = secondsPerLook;
+        command(id);
         EXPECT_TRUE(ending.told);
+    };
+    const auto spoil = [this] {
+        rest();
+        OB->faces[0].g = 9; // unsound: it can't be saved
+        end();
+    };
+    const auto readBad = [&] { // a failed read takes no work's place
+        shown.files = {bad};
+        command(256);
+        EXPECT_EQ(OB->nf, 0);
+        rest();
+        end();
+    };
+    const auto restAndRemove = [this] {
+        rest();
+        fs::remove(folder.path(kept().at(0) + "/mesh"));
+        end();
+    };
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"nothing more", end},
+        {"in a read, whose file is not yet its name", [&] { endIn(256, 0); }},
+        {"while long work waits for a save", [&] { endIn(280, 1); }},
+        {"a failed read", readBad},
+        {"somebody removed what was saved", restAndRemove},
+        {"can't be saved", spoil}};
+    for (const auto& [about, then] : rows) {
+        for (const std::uint64_t memory : {defaultUndoMemory(), std::uint64_t{0}}) {
+            SCOPED_TRACE(about);
+            setUndoMemory(memory);
+            cube("a.obj", 6);
+            then();
+            EXPECT_EQ(left(), Left(fs::current_path() / "a.obj", 6)) << memory;
+            close();
+        }
     }
-    EXPECT_EQ(left(), Left("/a.obj", 6));
+    cube("a.obj", 6);
+    spoil();
+    shown.choices = {Choice::yes}; // the user stays, and leaves without a wish to save
+    send(EventKind::close);
+    EXPECT_EQ(left(), Left("", 0));
+    close();
 }
 
-TEST_F(SessionEnd, WritesAgainWhatSomebodyRemoved) {
-    cube("/a.obj", 6);
-    rest();
-    fs::remove(folder.path(kept().at(0) + "/mesh"));
-    end();
-    EXPECT_EQ(left(), Left("/a.obj", 6));
-}
-
-TEST_F(SessionEnd, AFileComesBackUnderItsWholePath) {
-    cube("a.obj", 2);
-    end();
-    left();
-    EXPECT_EQ(workbench.fileName, fs::current_path() / "a.obj");
+TEST_F(SessionEnd, WithoutASaveTheWindowAsks) {
+    cubeIn(358);
+    OB->changed = 1;
+    const auto asksAfter = [this](auto then) {
+        end();
+        then();
+        EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
+    };
+    asksAfter([] { mouse(5, 5, 0), key(key::shift); }); // the end has not come
+    stateFolder.clear();
+    asksAfter([] {});
+    stateFolder = folder.path("");
 }
 
 TEST_F(SessionEnd, InACommandSavesWhatWasBeforeItOrElseWhatThereIs) {
@@ -137,15 +132,6 @@ TEST_F(SessionEnd, InACommandSavesWhatWasBeforeItOrElseWhatThereIs) {
         EXPECT_EQ(OB->faces[0].n, 4);
         close();
     }
-}
-
-TEST_F(SessionEnd, IsForgottenWhenItDoesNotCome) {
-    cubeIn(358);
-    OB->changed = 1;
-    end();
-    mouse(5, 5, 0);
-    key(key::shift);
-    EXPECT_TRUE(showsAt(EventKind::close).at(0).starts_with("question|"));
 }
 
 TEST_F(SessionEnd, InTheQuestionLeavesAllAsItWas) {
