@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every command that works on the mesh, on every sample: it leaves a sound mesh that is marked when
 // it was altered, can be undone to the last bit and done again. What it shows on the cube and what
-// becomes of each sample stands in tests/golden/commands.txt. scripts/golden.sh makes that anew;
-// look at each line that changed before it is kept.
+// becomes of each sample stands in tests/golden/commands.txt.
 #include "editor/command_table.h"
 #include "editor/history/undo.h"
 #include "mesh/garbage.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include "tests/support/golden_text.h"
 
 namespace polyfab::test {
 namespace {
@@ -134,21 +130,6 @@ bool worksOnTheMesh(const Command& command) {
     return command.handler != nullptr && !others.contains(command.menu);
 }
 
-/// Shows the first line that is another, or makes the file anew.
-void expectGolden(const std::string& text) {
-    const std::string path = std::string(POLYFAB_GOLDEN) + "/commands.txt";
-    if (std::getenv("POLYFAB_REFRESH_GOLDEN") != nullptr) std::ofstream(path) << text;
-    std::ifstream file(path);
-    std::istringstream lines(text);
-    std::string expected, line, heading;
-    for (int number = 1; std::getline(lines, line); ++number) {
-        if (line[0] != ' ') heading = line;
-        std::getline(file, expected);
-        ASSERT_EQ(line, expected) << "line " << number << ", " << heading;
-    }
-    EXPECT_FALSE(std::getline(file, expected)) << expected;
-}
-
 class EveryCommand : public WindowEvents {
   protected:
     EveryCommand() {
@@ -225,7 +206,7 @@ TEST_F(EveryCommand, OnEverySampleIsSoundAndCanBeUndone) {
             before = told;
         }
     }
-    expectGolden(all);
+    expectGoldenText("commands.txt", all);
 }
 
 } // namespace

@@ -37,10 +37,6 @@ class DxfTest : public test::MeshTest {
     std::string fresh(const std::string& text) {
         return folder.write(std::to_string(++files) + ".dxf", text);
     }
-    std::string written() {
-        EXPECT_EQ(writeDxfFile(*OB, folder.path("out.dxf")), 1);
-        return folder.read("out.dxf");
-    }
 
     test::TempFolder folder;
     int files = 0;
@@ -99,46 +95,6 @@ TEST_F(DxfTest, LargeFiles) {
     EXPECT_EQ(OB->materials[0].name, std::string(63, 'n'));
     EXPECT_EQ(std::tie(shown.log[0], shown.log[1]), std::tuple("title|  256", "title|  512"));
     EXPECT_EQ(shown.windowTitle, title);
-}
-
-TEST_F(DxfTest, Writing) {
-    for (const char* name : {"default", "Wall", "a\r\nb"}) OB->addMaterial(defaultColor, name);
-    for (int i = 0; i < 8; ++i) OB->addPoint(i, i * i, 0, false);
-    std::int16_t material = -1;
-    for (const std::string letters :
-         {"ABCDEFG", "ABC", "ABCD", "ABCDE", "HGFEDC", "AB", "", "DCB"}) {
-        std::vector<int> list;
-        for (const char letter : letters) list.push_back(letter - 'A');
-        test::addFace(list)->mat = material;
-        material = static_cast<std::int16_t>(std::min(material + 1, 3));
-    }
-    const std::string first = head + entity("0", "ABCD") + entity("0", "ADEF") + entity("0", "AFGG")
-                              + "8\nTHE VOID\n" + entity("0", "ABCC");
-    const std::string rest = "8\nWall\n" + entity("0", "ABCD") + entity("0", "ADEE") + "8\na  b\n"
-                             + entity("0", "HGFE") + entity("0", "HEDC") + "8\nTHE VOID\n";
-    const std::string last = entity("0", "DCBB") + "8\nTHE VOID\n" + tail;
-    EXPECT_EQ(written(), first + entity("0", "ABCD") + rest + last);
-    EXPECT_TRUE(shown.log.empty());
-    EXPECT_TRUE(workbench.wholeMeshWritten);
-
-    // A deleted face that is not selected is reason enough for the question.
-    OB->faces[2].q = nullptr;
-    OB->faces[2].selected = 0;
-    EXPECT_EQ(written(), first + rest.substr(7) + last);
-    EXPECT_TRUE(workbench.wholeMeshWritten);
-    OB->faces[7].selected = 0;
-    shown.choices = {Choice::yes};
-    const std::string text = written();
-    EXPECT_EQ(text, first + rest.substr(7) + tail);
-    EXPECT_FALSE(workbench.wholeMeshWritten);
-    EXPECT_EQ(shown.log, Lines(2, "question||Do you want me to output only the selected parts?"));
-
-    // The last entity of a face takes its material, the others "material0".
-    test::emptyMesh();
-    EXPECT_EQ(readDxfFile(*OB, fresh(text), false), 9);
-    std::string names;
-    for (int i = 0; i < OB->nf; ++i) names += OB->materials[OB->faces[i].mat].name + "/"s;
-    EXPECT_EQ(names, "material0/material0/THE VOID/material0/material0/a  b/material0/THE VOID/");
 }
 
 TEST_F(DxfTest, FilesThatFail) {
