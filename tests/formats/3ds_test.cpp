@@ -2,12 +2,11 @@
 #include "formats/3ds_reader.h"
 #include "formats/3ds_writer.h"
 #include "mesh/check.h"
+#include "tests/support/file_texts.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 #include "workbench/state.h"
 
-#include <bit>
-#include <cstring>
 #include <functional>
 #include <numeric>
 
@@ -15,6 +14,7 @@ namespace polyfab {
 namespace {
 
 using namespace std::string_literals;
+using namespace test::threeds;
 
 class ThreeDs : public test::MeshTest {
   protected:
@@ -40,76 +40,6 @@ class ThreeDs : public test::MeshTest {
     const test::TempFolder folder;
     const std::string path = folder.path("mesh.3ds");
 };
-
-std::string number(std::size_t value, int size) {
-    std::string text;
-    for (int i = 0; i < size; ++i) text += static_cast<char>(value >> 8 * i);
-    return text;
-}
-std::string word(std::size_t value) { return number(value, 2); }
-std::string words(std::initializer_list<std::size_t> values) {
-    std::string text;
-    for (const std::size_t value : values) text += word(value);
-    return text;
-}
-std::string real(double value) {
-    return number(std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4);
-}
-
-// Chunks as the reader takes them apart: the first word inside is the upper half of the length, so
-// that a chunk is as long as that word asks for, at least.
-
-/// A chunk that is skipped.
-std::string filler(std::size_t size) {
-    return word(0) + "??" + number(size, 4) + std::string(size - 8, '\0');
-}
-
-std::string leaf(std::size_t id, std::string inside) {
-    inside.resize(std::max<std::size_t>(inside.size(), 2));
-    std::uint16_t high;
-    std::memcpy(&high, inside.data(), 2);
-    inside.resize(std::max(inside.size() + 6, std::size_t{high} << 16) - 6);
-    return word(id) + "??" + word(inside.size() + 6) + inside;
-}
-
-/// The first sub-chunk is one that nobody reads, with an id that suits the length.
-std::string container(std::size_t id, const std::string& inside) {
-    const std::size_t length = 6 + 8 + inside.size();
-    return leaf(id, word(length >> 16) + filler(8).substr(2) + inside);
-}
-
-/// An object with a name of one character or none, whichever suits the length.
-std::string object(const std::string& inside) {
-    const std::size_t high = (8 + inside.size()) >> 16;
-    return leaf(0x4000, high == 0 ? "\0"s + filler(8) + inside : word(high) + inside);
-}
-
-std::string points(const std::vector<double>& xyz) {
-    std::string list = word(xyz.size() / 3);
-    for (const double value : xyz) list += real(value);
-    return leaf(0x4110, list);
-}
-
-/// The corners of one triangle after the other.
-std::string triangles(const std::vector<std::size_t>& corners, const std::string& inside = "") {
-    const std::size_t count = corners.size() / 3;
-    std::string list = word(count);
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        list += word(corners[i]);
-        if (i % 3 == 2) list += word(7);
-    }
-    list += inside;
-    if (count > 0) list += filler((count << 16) - 6 - list.size());
-    return leaf(0x4120, list);
-}
-
-std::string materialGroup(const std::string& name, std::size_t count, const std::string& numbers) {
-    return leaf(0x4130, name + "\0"s + word(count) + numbers);
-}
-
-std::string material(const std::string& name, const std::string& more = "") {
-    return container(0xAFFF, more + leaf(0xA000, name + "\0"s));
-}
 
 /// Two objects of three points and one or two triangles, and three materials, one with a colour.
 /// Behind the end is what the colour's length asks for.
@@ -234,10 +164,6 @@ TEST_F(ThreeDs, Files) {
 }
 
 // Writing.
-
-std::string chunk(std::size_t id, const std::string& inside) {
-    return word(id) + number(6 + inside.size(), 4) + inside;
-}
 
 void addFace(const std::vector<int>& points, int group, int mat, bool selected = true) {
     Face* const face = test::addFace(points);

@@ -5,6 +5,7 @@
 #include "formats/dxf_writer.h"
 #include "formats/obj_writer.h"
 #include "io/read_file.h"
+#include "tests/support/file_texts.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 #include "workbench/long_work.h"
@@ -14,8 +15,6 @@ namespace polyfab {
 namespace {
 
 using test::Log;
-
-constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
 
 class MeshFiles : public test::MeshTest {
   protected:
@@ -50,7 +49,7 @@ class MeshFiles : public test::MeshTest {
 TEST_F(MeshFiles, AnUnsoundMeshIsNotReplaced) {
     test::addCube();
     OB->faces[0].g = 9;
-    readNamedMeshFile(folder.write("tri.obj", triangle));
+    readNamedMeshFile(folder.write("tri.obj", test::triangleText));
     EXPECT_EQ(newLog(),
               Log{"message!|mesh fault before reading|fac.g = 9 out of range, should be 0 to 0"});
     EXPECT_EQ(OB->nf, 6);
@@ -58,17 +57,9 @@ TEST_F(MeshFiles, AnUnsoundMeshIsNotReplaced) {
 
 TEST_F(MeshFiles, EscapeEndsAReadAsAFailedOne) {
     std::string obj, dxf;
-    while (obj.size() < 5 * PieceReader::pieceSize / 2) obj += triangle;
-    while (dxf.size() < PieceReader::pieceSize / 2) {
-        for (const char corner : {'0', '1', '2', '3'}) {
-            for (const char axis : {'1', '2', '3'}) {
-                dxf += dxf.size() % 7 == 0 && corner == '3' ? "8\nx\n" : "";
-                dxf += std::string{axis, corner} + "\n" + corner + "." + axis + "\n";
-            }
-        }
-        dxf += "0\n3DFACE\n";
-    }
-    dxf += "0\nENDSEC\n";
+    while (obj.size() < 5 * PieceReader::pieceSize / 2) obj += test::triangleText;
+    while (dxf.size() < PieceReader::pieceSize / 2) dxf += test::dxfFace("x", "ABCD");
+    dxf += test::dxfTail;
     const struct {
         const char* name;
         std::string text;
@@ -138,7 +129,7 @@ TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {
                 {"c.obj-", "c.obj", " -3 -2 -1"},
                 {"d.obj#", "d.obj", " 1 2 3\n ## / 0,0,0 / 1,0,0 / 0,1,0"},
                 {"e.txt", "e.txt", " 1 2 3"}};
-    readNamedMeshFile(folder.write("tri.obj", triangle));
+    readNamedMeshFile(folder.write("tri.obj", test::triangleText));
     for (const auto& row : rows) {
         EXPECT_FALSE(alteredAfter(writeObjMeshFile, folder.path(row.chosen)));
         EXPECT_NE(folder.read(row.written).find("\nf" + row.face), std::string::npos);
