@@ -85,23 +85,17 @@ TEST_F(SnapshotTest, ShareWhatDidNotChange) {
         Difference difference;
         int least, most; ///< bytes
     };
+    static const auto select = [](auto which) {
+        for (int i = 0; i < faces; ++i) OB->faces[i].selected = which(i);
+    };
     const Row rows[] = {
         {"nothing", [] {}, Difference::none, 0, 0},
-        {"the selection",
-         [] {
-             for (int i = 0; i < faces; ++i) OB->faces[i].selected = i % 2 != 0;
-         },
-         Difference::content, faces, faces * 11 / 10},
-        {"the same selection of all",
-         [] {
-             for (int i = 0; i < faces; ++i) OB->faces[i].selected = 1;
-         },
-         Difference::content, 100, 2000},
+        {"the selection", [] { select([](int i) { return i % 2 != 0; }); }, Difference::content,
+         faces, faces * 11 / 10},
+        {"the same selection of all", [] { select([](int) { return true; }); }, Difference::content,
+         100, 2000},
         {"one point", [] { OB->points[77'777].z += 1; }, Difference::content, 1, 40'000},
-        {"all x",
-         [] {
-             for (int i = 0; i < OB->np; ++i) OB->points[i].x += 1;
-         },
+        {"all x", [] { std::for_each_n(OB->points, OB->np, [](Point& p) { p.x += 1; }); },
          Difference::content, 8 * 2 * faces, 9 * 2 * faces},
         {"edges' uses", [] { checkEdges(*OB, false, true, false); }, Difference::scratch, 1,
          3 * faces * 11 / 10},

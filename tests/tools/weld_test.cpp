@@ -205,39 +205,5 @@ TEST_F(Weld, EdgesOfRandomMeshesGoByThePlainRule) {
     expectSame(weldedges, plainEdges, &Stale::points, 20000);
 }
 
-/// Separate triangles, their first corners one apart in x; the others are far from everything.
-void addRow(int count) {
-    emptyMesh();
-    for (int i = 0; i < count; ++i) {
-        OB->addPoint(i, 0, 0, false);
-        OB->addPoint(i, 100 + 10 * i, 0, false);
-        OB->addPoint(i, 0, 100 + 10 * i, false);
-        addFace({3 * i, 3 * i + 1, 3 * i + 2});
-    }
-}
-
-/// Thousands of points: the progress in the title, which small meshes never show more than once.
-TEST_F(Weld, ManyPointsShowTheirProgress) {
-    const auto titles = [&](const Tool& tool) {
-        addRow(700);
-        answer("0.5");
-        shown.log.clear();
-        tool(*OB);
-        return shown.log;
-    };
-    const Log list = titles([](Mesh& mesh) { weldclose(mesh, true); });
-    EXPECT_EQ(list, titles([](Mesh&) { plainWeld(true); }));
-    EXPECT_EQ(std::count(list.begin(), list.end(), "title|  1843"), 1);
-    const auto inOnePlace = [](const Tool& tool) {
-        return [=](Mesh& mesh) {
-            for (int i = 0; i < mesh.np; ++i) mesh.points[i] = mesh.points[0];
-            tool(mesh);
-        };
-    };
-    const Log edges = titles(inOnePlace(weldedges));
-    EXPECT_EQ(edges, titles(inOnePlace(plainEdges)));
-    EXPECT_GT(std::count(edges.begin(), edges.end(), "title|     2 :   2092"), 0);
-}
-
 } // namespace
 } // namespace polyfab::test
