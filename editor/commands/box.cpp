@@ -4,7 +4,6 @@
 #include "display/box.h"
 #include "display/view.h"
 #include "editor/commands/selection.h"
-#include "editor/modes/drag.h"
 #include "geometry/affine.h"
 #include "io/print_number.h"
 #include "mesh/extent.h"

@@ -2,6 +2,9 @@
 // Commands on the selection of faces, and the words about the mesh in the title.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 namespace polyfab {
 
 /// Selects (unselects) every live face.
@@ -17,6 +20,9 @@ void showInfo();
 
 /// Works out anew which points are on selected faces, and counts them.
 [[nodiscard]] int countSelectedPoints();
+
+/// The corners' points of all selected live faces, each once, in order.
+[[nodiscard]] std::vector<std::int32_t> pointsOfSelectedFaces();
 
 /// Whether some selected face has a place that counts in an extent; if not, a box says that none is
 /// selected.

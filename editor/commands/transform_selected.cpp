@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands/transform_selected.h"
 
-#include "editor/modes/drag.h"
+#include "editor/commands/selection.h"
 #include "geometry/affine.h"
 #include "mesh/edges.h"
 #include "mesh/faces.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/drag.h"
 
-#include "mesh/faces.h"
 #include "mesh/stale.h"
 
 #include <cmath>
@@ -76,20 +75,5 @@ void cancelPointDrag() {
 }
 
 void forgetPointDrag() { drag = PointDrag(); }
-
-std::vector<std::int32_t> pointsOfSelectedFaces() {
-    std::vector<bool> used(static_cast<std::size_t>(OB->np));
-    for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (const FaceCorner* q = face->q; q != face->q + face->n; ++q) {
-            used[static_cast<std::size_t>(indexIn(OB->points, q->p))] = true;
-        }
-    }
-    std::vector<std::int32_t> points;
-    for (std::int32_t i = 0; i < OB->np; ++i) {
-        if (used[static_cast<std::size_t>(i)]) points.push_back(i);
-    }
-    return points;
-}
 
 } // namespace polyfab

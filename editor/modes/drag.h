@@ -30,7 +30,4 @@ void cancelPointDrag();
 /// Ends the drag without a look at the mesh, which may be another one by now.
 void forgetPointDrag();
 
-/// The corners' points of all selected live faces, each once, in order.
-[[nodiscard]] std::vector<std::int32_t> pointsOfSelectedFaces();
-
 } // namespace polyfab

@@ -4,6 +4,7 @@
 #include "display/box.h"
 #include "display/look.h"
 #include "display/view.h"
+#include "editor/commands/selection.h"
 #include "editor/commands/transform_selected.h"
 #include "editor/editor_state.h"
 #include "editor/modes/drag.h"
