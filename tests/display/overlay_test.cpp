@@ -64,6 +64,11 @@ TEST_F(OverlayTest, WhatIsCurrentShowsThoughItIsHidden) {
     }
 }
 
+TEST_F(OverlayTest, OneSettablePointMayLieAtTheOrigin) {
+    displayOptions.settable = true;
+    EXPECT_GT(count(redraw({0, 0, {Vec3{0.5, 0.5, 0.5}, Vec3{}}}), look.settable.color), 40);
+}
+
 TEST_F(OverlayTest, VertexesAreHollowAndSelectedOnesFilled) {
     // Without edges the squares alone are seen: two by two points lie behind each other.
     for (int i = 0; i < OB->nf; ++i) OB->faces[i].selected = i == 5; // x = 1
