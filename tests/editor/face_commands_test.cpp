@@ -24,6 +24,9 @@ TEST_F(FaceCommands, TheCurrentFaceAndEdgeAreForgotten) {
     shown.dialogAnswers = {{"2", "3", "2", "3", "2", "3", "walls", "brick"}};
     command(282); // makes a block
     EXPECT_TRUE(stale.edges);
+    OB->faces[2].q = nullptr; // of a deleted face nothing is touched
+    command(291);
+    EXPECT_EQ(OB->faces[2].selected, 1);
     workbench.currentEdgeFace = 1;
     select({0});
     command(397); // turns another face over

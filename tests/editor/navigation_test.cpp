@@ -38,24 +38,6 @@ TEST_F(Navigation, TheMiddleButtonPansAndWithShiftTurns) {
     expectNear(turned(600, 0, 180), {0, 1, 0});
 }
 
-TEST_F(Navigation, KeysFitAllOrTheSelectedFaces) {
-    OB->addPoint(-1, 3, 0, false);
-    addFace({0, 1, 8})->selected = 0;
-    shown.paintRequests = 0;
-    for (const int code : {190, 110}) {
-        key(36);
-        EXPECT_NEAR(view.scale, 0.88 * 512 / 4, 1e-9);
-        key(code);
-        EXPECT_NEAR(view.scale, 0.88 * 511 / 2, 1e-9);
-    }
-    EXPECT_GT(shown.paintRequests, 0);
-    expectNear(projection.toWorld(box.left), {-1, 3, 1}); // it is around all
-    expectNear(projection.toWorld(box.right), {1, -1, -1});
-    command(291);
-    key(190);
-    EXPECT_EQ(shown.windowTitle, "no face is selected");
-}
-
 TEST_F(Navigation, ARunningDragIsNotDisturbed) {
     command(351);
     mouse(300, 200, button::left);

@@ -42,16 +42,6 @@ struct Spot {
     Spot operator+(const Spot& by) const { return {x + by.x, y + by.y}; }
 };
 
-/// The numbers of those that are selected.
-template <typename T>
-Numbers selectedOf(const T* array, int count) {
-    Numbers list;
-    for (int i = 0; i < count; ++i) {
-        if (array[i].selected) list.push_back(i);
-    }
-    return list;
-}
-
 /// An empty mesh in a window of 1024 x 512 pixels, upright, at 100 pixels per unit with the origin
 /// at (255, 255) of both panes.
 class WindowEvents : public MeshTest {
@@ -141,7 +131,13 @@ class WindowEvents : public MeshTest {
         for (int f = 0; f < OB->nf; ++f) count += isLive(f);
         return count;
     }
-    static Numbers selected() { return selectedOf(OB->faces, OB->nf); }
+    static Numbers selected() {
+        Numbers list;
+        for (int f = 0; f < OB->nf; ++f) {
+            if (OB->faces[f].selected) list.push_back(f);
+        }
+        return list;
+    }
     static void select(const Numbers& faces) {
         for (int f = 0; f < OB->nf; ++f) {
             OB->faces[f].selected = std::count(faces.begin(), faces.end(), f) != 0;
