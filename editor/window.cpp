@@ -111,8 +111,9 @@ bool mayChangeMesh(const Event& event) {
 /// Most who read a mesh look at it first, and some do no more.
 Snap snapAfter(const Event& event) {
     const Command* const command = commandOf(event);
-    const bool reads = command != nullptr
-                       && (command->escape == Escape::stopsReading || command->id == commandid::importMesh);
+    if (command == nullptr) return Snap::now;
+    const bool reads =
+        command->escape == Escape::stopsReading || command->id == commandid::importMesh;
     return reads ? Snap::beforeTheNextChange : Snap::now;
 }
 
