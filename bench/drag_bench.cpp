@@ -5,7 +5,6 @@
 #include "bench/growth.h"
 #include "display/box.h"
 #include "display/view.h"
-#include "editor/modes/drag.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/transform_modes.h"
 #include "editor/window.h"

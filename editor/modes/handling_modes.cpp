@@ -3,8 +3,8 @@
 #include "editor/modes/handling_modes.h"
 
 #include "editor/editor_state.h"
-#include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
+#include "editor/modes/point_drag.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/join_faces.h"
 #include "mesh/stale.h"

@@ -7,7 +7,7 @@
 #include "editor/commands/selection.h"
 #include "editor/commands/transform_selected.h"
 #include "editor/editor_state.h"
-#include "editor/modes/drag.h"
+#include "editor/modes/point_drag.h"
 #include "geometry/affine.h"
 #include "mesh/extent.h"
 #include "mesh/stale.h"

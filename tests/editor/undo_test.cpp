@@ -2,7 +2,7 @@
 // Undo and redo of whatever the window's events do.
 #include "editor/history/undo.h"
 
-#include "editor/modes/drag.h"
+#include "editor/modes/point_drag.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/random_user.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/modes/drag.h"
+#include "editor/modes/point_drag.h"
 
 #include "mesh/stale.h"
 
