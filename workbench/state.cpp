@@ -16,10 +16,13 @@ void noteKey(const Event& event) {
         event.kind == EventKind::keyDown ? 0xFF : 0;
 }
 
-void dropStaleEdge() {
+bool currentEdgeIsLive() {
     const int face = workbench.currentEdgeFace, corner = workbench.currentEdgeCorner;
-    const bool isThere = hasFace(*OB, face) && corner >= 0 && corner < OB->faces[face].n;
-    if (!isThere) forgetCurrentEdge();
+    return hasFace(*OB, face) && corner >= 0 && corner < OB->faces[face].n;
+}
+
+void dropStaleEdge() {
+    if (!currentEdgeIsLive()) forgetCurrentEdge();
 }
 
 bool abortRequested() {

@@ -55,7 +55,10 @@ void noteKey(const Event& event);
 /// There is no current edge any more. To be called by whatever numbers faces or corners anew.
 inline void forgetCurrentEdge() { workbench.currentEdgeFace = workbench.currentEdgeCorner = -1; }
 
-/// The same if the current edge is no side of a live face of OB: it may have gone since.
+/// Whether the current edge is a side of a live face of OB: it may have gone since.
+[[nodiscard]] bool currentEdgeIsLive();
+
+/// If it has, there is none any more.
 void dropStaleEdge();
 
 /// Whether the user wants long work to stop: the Escape key is down. Lets the window redraw itself
