@@ -42,6 +42,5 @@ void resetEditorState();
 
 /// The mouse buttons as the last two mouse events tell them.
 [[nodiscard]] inline bool leftPressed() { return (editorState.buttons & 5) == 1; }
-[[nodiscard]] inline bool leftReleased() { return (editorState.buttons & 5) == 4; }
 
 } // namespace polyfab

@@ -10,6 +10,7 @@
 #include "editor/input.h"
 #include "editor/lists/subview.h"
 #include "editor/menus.h"
+#include "editor/modes/drag.h"
 #include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/navigation.h"
@@ -34,7 +35,6 @@ void onCreate(const Event&) {
     createMesh();
     paneImages = PaneImages();
     resetDrags();
-    endNavigation();
     resizeView(platform().clientSize());
     startHistory();
     startRecovery();
@@ -185,10 +185,7 @@ const char* dispatch(const Event& event, bool inside) try {
         return handleInSubview(event);
     }
     const Route& route = routeOf(event);
-    if (route.endsDrag) {
-        endDrag();
-        endNavigation();
-    }
+    if (route.endsDrag) endDrag();
     route.handle(event);
     return "";
 } catch (const std::bad_alloc&) {

@@ -8,6 +8,7 @@
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/menus.h"
+#include "editor/modes/drag.h"
 #include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
 #include "editor/recovery/recovery.h"

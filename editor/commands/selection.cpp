@@ -73,10 +73,9 @@ void showInfo() {
 
 std::vector<std::int32_t> pointsOfSelectedFaces() {
     std::vector<bool> used(static_cast<std::size_t>(OB->np));
-    for (const Face* face = OB->faces; face != OB->faces + OB->nf; ++face) {
-        if (!isLiveSelected(*face)) continue;
-        for (const FaceCorner* q = face->q; q != face->q + face->n; ++q) {
-            used[static_cast<std::size_t>(indexIn(OB->points, q->p))] = true;
+    for (const Face& face : selectedFaces(*OB)) {
+        for (const FaceCorner& corner : corners(face)) {
+            used[static_cast<std::size_t>(pointOf(*OB, corner))] = true;
         }
     }
     std::vector<std::int32_t> points;

@@ -3,13 +3,13 @@
 // part, texture map area) that it is in, and nothing else.
 #pragma once
 
-#include "platform/platform.h"
+#include "editor/modes/drag.h"
 
 namespace polyfab {
 
-void selectGroupAt(const Event& event);
-void selectMaterialAt(const Event& event);
-void selectPartAt(const Event& event);
-void selectTextureMapAreaAt(const Event& event);
+std::unique_ptr<Drag> selectGroupAt(const Event& press);
+std::unique_ptr<Drag> selectMaterialAt(const Event& press);
+std::unique_ptr<Drag> selectPartAt(const Event& press);
+std::unique_ptr<Drag> selectTextureMapAreaAt(const Event& press);
 
 } // namespace polyfab

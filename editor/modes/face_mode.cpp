@@ -3,8 +3,8 @@
 #include "editor/modes/face_mode.h"
 
 #include "display/options.h"
-#include "editor/editor_state.h"
 #include "editor/modes/under_mouse.h"
+#include "mesh/faces.h"
 #include "mesh/split_face.h"
 #include "mesh/stale.h"
 #include "tools/delete_faces.h"
@@ -16,29 +16,6 @@
 
 namespace polyfab {
 namespace {
-
-/// Where the button went down, and the point there or -1. It is looked up then, since the view may
-/// be another one when the button goes up.
-struct Press {
-    int x, y;
-    int point;
-};
-
-Press pressed{};
-
-void press(const Event& event) {
-    const auto place = pickingPlace(event);
-    pressed = {event.x, event.y, place ? pointAt(*OB, *place) : -1};
-    forgetCurrentEdge();
-    OB->curface = place ? faceAt(*OB, *place) : -1;
-    stale.picture = true;
-    if (OB->curface >= 0 && keyIsDown(key::shift)) {
-        Face& face = OB->faces[OB->curface];
-        face.selected = face.selected ? 0 : 1;
-        stale.edges = true;
-    }
-    updateTitle();
-}
 
 /// The face under the mouse where the drag ended or, since that is at a corner, else at the middle
 /// of the diagonal.
@@ -86,30 +63,49 @@ const char* splitBetween(int a, int b, const PanePlace& end) {
     return done ? "split face OK" : "there is no room";
 }
 
-const char* resolveDrag(const Event& event) {
-    if (pressed.point < 0) return "start point of drag not found";
-    const auto end = pickingPlace(event);
-    const int point = end ? pointAt(*OB, *end) : -1;
-    if (point < 0) return "end point of drag not found";
-    if (point == pressed.point) return "start and end of drag are the same point";
-    return splitBetween(pressed.point, point, *end);
-}
+/// From the point under the press, or -1. That is looked up then, since the view may be another one
+/// when the button goes up.
+class SplitDrag : public Drag {
+  public:
+    SplitDrag(const Event& press, int point) : x(press.x), y(press.y), from(point) {}
 
-void release(const Event& event) {
-    if (isDrag(event.x - pressed.x, event.y - pressed.y)) {
-        platform().setTitle(resolveDrag(event));
+    void drop(const Event& event) override {
+        if (isDrag(event.x - x, event.y - y)) platform().setTitle(resolve(event));
     }
-}
+
+  private:
+    const char* resolve(const Event& event) const {
+        if (from < 0) return "start point of drag not found";
+        const auto end = pickingPlace(event);
+        const int to = end ? pointAt(*OB, *end) : -1;
+        if (to < 0) return "end point of drag not found";
+        if (to == from) return "start and end of drag are the same point";
+        return splitBetween(from, to, *end);
+    }
+
+    int x, y;
+    int from;
+};
 
 } // namespace
 
-void handleFaces(const Event& event) {
-    if (leftPressed()) press(event);
-    if (leftReleased()) release(event);
+std::unique_ptr<Drag> pressFace(const Event& press) {
+    const auto place = pickingPlace(press);
+    const int point = place ? pointAt(*OB, *place) : -1;
+    forgetCurrentEdge();
+    OB->curface = place ? faceAt(*OB, *place) : -1;
+    stale.picture = true;
+    if (OB->curface >= 0 && keyIsDown(key::shift)) {
+        Face& face = OB->faces[OB->curface];
+        face.selected = face.selected ? 0 : 1;
+        stale.edges = true;
+    }
+    updateTitle();
+    return std::make_unique<SplitDrag>(press, point);
 }
 
 void deleteCurrentFace() {
-    if (OB->curface < 0 || OB->curface >= OB->nf || OB->faces[OB->curface].q == nullptr) return;
+    if (!hasFace(*OB, OB->curface)) return;
     if (platform().question("", "do you want to delete this face?", Buttons::yesNo)
         != Choice::yes) {
         return;

@@ -2,13 +2,13 @@
 // Face handling, one of the handling modes.
 #pragma once
 
-#include "platform/platform.h"
+#include "editor/modes/drag.h"
 
 namespace polyfab {
 
-/// Every mouse event of the mode. A left press makes the nearest face current, with Shift it also
-/// turns its selection round; a drag from point to point splits the face that has both.
-void handleFaces(const Event& event);
+/// A press makes the nearest face current, with Shift it also turns its selection round; a drag
+/// from point to point splits the face that has both.
+std::unique_ptr<Drag> pressFace(const Event& press);
 
 /// Asks, and then deletes the current face. Without one nothing happens.
 void deleteCurrentFace();

@@ -6,6 +6,7 @@
 #include "editor/modes/face_mode.h"
 #include "editor/modes/point_drag.h"
 #include "editor/modes/under_mouse.h"
+#include "mesh/faces.h"
 #include "mesh/join_faces.h"
 #include "mesh/stale.h"
 #include "mesh/weld_pair.h"
@@ -21,50 +22,30 @@
 namespace polyfab {
 namespace {
 
-/// Where the button went down on the points that are dragged, and whether they have moved since.
-struct Grip {
-    int x, y;
+/// Points move in the plane of the pane in which they were grabbed, wherever the mouse is.
+class GripDrag : public PointDrag {
+  public:
+    GripDrag(const Event& press, const PanePlace& place, std::vector<std::int32_t> dragged)
+        : PointDrag(std::move(dragged)), x(press.x), y(press.y), left(place.left) {}
+
+    void move(const Event& event) override {
+        const double right = event.x - x;
+        const double down = event.y - y;
+        moved = moved || isDrag(right, down);
+        if (!moved) return;
+        AffineMap turn = projection.toWorld;
+        for (double* row : turn.row) row[3] = 0;
+        const Vec3 step = turn(left ? Vec3{right, down, 0} : Vec3{0, down, right});
+        place([&](const Vec3& at) { return at + step; });
+    }
+
+  protected:
+    bool moved = false; ///< more than a hand trembles
+
+  private:
+    int x, y; ///< client position of the press
     bool left;
-    bool moved;
 };
-
-Grip grip{};
-
-void grab(const Event& event, const PanePlace& place, std::vector<std::int32_t> points) {
-    grip = {event.x, event.y, place.left, false};
-    beginPointDrag(std::move(points));
-}
-
-/// Moves what is dragged in the plane of the pane in which it was grabbed, wherever the mouse is.
-void dragTo(const Event& event) {
-    if (!pointDragRuns()) return;
-    const int right = event.x - grip.x;
-    const int down = event.y - grip.y;
-    grip.moved = grip.moved || isDrag(right, down);
-    if (!grip.moved) return;
-    AffineMap turn = projection.toWorld;
-    for (double* row : turn.row) row[3] = 0;
-    const auto across = static_cast<double>(right);
-    const auto along = static_cast<double>(down);
-    const Vec3 step = turn(grip.left ? Vec3{across, along, 0} : Vec3{0, along, across});
-    placeDraggedPoints([&](const Vec3& at) {
-        return Vec3{at.x + step.x, at.y + step.y, at.z + step.z};
-    });
-}
-
-void pressEdge(const Event& event) {
-    const auto place = pickingPlace(event);
-    const PickedEdge edge = place ? edgeAt(*OB, *place) : PickedEdge();
-    workbench.currentEdgeFace = edge.face;
-    workbench.currentEdgeCorner = edge.corner;
-    stale.picture = true;
-    updateTitle();
-    if (edge.face < 0) return;
-    const Face& face = OB->faces[edge.face];
-    const int from = indexIn(OB->points, face.q[edge.corner].p);
-    const int to = indexIn(OB->points, face.q[(edge.corner + 1) % face.n].p);
-    grab(event, *place, from == to ? std::vector{from} : std::vector{from, to});
-}
 
 /// The side on the other face of this edge, when there is exactly one; otherwise the title tells.
 std::optional<Side> neighbour(const Side& side) {
@@ -77,14 +58,9 @@ std::optional<Side> neighbour(const Side& side) {
 
 Side currentSide() { return {workbench.currentEdgeFace, workbench.currentEdgeCorner}; }
 
-bool edgeIsLive(const Side& side) {
-    return side.face >= 0 && side.face < OB->nf && OB->faces[side.face].q != nullptr
-           && side.corner < OB->faces[side.face].n;
-}
-
 void deleteCurrentEdge() {
+    if (!currentEdgeIsLive()) return;
     const Side side = currentSide();
-    if (!edgeIsLive(side)) return;
     const auto other = neighbour(side);
     if (!other) return;
     if (const char* const refused = joinFaces(*OB, side, *other)) {
@@ -96,18 +72,8 @@ void deleteCurrentEdge() {
     updateTitle();
 }
 
-void pressVertex(const Event& event) {
-    const auto place = pickingPlace(event);
-    OB->curvertex = place ? pointAt(*OB, *place) : -1;
-    OB->highlightPoint(OB->curvertex);
-    stale.picture = true;
-    updateTitle();
-    if (OB->curvertex >= 0) grab(event, *place, {OB->curvertex});
-}
-
-/// Welds the dragged vertex onto the one under the mouse. False when there is no other one.
+/// Welds the current vertex onto the one under the mouse. False when there is no other one.
 bool weldAt(const Event& event) {
-    cancelPointDrag(); // a weld moves it onto the other, not to where the mouse is
     const auto place = pickingPlace(event);
     const int onto = place ? pointAt(*OB, *place, look.pickRadius, OB->curvertex) : -1;
     if (onto < 0) return false;
@@ -120,33 +86,20 @@ bool weldAt(const Event& event) {
     return true;
 }
 
-void releaseVertex(const Event& event) {
-    dragTo(event);
-    if (!pointDragRuns()) return;
-    if (grip.moved && keyIsDown(key::ctrl) && OB->curvertex >= 0) {
-        if (weldAt(event)) return;
-        beginPointDrag({OB->curvertex});
-        dragTo(event);
-    }
-    endPointDrag();
-}
+class VertexDrag : public GripDrag {
+  public:
+    using GripDrag::GripDrag;
 
-void pressGroup(const Event& event) {
-    const auto place = pickingPlace(event);
-    const int index = place ? faceAt(*OB, *place) : -1;
-    if (index < 0) return;
-    Face& face = OB->faces[index];
-    if (keyIsDown(key::ctrl)) {
-        if (face.g != OB->curgroup) OB->changed = 1;
-        face.g = OB->curgroup;
-        platform().setTitle("face " + std::to_string(index + 1) + " is now in group "
-                            + OB->currentGroupName());
-    } else {
-        OB->curgroup = face.g;
-        platform().setTitle("current group " + std::string(OB->currentGroupName()));
+    void drop(const Event& event) override {
+        move(event);
+        if (moved && keyIsDown(key::ctrl) && OB->curvertex >= 0) {
+            cancel(); // a weld moves it onto the other, not to where the mouse is
+            if (weldAt(event)) return;
+            move(event);
+        }
+        finish();
     }
-    stale.picture = true;
-}
+};
 
 struct KeyRow {
     int mode;
@@ -169,28 +122,48 @@ const KeyRow* keyRow(int code) {
 
 } // namespace
 
-void handleEdges(const Event& event) {
-    if (leftPressed()) {
-        pressEdge(event);
-        if (workbench.currentEdgeFace >= 0) neighbour(currentSide());
-        return;
-    }
-    dragTo(event);
-    if (leftReleased()) endPointDrag();
+std::unique_ptr<Drag> pressEdge(const Event& press) {
+    const auto place = pickingPlace(press);
+    const PickedEdge edge = place ? edgeAt(*OB, *place) : PickedEdge();
+    workbench.currentEdgeFace = edge.face;
+    workbench.currentEdgeCorner = edge.corner;
+    stale.picture = true;
+    updateTitle();
+    if (edge.face < 0) return nullptr;
+    neighbour(currentSide());
+    const Face& face = OB->faces[edge.face];
+    const int from = pointAt(*OB, face, edge.corner);
+    const int to = pointAt(*OB, face, edge.corner + 1);
+    return std::make_unique<GripDrag>(press, *place,
+                                      from == to ? std::vector{from} : std::vector{from, to});
 }
 
-void handleGroups(const Event& event) {
-    if (leftPressed()) pressGroup(event);
-}
-
-void handleVertexes(const Event& event) {
-    if (leftPressed()) {
-        pressVertex(event);
-    } else if (leftReleased()) {
-        releaseVertex(event);
+std::unique_ptr<Drag> pressGroup(const Event& press) {
+    const auto place = pickingPlace(press);
+    const int index = place ? faceAt(*OB, *place) : -1;
+    if (index < 0) return nullptr;
+    Face& face = OB->faces[index];
+    if (keyIsDown(key::ctrl)) {
+        if (face.g != OB->curgroup) OB->changed = 1;
+        face.g = OB->curgroup;
+        platform().setTitle("face " + std::to_string(index + 1) + " is now in group "
+                            + OB->currentGroupName());
     } else {
-        dragTo(event);
+        OB->curgroup = face.g;
+        platform().setTitle("current group " + std::string(OB->currentGroupName()));
     }
+    stale.picture = true;
+    return nullptr;
+}
+
+std::unique_ptr<Drag> pressVertex(const Event& press) {
+    const auto place = pickingPlace(press);
+    OB->curvertex = place ? pointAt(*OB, *place) : -1;
+    OB->highlightPoint(OB->curvertex);
+    stale.picture = true;
+    updateTitle();
+    if (OB->curvertex < 0) return nullptr;
+    return std::make_unique<VertexDrag>(press, *place, std::vector{OB->curvertex});
 }
 
 bool handlingKeyDown(int code) {

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/modes.h"
 
-#include "display/box.h"
-#include "display/view.h"
 #include "editor/editor_state.h"
 #include "editor/modes/click_select.h"
+#include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
 #include "editor/modes/handling_modes.h"
-#include "editor/modes/point_drag.h"
 #include "editor/modes/transform_modes.h"
-#include "mesh/mesh.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -18,44 +15,43 @@
 namespace polyfab {
 namespace {
 
-constexpr auto modes = std::to_array<Mode>({
-    {358, defaultMode, 0, ""},
-    {348, 'E', 0, "edge handling", handleEdges, handleEdges, handleEdges},
-    {349, 'F', 0, "face handling", handleFaces, handleFaces, handleFaces},
-    {350, 'H', 0, "group handling", handleGroups},
-    {351, 'm', 0, "move objects", moveObjects, moveObjects, moveObjects},
-    {352, 'M', 0, "move display", moveDisplay, moveDisplay, moveDisplay},
-    {353, 'P', 0, "vertex handling", handleVertexes, handleVertexes, handleVertexes},
-    {357, 'Q', 0, "set left cutoff", setLeftCutoff, setLeftCutoff, setLeftCutoff},
-    {362, 'W', 0, "set right cutoff", setRightCutoff, setRightCutoff, setRightCutoff},
-    {359, 's', 0, "resize objects", resizeObjects, resizeObjects, resizeObjects},
-    {365, 's', 'X', "resize selected faces in X", resizeObjects, resizeObjects, resizeObjects},
-    {367, 's', 'Y', "resize selected faces in Y", resizeObjects, resizeObjects, resizeObjects},
-    {369, 's', 'Z', "resize selected faces in Z", resizeObjects, resizeObjects, resizeObjects},
-    {363, 'S', 0, "change scale", scaleDisplay, scaleDisplay, scaleDisplay},
-    {361, 'T', 0, "&texture map coordinate handling"},
-    {364, 600, 0, "rotate around X", turnAboutX, turnAboutX, turnAboutX},
-    {366, 601, 0, "rotate around Y", turnAboutY, turnAboutY, turnAboutY},
-    {368, 602, 0, "rotate around Z", turnAboutZ, turnAboutZ, turnAboutZ},
-    {1062, 632, 0, "twist around X", twistAboutX, twistAboutX, twistAboutX},
-    {1063, 633, 0, "twist around Y", twistAboutY, twistAboutY, twistAboutY},
-    {1064, 634, 0, "twist around Z", twistAboutZ, twistAboutZ, twistAboutZ},
-    {1040, 'h', 0, "move by graphs"},
-    {1049, 584, 0, "scale by graphs"},
-    {378, 1095, 0, "selecting groups by clicking the mesh", selectGroupAt},
-    {379, 1101, 0, "selecting materials by clicking the mesh", selectMaterialAt},
-    {381, 1104, 0, "selecting parts by clicking the mesh", selectPartAt},
-    {380, 1108, 0, "selecting texture map areas by clicking the mesh", selectTextureMapAreaAt},
-});
-
-/// From the press of the first button until all are up again, or until something ends it before.
-struct ModeDrag {
-    bool runs = false;
-    View view; ///< at the press
-    Box box;
+struct Mode {
+    int command;      ///< the menu command that enters it
+    int value;        ///< of EditorState::mode
+    char axis;        ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
+    const char* name; ///< shown in the title
+    Press press{};    ///< what the mouse does; nothing unless told
 };
 
-ModeDrag modeDrag;
+constexpr auto modes = std::to_array<Mode>({
+    {358, defaultMode, 0, ""},
+    {348, 'E', 0, "edge handling", {pressEdge}},
+    {349, 'F', 0, "face handling", {pressFace}},
+    {350, 'H', 0, "group handling", {pressGroup}},
+    {351, 'm', 0, "move objects", {moveObjects, anyButton}},
+    {352, 'M', 0, "move display", {moveDisplay, anyButton}},
+    {353, 'P', 0, "vertex handling", {pressVertex}},
+    {357, 'Q', 0, "set left cutoff", {setLeftCutoff, anyButton}},
+    {362, 'W', 0, "set right cutoff", {setRightCutoff, anyButton}},
+    {359, 's', 0, "resize objects", {resizeObjects, anyButton}},
+    {365, 's', 'X', "resize selected faces in X", {resizeObjects, anyButton}},
+    {367, 's', 'Y', "resize selected faces in Y", {resizeObjects, anyButton}},
+    {369, 's', 'Z', "resize selected faces in Z", {resizeObjects, anyButton}},
+    {363, 'S', 0, "change scale", {scaleDisplay, anyButton}},
+    {361, 'T', 0, "&texture map coordinate handling"},
+    {364, 600, 0, "rotate around X", {turnAboutX, anyButton}},
+    {366, 601, 0, "rotate around Y", {turnAboutY, anyButton}},
+    {368, 602, 0, "rotate around Z", {turnAboutZ, anyButton}},
+    {1062, 632, 0, "twist around X", {twistAboutX, anyButton}},
+    {1063, 633, 0, "twist around Y", {twistAboutY, anyButton}},
+    {1064, 634, 0, "twist around Z", {twistAboutZ, anyButton}},
+    {1040, 'h', 0, "move by graphs"},
+    {1049, 584, 0, "scale by graphs"},
+    {378, 1095, 0, "selecting groups by clicking the mesh", {selectGroupAt}},
+    {379, 1101, 0, "selecting materials by clicking the mesh", {selectMaterialAt}},
+    {381, 1104, 0, "selecting parts by clicking the mesh", {selectPartAt}},
+    {380, 1108, 0, "selecting texture map areas by clicking the mesh", {selectTextureMapAreaAt}},
+});
 
 const Mode& presentMode() {
     const auto row = std::find_if(modes.begin(), modes.end(), [](const Mode& mode) {
@@ -87,37 +83,6 @@ bool entersMode(int command) {
 
 void restoreModeName() { workbench.modeName = presentMode().name; }
 
-void modeMouse(const Event& event) {
-    constexpr unsigned buttons = button::left | button::right;
-    const unsigned now = editorState.buttons & buttons;
-    const unsigned before = editorState.buttons >> 2 & buttons;
-    if (before == 0 && now != 0) modeDrag = {true, view, box};
-    if (!modeDrag.runs) return;
-    modeDrag.runs = now != 0;
-    const Mode& mode = presentMode();
-    const auto handler = (now & ~before) != 0 ? mode.press : now != 0 ? mode.drag : mode.release;
-    if (handler != nullptr) handler(event);
-}
-
-bool dragRuns() { return modeDrag.runs; }
-
-void endDrag() {
-    endPointDrag();
-    modeDrag.runs = false;
-}
-
-void cancelDrag() {
-    if (!modeDrag.runs) return;
-    modeDrag.runs = false;
-    cancelPointDrag();
-    view = modeDrag.view;
-    box = modeDrag.box;
-    applyView();
-}
-
-void resetDrags() {
-    forgetPointDrag();
-    modeDrag = ModeDrag();
-}
+void modeMouse(const Event& event) { dragByMouse(event, presentMode().press); }
 
 } // namespace polyfab

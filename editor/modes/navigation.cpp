@@ -4,43 +4,34 @@
 #include "display/box.h"
 #include "display/look.h"
 #include "display/picking.h"
-#include "display/view.h"
-#include "editor/editor_state.h"
+#include "editor/modes/view_drag.h"
 #include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace polyfab {
 namespace {
 
 constexpr double stepFactor = 1.2;
 constexpr double mostSteps = 100; ///< of the wheel in one event
-constexpr double radiansPerPixel = std::numbers::pi / 360;
 
-/// The drag with the middle button.
-struct MiddleDrag {
-    bool runs = false;
-    bool inRightPane = false; ///< where it began
-    int x = 0;                ///< client position of the event before
-    int y = 0;
-};
+bool modeButtonsAreDown() { return (editorState.buttons & anyButton) != 0; }
 
-MiddleDrag drag;
-
-bool modeButtonsAreDown() { return (editorState.buttons & 3) != 0; }
-
-/// About the axis that is seen vertical, then about the one seen horizontal: what faces the viewer
-/// of the pane follows the mouse.
-void turnByMouse(int across, int down) {
+/// Turns the view about the axis that is seen vertical, then about the one seen horizontal: what
+/// faces the viewer of the pane follows the mouse.
+void turnByStep(const Vec3& step, bool inRightPane) {
     const double angle = radiansPerPixel / look.pixel;
-    turnView(1, -angle * across, true);
-    turnView(drag.inRightPane ? 2 : 0, angle * down, true);
+    turnView(1, -angle * step.x, true);
+    turnView(inRightPane ? 2 : 0, angle * step.y, true);
 }
 
-void panByMouse(double across, double down) {
-    panView(drag.inRightPane ? Vec3{0, down, across} : Vec3{across, down, 0});
+std::unique_ptr<Drag> beginNavigation(const Event& press) {
+    const bool inRightPane = press.x >= panesOf(view.client).rightStart;
+    return dragView(press, [inRightPane](const Vec3& step) {
+        if (keyIsDown(key::shift)) return turnByStep(step, inRightPane);
+        panView(inRightPane ? Vec3{0, step.y, step.x} : step);
+    });
 }
 
 } // namespace
@@ -56,17 +47,15 @@ void zoomByWheel(const Event& event) {
 }
 
 void navigateByMouse(const Event& event) {
-    const bool runs = (event.buttons & button::middle) != 0 && !modeButtonsAreDown();
-    if (runs && !drag.runs) drag.inRightPane = event.x >= panesOf(view.client).rightStart;
-    if (runs && drag.runs) {
-        const int across = event.x - drag.x;
-        const int down = event.y - drag.y;
-        keyIsDown(key::shift) ? turnByMouse(across, down) : panByMouse(across, down);
+    std::unique_ptr<Drag>& drag = drags.ofMiddle;
+    if ((event.buttons & button::middle) == 0 || modeButtonsAreDown()) {
+        drag.reset();
+    } else if (drag) {
+        drag->move(event);
+    } else {
+        drag = beginNavigation(event);
     }
-    drag = {runs, drag.inRightPane, event.x, event.y};
 }
-
-void endNavigation() { drag = MiddleDrag(); }
 
 bool navigateByKey(int code) {
     const bool fitsAll = code == key::home;

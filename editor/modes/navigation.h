@@ -14,9 +14,6 @@ void zoomByWheel(const Event& event);
 /// event, after history and position are up to date.
 void navigateByMouse(const Event& event);
 
-/// The drag with the middle button, if any, ends.
-void endNavigation();
-
 /// Home fits the whole mesh in both panes and the box around it; the full stop fits the selected
 /// faces. Whether the key was one of these.
 bool navigateByKey(int code);

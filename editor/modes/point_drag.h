@@ -3,31 +3,34 @@
 // up, and are back where they stood when the user presses Escape before.
 #pragma once
 
+#include "editor/modes/drag.h"
 #include "geometry/vec3.h"
-#include "mesh/mesh.h"
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 namespace polyfab {
 
-/// Starts a drag of these points, each named once. A drag that still runs ends first. `moved`, when
-/// given, is called once when the drag ends with a point at another position than before.
-void beginPointDrag(std::vector<std::int32_t> points, std::function<void()> moved = {});
+/// The drag of some points of OB; how they follow is for others to say.
+class PointDrag : public Drag {
+  public:
+    /// Each point is named once.
+    explicit PointDrag(std::vector<std::int32_t> dragged);
 
-/// Puts every dragged point where `place` maps the world position at which it stood when the drag
-/// began. Without a drag nothing happens.
-void placeDraggedPoints(const std::function<Vec3(const Vec3&)>& place);
+    void finish() override;
+    void cancel() override;
 
-[[nodiscard]] bool pointDragRuns();
+  protected:
+    /// Puts every point where `to` maps the world position at which it stood when the drag began.
+    void place(const std::function<Vec3(const Vec3&)>& to);
 
-/// Ends the drag. The mesh is changed when a point has another position than before.
-void endPointDrag();
+  private:
+    /// The drag has ended with a point at another position than before.
+    virtual void pointsHaveMoved() {}
 
-/// Ends the drag and puts every point back.
-void cancelPointDrag();
-
-/// Ends the drag without a look at the mesh, which may be another one by now.
-void forgetPointDrag();
+    std::vector<std::int32_t> points;
+    std::vector<Vec3> start; ///< where they stood when the drag began
+};
 
 } // namespace polyfab

@@ -2,6 +2,7 @@
 #include "editor/modes/settable_points.h"
 
 #include "editor/editor_state.h"
+#include "editor/modes/drag.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/stale.h"
 #include "workbench/state.h"
@@ -68,14 +69,11 @@ bool setSettablePoints(const Event& event) {
     return set;
 }
 
-/// The left button went down to set a point, and what follows is no drag of the mode.
-bool held = false;
-
 } // namespace
 
 bool settablePointPress(const Event& event) {
-    if (leftPressed()) held = setSettablePoints(event);
-    return held && (editorState.buttons & 5) != 0;
+    if (leftPressed()) drags.setsPoint = setSettablePoints(event);
+    return drags.setsPoint && (editorState.buttons & 5) != 0;
 }
 
 } // namespace polyfab

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The modes that move, magnify, turn and twist the display or the selected faces, and those that
-// set the box. Each function takes every mouse event of its mode.
+// set the box. Each function begins a drag; without a selected face those of faces say so instead.
 //
 // Movement is counted in pixels from the press on: a left drag feeds screen x and y, a right drag
 // screen z and y. Dragging to the right or up by 100 pixels doubles a size; dragging to the right
@@ -8,7 +8,7 @@
 // are resized, turned and twisted about the middle of the box around the selected ones.
 #pragma once
 
-#include "platform/platform.h"
+#include "editor/modes/drag.h"
 
 namespace polyfab {
 
@@ -21,30 +21,30 @@ struct TurnOptions {
 inline TurnOptions turnOptions;
 
 /// Moves the picture, or magnifies it about the middles of the panes.
-void moveDisplay(const Event& event);
-void scaleDisplay(const Event& event);
+std::unique_ptr<Drag> moveDisplay(const Event& press);
+std::unique_ptr<Drag> scaleDisplay(const Event& press);
 
-void moveObjects(const Event& event);
+std::unique_ptr<Drag> moveObjects(const Event& press);
 
 /// Resizes the selected faces along the screen axis that EditorState::resizeAxis names, or along
 /// all three.
-void resizeObjects(const Event& event);
+std::unique_ptr<Drag> resizeObjects(const Event& press);
 
 /// Turns the view or the selected faces about x, y or z, as turnOptions says.
-void turnAboutX(const Event& event);
-void turnAboutY(const Event& event);
-void turnAboutZ(const Event& event);
+std::unique_ptr<Drag> turnAboutX(const Event& press);
+std::unique_ptr<Drag> turnAboutY(const Event& press);
+std::unique_ptr<Drag> turnAboutZ(const Event& press);
 
 /// Turns the selected faces about a screen axis: not at all at the box's left cut-off along it, by
 /// the dragged angle at the right one, evenly more between them, and no more beyond. Normals stay
 /// as they are.
-void twistAboutX(const Event& event);
-void twistAboutY(const Event& event);
-void twistAboutZ(const Event& event);
+std::unique_ptr<Drag> twistAboutX(const Event& press);
+std::unique_ptr<Drag> twistAboutY(const Event& press);
+std::unique_ptr<Drag> twistAboutZ(const Event& press);
 
 /// The left (right) cut-offs of the box go where the mouse is: x and y with the left button, z and
 /// y with the right one.
-void setLeftCutoff(const Event& event);
-void setRightCutoff(const Event& event);
+std::unique_ptr<Drag> setLeftCutoff(const Event& press);
+std::unique_ptr<Drag> setRightCutoff(const Event& press);
 
 } // namespace polyfab

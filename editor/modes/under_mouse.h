@@ -7,7 +7,7 @@
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
 
-#include <cstdlib>
+#include <cmath>
 #include <optional>
 
 namespace polyfab {
@@ -20,7 +20,7 @@ namespace polyfab {
 
 /// Whether the mouse is off the place where the button went down by more than a hand trembles in a
 /// click, along either axis.
-[[nodiscard]] inline bool isDrag(int right, int down) {
+[[nodiscard]] inline bool isDrag(double right, double down) {
     return std::abs(right) > look.tremble || std::abs(down) > look.tremble;
 }
 

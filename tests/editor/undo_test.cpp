@@ -2,7 +2,7 @@
 // Undo and redo of whatever the window's events do.
 #include "editor/history/undo.h"
 
-#include "editor/modes/point_drag.h"
+#include "editor/modes/drag.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/random_user.h"
@@ -190,7 +190,7 @@ TEST_F(Undo, WhateverIsDoneTheMeshIsSoundAndThePictureUpToDate) {
         const int face = workbench.currentEdgeFace;
         ASSERT_TRUE(OB->curface < 0 || isLive(OB->curface));
         ASSERT_TRUE(face < 0 || (isLive(face) && workbench.currentEdgeCorner < OB->faces[face].n));
-        ASSERT_TRUE(OB->curvertex < OB->np && !pointDragRuns());
+        ASSERT_TRUE(OB->curvertex < OB->np && !dragRuns());
     }
 }
 
