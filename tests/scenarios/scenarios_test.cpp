@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The scenarios of this folder: what batch mode shows at each step. A file holds
 //   # a comment
-//   == a scenario, which begins with an empty editor and folder, in a window of 251 x 125 pixels
-//   file NAME: text; in lines     (before the first scenario: for all of them)
+//   == a scenario, which begins with an empty editor in a window of 251 x 125 pixels, in a folder
+//      that holds cube.obj only
+//   file NAME: text; in lines, in that folder; before the first scenario: for all of the file
 //   ; more lines of it
 //   > a step: the events follow, each behind four blanks
 //   . a step whose events are no matter; more steps; in one line
@@ -173,6 +174,7 @@ TEST_P(Scenarios, ShowWhatTheyTell) {
     for (auto from = first; from != lines.end();) {
         const auto to = std::find_if(from + 1, lines.end(), isHead);
         const WorkingFolder here;
+        std::filesystem::copy(POLYFAB_SCENARIOS "/cube.obj", ".");
         writeFiles(common);
         writeFiles({from, to});
         text += play({from, to});
