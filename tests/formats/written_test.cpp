@@ -84,7 +84,8 @@ TEST_F(Written, FilesAreAsTheyWere) {
         {"dxf", [](const std::string& path) { return writeDxfFile(*OB, path); }},
         {"relative", [](const std::string& path) { return writeObjFile(*OB, path, objRelative); },
          false},
-        {"trace", [](const std::string& path) { return writeObjFile(*OB, path, objTrace); }, false}};
+        {"trace", [](const std::string& path) { return writeObjFile(*OB, path, objTrace); },
+         false}};
     const TempFolder folder;
     std::string text;
     for (const auto& [mesh, change] : meshes) {
