@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Slabs: each page is cut into slots of one size, and those that are free form a list that runs
-// through themselves. Chunks that were made together lie together, and mostly go together.
+// through themselves. Chunks that were made together lie together, and mostly go together. Where no
+// page is kept the chunks come from the heap: to clear fresh huge pages costs no less.
 #include "mesh/chunk_memory.h"
 
 #include "mesh/large_block.h"
@@ -21,7 +22,7 @@ using largeblock::pageSize;
 constexpr std::size_t smallest = 4096, largest = 32768; ///< of the slots, powers of two
 
 struct Slab {
-    std::byte* page = nullptr;
+    std::byte* page;
     std::byte* freed = nullptr; ///< first slot that was used before, or null
     std::size_t touched = 0;    ///< bytes in front of the slots that were never used
     std::size_t used = 0;       ///< bytes
@@ -52,19 +53,20 @@ std::byte* pageOf(std::byte* slot) {
     return slot - reinterpret_cast<std::uintptr_t>(slot) % pageSize;
 }
 
+/// Makes a page that is kept a slab, if there is one.
 void addSlab(Memory& m, Slabs& open) {
-    open.emplace_front();
-    Slab& slab = open.front();
+    void* const page = largeblock::takeKeptPage();
+    if (page == nullptr) return;
     try {
-        slab.page = static_cast<std::byte*>(largeblock::takePage());
-        if (slab.page == nullptr) throw std::bad_alloc();
-        m.byPage.emplace(slab.page, open.begin());
+        open.push_front({static_cast<std::byte*>(page)});
+        m.byPage.emplace(open.front().page, open.begin());
     } catch (const std::bad_alloc&) {
-        if (slab.page != nullptr) largeblock::releasePage(slab.page);
-        open.pop_front();
-        throw;
+        if (!open.empty()) open.pop_front();
+        largeblock::releasePage(page);
     }
 }
+
+std::byte* plainBytes(std::size_t size) { return static_cast<std::byte*>(::operator new(size)); }
 
 std::byte* takeSlot(Slab& slab, std::size_t size) {
     slab.used += size;
@@ -77,11 +79,12 @@ std::byte* takeSlot(Slab& slab, std::size_t size) {
 } // namespace
 
 std::byte* takeChunkBytes(std::size_t size) {
-    if (!hasSlots(size)) return static_cast<std::byte*>(::operator new(size));
+    if (!hasSlots(size)) return plainBytes(size);
     Memory& m = memory();
     const std::lock_guard lock(m.mutex);
     Slabs& open = openOf(m, size);
     if (open.empty()) addSlab(m, open);
+    if (open.empty()) return plainBytes(size);
     Slab& slab = open.front();
     std::byte* const slot = takeSlot(slab, size);
     if (slab.used == pageSize) m.full.splice(m.full.begin(), open, open.begin());
@@ -93,6 +96,7 @@ void releaseChunkBytes(std::byte* bytes, std::size_t size) {
     Memory& m = memory();
     const std::lock_guard lock(m.mutex);
     const auto entry = m.byPage.find(pageOf(bytes));
+    if (entry == m.byPage.end()) return ::operator delete(bytes);
     const Slabs::iterator slab = entry->second;
     Slabs& open = openOf(m, size);
     if (slab->used == pageSize) open.splice(open.end(), m.full, slab);

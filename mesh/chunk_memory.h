@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Memory for the chunks of snapshots. A large mesh has thousands of them, of few sizes; whole ones
-// lie in huge pages of their own, which come from what large blocks have left and go back to it.
+// lie in the huge pages that large blocks have left, as long as there are any.
 #pragma once
 
 #include <cstddef>

@@ -101,6 +101,12 @@ void useKept(char* start, const char* end) {
     }
 }
 
+/// Whether there is memory behind this page: room that nobody has touched is not worth keeping.
+bool isTouched(char* page) {
+    unsigned char resident = 0;
+    return mincore(page, 1, &resident) == 0 && (resident & 1) != 0;
+}
+
 /// Keeps or unmaps what is mapped from `start`, a huge-page boundary, to `end`. With half of what
 /// lived at once a command finds again all that it takes beside the mesh, as long as that is no
 /// more than the mesh itself.
@@ -109,6 +115,7 @@ void letGo(char* start, const char* end) {
     const std::lock_guard lock(pool.mutex);
     for (; end - start >= pageLength && (pool.count + 1) * pageSize <= pool.most / 2;
          start += pageSize) {
+        if (!isTouched(start)) break; // blocks are filled from the front
         push(pool, start);
     }
     if (start != end) munmap(start, static_cast<std::size_t>(end - start));
@@ -121,13 +128,10 @@ void countLive(std::size_t more, std::size_t less) {
     pool.most = std::max(pool.most, pool.live);
 }
 
-std::size_t pageUp(std::size_t length) { return (length + pageSize - 1) / pageSize * pageSize; }
-std::size_t pageDown(std::size_t length) { return length / pageSize * pageSize; }
-
 /// Moves what the block holds. Page by page: kept ones among them are mappings of their own.
 void moveBlock(char* from, char* to, std::size_t length) {
     std::size_t done = 0;
-    for (; done != pageDown(length); done += pageSize) {
+    for (; length - done >= pageSize; done += pageSize) {
         if (movePage(from + done, to + done)) continue;
         std::memcpy(to + done, from + done, pageSize);
         munmap(from + done, pageSize);
@@ -137,22 +141,11 @@ void moveBlock(char* from, char* to, std::size_t length) {
     munmap(from + done, length - done);
 }
 
-void shrink(char* block, std::size_t from, std::size_t to) {
-    const std::size_t whole = std::min(pageUp(to), from);
-    if (whole != to) munmap(block + to, whole - to);
-    letGo(block + whole, block + from);
-}
-
-/// The block, which may have moved, or null.
+/// The block, which may have moved, or null. The new room is fresh: much of it may stay untouched.
 char* grow(char* block, std::size_t from, std::size_t to) {
-    if (map(block + from, to - from) != nullptr) {
-        if (pageUp(from) < to) useKept(block + pageUp(from), block + to);
-        return block;
-    }
+    if (map(block + from, to - from) != nullptr) return block;
     char* const target = mapAligned(to);
-    if (target == nullptr) return nullptr;
-    useKept(target + pageDown(from), target + to);
-    moveBlock(block, target, from);
+    if (target != nullptr) moveBlock(block, target, from);
     return target;
 }
 
@@ -172,7 +165,7 @@ void* resize(void* block, std::size_t oldSize, std::size_t newSize) {
     const std::size_t to = mapped(newSize);
     if (to == 0) return nullptr;
     char* start = static_cast<char*>(block);
-    if (to < from) shrink(start, from, to);
+    if (to < from) munmap(start + to, from - to); // mostly room that nothing has touched
     if (to > from) start = grow(start, from, to);
     if (start != nullptr) countLive(to, from);
     return start;
@@ -184,13 +177,10 @@ void release(void* block, std::size_t size) {
     countLive(0, length);
 }
 
-void* takePage() {
+void* takeKeptPage() {
     Kept& pool = kept();
-    {
-        const std::lock_guard lock(pool.mutex);
-        if (pool.count != 0) return pop(pool);
-    }
-    return mapAligned(pageSize);
+    const std::lock_guard lock(pool.mutex);
+    return pool.count != 0 ? pop(pool) : nullptr;
 }
 
 void releasePage(void* page) {

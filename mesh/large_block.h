@@ -28,9 +28,11 @@ inline constexpr std::size_t threshold = pageSize;
 
 void release(void* block, std::size_t size);
 
-/// A single page, or null. Such pages do not count where the bound of what is kept is worked out.
-[[nodiscard]] void* takePage();
+/// A single page, of no particular contents, if any is kept; otherwise null. It does not count
+/// where the bound of what is kept is worked out.
+[[nodiscard]] void* takeKeptPage();
 
+/// Releases such a page.
 void releasePage(void* page);
 
 /// Gives the kept pages back to the system. Whether there were any. Also done by itself before an
