@@ -21,7 +21,8 @@ void buildApart(std::int64_t triangles) {
     const auto side = static_cast<std::int64_t>(std::sqrt(static_cast<double>(triangles)));
     for (std::int64_t i = 0; i < side * side; ++i) {
         const double x = static_cast<double>(i % side);
-        const double y = static_cast<double>(i / side);
+        const std::int64_t row = i / side;
+        const double y = static_cast<double>(row);
         for (const double shift : {0.0, 0.25, 0.5})
             OB->addPoint(x + shift, y, shift * shift, false);
     }

@@ -57,7 +57,10 @@ void orient(benchmark::State& state) {
 void orientStrip(benchmark::State& state) {
     OB->clear(true);
     const auto faces = static_cast<int>(state.range(0));
-    for (int i = 0; i < faces + 2; ++i) OB->addPoint(i / 2, i % 2, 0, false);
+    for (int i = 0; i < faces + 2; ++i) {
+        const int column = i / 2;
+        OB->addPoint(column, i % 2, 0, false);
+    }
     for (int i = 0; i < faces; ++i) {
         polyfab::Point* const first = OB->points + i;
         polyfab::Point* const list[] = {first, first + 1, first + 2};

@@ -25,7 +25,9 @@ template <typename Act>
 std::string firstName(const std::string& base, const std::string& suffix, Act act) {
     constexpr int most = 100;
     for (int i = 1; i <= most; ++i) {
-        std::string name = base + (i == 1 ? "" : "-" + std::to_string(i)) + suffix;
+        std::string name = base;
+        if (i > 1) name.append("-").append(std::to_string(i));
+        name += suffix;
         if (act(name)) return name;
     }
     return "";
@@ -134,7 +136,7 @@ void RecoveryFolder::remove() {
 
 std::string RecoveryFolder::removeButKeepFile() {
     // A link fails where a rename would replace what was kept before.
-    const std::string kept = firstName(path, keptSuffix, [this](const std::string& name) {
+    std::string kept = firstName(path, keptSuffix, [this](const std::string& name) {
         return ::link(file().c_str(), name.c_str()) == 0;
     });
     if (!kept.empty()) remove();

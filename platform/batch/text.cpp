@@ -143,13 +143,12 @@ void layGlyph(Bitmap& picture, Position left, Position top, const FT_Bitmap& gly
 /// line, while that gives true. Returns the length of what it has gone over.
 template <typename Use>
 FT_Pos walk(FT_Face face, std::string_view text, FT_Int32 how, Use use) {
+    // Unhinted, so that a character looks the same in every place and width follows size.
+    how |= static_cast<FT_Int32>(FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
     FT_Pos pen = 0;
     while (!text.empty()) {
         const char32_t character = takeCharacter(text);
-        // Unhinted, so that a character looks the same in every place and width follows size.
-        if (FT_Load_Char(face, character, how | FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0) {
-            continue;
-        }
+        if (FT_Load_Char(face, character, how) != 0) continue;
         if (!use(*face->glyph, pen)) break;
         pen += face->glyph->advance.x;
     }

@@ -20,7 +20,6 @@ struct KeyName {
     explicit KeyName(const QKeyEvent& event);
     /// A key that no event tells of.
     explicit KeyName(int virtualKeyCode) : code(virtualKeyCode) {}
-    // NOLINTNEXTLINE(modernize-use-nullptr): the check trips over what the compiler makes of it
     auto operator<=>(const KeyName&) const = default;
 
     quint32 scanCode = 0; ///< 0: not known
