@@ -71,6 +71,12 @@ struct Menu {
 
 using MenuBar = std::vector<Menu>;
 
+/// What the line at the bottom of the window says.
+struct StatusLine {
+    std::string left;  ///< what the mouse does, or what was done; gives way when room is short
+    std::string right; ///< what the window shows
+};
+
 /// Virtual-key codes that have a name here; letters and digits are their capital ASCII codes.
 namespace key {
 inline constexpr int shift = 16, ctrl = 17, alt = 18, escape = 27, pageUp = 33, pageDown = 34,
@@ -155,6 +161,12 @@ class Platform {
     virtual double pixelScale() const = 0;
     /// Puts the menu bar of this name on the window, in place of the one before.
     virtual void setMenuBar(const std::string& name, const MenuBar& bar) = 0;
+    /// The line stands below the client area. It is shown from the start.
+    virtual void setStatusLine(const StatusLine& line) = 0;
+    virtual void showStatusLine(bool shown) = 0;
+    /// Tells what a command did or left out: in the left of the status line, until that is set
+    /// anew.
+    virtual void note(const std::string& text) = 0;
     /// Changes one item of the present menu bar; an id that is not there is ignored.
     virtual void setMenuItem(int id, bool enabled, bool checked) = 0;
     /// Asks for a paint event some time soon.

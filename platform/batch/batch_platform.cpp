@@ -169,6 +169,11 @@ void BatchPlatform::setMenuItem(int id, bool enabled, bool checked) {
     }
 }
 
+void BatchPlatform::note(const std::string& told) {
+    status.left = told;
+    print(text({{"event", "note"}, {"text", told}}));
+}
+
 void BatchPlatform::requestClose() {
     closeDue = true;
     sendDueClose();

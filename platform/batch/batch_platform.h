@@ -40,6 +40,10 @@ class BatchPlatform : public Platform {
     const MenuItem* menuItem(int id) const;
     /// What the window shows now: it is painted first if that is due.
     const Bitmap& currentPicture();
+    /// What the status line says; nothing while it is not shown.
+    std::optional<StatusLine> statusLine() const {
+        return statusShown ? std::optional(status) : std::nullopt;
+    }
     const Program& runs() const { return program; }
     /// Prints one line on standard output, or the end of one.
     void print(const std::string& line);
@@ -52,6 +56,9 @@ class BatchPlatform : public Platform {
     double pixelScale() const override { return 1; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    void setStatusLine(const StatusLine& line) override { status = line; }
+    void showStatusLine(bool shown) override { statusShown = shown; }
+    void note(const std::string& text) override;
     void requestPaint() override { paintDue = true; }
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override;
@@ -81,6 +88,7 @@ class BatchPlatform : public Platform {
     std::string windowTitle;
     Size size;
     MenuBar bar;
+    StatusLine status;
     Bitmap picture;
     std::deque<Answer> answers;
     std::optional<int> abortAfter; ///< looks at Escape until it is down
@@ -91,6 +99,7 @@ class BatchPlatform : public Platform {
     bool open = true;
     bool quiet = false;
     bool paintDue = true;
+    bool statusShown = true;
 };
 
 } // namespace polyfab

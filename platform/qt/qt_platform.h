@@ -41,6 +41,9 @@ class QtPlatform : public Platform {
     double pixelScale() const override { return window.devicePixelRatioF(); }
     void setMenuBar(const std::string& name, const MenuBar& bar) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    void setStatusLine(const StatusLine& line) override { window.statusLine().tell(line); }
+    void showStatusLine(bool shown) override { window.statusLine().setVisible(shown); }
+    void note(const std::string& text) override { window.statusLine().tellLeft(text); }
     void requestPaint() override;
     void present(const Bitmap& shown) override;
     void requestClose() override;

@@ -132,8 +132,9 @@ void Canvas::dropEvent(QDropEvent* event) {
 }
 
 Window::Window(const WindowEvents& windowEvents)
-    : events(windowEvents), pane(new Canvas(windowEvents)) {
+    : events(windowEvents), pane(new Canvas(windowEvents)), status(new StatusBar) {
     setCentralWidget(pane);
+    setStatusBar(status);
     // On a small screen as large as fits, with some room for what the desktop puts around it.
     resize(QSize(1200, 640).boundedTo(screen()->availableSize() - QSize(16, 48)));
     pane->resize(size()); // a first client size, until the frame is laid out

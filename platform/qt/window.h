@@ -5,6 +5,7 @@
 
 #include "platform/platform.h"
 #include "platform/qt/keys.h"
+#include "platform/qt/status_bar.h"
 
 #include <QImage>
 #include <QMainWindow>
@@ -60,6 +61,7 @@ class Window : public QMainWindow {
     /// The action of this command, or null.
     QAction* action(int id) const;
     Canvas& canvas() const { return *pane; }
+    StatusBar& statusLine() const { return *status; }
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -68,7 +70,9 @@ class Window : public QMainWindow {
   private:
     void addItem(QMenu& menu, const MenuItem& item);
     WindowEvents events;
-    Canvas* pane; ///< owned by the toolkit
+    // Owned by the toolkit.
+    Canvas* pane;
+    StatusBar* status;
 };
 
 } // namespace polyfab

@@ -40,6 +40,7 @@ class BatchDriver : public Driver {
     }
     void resize(Size size) override { window.resize(size); }
     bool isOpen() override { return window.isOpen(); }
+    std::optional<StatusLine> statusLine() override { return window.statusLine(); }
     MenuItem item(int id) override {
         const MenuItem* const found = window.menuItem(id);
         return found ? *found : MenuItem{};

@@ -65,6 +65,21 @@ TEST_P(Contract, PictureIsShownPixelForPixelAndDrawnOnlyWhenDue) {
     EXPECT_EQ(driver->pixel(399, 299), toyColor(399, 299));
 }
 
+TEST_P(Contract, TheStatusLineStandsBelowTheClientArea) {
+    driver->resize({400, 300});
+    const auto says = [&](const char* left) {
+        const auto line = driver->statusLine();
+        return line && line->left == left && line->right == "right";
+    };
+    driver->choose(toy::status, {});
+    EXPECT_TRUE(says("<b>left"));
+    driver->choose(toy::note, {});
+    EXPECT_TRUE(says("done & noted"));
+    EXPECT_EQ(driver->pixel(399, 299), toyColor(399, 299));
+    driver->choose(toy::hideStatus, {});
+    EXPECT_FALSE(driver->statusLine());
+}
+
 TEST_P(Contract, BoxesReturnWhatTheUserDid) {
     const std::string target = testing::TempDir() + "contract.OBJ";
     struct {

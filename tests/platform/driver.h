@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace polyfab::test {
@@ -24,6 +25,8 @@ class Driver {
     virtual void input(const Event& event, const std::deque<Answer>& answers = {}) = 0;
     virtual void resize(Size size) = 0;
     virtual bool isOpen() = 0;
+    /// What the status line says; nothing while it is not shown.
+    virtual std::optional<StatusLine> statusLine() = 0;
     virtual MenuItem item(int id) = 0;             ///< id 0: not in the menu
     virtual std::uint32_t pixel(int x, int y) = 0; ///< of what the window shows
 };

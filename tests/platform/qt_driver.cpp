@@ -151,6 +151,10 @@ class QtDriver : public Driver {
         settle();
     }
     bool isOpen() override { return window.isVisible(); }
+    std::optional<StatusLine> statusLine() override {
+        const StatusBar& bar = window.statusLine();
+        return bar.isVisible() ? std::optional(bar.line()) : std::nullopt;
+    }
     MenuItem item(int id) override {
         const QAction* const action = window.action(id);
         if (!action) return {};

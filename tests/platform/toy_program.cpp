@@ -75,6 +75,12 @@ const Row rows[] = {
      [] {
          platform().setMenuBar("B", {{"&B", {{toy::yesNo, "b"}}}});
      }},
+    {toy::status, "status",
+     [] {
+         platform().setStatusLine({"<b>left", "right"});
+     }},
+    {toy::note, "note", [] { platform().note("done & noted"); }},
+    {toy::hideStatus, "hide", [] { platform().showStatusLine(false); }},
     {toy::longWork, "&long work", workLong},
     {toy::exit, "e&xit", [] { platform().requestClose(); }},
     {toy::greyed, "greyed", nullptr},

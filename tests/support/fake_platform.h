@@ -19,7 +19,8 @@ class FakePlatform : public Platform {
     /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
     /// has the exclamation icon), "question|TITLE|TEXT", "file|PROMPT|INITIAL", "busy|TEXT",
     /// "progress|TEXT|FRACTION",
-    /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "beep", "help", "close", "destroyed".
+    /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "note|TEXT", "beep", "help", "close",
+    /// "destroyed".
     std::vector<std::string> log;
 
     std::deque<Choice> choices;                         ///< for questions; empty: no
@@ -35,6 +36,8 @@ class FakePlatform : public Platform {
     double scale = 1;
     std::string windowTitle;
     MenuBar bar;
+    StatusLine status;
+    bool statusShown = true;
     Bitmap picture; ///< what was presented last
     int paintRequests = 0;
 
@@ -51,6 +54,9 @@ class FakePlatform : public Platform {
     double pixelScale() const override { return scale; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    void setStatusLine(const StatusLine& line) override { status = line; }
+    void showStatusLine(bool shown) override { statusShown = shown; }
+    void note(const std::string& text) override { log.push_back("note|" + text); }
     void requestPaint() override { ++paintRequests; }
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override { log.push_back("close"); }

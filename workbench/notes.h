@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Notes: what a command tells of what it did or left out, for the user to read or to leave.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace polyfab {
+
+/// Tells it in the status line, where it stays until the user does something. Several notes of one
+/// command stand there one after the other.
+void note(const std::string& text);
+
+/// What was noted since the last forgetNotes; "": nothing.
+[[nodiscard]] const std::string& notes();
+void forgetNotes();
+
+/// The number as a person writes it: 12345 is "12,345".
+[[nodiscard]] std::string counted(std::int64_t number);
+
+/// The same with what is counted, which gets an "s" unless it is one: "1 face", "2,000 faces".
+[[nodiscard]] std::string counted(std::int64_t number, const std::string& what);
+
+} // namespace polyfab
