@@ -136,6 +136,9 @@ struct Dialog {
     /// Told of each key that goes down or up while the dialog is open; no event tells of them. Keys
     /// that are still down when it closes are told to be up, Escape included.
     std::function<void(const Event&)> onKey{};
+    /// Told of the fields as they are, whenever the user has changed one. A window whose dialog has
+    /// this goes on taking paint events while it is open, so that it can show what the fields mean.
+    std::function<void(const std::vector<DialogField>&)> onChange{};
 };
 
 /// How a prompt was left. The fields hold the edited texts after accept and escape; after cancel

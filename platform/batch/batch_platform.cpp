@@ -256,6 +256,7 @@ DialogResult BatchPlatform::dialog(Dialog& dialog) {
             result = DialogResult::escape;
         } else if (answer && fill(dialog.fields[i], *answer)) {
             record.answer(i, dialog.fields[i].text);
+            if (dialog.onChange) dialog.onChange(dialog.fields);
         } else {
             print(text(record.json));
             stop("the field \"" + dialog.fields[i].label + "\" of the prompt " + dialog.name);

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpacerItem>
 #include <QWindow>
 
@@ -86,6 +87,12 @@ class FieldWidget {
     std::string text() const {
         if (box) return box->isChecked() ? "1" : "0";
         return line->text().toStdString();
+    }
+
+    template <typename Tell>
+    void tellChanges(Tell tell) const {
+        if (box) QObject::connect(box, &QCheckBox::toggled, box, tell);
+        if (line) QObject::connect(line, &QLineEdit::textChanged, line, tell);
     }
 
     /// Whether there is a text to be typed over.
@@ -171,6 +178,20 @@ QLayout* newButtons(QDialog& dialog) {
     return row;
 }
 
+std::vector<DialogField> fieldsNow(const Dialog& dialog, const std::vector<FieldWidget>& widgets) {
+    std::vector<DialogField> fields = dialog.fields;
+    for (std::size_t i = 0; i < fields.size(); ++i) fields[i].text = widgets[i].text();
+    return fields;
+}
+
+/// Beside the owner, or else over its right side: what the dialog changes can be seen.
+void moveAside(QDialog& box, const QWidget& owner) {
+    const QRect room = owner.screen()->availableGeometry();
+    const QRect frame = owner.frameGeometry();
+    const int left = std::min(frame.right() + 1, room.right() + 1 - box.sizeHint().width());
+    box.move(std::max(left, room.left()), std::max(frame.top(), room.top()));
+}
+
 } // namespace
 
 QString titleText(const std::string& text) {
@@ -246,11 +267,17 @@ DialogResult askFields(QWidget* owner, Dialog& dialog) {
     for (const FieldWidget& widget : widgets) {
         if (widget.focus()) break;
     }
+    if (dialog.onChange) {
+        for (const FieldWidget& widget : widgets) {
+            widget.tellChanges([&] { dialog.onChange(fieldsNow(dialog, widgets)); });
+        }
+        if (owner != nullptr) moveAside(box, *owner);
+    }
     KeyTeller keys(box, dialog.onKey);
     const int code = box.exec();
     keys.releaseAll();
     if (code == QDialog::Rejected) return DialogResult::cancel;
-    for (std::size_t i = 0; i < widgets.size(); ++i) dialog.fields[i].text = widgets[i].text();
+    dialog.fields = fieldsNow(dialog, widgets);
     return code == escapeCode ? DialogResult::escape : DialogResult::accept;
 }
 

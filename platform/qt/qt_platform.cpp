@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The windowing operations on a real window. A modal box or a busy notice lets toolkit events in
 // while the program is in the midst of a command; what would read or change the mesh then (paint,
-// resize, commands, drops) waits until that command is over.
+// resize, commands, drops) waits until that command is over. Only a dialog that shows what its
+// fields mean lets paint events in.
 #include "platform/qt/qt_platform.h"
 
 #include "platform/end_signals.h"
@@ -199,9 +200,10 @@ void QtPlatform::sendQueued() {
 }
 
 const QImage& QtPlatform::currentPicture() {
-    if (paintDue && depth == 0) {
+    if (paintDue && depth == paintDepth) {
         paintDue = false;
         send(Event{});
+        if (depth > 0) return image;
         if (const auto file = std::exchange(firstFile, std::nullopt)) {
             Event started{.kind = EventKind::start};
             if (!file->empty()) started.paths = {*file};
@@ -265,7 +267,10 @@ std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
 
 DialogResult QtPlatform::dialog(Dialog& dialog) {
     const AroundBox around(window, input, clock, strip);
-    return askFields(owner(), dialog);
+    const int before = std::exchange(paintDepth, dialog.onChange ? depth : 0);
+    const DialogResult result = askFields(owner(), dialog);
+    paintDepth = before;
+    return result;
 }
 
 /// Without looking at the events the display may not hear of what is shown before work is done.

@@ -94,7 +94,8 @@ class QtPlatform : public Platform {
     QImage image;
     std::deque<Event> waiting;
     QEventLoop loop;
-    int depth = 0; ///< handlers that are running now, one inside the other
+    int depth = 0;      ///< handlers that are running now, one inside the other
+    int paintDepth = 0; ///< the depth at which the program takes paint events
     bool paintDue = true;
     bool open = false;
 };

@@ -94,6 +94,8 @@ TEST_P(Contract, BoxesReturnWhatTheUserDid) {
         {toy::prompt, {text("a"), text("b & c"), text("0")}, "accept|a|b & c|0"},
         {toy::prompt, {text("a"), escape}, "escape|a|two|1"},
         {toy::prompt, {text("a"), cancel}, "cancel|one|two|1"},
+        {toy::preview, {text("a"), text("b"), text("0")}, "changed|a|two|1"},
+        {toy::preview, {text("a"), text("b"), cancel}, "cancel|one|two|1"},
         {toy::saveFile, {text(target.c_str())}, "file " + target},
         {toy::saveFile, {cancel}, "no file"},
         {toy::openFile, {escape}, "no file"},

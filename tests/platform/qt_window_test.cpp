@@ -281,6 +281,21 @@ TEST_F(QtWindow, PromptsAreFilledInFromTheKeyboard) {
     }
 }
 
+TEST_F(QtWindow, WhatAPromptShowsIsPaintedWhileItIsOpen) {
+    bool painted = false;
+    window.action(toy::preview)->trigger();
+    QTimer::singleShot(0, [&painted] {
+        QWidget* const box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        const int paints = toyState.paints;
+        box->findChild<QLineEdit*>()->setText("new");
+        painted = QTest::qWaitFor([paints] { return toyState.paints > paints; }, 2000);
+        box->close();
+    });
+    taken();
+    EXPECT_TRUE(painted);
+}
+
 TEST_F(QtWindow, KeysInAPromptAreToldToItAlone) {
     Dialog dialog = promptOf(1);
     Log keys;

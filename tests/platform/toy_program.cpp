@@ -14,15 +14,23 @@ void ask(Buttons buttons) {
     note(words[int(platform().question("caption", "sure?", buttons)) + 1]);
 }
 
-void askFields() {
+void askFields(bool showing) {
     Dialog dialog{"ASKDB2",
                   "fill & in",
                   {{"first <b>", "one"}, {"second & third", "two"}, {"tick", "1", true}}};
     dialog.onKey = [](const Event& event) { note("dialog " + describe(event)); };
+    const auto texts = [](std::string line, const std::vector<DialogField>& fields) {
+        for (const DialogField& field : fields) line += "|" + field.text;
+        return line;
+    };
+    if (showing)
+        dialog.onChange = [&](const std::vector<DialogField>& fields) {
+            note(texts("changed", fields));
+            platform().requestPaint();
+        };
     constexpr const char* words[] = {"accept", "cancel", "escape"};
-    std::string line = words[int(platform().dialog(dialog))];
-    for (const DialogField& field : dialog.fields) line += "|" + field.text;
-    note(line);
+    const std::string left = words[int(platform().dialog(dialog))];
+    note(texts(left, dialog.fields));
 }
 
 void askPath(bool save) {
@@ -52,7 +60,8 @@ struct Row {
 const Row rows[] = {
     {toy::yesNo, "&yes or no", [] { ask(Buttons::yesNo); }},
     {toy::yesNoCancel, "yes no or &cancel", [] { ask(Buttons::yesNoCancel); }},
-    {toy::prompt, "pro&mpt", askFields},
+    {toy::prompt, "pro&mpt", [] { askFields(false); }},
+    {toy::preview, "pre&view", [] { askFields(true); }},
     {toy::openFile, "&open", [] { askPath(false); }},
     {toy::saveFile, "&save", [] { askPath(true); }},
     {toy::warn, "&warn", [] { platform().message("<b>", "oh & dear", Icon::exclamation); }},
@@ -107,11 +116,14 @@ void paint() {
 
 /// What comes in while a command runs must not touch what that command works on.
 void runAlone(int id) {
-    const int before = toyState.paints + toyState.resizes;
+    const auto count = [id] {
+        return toyState.resizes + (id == toy::preview ? 0 : toyState.paints);
+    };
+    const int before = count();
     for (const Row& row : rows) {
         if (row.id == id) row.run();
     }
-    if (toyState.paints + toyState.resizes != before) note("disturbed");
+    if (count() != before) note("disturbed");
 }
 
 void handle(const Event& event) {

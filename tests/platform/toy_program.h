@@ -14,7 +14,7 @@ namespace toy {
 inline constexpr int yesNo = 1, yesNoCancel = 2, prompt = 3, openFile = 4, saveFile = 5, warn = 6,
                      raw = 7, busy = 8, title = 9, toggle = 10, otherMenu = 11, exit = 12,
                      greyed = 13, unbuilt = 14, longWork = 15, status = 16, note = 17,
-                     hideStatus = 18;
+                     hideStatus = 18, preview = 19;
 }
 
 struct ToyProgram {
