@@ -57,6 +57,11 @@ class HashSlots {
         return slots[slot];
     }
 
+    /// Calls for the memory that find will want for this hash some calls later.
+    void prepare(std::uint64_t hash) const {
+        __builtin_prefetch(&slots[hash & (slots.size() - 1)]);
+    }
+
   private:
     std::vector<std::int32_t> slots; ///< a power of two
 };

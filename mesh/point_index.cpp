@@ -14,10 +14,11 @@ bool hasNan(double x, double y, double z) {
 
 } // namespace
 
-PointIndex::PointIndex(Mesh& owner) : mesh(owner) { enterAll(); }
+PointIndex::PointIndex(Mesh& owner, std::size_t expected) : mesh(owner) { enterAll(expected); }
 
-void PointIndex::enterAll() {
-    slots.reset(std::max<std::size_t>(1024, 4 * static_cast<std::size_t>(mesh.np)));
+void PointIndex::enterAll(std::size_t expected) {
+    const std::size_t room = 4 * static_cast<std::size_t>(mesh.np) + 2 * expected + 1;
+    slots.reset(std::max<std::size_t>(1024, room));
     for (int i = 0; i < mesh.np; ++i) {
         const Point& point = mesh.points[i];
         // They equal nothing, not even themselves, and would all lie in one long row of slots.
@@ -36,7 +37,7 @@ std::int32_t& PointIndex::slotOf(double x, double y, double z) {
 
 int PointIndex::findOrAdd(double x, double y, double z) {
     const bool matchable = !hasNan(x, y, z);
-    if (slots.isFullWith(static_cast<std::size_t>(mesh.np))) enterAll();
+    if (slots.isFullWith(static_cast<std::size_t>(mesh.np))) enterAll(0);
     std::int32_t* const slot = matchable ? &slotOf(x, y, z) : nullptr;
     if (matchable && *slot != HashSlots::empty) return *slot;
     const int before = mesh.np;
