@@ -20,9 +20,9 @@ Look::Look(double pixelScale) : pixel(pixelScale) {
     const auto scaled = [this](int size) {
         return std::max(1, static_cast<int>(std::lround(size * pixel)));
     };
-    for (Stroke* stroke :
-         {&selected, &unselected, &unselectedGrey, &loose, &bad, &currentFace, &currentEdge,
-          &currentVertex, &vertex, &normal, &box, &settable, axes, axes + 1, axes + 2, &grid}) {
+    for (Stroke* stroke : {&selected, &unselected, &unselectedGrey, &loose, &bad, &currentFace,
+                           &currentEdge, &currentVertex, &vertex, &normal, &box, &settable, axes,
+                           axes + 1, axes + 2, &grid, &preview}) {
         stroke->width = scaled(stroke->width);
         if (pixel >= 1.5) stroke->pattern = twiceAsLong(stroke->pattern);
     }

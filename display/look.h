@@ -26,6 +26,7 @@ struct Look {
     Stroke normal{0xFF1B7FA8, 1, 0x33333333};
     Stroke box{0xFF7A5200, 1, 0x03FF03FF};
     Stroke settable{0xFF202020, 3};
+    Stroke preview{0xFFB8004E, 1, 0x3FFF3FFF};
     Stroke axes[3] = {
         {0xFFB03A00, 1, 0x27FF27FF}, {0xFF00704F, 1, 0x27FF27FF}, {0xFF1F4FBF, 1, 0x27FF27FF}};
     Stroke grid{0xFFE2E5E8};

@@ -2,9 +2,11 @@
 // What the panes mark besides the mesh: it is kept elsewhere and told with each picture.
 #pragma once
 
+#include "geometry/segment.h"
 #include "geometry/vec3.h"
 
 #include <array>
+#include <span>
 
 namespace polyfab {
 
@@ -13,6 +15,7 @@ struct Markers {
     int edgeCorner = -1; ///< the corner of that face at which the edge begins
     /// The settable points, world positions. Neither is shown before one has left the origin.
     std::array<Vec3, 2> settable{};
+    std::span<const Segment> preview{}; ///< of what is about to be made
 };
 
 } // namespace polyfab

@@ -257,6 +257,12 @@ void drawSettable(const Pane& pane, const std::array<Vec3, 2>& points) {
     }
 }
 
+void drawPreview(const Pane& pane, std::span<const Segment> preview) {
+    for (const Segment& side : preview) {
+        pane.line(pane.at(side.from), pane.at(side.to), look.preview);
+    }
+}
+
 } // namespace
 
 void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers) {
@@ -269,6 +275,7 @@ void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     if (options.vertexes || options.selectedVertexes) drawVertexes(mesh, pane, uses);
     if (options.box) drawBox(pane);
     drawAxes(pane);
+    drawPreview(pane, markers.preview);
     if (options.current) drawCurrent(mesh, pane, markers);
     if (options.settable) drawSettable(pane, markers.settable);
     if (options.numbers) drawNumbers(mesh, pane, uses);

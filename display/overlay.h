@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What lies under and over the edges in a pane: grid, axes, vertexes, normals, box, what is
-// current, settable points and numbers, each when displayOptions asks for it. Damaged faces are
-// left out.
+// current, settable points and numbers, each when displayOptions asks for it; and the preview.
+// Damaged faces are left out.
 #pragma once
 
 #include "display/markers.h"

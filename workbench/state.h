@@ -3,12 +3,14 @@
 // title line that is built from it.
 #pragma once
 
+#include "geometry/segment.h"
 #include "geometry/vec3.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace polyfab {
 
@@ -33,6 +35,7 @@ struct Workbench {
     int currentEdgeCorner = -1;    ///< the corner of that face at which the edge begins
     std::array<std::uint8_t, 256> keys{}; ///< 0xFF while the virtual key is down
     std::array<Vec3, 2> settable;         ///< the two settable points
+    std::vector<Segment> preview;         ///< of what the open dialog would make
     int textureNumber = 0;                ///< the texture map that is chosen, 0-7
     char smoothingAxis = 0; ///< 'x', 'y' or 'z': smoothing moves along that axis only; 0: none
 };
