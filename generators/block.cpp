@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "generators/block.h"
 
+#include "generators/maker.h"
 #include "mesh/stale.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <string>
 #include <utility>
 
 namespace polyfab {
@@ -28,12 +26,6 @@ constexpr Field fields[] = {
 };
 
 double& valueOf(const Field& field) { return workbench.settable[field.point].*field.coordinate; }
-
-std::string text(double number) {
-    char digits[32];
-    std::snprintf(digits, sizeof digits, "%g", number);
-    return digits;
-}
 
 } // namespace
 
@@ -68,7 +60,8 @@ void makeBlock(Mesh& mesh, double x1, double x2, double y1, double y2, double z1
 void askAndMakeBlock(Mesh& mesh) {
     mesh.changed = 1;
     Dialog dialog{"BLOCK", "creating a new rectangular block", {}};
-    for (const Field& field : fields) dialog.fields.push_back({field.label, text(valueOf(field))});
+    for (const Field& field : fields)
+        dialog.fields.push_back({field.label, fieldText(valueOf(field))});
     dialog.fields.push_back({"group", mesh.currentGroupName()});
     dialog.fields.push_back({"material", mesh.currentMaterialName()});
     const bool accepted = runDialog(dialog) != DialogResult::cancel;
@@ -77,9 +70,7 @@ void askAndMakeBlock(Mesh& mesh) {
         if (accepted) parseNumber(answer->text.c_str(), valueOf(field));
         ++answer;
     }
-    mesh.curgroup = static_cast<std::int16_t>(mesh.findOrAddGroup(fittingAnswer(answer++->text)));
-    mesh.curmat =
-        static_cast<std::int16_t>(mesh.findOrAddMaterial(0x000000, fittingAnswer(answer->text)));
+    makeCurrent(mesh, answer[0].text, answer[1].text);
     const auto& [a, b] = workbench.settable;
     if (accepted) makeBlock(mesh, a.x, b.x, a.y, b.y, a.z, b.z);
 }
