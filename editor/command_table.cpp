@@ -5,6 +5,7 @@
 #include "editor/commands/box.h"
 #include "editor/commands/display.h"
 #include "editor/commands/face.h"
+#include "editor/commands/make.h"
 #include "editor/commands/recent.h"
 #include "editor/commands/selection.h"
 #include "editor/commands/view.h"
@@ -17,6 +18,7 @@
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "generators/block.h"
+#include "generators/maker.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "tools/delete_faces.h"
@@ -78,6 +80,11 @@ void openList() {
 template <void (*act)(Mesh&)>
 void onMesh() {
     act(*OB);
+}
+
+template <const Maker& maker>
+void make() {
+    makeAndShow([](Mesh& mesh) { askAndMake(mesh, maker); });
 }
 
 /// Which of the two smoothings it is depends on the Ctrl key.
@@ -336,16 +343,16 @@ constexpr auto table = std::to_array<Command>({
     {384, rendering, "&write texture map image", later},
     {1069, rendering, "put the rendered picture on the clipb&oard", later},
 
-    {282, makeObject, "&cube", onMesh<askAndMakeBlock>},
-    {392, makeObject, "&sphere", later},
-    {401, makeObject, "c&ylinder with flat ends", later},
-    {414, makeObject, "cylinder with rounded &ends", later},
-    {412, makeObject, "&torus", later},
-    {1036, makeObject, "s&hower of sparks", later},
-    {1054, makeObject, "&pipe along the current face's edge", later},
-    {1038, makeObject, "solid of revolution by spi&nning the current face", later},
-    {1068, makeObject, "face with spira&l edge", later},
-    {283, makeObject, "alien &rifle", later},
+    {282, makeObject, "&cube", [] { makeAndShow(askAndMakeBlock); }},
+    {392, makeObject, "&sphere", make<sphereMaker>},
+    {401, makeObject, "c&ylinder with flat ends", make<cylinderMaker>},
+    {414, makeObject, "cylinder with rounded &ends", make<roundedCylinderMaker>},
+    {412, makeObject, "&torus", make<torusMaker>},
+    {1036, makeObject, "s&hower of sparks", make<sparksMaker>},
+    {1054, makeObject, "&pipe along the current face's edge", make<pipeMaker>},
+    {1038, makeObject, "solid of revolution by spi&nning the current face", make<spinMaker>},
+    {1068, makeObject, "face with spira&l edge", make<spiralMaker>},
+    {283, makeObject, "alien &rifle", make<rifleMaker>},
 
     {commandid::textureNumbers, listMenu, "&show texture map numbers", toggleTextureNumbers,
      showsTextureNumbers},
