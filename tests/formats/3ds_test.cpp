@@ -165,65 +165,10 @@ TEST_F(ThreeDs, Files) {
 
 // Writing.
 
-void addFace(const std::vector<int>& points, int group, int mat, bool selected = true) {
+void addFace(const std::vector<int>& points, int group, int mat) {
     Face* const face = test::addFace(points);
     face->g = static_cast<std::int16_t>(group);
     face->mat = static_cast<std::int16_t>(mat);
-    face->selected = selected;
-}
-
-TEST_F(ThreeDs, Writing) {
-    for (int i = 0; i < 6; ++i) OB->addPoint(i / 10.0, -i, i * i, false);
-    for (const char* const name : {"a", "b b", "left out", "empty"}) OB->addGroup(name);
-    OB->addMaterial(0xFF102030, "0");
-    OB->addMaterial(0x405060, "one");
-    addFace({0, 1, 2}, 0, 1, false);
-    addFace({2, 1, 3}, 1, 1);
-    addFace({0, 1, 2}, 2, 0, false);
-    addFace({5, 3, 0, 4}, 0, 0);
-
-    const auto uses = [](std::initializer_list<std::size_t> first,
-                         std::initializer_list<std::size_t> second) {
-        return chunk(0x4130, "0\0"s + word(first.size()) + words(first))
-               + chunk(0x4130, "one\0"s + word(second.size()) + words(second));
-    };
-    const auto part = [](const std::string& name, std::initializer_list<int> numbers,
-                         std::initializer_list<std::size_t> corners, const std::string& used) {
-        std::string xyz = word(numbers.size());
-        for (const int i : numbers) xyz += real(i / 10.0) + real(-i) + real(i * i);
-        const std::string list = word(corners.size() / 4) + words(corners);
-        return chunk(0x4000,
-                     name + "\0"s + chunk(0x4100, chunk(0x4110, xyz) + chunk(0x4120, list) + used));
-    };
-    const auto color = [](const std::string& rgb) {
-        return chunk(0xA020, chunk(0x0011, rgb) + chunk(0x0012, rgb));
-    };
-    const auto file = [&](const std::string& objects) {
-        const std::string materials =
-            chunk(0xAFFF, chunk(0xA000, "0\0"s) + color("\x30\x20\x10"))
-            + chunk(0xAFFF, chunk(0xA000, "one\0"s) + color("\x60\x50\x40"));
-        return chunk(0x4D4D,
-                     chunk(2, number(3, 4))
-                         + chunk(0x3D3D, chunk(0x3D3E, number(3, 4)) + materials + objects));
-    };
-    const std::string second = part("b b", {1, 2, 3}, {1, 0, 2, 7}, uses({}, {0}));
-    shown.choices = {Choice::yes, Choice::no};
-    EXPECT_EQ(write3dsFile(*OB, path), 1);
-    EXPECT_EQ(folder.read("mesh.3ds"),
-              file(part("a", {0, 3, 4, 5}, {3, 1, 0, 7, 3, 0, 2, 7}, uses({0, 1}, {})) + second));
-    EXPECT_FALSE(shown.log.back().starts_with("message")) << shown.log.back();
-    EXPECT_FALSE(workbench.wholeMeshWritten);
-    // The points of selected faces come first. A group needs a selected face.
-    EXPECT_EQ(write3dsFile(*OB, path), 1);
-    EXPECT_EQ(
-        folder.read("mesh.3ds"),
-        file(part("a", {0, 3, 4, 5, 1, 2}, {0, 4, 5, 7, 3, 1, 0, 7, 3, 0, 2, 7}, uses({1, 2}, {0}))
-             + second));
-    EXPECT_TRUE(shown.log.back().starts_with("message!|1 faces were not written"));
-    EXPECT_FALSE(workbench.wholeMeshWritten);
-    OB->faces[2].selected = 1;
-    EXPECT_EQ(write3dsFile(*OB, path), 1);
-    EXPECT_TRUE(workbench.wholeMeshWritten);
 }
 
 TEST_F(ThreeDs, WhatFitsInAFile) {

@@ -108,10 +108,5 @@ inline std::string material(const std::string& name, const std::string& more = "
     return container(0xAFFF, more + leaf(0xA000, name + "\0"s));
 }
 
-/// A chunk as the writer makes it.
-inline std::string chunk(std::size_t id, const std::string& inside) {
-    return word(id) + number(6 + inside.size(), 4) + inside;
-}
-
 } // namespace threeds
 } // namespace polyfab::test
