@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mesh/screen_positions.h"
 #include "tests/display/pane_fixture.h"
+#include "tests/support/near.h"
 
 namespace polyfab::test {
 namespace {
@@ -18,12 +19,6 @@ class ViewTest : public PaneTest {
 
     RandomMesh random{7};
 };
-
-void expectNear(const Vec3& a, const Vec3& b, double tolerance) {
-    for (int axis = 0; axis < 3; ++axis) {
-        EXPECT_NEAR(along(a, axis), along(b, axis), tolerance) << axis;
-    }
-}
 
 TEST_F(ViewTest, FitCentresInBothPanesAndTouchesTheMargin) {
     const Size clients[] = {{801, 400}, {300, 900}, {2000, 100}, {61, 31}};
@@ -106,26 +101,6 @@ TEST_F(ViewTest, ResizeKeepsTheMiddleAndFollowsTheSmallerSide) {
 /// How the view shows a direction of the world, in world units along the screen's axes.
 Vec3 shownAs(const Vec3& direction) { return screenAxes()(direction); }
 
-TEST_F(ViewTest, TurnsAreRightHandedAboutTheScreensOrTheObjectsAxes) {
-    // How the world's axes are shown after a quarter turn. Upright, they are shown as right, up
-    // (-y) and towards the viewer (-z).
-    const Vec3 rows[][3] = {{{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-                            {{0, 0, -1}, {0, -1, 0}, {-1, 0, 0}},
-                            {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}}};
-    for (const bool screenAxis : {true, false}) {
-        for (int axis = 0; axis < 3; ++axis) {
-            resetView();
-            polyfab::turnView(axis, M_PI / 2, screenAxis);
-            expectNear(shownAs({1, 0, 0}), rows[axis][0], 1e-15);
-            expectNear(shownAs({0, 1, 0}), rows[axis][1], 1e-15);
-            expectNear(shownAs({0, 0, 1}), rows[axis][2], 1e-15);
-        }
-        // After a quarter about z the object's x axis is shown pointing down.
-        polyfab::turnView(0, M_PI / 2, screenAxis);
-        expectNear(shownAs({1, 0, 0}), screenAxis ? Vec3{0, 0, 1} : Vec3{0, 1, 0}, 1e-15);
-    }
-}
-
 TEST_F(ViewTest, NoChainOfTurnsDriftsOrLosesTheMiddle) {
     panView({13, -70, 255});
     const Vec3 middle = projection.toWorld(middleOfPanes());
@@ -162,20 +137,6 @@ TEST_F(ViewTest, PanAndZoomMoveThePictureAndTheBox) {
 }
 
 using BoxTest = ViewTest;
-
-TEST_F(BoxTest, FittedItHoldsTheFacesExactlyAndStillDoesWhenThePictureIsResized) {
-    addCube();
-    turnView(40, 0); // the screen positions are out of date: fitting does not need them
-    ASSERT_TRUE(fitBox(*OB, false));
-    const double side = 2 * view.scale, turn = 40 * M_PI / 180;
-    EXPECT_NEAR(std::abs(box.right.x - box.left.x), side * (cos(turn) + sin(turn)), 1e-9);
-    EXPECT_NEAR(std::abs(box.right.y - box.left.y), side, 1e-9);
-    for (const Size size : {Size{801, 400}, Size{333, 1000}, Size{3, 2}, Size{1920, 1000}}) {
-        resizeView(size);
-        transformPoints(*OB);
-        for (int f = 0; f < OB->nf; ++f) EXPECT_TRUE(inBox(OB->faces[f])) << size.width;
-    }
-}
 
 TEST_F(BoxTest, OnlyLiveFacesWithPositionsCount) {
     EXPECT_FALSE(fitBox(*OB, false));

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/long_work.h"
 
-#include "editor/command_table.h"
 #include "editor/history/undo.h"
 #include "mesh/edges.h"
 #include "mesh/garbage.h"
@@ -120,55 +119,6 @@ TEST_F(Progress, LoopsOverTheMeshMoveIt) {
                   std::set<std::string>{"progress|sums (Escape stops it)|0.50"});
     }
     freeEdges(*OB);
-}
-
-/// Prompts get what makes every command go on in the end: a number, an axis, two axes.
-struct Willing : FakePlatform {
-    DialogResult dialog(Dialog& dialog) override {
-        constexpr const char* answers[] = {"2.5", "x", "XY"};
-        for (DialogField& field : dialog.fields) field.text = answers[asked % 3];
-        ++asked;
-        return DialogResult::accept;
-    }
-    Choice question(const std::string&, const std::string&, Buttons) override {
-        return Choice::yes;
-    }
-    bool escapeDown() override {
-        ++looks;
-        return FakePlatform::escapeDown();
-    }
-    int looks = 0;
-    int asked = 0;
-};
-
-TEST_F(Progress, OnlyCommandsThatSaySoCanBeStopped) {
-    /// The mesh that the command leaves, and how often it looked at Escape.
-    const auto after = [&](int id, bool stop) {
-        reset();
-        addCube();
-        addCube();
-        shift(8, {0.4, 0.4, 0.4});
-        OB->faces[11].g = static_cast<std::int16_t>(OB->addGroup("second"));
-        for (int i = 0; i < 2; ++i) OB->addPart();
-        for (int i = 0; i < 12; ++i) OB->faces[i].prt = static_cast<std::int16_t>(i / 6);
-        OB->faces[0].q = nullptr; // which makes loose edges
-        Willing user;
-        user.escapeAfter = stop ? 0 : -1;
-        command(id);
-        return std::pair(dumpedMesh(), user.looks);
-    };
-    for (const Command& row : commandTable()) {
-        const std::string menu = row.menu;
-        if (row.handler == nullptr || menu == "&file" || menu == "&write") continue;
-        SCOPED_TRACE(row.label);
-        const auto [whole, looks] = after(row.id, false);
-        const auto [stopped, ignored] = after(row.id, true);
-        if (row.escape == Escape::stopsNothing) {
-            EXPECT_EQ(stopped, whole);
-        } else {
-            EXPECT_GT(looks, 0);
-        }
-    }
 }
 
 } // namespace

@@ -82,27 +82,5 @@ TEST_F(Modes, OtherEventsEndADragAndKeepWhatItDid) {
     }
 }
 
-TEST_F(Modes, TurningTheObjectsOrTheViewLooksTheSame) {
-    const auto fourthAfter = [&](int option, int sign) { // as seen from the first
-        command(option);
-        drag(300, 200, 40 * sign, 31 * sign, button::left);
-        const Vec3 from = projection.toScreen(point(0));
-        const Vec3 to = projection.toScreen(point(3));
-        return Vec3{to.x - from.x, to.y - from.y, to.z - from.z};
-    };
-    for (const int mode : {364, 366, 368}) {
-        for (int i = 0; i < 2; ++i) {
-            resetAttitude();
-            turnView(0, 1, true);
-            turnView(1, 2, true);
-            command(271);
-            command(mode);
-            const Vec3 turned = fourthAfter(297, 1);
-            fourthAfter(297, -1);
-            expectNear(fourthAfter(298, 1), turned, 1e-9);
-        }
-    }
-}
-
 } // namespace
 } // namespace polyfab::test

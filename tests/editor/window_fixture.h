@@ -12,6 +12,7 @@
 #include "geometry/affine.h"
 #include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
+#include "tests/support/near.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -19,12 +20,6 @@
 #include <set>
 
 namespace polyfab::test {
-
-inline void expectNear(const Vec3& a, const Vec3& b, double tolerance = 1e-12) {
-    for (int axis = 0; axis < 3; ++axis) {
-        EXPECT_NEAR(along(a, axis), along(b, axis), tolerance) << "xyz"[axis];
-    }
-}
 
 /// A file with one triangle.
 inline constexpr const char* triangle = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";

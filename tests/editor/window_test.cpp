@@ -72,14 +72,6 @@ TEST_F(Window, ItsEndReleasesTheMeshUnlessThatIsFaulty) {
     }
 }
 
-TEST_F(Window, CodesThatAreNoKeysAreIgnored) {
-    for (const int code : {999, -1}) down(code);
-    EXPECT_EQ(std::count(workbench.keys.begin(), workbench.keys.end(), 0), 256);
-    shown.log.clear();
-    for (const int code : {int{'B'}, 256 + 'C', -1}) up(code);
-    EXPECT_TRUE(shown.log.empty());
-}
-
 TEST_F(Window, TheDumpReplacesWhatIsNoText) {
     OB->addGroup("\xff");
     EXPECT_EQ(nlohmann::json::parse(dump())["groups"].back()["name"], "\uFFFD");

@@ -96,13 +96,12 @@ std::string chunksOf(std::string_view bytes, const std::string& indent = "\n    
         const std::size_t size = take(std::uint32_t{}, bytes) - 6;
         std::string_view inside = bytes.substr(0, size);
         bytes.remove_prefix(inside.size());
-        text << indent << std::hex << id << std::dec << ' ';
-        for (char c = named.contains(id); c != 0;) {
-            c = take(char{}, inside);
-            if (c != 0) text << (c < ' ' ? '^' : c);
+        text << indent << std::hex << id << std::dec;
+        for (char c = named.contains(id) ? ' ' : '\0'; c != 0; c = take(char{}, inside)) {
+            text << (c < ' ' ? '^' : c);
         }
         if (nested.contains(id)) text << chunksOf(std::exchange(inside, {}), indent + "  ");
-        if (id == points) text << take(std::uint16_t{}, inside);
+        if (id == points) text << ' ' << take(std::uint16_t{}, inside);
         while (!inside.empty()) {
             text << ' '
                  << (id == points               ? take(float{}, inside)
