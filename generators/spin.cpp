@@ -54,7 +54,7 @@ Profile profileOf(const Mesh& mesh, const Answers& answers) {
     }
     profile.nothing = 1e-12 * farthest;
     for (const Vec3& out : profile.out) {
-        profile.onAxis.push_back(largestPart(out) <= profile.nothing);
+        profile.onAxis.push_back(largestPart(out) <= profile.nothing ? 1 : 0);
     }
     return profile;
 }
