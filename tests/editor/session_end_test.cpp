@@ -58,7 +58,7 @@ TEST_F(SessionEnd, TheNextEditorFindsWhatWasThereOrWasSavedLast) {
         command(id);
         EXPECT_TRUE(ending.told);
     };
-    const auto spoil = [this] {
+    const auto spoil = [&] {
         rest();
         OB->faces[0].g = 9; // unsound: it can't be saved
         end();

@@ -64,7 +64,11 @@ constexpr struct {
          OB->faces[3].mat = -1;
          OB->faces[4].q[3].p = nullptr;
      }},
-    {"no face", [] { OB->nf = OB->mtllib[0] = 0; }},
+    {"no face",
+     [] {
+         OB->nf = 0;
+         OB->mtllib[0] = 0;
+     }},
 };
 
 /// The text in lines, an entity of DXF in one; a dot shows where it ends.

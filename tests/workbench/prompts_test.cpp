@@ -132,7 +132,7 @@ TEST_F(Prompts, GroupAndMaterialBecomeTheCurrentOnes) {
 TEST_F(Prompts, KeysEnterTheKeyTableOnly) {
     struct : FakePlatform {
         DialogResult dialog(Dialog& dialog) override {
-            for (const int code : {'A', 'C'}) dialog.onKey({EventKind::keyDown, 0, code});
+            for (const int code : {int{'A'}, int{'C'}}) dialog.onKey({EventKind::keyDown, 0, code});
             dialog.onKey({EventKind::keyUp, 0, 'C'}); // which elsewhere refreshes the title
             return DialogResult::accept;
         }
