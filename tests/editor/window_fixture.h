@@ -34,7 +34,6 @@ inline std::string dumpedMesh() {
 /// A client position.
 struct Spot {
     int x, y;
-    Spot operator+(const Spot& by) const { return {x + by.x, y + by.y}; }
 };
 
 /// An empty mesh in a window of 1024 x 512 pixels, upright, at 100 pixels per unit with the origin
@@ -114,12 +113,6 @@ class WindowEvents : public MeshTest {
     Log run(int id) { return showsAt({.kind = EventKind::command, .command = id}); }
 
     static Vec3 point(int i) { return {OB->points[i].x, OB->points[i].y, OB->points[i].z}; }
-    /// Moves this point and all after it.
-    static void shift(int first, const Vec3& way) {
-        for (Point* p = OB->points + first; p != OB->points + OB->np; ++p) {
-            p->x += way.x, p->y += way.y, p->z += way.z;
-        }
-    }
     static bool isLive(int f) { return f >= 0 && f < OB->nf && OB->faces[f].q != nullptr; }
     static int liveFaces() {
         int count = 0;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/command_table.h"
-#include "mesh/stale.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
 
@@ -75,26 +74,6 @@ TEST_F(Window, ItsEndReleasesTheMeshUnlessThatIsFaulty) {
 TEST_F(Window, TheDumpReplacesWhatIsNoText) {
     OB->addGroup("\xff");
     EXPECT_EQ(nlohmann::json::parse(dump())["groups"].back()["name"], "\uFFFD");
-}
-
-TEST_F(Window, EachDisplaySwitchHasItsOwnOptionAndRedraws) {
-    const auto options = reinterpret_cast<const bool*>(&displayOptions);
-    const std::vector<bool> usual(options, options + sizeof displayOptions);
-    std::set<std::size_t> thrown;
-    for (const Command& row : commandTable()) {
-        if (std::string(row.menu) != "&display" || row.checked == nullptr) continue;
-        stale = {false, false, false};
-        shown.paintRequests = 0;
-        command(row.id);
-        EXPECT_GT(shown.paintRequests, 0);
-        EXPECT_EQ(stale.edges, row.id == 354); // only hiding changes which edges there are
-        for (std::size_t i = 0; i < usual.size(); ++i) {
-            if (options[i] != usual[i]) thrown.insert(i);
-        }
-        command(row.id);
-        EXPECT_TRUE(std::equal(usual.begin(), usual.end(), options)) << row.id;
-    }
-    EXPECT_EQ(thrown.size(), usual.size());
 }
 
 } // namespace

@@ -55,36 +55,28 @@ TEST(ParseNumber, DecimalsAreReadAsTheLibraryReadsThem) {
     }
 }
 
+/// Of texts parted by "|", how many characters are read, and as what.
 template <typename Value>
-struct Row {
-    const char* text;
-    int used;
-    Value value;
-};
-
-template <typename Value, std::size_t count>
-void expectRows(bool (*parse)(const char*&, Value&), const Row<Value> (&rows)[count]) {
-    for (const Row<Value>& row : rows) {
-        const char* stop = row.text;
+std::string readings(bool (*parse)(const char*&, Value&), const std::string& parted) {
+    std::istringstream texts(parted);
+    std::ostringstream told;
+    for (std::string text; std::getline(texts, text, '|');) {
+        const char* stop = text.c_str();
         Value value = 1;
-        EXPECT_EQ(parse(stop, value), row.used > 0) << row.text;
-        EXPECT_EQ(value, row.value) << row.text;
-        EXPECT_EQ(stop - row.text, row.used) << row.text;
+        const bool isRead = parse(stop, value);
+        EXPECT_EQ(isRead, stop != text.c_str()) << text;
+        told << stop - text.c_str() << ':' << value << ' ';
     }
+    return told.str();
 }
 
 TEST(ParseNumber, WordsAndHexadecimalAreNoDecimalsAndIntegersStopAtTheirLimit) {
-    expectRows<double>(parseDecimal,
-                       {{"inf", 0, 0}, {"-nan", 0, 0}, {"0x1p4", 1, 0}, {" 1", 0, 0}});
-    expectRows<std::int64_t>(parseInteger, {{"12/3", 2, 12},
-                                            {"-7", 2, -7},
-                                            {"+7.5", 2, 7},
-                                            {"-", 0, 0},
-                                            {"+-1", 0, 0},
-                                            {"4294967297", 10, 4294967297},
-                                            {"-99999999999999999999999", 24, -maxParsedInteger},
-                                            {"18446744073709551617", 20, maxParsedInteger},
-                                            {"0000000000000000000000042", 25, 42}});
+    EXPECT_EQ(readings<double>(parseDecimal, "inf|-nan|0x1p4| 1"), "0:0 0:0 1:0 0:0 ");
+    const std::string most = std::to_string(maxParsedInteger);
+    EXPECT_EQ(readings<std::int64_t>(parseInteger,
+                                     "12/3|-7|+7.5|-|+-1|4294967297|-99999999999999999999999|"
+                                     "18446744073709551617|0000000000000000000000042"),
+              "2:12 2:-7 2:7 0:0 0:0 10:4294967297 24:-" + most + " 20:" + most + " 25:42 ");
 }
 
 /// The value, its neighbours, and all of them with the other sign.

@@ -180,9 +180,9 @@ TEST_F(Parts, TooManyToNumberShareTheLastNumber) {
             emptyMesh();
             while (OB->nf < count - row.first) {
                 for (int k = 0; k < 3; ++k) OB->addPoint(OB->np, k, 0, false);
-                addFace({OB->np - 3, OB->np - 2, OB->np - 1})->q->t = nullptr;
+                OB->addTexCoord(0, 0);
+                addFace({OB->np - 3, OB->np - 2, OB->np - 1});
             }
-            for (int i = 0; i < OB->nf; ++i) OB->addTexCoord(0, 0);
             for (int i = 0; i < OB->nf; ++i) OB->faces[i].q->t = OB->texcoords + i;
             shown.log.clear();
             row.find(*OB);
@@ -192,10 +192,11 @@ TEST_F(Parts, TooManyToNumberShareTheLastNumber) {
                 ASSERT_EQ(OB->faces[i].*row.number, std::min(i + row.first, maxIndexed - 1));
             }
             EXPECT_EQ(shown.windowTitle, "before");
-            const std::string told = "message!|too many " + row.name + "|I found "
-                                     + std::to_string(count) + " " + row.name
-                                     + ", but I can only number 32767: the last number stands for "
-                                       "all the rest";
+            const std::string told =
+                "message!|too many " + row.name + "|I found " + std::to_string(count) + " "
+                + row.name
+                + ", but I can only number 32767: the last number stands for all "
+                  "the rest";
             EXPECT_EQ(std::count(shown.log.begin(), shown.log.end(), told), count > maxIndexed);
         }
     }

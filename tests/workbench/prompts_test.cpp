@@ -110,25 +110,6 @@ TEST_F(Prompts, NumbersHaveADecimalPointAndASoundDefault) {
     std::setlocale(LC_ALL, before.c_str());
 }
 
-TEST_F(Prompts, GroupAndMaterialBecomeTheCurrentOnes) {
-    OB->addGroup("walls");
-    OB->addMaterial(0x123456, "brick");
-    const auto expect = [&](const Texts& typed, DialogResult result, int group, int material) {
-        user(typed, result);
-        EXPECT_EQ(askGroupMaterial(*OB), result != cancel);
-        EXPECT_EQ(prompts.accepted, result != cancel);
-        EXPECT_EQ(OB->curgroup, group);
-        EXPECT_EQ(OB->curmat, material);
-    };
-    expect({"roof", "tiles"}, accept, 1, 1);
-    expect({"walls", "tiles"}, escape, 0, 1); // Escape keeps what was edited
-    expect({"roof", "brick"}, cancel, 0, 1);
-    expect({"walls ", "brick"}, accept, 0, 0);
-    EXPECT_EQ(OB->materials[1].color, defaultColor);
-    EXPECT_EQ(shown.log[0], "dialog|GRMAT|group=walls");
-    EXPECT_EQ(shown.log[3], "dialog|GRMAT|material=tiles");
-}
-
 TEST_F(Prompts, KeysEnterTheKeyTableOnly) {
     struct : FakePlatform {
         DialogResult dialog(Dialog& dialog) override {
