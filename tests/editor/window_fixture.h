@@ -139,14 +139,6 @@ class WindowEvents : public MeshTest {
         }
         return all;
     }
-    /// The check marks that show in the menu bar.
-    std::set<int> checks() const {
-        std::set<int> ids;
-        for (const MenuItem& item : items()) {
-            if (item.checked) ids.insert(item.id);
-        }
-        return ids;
-    }
     static std::string dump() { return dumpedMesh(); }
 };
 
