@@ -136,7 +136,7 @@ class RandomUser {
         }
         handleEvent({.kind = EventKind::keyUp, .key = key::ctrl});
         press('A' + below(26));
-        if (!picks && beforeListIsClosed) beforeListIsClosed();
+        if (beforeListIsClosed) beforeListIsClosed();
         for (const int code : {key::escape, key::f1}) { // the first may have left a prompt
             if (editorState.subview != 0) press(code);
         }
