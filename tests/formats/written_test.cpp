@@ -107,10 +107,14 @@ std::string chunksOf(std::string_view bytes, const std::string& indent = "\n    
         if (nested.contains(id)) text << chunksOf(std::exchange(inside, {}), indent + "  ");
         if (id == points) text << ' ' << take(std::uint16_t{}, inside);
         while (!inside.empty()) {
-            text << ' '
-                 << (id == points               ? take(float{}, inside)
-                     : id == 0x11 || id == 0x12 ? take(std::uint8_t{}, inside)
-                                                : take(std::uint16_t{}, inside));
+            text << ' ';
+            if (id == points) {
+                text << take(float{}, inside);
+            } else if (id == 0x11 || id == 0x12) {
+                text << unsigned{take(std::uint8_t{}, inside)};
+            } else {
+                text << take(std::uint16_t{}, inside);
+            }
         }
     }
     return text.str();
