@@ -135,7 +135,9 @@ class RandomUser {
             mouse(at, 0);
         }
         handleEvent({.kind = EventKind::keyUp, .key = key::ctrl});
-        press('A' + below(26));
+        // After a step of its own nothing else is changed but by closing: A and C pick, N adds.
+        const int letter = 'A' + below(26);
+        if (picks || (letter != 'A' && letter != 'C' && letter != 'N')) press(letter);
         if (beforeListIsClosed) beforeListIsClosed();
         for (const int code : {key::escape, key::f1}) { // the first may have left a prompt
             if (editorState.subview != 0) press(code);
