@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Deletion of faces, twins, faces without area, and names made of numbers.
 #include "mesh/face_area.h"
+#include "mesh/stale.h"
 #include "tests/tools/tool_test.h"
 #include "tools/delete_faces.h"
 #include "tools/names_from_numbers.h"
@@ -19,7 +20,7 @@ TEST_F(DeleteFaces, OnlySelectedFacesAloneInTheirPartGoUnasked) {
     for (int i = 0; i < 3; ++i) OB->addPart();
     const std::int16_t parts[] = {0, 0, 1, 2, 3, 3};
     for (int i = 0; i < 6; ++i) OB->faces[i].prt = parts[i];
-    OB->faces[3].selected = 0;
+    OB->faces[1].selected = OB->faces[3].selected = 0;
     OB->faces[5].q = nullptr; // counts for nothing
     deletePartsOfOneFace(*OB);
     EXPECT_EQ(liveFaces(), (Numbers{0, 1, 3}));
@@ -50,7 +51,9 @@ TEST_F(SameCorners, AllTwinsAreFoundOneByOne) {
         const auto twins = std::to_string(selected.size() - alone.size());
         const auto removed = liveFaces().size() - kept.size();
 
+        stale.edges = false;
         unselectFacesOnSamePoints(*OB);
+        ASSERT_EQ(stale.edges, twins != "0");
         ASSERT_EQ(shown.log.back(), "message||" + twins + " such faces found");
         ASSERT_EQ(liveFaces(true), alone) << round;
         for (const int face : selected) OB->faces[face].selected = 1;
@@ -97,6 +100,9 @@ TEST_F(NamesFromNumbers, AreRefusedWhenTheyAreTooMany) {
     addCube();
     for (int i = 0; i < 6; ++i) OB->faces[i].tma = static_cast<std::int16_t>(i / 3);
     OB->addTextureMapArea();
+    OB->faces[0].mat = static_cast<std::int16_t>(OB->addMaterial(0x123456, "mine"));
+    makePartsIntoMaterials(*OB);
+    EXPECT_EQ(OB->materials[OB->faces[5].mat].color, 0x123456U); // of the first face in the part
     while (OB->ng < maxIndexed - 1) OB->addGroup("g");
     makeAreasIntoGroups(*OB); // two of them
     EXPECT_EQ(shown.log, Log{"message!|too many names|a mesh can have at most 32767 groups"});
