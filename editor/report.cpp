@@ -5,6 +5,7 @@
 #include "editor/commands/selection.h"
 #include "editor/editor_state.h"
 #include "editor/json_pieces.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 #include "platform/platform.h"
@@ -78,7 +79,7 @@ void addMember(JsonPieces& out, const char* name, const T* array, int count, Add
 }
 
 void addFace(JsonPieces& out, const Mesh& mesh, const Face& fac) {
-    if (fac.q == nullptr) return out.add("null");
+    if (!isLive(fac)) return out.add("null");
     out.add(R"({"g":)", fac.g, R"(,"mat":)", fac.mat, R"(,"tma":)", fac.tma);
     out.add(R"(,"prt":)", fac.prt, R"(,"selected":)", fac.selected);
     addMember(out, "corners", fac.q, fac.n, [&](const FaceCorner& q) {
@@ -118,10 +119,8 @@ std::string stateJson() {
                   {"file", workbench.fileName},
                   {"busy", workbench.busy ? 1 : 0}};
     addCounts(state);
-    const auto live = [](const Face& f) { return f.q != nullptr; };
-    const auto selected = [](const Face& f) { return f.q != nullptr && f.selected; };
-    state["liveFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, live);
-    state["selectedFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, selected);
+    state["liveFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, isLive);
+    state["selectedFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, isLiveSelected);
     state["selectedPoints"] = countSelectedPoints();
     state["settable"] = {vector(workbench.settable[0]), vector(workbench.settable[1])};
     state["keys"] = keysDown();
