@@ -2,11 +2,11 @@
 #include "tests/scenarios/rendering.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <sstream>
 
 namespace polyfab::test {
@@ -82,10 +82,16 @@ std::string renderFields(const std::string& keys, const std::string& stateAndDum
     std::istringstream lines(stateAndDump);
     Json state, dump;
     lines >> state >> dump;
-    static const std::regex key("(?:^| )([A-Za-z.]+)(/[0-9]+)?=");
+    const auto isNamed = [](unsigned char c) { return std::isalpha(c) != 0 || c == '.'; };
+    std::istringstream words(keys);
     std::string text;
-    for (std::sregex_iterator found(keys.begin(), keys.end(), key), end; found != end; ++found) {
-        const std::string name = (*found)[1], index = (*found)[2];
+    for (std::string word; words >> word;) {
+        // NAME= or NAME/INDEX=; other words belong to the value before.
+        const std::string head = word.substr(0, word.find('='));
+        const std::string name = head.substr(0, head.find('/')), index = head.substr(name.size());
+        if (head == word || name.empty() || !std::all_of(name.begin(), name.end(), isNamed)) {
+            continue;
+        }
         const auto alias = aliases.find(name);
         Json value = pluck(state.contains(name) ? state : dump,
                            alias != aliases.end() ? alias->second : name);
