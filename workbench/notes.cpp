@@ -6,20 +6,8 @@
 #include <iterator>
 
 namespace polyfab {
-namespace {
 
-std::string told;
-
-} // namespace
-
-void note(const std::string& text) {
-    platform().note(text);
-    told += (told.empty() ? "" : "; ") + text;
-}
-
-const std::string& notes() { return told; }
-
-void forgetNotes() { told.clear(); }
+void note(const std::string& text) { platform().note(text); }
 
 std::string counted(std::int64_t number) {
     std::string digits = std::to_string(number);
