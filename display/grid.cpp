@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The grid and the axes: straight off the projection, without the mesh.
+// The grid, the axes and the names of the panes: straight off the projection, without the mesh.
 #include "display/look.h"
 #include "display/options.h"
 #include "display/overlay.h"
@@ -83,6 +83,30 @@ void drawLines(const Pane& pane, const Plane& plane, double step, const Range& v
     }
 }
 
+/// The world's axes as they run on the screen, so long and from this place, with their letters.
+void drawTriad(const Pane& pane, const Place& origin, double size, bool dashed, const Font& font) {
+    constexpr const char* letters[] = {"x", "y", "z"};
+    const Place world = pane.at(Vec3{});
+    for (std::size_t i = 0; i < 3; ++i) {
+        double unit[3] = {};
+        unit[i] = size / view.scale;
+        const Place tip = pane.at(Vec3{unit[0], unit[1], unit[2]});
+        const Place way{tip.x - world.x, tip.y - world.y};
+        Stroke stroke = look.axes[i];
+        if (!dashed) stroke.pattern = Stroke::solid;
+        pane.line(origin, {origin.x + way.x, origin.y + way.y}, stroke);
+        const double length = std::hypot(way.x, way.y);
+        if (length < look.shortAxis) continue;
+        // The letter's middle lies beyond the end, in the axis's own direction.
+        const double away = 1 + (look.textGap + font.height / 2.0) / length;
+        const double right = origin.x + way.x * away;
+        const double down = origin.y + way.y * away;
+        drawLabel(pane,
+                  {right - platform().textWidth(letters[i], font) / 2.0, down - font.height / 2.0},
+                  letters[i], font, stroke.color);
+    }
+}
+
 } // namespace
 
 void drawGrid(const Pane& pane) {
@@ -108,24 +132,28 @@ void drawGrid(const Pane& pane) {
 
 void drawAxes(const Pane& pane) {
     if (!displayOptions.axes) return;
-    constexpr const char* letters[] = {"x", "y", "z"};
-    const Font& font = look.axisFont;
-    const Place origin = pane.at(Vec3{});
-    for (std::size_t i = 0; i < 3; ++i) {
-        double unit[3] = {};
-        unit[i] = look.axisLength / view.scale;
-        const Place end = pane.at(Vec3{unit[0], unit[1], unit[2]});
-        pane.line(origin, end, look.axes[i]);
-        const double length = std::hypot(end.x - origin.x, end.y - origin.y);
-        if (length < look.shortAxis) continue;
-        // The letter's middle lies beyond the end, in the axis's own direction.
-        const double away = 1 + (look.textGap + font.height / 2.0) / length;
-        const double right = origin.x + (end.x - origin.x) * away;
-        const double down = origin.y + (end.y - origin.y) * away;
-        drawLabel(pane,
-                  {right - platform().textWidth(letters[i], font) / 2.0, down - font.height / 2.0},
-                  letters[i], font, look.axes[i].color);
+    drawTriad(pane, pane.at(Vec3{}), look.axisLength, true, look.axisFont);
+}
+
+void drawPaneNames(const Mesh& mesh, const Pane& pane) {
+    if (mesh.np == 0 && mesh.nf == 0 && pane.left) {
+        const double middle = pane.canvas.height / 2.0;
+        double down = middle - 1.5 * look.gridFont.height;
+        for (const char* const line : {"nothing here yet: open a file (Ctrl+O), drop one on the",
+                                       "window, or make an object with the make object menu"}) {
+            const int width = platform().textWidth(line, look.gridFont);
+            drawLabel(pane, {(pane.canvas.width - width) / 2.0, down}, line, look.gridFont,
+                      look.gridText);
+            down += 1.5 * look.gridFont.height;
+        }
     }
+    if (!displayOptions.paneNames) return;
+    const Place name{double(look.textGap) * 2, double(look.textGap)};
+    drawLabel(pane, name, pane.left ? "front" : "right side", look.gridFont, look.gridText);
+    const double room = 2 * look.tripodLength; // for its letters, too
+    if (pane.canvas.width < 4 * room || pane.canvas.height < 4 * room) return;
+    const Place corner{pane.canvas.width - room, pane.canvas.height - room};
+    drawTriad(pane, corner, look.tripodLength, false, look.gridFont);
 }
 
 } // namespace polyfab

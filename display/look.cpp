@@ -27,7 +27,7 @@ Look::Look(double pixelScale) : pixel(pixelScale) {
         if (pixel >= 1.5) stroke->pattern = twiceAsLong(stroke->pattern);
     }
     for (double* size : {&normalLength, &diamondRadius, &crossRadius, &gridStep, &axisLength,
-                         &shortAxis, &pickRadius, &tremble}) {
+                         &tripodLength, &shortAxis, &pickRadius, &tremble}) {
         *size *= pixel;
     }
     for (int* size : {&squareRadius, &textGap, &numberFont.height, &faceFont.height,

@@ -15,7 +15,7 @@ struct Look {
     std::uint32_t background = 0xFFFAFAF7;
     std::uint32_t divider = 0xFF868F98;
     Stroke selected{0xFF17456B};
-    Stroke unselected{0xFF5F6B78, 1, 0x0F0F0F0F};
+    Stroke unselected{0xFF9AA3AC};
     Stroke unselectedGrey{0xFF868F98, 1, 0x77777777};
     Stroke loose{0xFF007A5A, 3, 0x0FFF0FFF};
     Stroke bad{0xFFC23B00, 3};
@@ -41,7 +41,8 @@ struct Look {
     double crossRadius = 6;
     double gridStep = 50;
     double axisLength = 60;
-    double shortAxis = 10; ///< one that looks shorter points at the viewer
+    double tripodLength = 20;
+    double shortAxis = 8; ///< one that looks shorter points at the viewer
     int textGap = 4;
     Font numberFont{11};
     Font faceFont{11, 700};

@@ -10,11 +10,19 @@
 
 namespace polyfab {
 
+/// A rectangle that is drawn with the mouse, in pane positions.
+struct PaneRectangle {
+    bool shown = false;
+    bool left = true; ///< which pane
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+};
+
 struct Markers {
     int edgeFace = -1;   ///< face of the current edge; -1: there is none
     int edgeCorner = -1; ///< the corner of that face at which the edge begins
     /// The settable points, world positions. Neither is shown before one has left the origin.
     std::array<Vec3, 2> settable{};
+    PaneRectangle rectangle{};
     std::span<const Segment> preview{}; ///< of what is about to be made
 };
 

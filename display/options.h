@@ -20,6 +20,8 @@ struct DisplayOptions {
     bool axes = false;             ///< 1031
     bool grid = false;             ///< 1032
     bool numbers = false;          ///< 1033: of faces and vertexes
+    bool smoothLines = true;       ///< 2005: where there are not too many
+    bool paneNames = true;         ///< 2006: name and attitude in the corners of the panes
 };
 
 inline DisplayOptions displayOptions;

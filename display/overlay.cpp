@@ -213,6 +213,16 @@ void drawBox(const Pane& pane) {
     pane.line({high.x, low.y}, high, look.box);
 }
 
+void drawRectangle(const Pane& pane, const PaneRectangle& drawn) {
+    constexpr unsigned share = 24; // of 256
+    if (!drawn.shown || drawn.left != pane.left) return;
+    const Place corners[] = {
+        {drawn.x0, drawn.y0}, {drawn.x1, drawn.y0}, {drawn.x1, drawn.y1}, {drawn.x0, drawn.y1}};
+    tintPolygon(pane.canvas, corners, look.currentFace.color, share);
+    for (std::size_t i = 0; i < 4; ++i)
+        pane.line(corners[i], corners[(i + 1) % 4], {look.settable.color});
+}
+
 /// The face of this index if it is there and sound.
 const Face* soundFace(const Mesh& mesh, int index) {
     if (index < 0 || index >= mesh.nf || !isSound(mesh, mesh.faces[index])) return nullptr;
@@ -279,6 +289,16 @@ void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     if (options.current) drawCurrent(mesh, pane, markers);
     if (options.settable) drawSettable(pane, markers.settable);
     if (options.numbers) drawNumbers(mesh, pane, uses);
+    drawRectangle(pane, markers.rectangle);
+}
+
+void drawTint(const Mesh& mesh, const Pane& pane) {
+    constexpr unsigned share = 48; // of 256
+    const Face* const face = displayOptions.current ? soundFace(mesh, mesh.curface) : nullptr;
+    if (face == nullptr) return;
+    std::vector<Place> corners;
+    for (int k = 0; k < face->n; ++k) corners.push_back(pane.at(*face->q[k].p));
+    tintPolygon(pane.canvas, corners, look.currentFace.color, share);
 }
 
 void drawLabel(const Pane& pane, Place place, const std::string& text, const Font& font,

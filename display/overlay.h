@@ -17,6 +17,13 @@ void drawGrid(const Pane& pane);
 /// The world's axes, each with its letter.
 void drawAxes(const Pane& pane);
 
+/// The name of the pane and, in a corner, which way the world's axes run; in an empty window how to
+/// begin.
+void drawPaneNames(const Mesh& mesh, const Pane& pane);
+
+/// The current face, filled with a breath of its colour.
+void drawTint(const Mesh& mesh, const Pane& pane);
+
 /// All the rest. Screen positions must be up to date. May throw std::bad_alloc.
 void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers);
 

@@ -4,20 +4,16 @@
 
 #include "display/view.h"
 #include "picture/raster.h"
+#include "picture/smooth.h"
 
 namespace polyfab {
-
-/// A position in a pane, in pixels from its upper left one.
-struct Place {
-    double x;
-    double y;
-};
 
 struct Pane {
     Bitmap& picture;
     bool left;
     int start; ///< its first column in the picture
     Canvas canvas;
+    bool smooth;           ///< lines have smooth edges
     double Point::*across; ///< which screen position runs across it
 
     Place at(const Point& p) const { return {p.*across, p.sy}; }
@@ -31,6 +27,7 @@ struct Pane {
                && place.y < canvas.height + margin;
     }
     void line(const Place& from, const Place& to, const Stroke& stroke) const {
+        if (smooth) return drawSmoothLine(canvas, from, to, stroke);
         drawLine(canvas, from.x, from.y, to.x, to.y, stroke);
     }
 };
@@ -41,7 +38,7 @@ struct Pane {
     const int start = left ? 0 : panes.rightStart;
     const Canvas canvas{picture.pixels.data() + start, left ? panes.leftWidth : panes.rightWidth,
                         panes.height, picture.width};
-    return {picture, left, start, canvas, left ? &Point::sx : &Point::sz};
+    return {picture, left, start, canvas, false, left ? &Point::sx : &Point::sz};
 }
 
 } // namespace polyfab

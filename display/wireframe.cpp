@@ -72,20 +72,23 @@ struct Layer {
     unsigned value;
 };
 
+/// Whether both ends of a stroke lie beyond the same side of the pane.
+bool isBeside(const Pane& pane, const PanePoint& a, const PanePoint& b, int width) {
+    const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
+    const auto beyondSide = [reach = width / 2](int p, int q, int size) {
+        return std::max(p, q) < -reach || std::min(p, q) >= size + reach;
+    };
+    return beyondSide(a.*across, b.*across, pane.canvas.width)
+           || beyondSide(a.y, b.y, pane.canvas.height);
+}
+
 /// An edge that is not wholly inside the pane, or wider than a pixel.
 void drawCrossing(const Mesh& mesh, const Pane& pane, std::uint32_t from, std::uint32_t to,
                   const Stroke& stroke) {
     const PanePoint& a = wireframe.points[from];
     const PanePoint& b = wireframe.points[to];
     const auto across = pane.left ? &PanePoint::x : &PanePoint::z;
-    const auto beyondSide = [&stroke](int p, int q, int size) {
-        const int reach = stroke.width / 2;
-        return std::max(p, q) < -reach || std::min(p, q) >= size + reach;
-    };
-    if (beyondSide(a.*across, b.*across, pane.canvas.width)
-        || beyondSide(a.y, b.y, pane.canvas.height)) {
-        return;
-    }
+    if (isBeside(pane, a, b, stroke.width)) return;
     if (((a.outside | b.outside) & tooFar) != 0) {
         pane.line(pane.at(mesh.points[from]), pane.at(mesh.points[to]), stroke);
     } else {
@@ -93,9 +96,40 @@ void drawCrossing(const Mesh& mesh, const Pane& pane, std::uint32_t from, std::u
     }
 }
 
+/// Calls use(from, to) for the edges of which at least some may lie in the pane.
+template <typename Use>
+void forEachInView(const Pane& pane, const Layer& layer, Use use) {
+    const DrawnEdges& edges = wireframe.edges;
+    for (std::uint32_t i = 0; i + 1 < edges.first.size(); ++i) {
+        for (std::uint32_t k = edges.first[i]; k < edges.first[i + 1]; ++k) {
+            if ((edges.marks[k] & layer.mask) != layer.value) continue;
+            const PanePoint &a = wireframe.points[i], &b = wireframe.points[edges.other[k]];
+            if (!isBeside(pane, a, b, layer.stroke.width + 1) && !use(i, edges.other[k])) return;
+        }
+    }
+}
+
+/// Whether smooth lines would take too long. It is a count and no clock that decides, so that a
+/// picture is the same everywhere.
+bool hasTooManyEdges(const Pane& pane) {
+    constexpr std::uint32_t most = 200'000;
+    if (wireframe.edges.other.size() <= most) return false;
+    const unsigned shown = pane.left ? edgemark::inLeft : edgemark::inRight;
+    std::uint32_t count = 0;
+    forEachInView(pane, {look.selected, shown, shown},
+                  [&count](auto, auto) { return ++count <= most; });
+    return count > most;
+}
+
 void drawEdges(const Mesh& mesh, const Pane& pane, const Layer& layer) {
     const DrawnEdges& edges = wireframe.edges;
     if (!edges.has(layer.mask, layer.value)) return;
+    if (pane.smooth) {
+        return forEachInView(pane, layer, [&](std::uint32_t from, std::uint32_t to) {
+            pane.line(pane.at(mesh.points[from]), pane.at(mesh.points[to]), layer.stroke);
+            return true;
+        });
+    }
     const Canvas canvas = pane.canvas;
     const Stroke stroke = layer.stroke;
     const bool thin = stroke.width == 1;
@@ -159,10 +193,13 @@ void draw(Mesh& mesh, const Markers& markers) {
     std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
                    [&](const Point& p) { return panePoint(p, panes); });
     for (const bool left : {true, false}) {
-        const Pane pane = makePane(wireframe.picture, left);
+        Pane pane = makePane(wireframe.picture, left);
+        pane.smooth = displayOptions.smoothLines && !hasTooManyEdges(pane);
         drawGrid(pane);
+        drawTint(mesh, pane);
         drawLayers(mesh, pane);
         drawOverlay(mesh, pane, markers);
+        drawPaneNames(mesh, pane);
     }
 }
 

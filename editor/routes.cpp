@@ -69,7 +69,7 @@ void onMenuOpening(const Event&) {
 
 void onPaint(const Event&) {
     const Markers markers{workbench.currentEdgeFace, workbench.currentEdgeCorner,
-                          workbench.settable, workbench.preview};
+                          workbench.settable, {}, workbench.preview};
     platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 

@@ -21,6 +21,8 @@ class PaneTest : public MeshTest {
     explicit PaneTest(Size size) : client(size) {
         view.client = client;
         resetView();
+        // Whole pixels are counted, and no text that is not asked for.
+        displayOptions.smoothLines = displayOptions.paneNames = false;
     }
     ~PaneTest() override {
         displayOptions = {};
