@@ -8,6 +8,7 @@
 #include "editor/commands/make.h"
 #include "editor/commands/recent.h"
 #include "editor/commands/selection.h"
+#include "editor/commands/transform_by.h"
 #include "editor/commands/view.h"
 #include "editor/commands/volume.h"
 #include "editor/history/undo.h"
@@ -30,6 +31,7 @@
 #include "tools/name_commands.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
+#include "tools/select_faces.h"
 #include "tools/separate_glued.h"
 #include "tools/smooth.h"
 #include "tools/thicken.h"
@@ -186,6 +188,7 @@ constexpr auto table = std::to_array<Command>({
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
      removeTexCoords},
     slow({394, tools, "&boolean: weld intersecting selected faces", later}),
+    {2038, tools, "move, scale, rotate by: &v", transformBy, nullptr, "Ctrl+T"},
     {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
     {413, tools, "chang&e sign of absolute x or y or z", changeSign},
     {1055, tools, "s&wop y and z absolute axes", swopYAndZ},
@@ -221,6 +224,17 @@ constexpr auto table = std::to_array<Command>({
     slow({280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces}),
     {290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"},
     {291, facesMenu, "&unselect all faces", unselectAllFaces},
+    {2031, facesMenu, "in&vert the selection", onMesh<invertSelection>, nullptr, "Ctrl+I"},
+    {2032, facesMenu, "grow the selection by one ring: &+", onMesh<growSelection>, nullptr,
+     "Ctrl++"},
+    {2033, facesMenu, "shrink the selection by one ring: &-", onMesh<shrinkSelection>, nullptr,
+     "Ctrl+-"},
+    {2034, facesMenu, "select all faces connected to the selected ones: &2",
+     onMesh<selectConnected>},
+    {2035, facesMenu, "select faces of the current face's material: &m",
+     onMesh<selectSameMaterial>},
+    {2036, facesMenu, "select faces of the current face's group: &u", onMesh<selectSameGroup>},
+    {2037, facesMenu, "select faces in the current face's plane: &e", onMesh<selectSamePlane>},
     {292, facesMenu, "select faces in &box", selectInBox},
     {293, facesMenu, "unselect faces in box : &9", unselectInBox},
     {294, facesMenu, "select faces out o&f box", selectOutOfBox},

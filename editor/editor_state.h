@@ -2,6 +2,7 @@
 // The state of the window itself: its mode, its sub-view, and what the mouse did last.
 #pragma once
 
+#include "editor/commands/transform_by.h"
 #include "geometry/vec3.h"
 
 #include <cstdint>
@@ -32,6 +33,7 @@ struct EditorState {
     std::uint8_t buttons = 0; ///< of the mouse: now (bits 0-1) and at the event before (bits 2-3)
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     NameListState nameList;
+    TransformTexts transform = noTransform; ///< of "move, scale, rotate by"
 };
 
 inline EditorState editorState;
