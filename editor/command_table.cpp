@@ -16,6 +16,7 @@
 #include "editor/lists/subview.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
+#include "editor/status_line.h"
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "generators/block.h"
@@ -156,6 +157,7 @@ constexpr auto table = std::to_array<Command>({
     {353, mode, "go to &vertex-handling mode", goTo<353>},
     {357, mode, "go to set-&left-cutoff mode", goTo<357>},
     {359, mode, "go to resize-an-o&bject mode", goTo<359>},
+    {selectByRectangle, mode, "select by rectangle: &4", goTo<selectByRectangle>, nullptr, "B"},
     {361, mode, "go to &texture-map-coordinate-handling mode", later},
     {362, mode, "go to set-&right-cutoff mode", goTo<362>},
     {363, mode, "go to re&size-the-display mode", goTo<363>},
@@ -334,6 +336,10 @@ constexpr auto table = std::to_array<Command>({
     {1031, display, "show the &axes", flip<&Show::axes>, isOn<&Show::axes>},
     {1032, display, "show a g&rid", flip<&Show::grid>, isOn<&Show::grid>},
     {1033, display, "show &face and vertex numbers", flip<&Show::numbers>, isOn<&Show::numbers>},
+    {2007, display, "show the status &line", toggleStatusLine, statusLineIsShown},
+    {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
+    {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,
+     isOn<&Show::paneNames>},
     {1034, display, "show the pane backgroun&ds", later},
 
     {330, rendering, "&render the left pane", later},

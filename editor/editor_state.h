@@ -2,6 +2,7 @@
 // The state of the window itself: its mode, its sub-view, and what the mouse did last.
 #pragma once
 
+#include "display/markers.h"
 #include "editor/commands/transform_by.h"
 #include "geometry/vec3.h"
 
@@ -26,6 +27,12 @@ struct NameListState {
     bool textureNumbers = false; ///< texture-map numbers stand before the names of groups
 };
 
+/// Of the mesh, deleted ones left out.
+struct FaceCounts {
+    std::int64_t live = 0;
+    std::int64_t selected = 0;
+};
+
 struct EditorState {
     int mode = defaultMode;
     char resizeAxis = 0;      ///< 0, 'X', 'Y' or 'Z': qualifies the resize mode
@@ -33,6 +40,9 @@ struct EditorState {
     std::uint8_t buttons = 0; ///< of the mouse: now (bits 0-1) and at the event before (bits 2-3)
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     NameListState nameList;
+    FaceCounts faces;                       ///< as the status line tells them
+    bool statusLine = true;                 ///< it is shown
+    PaneRectangle rectangle;                ///< that is drawn to select faces
     TransformTexts transform = noTransform; ///< of "move, scale, rotate by"
 };
 

@@ -68,11 +68,8 @@ void onMenuOpening(const Event&) {
 }
 
 void onPaint(const Event&) {
-    const Markers markers{workbench.currentEdgeFace,
-                          workbench.currentEdgeCorner,
-                          workbench.settable,
-                          {},
-                          workbench.preview};
+    const Markers markers{workbench.currentEdgeFace, workbench.currentEdgeCorner,
+                          workbench.settable, editorState.rectangle, workbench.preview};
     platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 

@@ -14,15 +14,18 @@
 #include "editor/recovery/recovery.h"
 #include "editor/report.h"
 #include "editor/routes.h"
+#include "editor/status_line.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
 #include "mesh/store.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -132,6 +135,7 @@ void giveBackAfterRest() {
 
 void noteAct() {
     restsSince = -1;
+    if (Handling::depth == 1) forgetNotes();
     noteUser();
 }
 
@@ -168,12 +172,24 @@ void useStateFolder(const std::string& folder, int recoverySeconds) {
     setRecoverySeconds(recoverySeconds);
 }
 
+/// Whatever way the handling of an event ends, the status line tells of it.
+struct StatusLineAfter {
+    ~StatusLineAfter() {
+        if (Handling::depth != 1) return;
+        try {
+            updateStatusLine();
+        } catch (const std::bad_alloc&) { // it says what it said before
+        }
+    }
+};
+
 } // namespace
 
 void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
     if (isUsersAct(event)) noteAct();
+    const StatusLineAfter status;
     if (Handling::depth > 1) { // a part of the event outside
         dispatch(event, true);
         return;
@@ -202,6 +218,7 @@ void handleEvent(const Event& event) {
     if (editorState.subview != 0 ? listed && altered : ended) {
         recordStep(step.empty() ? label : std::string(step), snapAfter(event));
     }
+    if (ended || movesInHistory(event)) countFaces();
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }
 

@@ -6,8 +6,20 @@
 #include <iterator>
 
 namespace polyfab {
+namespace {
 
-void note(const std::string& text) { platform().note(text); }
+std::string told;
+
+} // namespace
+
+void note(const std::string& text) {
+    platform().note(text);
+    told += (told.empty() ? "" : "; ") + text;
+}
+
+const std::string& notes() { return told; }
+
+void forgetNotes() { told.clear(); }
 
 std::string counted(std::int64_t number) {
     std::string digits = std::to_string(number);

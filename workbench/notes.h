@@ -7,8 +7,13 @@
 
 namespace polyfab {
 
-/// Tells it in the status line, until that is set anew.
+/// Tells it in the status line, where it stays until the user does something. Several notes of one
+/// command stand there one after the other.
 void note(const std::string& text);
+
+/// What was noted since the last forgetNotes; "": nothing.
+[[nodiscard]] const std::string& notes();
+void forgetNotes();
 
 /// The number as a person writes it: 12345 is "12,345".
 [[nodiscard]] std::string counted(std::int64_t number);

@@ -5,6 +5,7 @@
 #include "platform/platform.h"
 
 #include <memory>
+#include <string>
 
 namespace polyfab {
 
@@ -25,6 +26,8 @@ class Drag {
     virtual void finish() {}
     /// Everything is as it was before the press.
     virtual void cancel() {}
+    /// What it has done so far, for the status line; "": nothing to tell.
+    [[nodiscard]] virtual std::string said() const { return ""; }
 };
 
 /// What the mouse does in a mode.

@@ -6,11 +6,16 @@
 
 namespace polyfab {
 
+inline constexpr int selectByRectangle = 2030; ///< the command that enters that mode
+
 /// Enters the mode of this menu command. A drag ends.
 void enterMode(int command);
 
 /// Whether a menu command enters a mode.
 [[nodiscard]] bool entersMode(int command);
+
+/// What the mouse does in the present mode, in one line.
+[[nodiscard]] const char* modeHelp();
 
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();

@@ -5,6 +5,7 @@
 #include "mesh/stale.h"
 
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 namespace polyfab {
@@ -37,6 +38,14 @@ void PointDrag::finish() {
         OB->changed = 1;
         return pointsHaveMoved();
     }
+}
+
+std::string PointDrag::said() const {
+    if (points.empty()) return "";
+    const Vec3 by = worldPosition(OB->points[points.front()]) - start.front();
+    char text[128];
+    std::snprintf(text, sizeof text, "moved by %.6g in x, %.6g in y, %.6g in z", by.x, by.y, by.z);
+    return text;
 }
 
 void PointDrag::cancel() {

@@ -20,6 +20,8 @@ class PointDrag : public Drag {
 
     void finish() override;
     void cancel() override;
+    /// How far the first of the points has moved.
+    [[nodiscard]] std::string said() const override;
 
   protected:
     /// Puts every point where `to` maps the world position at which it stood when the drag began.

@@ -10,10 +10,12 @@
 #include "editor/modes/view_drag.h"
 #include "geometry/affine.h"
 #include "mesh/extent.h"
+#include "mesh/face_angle.h"
 #include "mesh/stale.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <functional>
 #include <utility>
 
@@ -53,8 +55,16 @@ class FacesDrag : public PointDrag {
     /// Tells how the points are placed for the movement since the press.
     using Follow = std::function<Placing(const Vec3& moved)>;
 
-    FacesDrag(const Event& press, Follow toFollow)
-        : PointDrag(pointsOfSelectedFaces()), way(press), follow(std::move(toFollow)) {}
+    /// What to say of that movement.
+    using Tell = std::string (*)(const Vec3& moved);
+
+    FacesDrag(const Event& press, Follow toFollow, Tell toTell)
+        : PointDrag(pointsOfSelectedFaces()), way(press), follow(std::move(toFollow)),
+          tell(toTell) {}
+
+    [[nodiscard]] std::string said() const override {
+        return tell != nullptr ? tell(moved) : PointDrag::said();
+    }
 
     void move(const Event& event) override {
         moved += way.stepTo(event);
@@ -70,12 +80,14 @@ class FacesDrag : public PointDrag {
     Way way;
     Vec3 moved;
     Follow follow;
+    Tell tell; ///< null: how far the faces have moved
     Placing placing;
 };
 
 /// `follow` tells how points are placed, from the frame and the movement since the press.
 template <typename Follow>
-std::unique_ptr<Drag> dragFaces(const Event& press, const AffineMap& axes, Follow follow) {
+std::unique_ptr<Drag> dragFaces(const Event& press, const AffineMap& axes, Follow follow,
+                                FacesDrag::Tell tell = nullptr) {
     const Extent extent = extentOfFaces(*OB, axes, true);
     if (extent.empty()) {
         platform().setTitle("no face is selected");
@@ -83,8 +95,22 @@ std::unique_ptr<Drag> dragFaces(const Event& press, const AffineMap& axes, Follo
     }
     const Frame frame{axes, inverseOf(axes)(extent.middle())};
     return std::make_unique<FacesDrag>(
-        press, [frame, follow](const Vec3& moved) { return follow(frame, moved); });
+        press, [frame, follow](const Vec3& moved) { return follow(frame, moved); }, tell);
 }
+
+std::string inWords(const char* what, double number) {
+    char text[64];
+    std::snprintf(text, sizeof text, what, number);
+    return text;
+}
+
+/// What a turn or a twist says of itself.
+template <int axis>
+std::string tellAngle(const Vec3& moved) {
+    return inWords("by %.6g degrees", angleOf(axis, moved) * 180 / pi);
+}
+
+constexpr FacesDrag::Tell tellAngles[] = {tellAngle<0>, tellAngle<1>, tellAngle<2>};
 
 std::unique_ptr<Drag> turn(const Event& press, int axis) {
     if (turnOptions.view) {
@@ -94,9 +120,12 @@ std::unique_ptr<Drag> turn(const Event& press, int axis) {
     }
     // An object's own axes are those of a screen that shows it upright.
     const AffineMap axes = turnOptions.after ? screenAxes() : scaling({1, -1, -1});
-    return dragFaces(press, axes, [axis](const Frame& frame, const Vec3& moved) {
-        return frame.inWorld(rotation(axis, angleOf(axis, moved)));
-    });
+    return dragFaces(
+        press, axes,
+        [axis](const Frame& frame, const Vec3& moved) {
+            return frame.inWorld(rotation(axis, angleOf(axis, moved)));
+        },
+        tellAngles[axis]);
 }
 
 /// Where a world position lies between the box's cut-offs: 0 left, 1 right.
@@ -111,14 +140,17 @@ std::unique_ptr<Drag> twist(const Event& press, int axis) {
         platform().setTitle("the box has no extent along this axis");
         return nullptr;
     }
-    return dragFaces(press, screenAxes(), [axis](const Frame& frame, const Vec3& moved) {
-        const double whole = angleOf(axis, moved);
-        return [=, back = inverseOf(frame.axes)](const Vec3& p) {
-            const double angle = whole * shareInBox(p, axis);
-            if (angle == 0) return p;
-            return frame.pivot + back(rotation(axis, angle)(frame.axes(p - frame.pivot)));
-        };
-    });
+    return dragFaces(
+        press, screenAxes(),
+        [axis](const Frame& frame, const Vec3& moved) {
+            const double whole = angleOf(axis, moved);
+            return [=, back = inverseOf(frame.axes)](const Vec3& p) {
+                const double angle = whole * shareInBox(p, axis);
+                if (angle == 0) return p;
+                return frame.pivot + back(rotation(axis, angle)(frame.axes(p - frame.pivot)));
+            };
+        },
+        tellAngles[axis]);
 }
 
 std::unique_ptr<Drag> setCutoffs(const Event& press, Vec3& cutoffs) {
@@ -151,14 +183,17 @@ std::unique_ptr<Drag> moveObjects(const Event& press) {
 }
 
 std::unique_ptr<Drag> resizeObjects(const Event& press) {
-    return dragFaces(press, screenAxes(), [](const Frame& frame, const Vec3& moved) {
-        const double factor = factorOf(moved);
-        if (editorState.resizeAxis == 0)
-            return about(frame.pivot, scaling({factor, factor, factor}));
-        Vec3 factors{1, 1, 1};
-        along(factors, editorState.resizeAxis - 'X') = factor;
-        return frame.inWorld(scaling(factors));
-    });
+    return dragFaces(
+        press, screenAxes(),
+        [](const Frame& frame, const Vec3& moved) {
+            const double factor = factorOf(moved);
+            if (editorState.resizeAxis == 0)
+                return about(frame.pivot, scaling({factor, factor, factor}));
+            Vec3 factors{1, 1, 1};
+            along(factors, editorState.resizeAxis - 'X') = factor;
+            return frame.inWorld(scaling(factors));
+        },
+        [](const Vec3& moved) { return inWords("by a factor of %.6g", factorOf(moved)); });
 }
 
 std::unique_ptr<Drag> turnAboutX(const Event& press) { return turn(press, 0); }

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/status_line.h"
+
+#include "editor/editor_state.h"
+#include "editor/history/undo.h"
+#include "editor/modes/drag.h"
+#include "editor/modes/modes.h"
+#include "mesh/faces.h"
+#include "mesh/mesh.h"
+#include "platform/platform.h"
+#include "workbench/notes.h"
+
+namespace polyfab {
+namespace {
+
+std::string left() {
+    const std::string said = drags.drag ? drags.drag->said() : "";
+    if (!said.empty()) return said;
+    if (!notes().empty()) return notes();
+    if (editorState.subview != 0) {
+        return "click a name: pick it and close - Ctrl+click: pick more - right click: rename - "
+               "Esc: close";
+    }
+    return modeHelp();
+}
+
+std::string right() {
+    const FaceCounts& faces = editorState.faces;
+    return counted(faces.selected) + " of " + counted(faces.live, "face") + " selected   "
+           + OB->currentGroupName() + " / " + OB->currentMaterialName()
+           + (isAltered() ? "   altered" : "");
+}
+
+} // namespace
+
+void countFaces() {
+    FaceCounts& faces = editorState.faces;
+    faces = {};
+    if (OB == nullptr) return;
+    for (const Face& face : liveFaces(*OB)) {
+        ++faces.live;
+        faces.selected += face.selected != 0 ? 1 : 0;
+    }
+}
+
+void updateStatusLine() {
+    if (OB != nullptr) platform().setStatusLine({left(), right()});
+}
+
+void toggleStatusLine() {
+    editorState.statusLine = !editorState.statusLine;
+    platform().showStatusLine(editorState.statusLine);
+}
+
+bool statusLineIsShown() { return editorState.statusLine; }
+
+} // namespace polyfab
