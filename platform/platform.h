@@ -47,6 +47,12 @@ struct FileRequest {
     /// For a save: the file that choosing this name will write, where that is another one. It is
     /// not to be overwritten unasked either.
     std::function<std::string(const std::string& chosen)> written{};
+    /// For a save, and for a window only: the file whose folder and name it starts with, in place
+    /// of `initial`; "": there is none.
+    std::string current{};
+    /// What a window gives a name without a suffix, such as ".obj", and that file's name in place
+    /// of its own; "": nothing.
+    std::string suffix{};
 };
 
 struct DialogField {
@@ -183,8 +189,13 @@ class Platform {
     virtual void destroyWindow() = 0;
 
     // Modal boxes.
+    /// Whether somebody sits at the window. Nobody does in a headless run: what is merely offered
+    /// is not asked there.
+    virtual bool isWatched() const = 0;
     virtual void message(const std::string& title, const std::string& text, Icon icon) = 0;
-    virtual Choice question(const std::string& title, const std::string& text, Buttons buttons) = 0;
+    /// `marked` is the answer that the Enter key gives.
+    virtual Choice question(const std::string& title, const std::string& text, Buttons buttons,
+                            Choice marked = Choice::yes) = 0;
     /// The path chosen, or nothing after cancel.
     virtual std::optional<std::string> fileDialog(const FileRequest& request) = 0;
     virtual DialogResult dialog(Dialog& dialog) = 0;

@@ -47,7 +47,8 @@ void writeNames(const T* array, int count, std::string& fileName, const char* pr
         while (end > 0 && continuesCharacter(fileName[end])) --end; // no half of a character stays
         fileName.replace(end, std::string::npos, ".txt");
     }
-    const auto path = platform().fileDialog({true, prompt, {{"text files", "*.txt"}}, fileName});
+    const auto path = platform().fileDialog(
+        {true, prompt, {{"text files", "*.txt"}}, fileName, {}, fileName, ".txt"});
     if (!path) return;
     SaveFile file;
     bool written = file.open(*path);

@@ -207,8 +207,8 @@ void BatchPlatform::message(const std::string& title, const std::string& shown, 
                 {"icon", exclamation ? "exclamation" : "none"}}));
 }
 
-Choice BatchPlatform::question(const std::string& title, const std::string& asked,
-                               Buttons buttons) {
+Choice BatchPlatform::question(const std::string& title, const std::string& asked, Buttons buttons,
+                               Choice) {
     const std::optional<Choice> choice = toChoice(takeAnswer(), buttons);
     Json json{{"event", "question"},
               {"title", title},

@@ -63,8 +63,10 @@ class BatchPlatform : public Platform {
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override;
     void destroyWindow() override;
+    bool isWatched() const override { return false; }
     void message(const std::string& title, const std::string& text, Icon icon) override;
-    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons,
+                    Choice marked) override;
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;

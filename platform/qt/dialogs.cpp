@@ -206,13 +206,13 @@ void showMessage(QWidget* owner, const std::string& title, const std::string& te
 }
 
 Choice askQuestion(QWidget* owner, const std::string& title, const std::string& text,
-                   Buttons buttons) {
+                   Buttons buttons, Choice marked) {
     const bool hasCancel = buttons == Buttons::yesNoCancel;
     QMessageBox box(owner);
     prepare(box, title, text, QMessageBox::NoIcon);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No
                            | (hasCancel ? QMessageBox::Cancel : QMessageBox::NoButton));
-    box.setDefaultButton(QMessageBox::Yes);
+    box.setDefaultButton(marked == Choice::yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(hasCancel ? QMessageBox::Cancel : QMessageBox::No);
     const int pressed = box.exec();
     if (pressed == QMessageBox::Yes) return Choice::yes;
@@ -222,15 +222,30 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
 namespace {
 
 /// Whether the file that the chosen name stands for may be written: it does not exist yet, or the
-/// user agrees. The dialog itself has asked about the chosen name only.
-bool mayWriteBeside(QWidget* owner, const FileRequest& request, const std::string& chosen) {
-    const std::string path = request.written ? request.written(chosen) : chosen;
-    const QString name = QFile::decodeName(path.c_str());
-    if (path == chosen || !QFileInfo::exists(name)) return true;
+/// user agrees. The dialog itself would ask about the name, not about that file.
+bool mayWrite(QWidget* owner, const FileRequest& request, const std::string& chosen) {
+    const QString name =
+        QFile::decodeName((request.written ? request.written(chosen) : chosen).c_str());
+    if (!request.save || !QFileInfo::exists(name)) return true;
     return askQuestion(owner, request.prompt,
                        name.toStdString() + " already exists.\nDo you want to replace it?",
-                       Buttons::yesNo)
+                       Buttons::yesNo, Choice::no)
            == Choice::yes;
+}
+
+/// The current file as it is called in the format that is asked for.
+QString nameInFormat(const QFileInfo& current, const QString& suffix) {
+    const bool has = current.fileName().endsWith(suffix, Qt::CaseInsensitive);
+    return has ? current.fileName() : current.completeBaseName() + suffix;
+}
+
+/// Where the dialog begins, and with which name.
+void start(QFileDialog& box, const FileRequest& request, const Folders& folders) {
+    box.setDirectory(folders.of(request.prompt));
+    if (request.current.empty()) return box.selectFile(QFile::decodeName(request.initial.c_str()));
+    const QFileInfo current(QFile::decodeName(request.current.c_str()));
+    if (const QDir folder = current.absoluteDir(); folder.exists()) box.setDirectory(folder);
+    box.selectFile(nameInFormat(current, QString::fromStdString(request.suffix)));
 }
 
 } // namespace
@@ -240,17 +255,19 @@ std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, F
     box.setWindowTitle(titleText(request.prompt));
     box.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     box.setFileMode(request.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    box.setOption(QFileDialog::DontConfirmOverwrite);
+    box.setDefaultSuffix(QString::fromStdString(request.suffix));
     QStringList filters;
     for (const FileFilter& filter : request.filters) filters << nameFilter(filter);
     box.setNameFilters(filters);
-    box.setDirectory(folders.of(request.prompt));
-    box.selectFile(QFile::decodeName(request.initial.c_str()));
+    start(box, request, folders);
     std::string chosen;
     do {
         if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
         chosen = QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
-    } while (!mayWriteBeside(&box, request, chosen));
-    folders.use(request.prompt, box.directory().absolutePath());
+    } while (!mayWrite(&box, request, chosen));
+    // Not the folder that the dialog shows: a path may have been typed.
+    folders.use(request.prompt, QFileInfo(QFile::decodeName(chosen.c_str())).absolutePath());
     return chosen;
 }
 

@@ -21,9 +21,10 @@ void showMessage(QWidget* owner, const std::string& title, const std::string& te
 
 /// Escape and the close box mean cancel, or no where there is no cancel.
 Choice askQuestion(QWidget* owner, const std::string& title, const std::string& text,
-                   Buttons buttons);
+                   Buttons buttons, Choice marked);
 
-/// Starts in the folder of its kind, which becomes that of the file chosen.
+/// Starts in the folder of the current file, if there is one, or else in that of its kind, which
+/// becomes that of the file chosen.
 std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Folders& folders);
 
 DialogResult askFields(QWidget* owner, Dialog& dialog);

@@ -255,9 +255,10 @@ void QtPlatform::message(const std::string& title, const std::string& text, Icon
     showMessage(owner(), title, text, icon);
 }
 
-Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons) {
+Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons,
+                            Choice marked) {
     const AroundBox around(window, input, clock, strip);
-    return askQuestion(owner(), title, text, buttons);
+    return askQuestion(owner(), title, text, buttons, marked);
 }
 
 std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {

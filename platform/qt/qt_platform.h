@@ -48,8 +48,10 @@ class QtPlatform : public Platform {
     void present(const Bitmap& shown) override;
     void requestClose() override;
     void destroyWindow() override;
+    bool isWatched() const override { return true; }
     void message(const std::string& title, const std::string& text, Icon icon) override;
-    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons,
+                    Choice marked) override;
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override;

@@ -10,7 +10,7 @@ namespace {
 
 /// Tells of the session's end when it is asked something, or to show progress.
 struct Ending : FakePlatform {
-    Choice question(const std::string&, const std::string&, Buttons) override {
+    Choice question(const std::string&, const std::string&, Buttons, Choice) override {
         tell();
         return answer;
     }

@@ -31,7 +31,7 @@ TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
 TEST_F(Window, NothingClosesItWhileABoxIsOpen) {
     cubeIn(358);
     struct : FakePlatform {
-        Choice question(const std::string&, const std::string&, Buttons) override {
+        Choice question(const std::string&, const std::string&, Buttons, Choice) override {
             log.push_back("asked");
             send(EventKind::close); // as at the end of the session
             return Choice::no;

@@ -42,8 +42,9 @@ void FakePlatform::message(const std::string& title, const std::string& text, Ic
     log.push_back((icon == Icon::exclamation ? "message!|" : "message|") + title + "|" + text);
 }
 
-Choice FakePlatform::question(const std::string& title, const std::string& text, Buttons) {
-    log.push_back("question|" + title + "|" + text);
+Choice FakePlatform::question(const std::string& title, const std::string& text, Buttons,
+                              Choice marked) {
+    log.push_back((marked == Choice::no ? "question-|" : "question|") + title + "|" + text);
     return take(choices, Choice::no);
 }
 

@@ -17,8 +17,8 @@ class FakePlatform : public Platform {
     ~FakePlatform() override;
 
     /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
-    /// has the exclamation icon), "question|TITLE|TEXT", "file|PROMPT|INITIAL", "busy|TEXT",
-    /// "progress|TEXT|FRACTION",
+    /// has the exclamation icon), "question|TITLE|TEXT" (a "-" after "question" when no is marked),
+    /// "file|PROMPT|INITIAL", "busy|TEXT", "progress|TEXT|FRACTION",
     /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "note|TEXT", "beep", "help", "close",
     /// "destroyed".
     std::vector<std::string> log;
@@ -38,6 +38,7 @@ class FakePlatform : public Platform {
     MenuBar bar;
     StatusLine status;
     bool statusShown = true;
+    bool watched = false;
     Bitmap picture; ///< what was presented last
     int paintRequests = 0;
 
@@ -61,8 +62,10 @@ class FakePlatform : public Platform {
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override { log.push_back("close"); }
     void destroyWindow() override { log.push_back("destroyed"); }
+    bool isWatched() const override { return watched; }
     void message(const std::string& title, const std::string& text, Icon icon) override;
-    Choice question(const std::string& title, const std::string& text, Buttons buttons) override;
+    Choice question(const std::string& title, const std::string& text, Buttons buttons,
+                    Choice marked) override;
     std::optional<std::string> fileDialog(const FileRequest& request) override;
     DialogResult dialog(Dialog& dialog) override;
     void showBusy(const std::string& text) override { log.push_back("busy|" + text); }
