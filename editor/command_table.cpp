@@ -377,7 +377,7 @@ constexpr auto table = std::to_array<Command>({
     {commandid::textureNumbers, listMenu, "&show texture map numbers", toggleTextureNumbers,
      showsTextureNumbers},
 
-    {commandid::help, helpMenu, "&help", [] { platform().openHelp(); }},
+    {commandid::help, helpMenu, "&help", [] { platform().openHelp(""); }},
 });
 
 /// Whether one of the shortcuts in `a` is one of those in `b`.

@@ -60,6 +60,11 @@ void onResize(const Event&) {
     platform().requestPaint();
 }
 
+void onLookChange(const Event&) {
+    stale.picture = true;
+    platform().requestPaint();
+}
+
 void onKeysLost(const Event&) { clearKeys(); }
 
 void onMenuOpening(const Event&) {
@@ -155,6 +160,7 @@ constexpr Route routes[] = {
     {EventKind::wheel, onWheel},
     {EventKind::command, onCommand, true},
     {EventKind::drop, onDrop, true},
+    {EventKind::lookChange, onLookChange},
     {EventKind::start, onStart},
 };
 

@@ -62,12 +62,16 @@ struct DialogField {
 };
 
 struct MenuItem {
-    int id = 0;        ///< 0: a separator
+    int id = 0;        ///< 0: a separator or, where it has items, a menu of its own
     std::string label; ///< "&" stands before the mnemonic letter
     bool enabled = true;
     bool checkable = false;
     bool checked = false;
-    std::string key{}; ///< shortcut such as "Ctrl+O", or several parted by "; "; empty: none
+    std::string key{};    ///< shortcut such as "Ctrl+O", or several parted by "; "; empty: none
+    bool radio = false;   ///< checkable, and one of several of which one holds
+    std::string name{};   ///< the label where no letter has to be marked
+    std::string advice{}; ///< a sentence on what it does; empty: none
+    std::vector<MenuItem> items{};
 };
 
 struct Menu {
@@ -76,6 +80,27 @@ struct Menu {
 };
 
 using MenuBar = std::vector<Menu>;
+
+/// One button of the tool bar. A command that the present menu bar does not have is greyed.
+struct ToolButton {
+    int id = 0;       ///< 0: a separator
+    std::string icon; ///< name of its picture
+};
+
+/// The item of this id, which is not 0, or null.
+inline MenuItem* findItem(std::vector<MenuItem>& items, int id) {
+    for (MenuItem& item : items) {
+        if (item.id == id) return &item;
+        if (MenuItem* const found = findItem(item.items, id)) return found;
+    }
+    return nullptr;
+}
+inline MenuItem* findItem(MenuBar& bar, int id) {
+    for (Menu& menu : bar) {
+        if (MenuItem* const found = findItem(menu.items, id)) return found;
+    }
+    return nullptr;
+}
 
 /// What the line at the bottom of the window says.
 struct StatusLine {
@@ -116,6 +141,7 @@ enum class EventKind {
     wheel,       ///< x, y, steps
     command,     ///< command
     drop,        ///< paths: files dropped on the window
+    lookChange,  ///< the desktop has become dark or light
     start,       ///< the window is drawn and takes questions; paths: the file named on the command
                  ///< line, if any. Comes once at most, before what the user does
     idle,        ///< the user has done nothing for a moment, and holds no button
@@ -168,6 +194,8 @@ class Platform {
     /// Device pixels to one of the desktop's pixels, 1 or more: 2 where everything on the desktop
     /// is drawn twice as large, so that it keeps its size to the eye.
     virtual double pixelScale() const = 0;
+    /// Whether the desktop shows light on dark. A lookChange event tells when that changes.
+    virtual bool darkTheme() const = 0;
     /// Puts the menu bar of this name on the window, in place of the one before.
     virtual void setMenuBar(const std::string& name, const MenuBar& bar) = 0;
     /// The line stands below the client area. It is shown from the start.
@@ -178,6 +206,15 @@ class Platform {
     virtual void note(const std::string& text) = 0;
     /// Changes one item of the present menu bar; an id that is not there is ignored.
     virtual void setMenuItem(int id, bool enabled, bool checked) = 0;
+    /// Puts buttons above the client area, for commands of the menu bar, and shows them.
+    virtual void setToolBar(const std::vector<ToolButton>& buttons) = 0;
+    virtual void showToolBar(bool shown) = 0;
+    /// Opens a menu under the mouse, with these commands of the present menu bar (0: a separator),
+    /// once the handler that runs now has returned.
+    virtual void openContextMenu(const std::vector<int>& commands) = 0;
+    /// Lets the user search the commands of the present menu bar; the one chosen comes as a
+    /// command event, once the handler that runs now has returned.
+    virtual void searchCommands() = 0;
     /// Asks for a paint event some time soon.
     virtual void requestPaint() = 0;
     /// Copies the picture to the window; called while a paint event is handled.
@@ -216,8 +253,10 @@ class Platform {
     /// window redraw itself meanwhile; what the user does to it, Escape excepted, counts for
     /// nothing then. A close event comes all the same, inside the handler that runs: refuse it.
     virtual bool escapeDown() = 0;
-    /// Opens the help at its index.
-    virtual void openHelp() = 0;
+    /// Opens the manual at this chapter, such as "the-box"; "": at its beginning. Does not wait.
+    virtual void openHelp(const std::string& chapter) = 0;
+    /// Shows a page of Markdown text beside the window. Does not wait.
+    virtual void showPage(const std::string& title, const std::string& text) = 0;
     virtual std::optional<Bitmap> clipboardBitmap() const = 0;
     /// Draws one line of text in a proportional font, its upper left corner at (x, y), cut off at
     /// the picture's sides. Bytes that are no UTF-8 are shown as U+FFFD.
@@ -239,6 +278,8 @@ struct CommandInfo {
     std::string menu;
     std::string label;
     bool ready = false; ///< false: not built yet, greyed in the menu
+    std::string key{};
+    std::string advice{}; ///< what it does, in a sentence
 };
 
 /// Takes a text piece by piece, in order.

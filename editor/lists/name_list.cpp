@@ -244,6 +244,7 @@ constexpr Route routes[] = {
     {EventKind::wheel, plain<onWheel>},
     {EventKind::command, plain<onCommand>},
     {EventKind::drop, plain<onDrop>},
+    {EventKind::lookChange, plain<onResize>},
 };
 
 } // namespace

@@ -135,15 +135,6 @@ void BatchPlatform::finish() {
     destroyWindow();
 }
 
-const MenuItem* BatchPlatform::menuItem(int id) const {
-    for (const Menu& menu : bar) {
-        for (const MenuItem& item : menu.items) {
-            if (item.id == id) return &item;
-        }
-    }
-    return nullptr;
-}
-
 const Bitmap& BatchPlatform::currentPicture() {
     if (paintDue) {
         paintDue = false;
@@ -160,14 +151,13 @@ void BatchPlatform::setTitle(const std::string& newTitle) {
 void BatchPlatform::setMenuBar(const std::string&, const MenuBar& menus) { bar = menus; }
 
 void BatchPlatform::setMenuItem(int id, bool enabled, bool checked) {
-    for (Menu& menu : bar) {
-        for (MenuItem& item : menu.items) {
-            if (item.id != id) continue;
-            item.enabled = enabled;
-            item.checked = checked;
-        }
+    if (MenuItem* const item = findItem(bar, id)) {
+        item->enabled = enabled;
+        item->checked = checked;
     }
 }
+
+void BatchPlatform::searchCommands() { print(eventLine("search")); }
 
 void BatchPlatform::note(const std::string& told) {
     status.left = told;
@@ -288,7 +278,11 @@ bool BatchPlatform::escapeDown() {
     return abortAfter || escapeKey;
 }
 
-void BatchPlatform::openHelp() { print(eventLine("help")); }
+void BatchPlatform::openHelp(const std::string&) { print(eventLine("help")); }
+
+void BatchPlatform::showPage(const std::string& pageTitle, const std::string& page) {
+    print(text({{"event", "page"}, {"title", pageTitle}, {"text", page}}));
+}
 
 void BatchPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& shown,
                              const Font& font, std::uint32_t color) {

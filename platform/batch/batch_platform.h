@@ -37,7 +37,7 @@ class BatchPlatform : public Platform {
     bool answersLeft() const { return !answers.empty(); }
     bool exclamationShown() const { return exclamations > 0; }
     /// The item of the present menu bar with this id, or null.
-    const MenuItem* menuItem(int id) const;
+    const MenuItem* menuItem(int id) { return findItem(bar, id); }
     /// What the window shows now: it is painted first if that is due.
     const Bitmap& currentPicture();
     /// What the status line says; nothing while it is not shown.
@@ -54,8 +54,14 @@ class BatchPlatform : public Platform {
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return size; }
     double pixelScale() const override { return 1; }
+    bool darkTheme() const override { return false; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    // Nobody points at what stands outside of the client area.
+    void setToolBar(const std::vector<ToolButton>&) override {}
+    void showToolBar(bool) override {}
+    void openContextMenu(const std::vector<int>&) override {}
+    void searchCommands() override;
     void setStatusLine(const StatusLine& line) override { status = line; }
     void showStatusLine(bool shown) override { statusShown = shown; }
     void note(const std::string& text) override;
@@ -75,7 +81,8 @@ class BatchPlatform : public Platform {
     double workSeconds() const override { return 0; }
     void beep() override;
     bool escapeDown() override;
-    void openHelp() override;
+    void openHelp(const std::string& chapter) override;
+    void showPage(const std::string& pageTitle, const std::string& page) override;
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;

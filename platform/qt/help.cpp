@@ -1,44 +1,120 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Where the manual lies: beside an installed program, or in the source tree that it was built in.
 #include "platform/qt/help.h"
 
-#include "platform/qt/dialogs.h"
-
-#include <QCoreApplication>
 #include <QDesktopServices>
-#include <QDir>
-#include <QFileInfo>
-#include <QUrl>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QTextBlock>
+#include <QTextTable>
 
 namespace polyfab {
 namespace {
 
-/// Seen from the directory of the program file.
-constexpr const char* manualPlaces[] = {
-    "../share/doc/polyfab/manual.md",
-    "docs/manual.md",
-    "../docs/manual.md",
-    "../../docs/manual.md",
-};
+constexpr const char* manual = "qrc:/docs/manual.md";
 
-QString findManual() {
-    const QDir program(QCoreApplication::applicationDirPath());
-    for (const char* const place : manualPlaces) {
-        const QFileInfo file(program, QString::fromLatin1(place));
-        if (file.isFile()) return file.canonicalFilePath();
+/// As links call a chapter: small letters and digits, with lines for blanks.
+QString anchorOf(const QString& heading) {
+    QString anchor;
+    for (const QChar letter : heading.toLower()) {
+        if (letter == QLatin1Char(' ')) anchor += QLatin1Char('-');
+        if (letter.isLetterOrNumber() || letter == QLatin1Char('-')) anchor += letter;
     }
-    return {};
+    return anchor;
+}
+
+/// The toolkit makes no anchors of headings.
+void nameChapters(QTextDocument& document) {
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() == 0) continue;
+        QTextCursor cursor(block);
+        cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
+        QTextCharFormat format;
+        format.setAnchor(true);
+        format.setAnchorNames({anchorOf(block.text())});
+        cursor.mergeCharFormat(format);
+    }
+}
+
+/// Tables as wide as they need, with thin lines and air.
+void layTablesOut(QTextDocument& document) {
+    for (QTextFrame* const frame : document.rootFrame()->childFrames()) {
+        auto* const table = qobject_cast<QTextTable*>(frame);
+        if (table == nullptr) continue;
+        QTextTableFormat format = table->format();
+        format.setBorderCollapse(true);
+        format.setBorder(1);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+        format.setCellPadding(4);
+        format.setCellSpacing(0);
+        table->setFormat(format);
+    }
 }
 
 } // namespace
 
-void showManual(QWidget* owner) {
-    const QString manual = findManual();
-    if (manual.isEmpty()) {
-        showMessage(owner, "help", "the manual (docs/manual.md) is not installed", Icon::none);
-    } else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(manual))) {
-        showMessage(owner, "help", "the manual is " + manual.toStdString(), Icon::none);
+void ManualPages::doSetSource(const QUrl& url, QTextDocument::ResourceType type) {
+    if (!url.isRelative() && url.scheme() != QLatin1String("qrc")) {
+        QDesktopServices::openUrl(url);
+        return;
     }
+    QTextBrowser::doSetSource(url, type);
+    nameChapters(*document());
+    layTablesOut(*document());
+    if (url.hasFragment()) scrollToAnchor(url.fragment());
+}
+
+HelpWindow::HelpWindow() {
+    auto* const layout = new QVBoxLayout(this);
+    auto* const buttons = new QHBoxLayout;
+    const auto add = [&](const char* text, auto act) {
+        auto* const button = new QPushButton(QString::fromLatin1(text));
+        QObject::connect(button, &QPushButton::clicked, this, act);
+        buttons->addWidget(button);
+        return button;
+    };
+    add("contents", [this] { showChapter(QString()); });
+    QPushButton* const back = add("back", [this] { pages.backward(); });
+    QPushButton* const forth = add("forward", [this] { pages.forward(); });
+    buttons->addStretch();
+    add("close", [this] { hide(); });
+    back->setEnabled(false);
+    forth->setEnabled(false);
+    QObject::connect(&pages, &QTextBrowser::backwardAvailable, back, &QWidget::setEnabled);
+    QObject::connect(&pages, &QTextBrowser::forwardAvailable, forth, &QWidget::setEnabled);
+    layout->addLayout(buttons);
+    layout->addWidget(&pages);
+    new QShortcut(QKeySequence(Qt::Key_Escape), this, [this] { hide(); });
+    pages.document()->setDocumentMargin(12);
+    resize(QSize(90 * fontMetrics().averageCharWidth(), 40 * fontMetrics().lineSpacing())
+               .boundedTo(screen()->availableSize() - QSize(16, 48)));
+}
+
+void HelpWindow::showChapter(const QString& chapter) {
+    QUrl url(QString::fromLatin1(manual));
+    if (!chapter.isEmpty()) url.setFragment(chapter);
+    pages.setSource(url, QTextDocument::MarkdownResource);
+    bringUp(QStringLiteral("manual"));
+    if (chapter.isEmpty()) {
+        pages.moveCursor(QTextCursor::Start);
+    } else {
+        pages.scrollToAnchor(chapter); // laid out by now
+    }
+}
+
+void HelpWindow::showText(const QString& title, const QString& markdown) {
+    pages.setMarkdown(markdown);
+    layTablesOut(*pages.document());
+    bringUp(title);
+}
+
+void HelpWindow::bringUp(const QString& title) {
+    setWindowTitle(title);
+    show();
+    raise();
+    activateWindow();
+    pages.setFocus();
 }
 
 } // namespace polyfab

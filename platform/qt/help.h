@@ -1,12 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Where the manual lies.
+// The window that shows the manual, which is part of the program.
 #pragma once
 
-class QWidget;
+#include <QTextBrowser>
+#include <QWidget>
 
 namespace polyfab {
 
-/// Opens the manual with the user's own viewer; where there is none, a box says where it lies.
-void showManual(QWidget* owner);
+/// Shows Markdown pages whose chapters can be gone to by their names: "The box" is "#the-box".
+class ManualPages : public QTextBrowser {
+  protected:
+    void doSetSource(const QUrl& url, QTextDocument::ResourceType type) override;
+};
+
+class HelpWindow : public QWidget {
+  public:
+    HelpWindow();
+
+    void showChapter(const QString& chapter);
+    /// A page that is not in the manual.
+    void showText(const QString& title, const QString& markdown);
+
+  private:
+    void bringUp(const QString& title);
+    ManualPages pages;
+};
 
 } // namespace polyfab

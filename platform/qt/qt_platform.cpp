@@ -7,10 +7,9 @@
 
 #include "platform/end_signals.h"
 #include "platform/qt/dialogs.h"
-#include "platform/qt/help.h"
+#include "platform/qt/search.h"
 #include "platform/qt/text.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
@@ -222,10 +221,20 @@ void QtPlatform::setTitle(const std::string& text) {
 void QtPlatform::setMenuBar(const std::string&, const MenuBar& bar) { window.showMenuBar(bar); }
 
 void QtPlatform::setMenuItem(int id, bool enabled, bool checked) {
-    QAction* const action = window.action(id);
-    if (!action) return;
-    action->setEnabled(enabled);
-    action->setChecked(checked);
+    window.setItem(id, enabled, checked);
+}
+
+/// In the handler that asks for it the window still waits for the end of that.
+void QtPlatform::openContextMenu(const std::vector<int>& commands) {
+    QTimer::singleShot(0, &window, [this, commands] {
+        if (open && depth == 0) window.openContextMenu(commands);
+    });
+}
+
+void QtPlatform::searchCommands() {
+    const AroundBox around(window, input, clock, strip);
+    const int command = askCommand(owner(), window.shownMenuBar());
+    if (command != 0) queue({.kind = EventKind::command, .command = command});
 }
 
 void QtPlatform::requestPaint() {
@@ -247,6 +256,7 @@ void QtPlatform::destroyWindow() {
     waiting.clear();
     send({.kind = EventKind::destroy});
     window.hide();
+    help.reset();
     loop.exit();
 }
 
@@ -317,9 +327,17 @@ bool QtPlatform::escapeDown() {
     return input.escapePressed() || input.escapeDown();
 }
 
-void QtPlatform::openHelp() {
-    const AroundBox around(window, input, clock, strip);
-    showManual(owner());
+HelpWindow& QtPlatform::helpWindow() {
+    if (!help) help = std::make_unique<HelpWindow>();
+    return *help;
+}
+
+void QtPlatform::openHelp(const std::string& chapter) {
+    helpWindow().showChapter(QString::fromStdString(chapter));
+}
+
+void QtPlatform::showPage(const std::string& pageTitle, const std::string& text) {
+    helpWindow().showText(QString::fromStdString(pageTitle), QString::fromStdString(text));
 }
 
 std::optional<Bitmap> QtPlatform::clipboardBitmap() const {

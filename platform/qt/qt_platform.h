@@ -4,6 +4,7 @@
 
 #include "platform/platform.h"
 #include "platform/qt/folders.h"
+#include "platform/qt/help.h"
 #include "platform/qt/input_filter.h"
 #include "platform/qt/progress_strip.h"
 #include "platform/qt/window.h"
@@ -16,6 +17,7 @@
 
 #include <chrono>
 #include <deque>
+#include <memory>
 #include <string>
 
 namespace polyfab {
@@ -39,8 +41,13 @@ class QtPlatform : public Platform {
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return window.canvas().clientSize(); }
     double pixelScale() const override { return window.devicePixelRatioF(); }
+    bool darkTheme() const override { return window.palette().window().color().lightness() < 128; }
     void setMenuBar(const std::string& name, const MenuBar& bar) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    void setToolBar(const std::vector<ToolButton>& buttons) override { window.setTools(buttons); }
+    void showToolBar(bool shown) override { window.toolBar().setVisible(shown); }
+    void openContextMenu(const std::vector<int>& commands) override;
+    void searchCommands() override;
     void setStatusLine(const StatusLine& line) override { window.statusLine().tell(line); }
     void showStatusLine(bool shown) override { window.statusLine().setVisible(shown); }
     void note(const std::string& text) override { window.statusLine().tellLeft(text); }
@@ -59,7 +66,8 @@ class QtPlatform : public Platform {
     double workSeconds() const override { return clock.seconds(); }
     void beep() override;
     bool escapeDown() override;
-    void openHelp() override;
+    void openHelp(const std::string& chapter) override;
+    void showPage(const std::string& pageTitle, const std::string& text) override;
     std::optional<Bitmap> clipboardBitmap() const override;
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
@@ -74,6 +82,7 @@ class QtPlatform : public Platform {
     void endBySignal();
     static void endByExit();
     const QImage& currentPicture();
+    HelpWindow& helpWindow();
     void letShow();
     /// The owner of boxes: none while the window is not shown, so that they get a place of their
     /// own.
@@ -85,7 +94,8 @@ class QtPlatform : public Platform {
     Window window;
     ProgressStrip strip;
     WorkClock clock;
-    QLabel busy; ///< shows the last of the notices
+    std::unique_ptr<HelpWindow> help; ///< once it was wanted
+    QLabel busy;                      ///< shows the last of the notices
     std::vector<std::string> notices;
     std::string windowTitle;
     std::optional<std::string> firstFile; ///< until the start event was sent

@@ -132,55 +132,68 @@ void Canvas::dropEvent(QDropEvent* event) {
 }
 
 Window::Window(const WindowEvents& windowEvents)
-    : events(windowEvents), pane(new Canvas(windowEvents)), status(new StatusBar) {
+    : events(windowEvents), pane(new Canvas(windowEvents)), status(new StatusBar),
+      tools(new ToolBar([this](int command) { choose(command); })) {
+    setContextMenuPolicy(Qt::NoContextMenu);
     setCentralWidget(pane);
     setStatusBar(status);
+    addToolBar(tools);
+    tools->hide();
     // On a small screen as large as fits, with some room for what the desktop puts around it.
     resize(QSize(1200, 640).boundedTo(screen()->availableSize() - QSize(16, 48)));
     pane->resize(size()); // a first client size, until the frame is laid out
     pane->setFocus();
 }
 
-void Window::showMenuBar(const MenuBar& bar) {
+void Window::showMenuBar(const MenuBar& shown) {
+    bar = shown;
+    actions.clear();
     auto* const menus = new QMenuBar;
     menus->setNativeMenuBar(false);
     for (const Menu& menu : bar) {
-        QMenu* const shown = menus->addMenu(QString::fromStdString(menu.title));
-        QObject::connect(shown, &QMenu::aboutToShow, this, [this] {
-            pane->forgetKeys();
-            events.send({.kind = EventKind::menuOpening});
-        });
-        for (const MenuItem& item : menu.items) addItem(*shown, item);
+        QMenu* const added = menus->addMenu(QString::fromStdString(menu.title));
+        tellOpening(*added);
+        fillMenu(*added, menu.items, actions, [this](int command) { choose(command); });
     }
     setMenuBar(menus);
+    tools->follow(actions);
 }
 
-void Window::addItem(QMenu& menu, const MenuItem& item) {
-    if (item.id == 0) {
-        menu.addSeparator();
-        return;
-    }
-    QAction* const added = menu.addAction(QString::fromStdString(item.label));
-    added->setData(item.id);
-    added->setShortcuts(QKeySequence::listFromString(QString::fromStdString(item.key)));
-    added->setEnabled(item.enabled);
-    added->setCheckable(item.checkable);
-    added->setChecked(item.checked);
-    QObject::connect(added, &QAction::triggered, this, [this, added, id = item.id](bool checked) {
-        // The toolkit has just flipped the check mark, but only the program says what is on.
-        if (added->isCheckable()) added->setChecked(!checked);
-        // Later: the handler may replace the very menu that this comes from.
-        events.queue({.kind = EventKind::command, .command = id});
+void Window::tellOpening(QMenu& menu) {
+    QObject::connect(&menu, &QMenu::aboutToShow, this, [this] {
+        pane->forgetKeys();
+        events.send({.kind = EventKind::menuOpening});
     });
 }
 
-QAction* Window::action(int id) const {
-    for (const QAction* const menu : menuBar()->actions()) {
-        for (QAction* const item : menu->menu()->actions()) {
-            if (!item->isSeparator() && item->data().toInt() == id) return item;
-        }
+/// Later: the handler may replace the very menu that this comes from.
+void Window::choose(int command) { events.queue({.kind = EventKind::command, .command = command}); }
+
+void Window::setItem(int id, bool enabled, bool checked) {
+    QAction* const found = action(id);
+    MenuItem* const item = findItem(bar, id);
+    if (!found || !item) return;
+    found->setEnabled(item->enabled = enabled);
+    found->setChecked(item->checked = checked);
+    tools->follow(actions);
+}
+
+void Window::setTools(const std::vector<ToolButton>& buttons) {
+    tools->setButtons(buttons);
+    tools->follow(actions);
+    tools->setVisible(true);
+}
+
+void Window::openContextMenu(const std::vector<int>& commands) {
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setToolTipsVisible(true);
+    tellOpening(*menu);
+    for (const int id : commands) {
+        if (id == 0) menu->addSeparator();
+        if (QAction* const shared = action(id)) menu->addAction(shared);
     }
-    return nullptr;
+    menu->popup(QCursor::pos());
 }
 
 void Window::changeEvent(QEvent* event) {
@@ -188,6 +201,7 @@ void Window::changeEvent(QEvent* event) {
         pane->forgetKeys();
         events.send({.kind = EventKind::deactivate});
     }
+    if (event->type() == QEvent::PaletteChange) events.queue({.kind = EventKind::lookChange});
     QMainWindow::changeEvent(event);
 }
 

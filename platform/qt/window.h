@@ -5,7 +5,9 @@
 
 #include "platform/platform.h"
 #include "platform/qt/keys.h"
+#include "platform/qt/menus.h"
 #include "platform/qt/status_bar.h"
+#include "platform/qt/tool_bar.h"
 
 #include <QImage>
 #include <QMainWindow>
@@ -57,9 +59,15 @@ class Canvas : public QWidget {
 class Window : public QMainWindow {
   public:
     explicit Window(const WindowEvents& windowEvents);
-    void showMenuBar(const MenuBar& bar);
+    void showMenuBar(const MenuBar& shown);
+    const MenuBar& shownMenuBar() const { return bar; }
     /// The action of this command, or null.
-    QAction* action(int id) const;
+    QAction* action(int id) const { return actions.value(id); }
+    void setItem(int id, bool enabled, bool checked);
+    void setTools(const std::vector<ToolButton>& buttons);
+    ToolBar& toolBar() const { return *tools; }
+    /// Under the mouse.
+    void openContextMenu(const std::vector<int>& commands);
     Canvas& canvas() const { return *pane; }
     StatusBar& statusLine() const { return *status; }
 
@@ -68,11 +76,15 @@ class Window : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
 
   private:
-    void addItem(QMenu& menu, const MenuItem& item);
+    void tellOpening(QMenu& menu);
+    void choose(int command);
     WindowEvents events;
+    MenuBar bar;
+    Actions actions;
     // Owned by the toolkit.
     Canvas* pane;
     StatusBar* status;
+    ToolBar* tools;
 };
 
 } // namespace polyfab

@@ -156,9 +156,10 @@ const Program& toyProgram() {
 }
 
 std::string describe(const Event& event) {
-    constexpr const char* kinds[] = {
-        "create", "destroy", "resize", "deactivate", "menu", "paint", "close", "keyDown",
-        "keyUp",  "mouse",   "wheel",  "command",    "drop", "start", "idle",  "sessionEnd"};
+    constexpr const char* kinds[] = {"create", "destroy",   "resize",  "deactivate", "menu",
+                                     "paint",  "close",     "keyDown", "keyUp",      "mouse",
+                                     "wheel",  "command",   "drop",    "lookChange", "start",
+                                     "idle",   "sessionEnd"};
     std::string line = kinds[int(event.kind)];
     for (const int value :
          {event.command, event.key, event.x, event.y, static_cast<int>(event.buttons)}) {

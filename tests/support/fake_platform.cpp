@@ -29,12 +29,9 @@ void FakePlatform::setTitle(const std::string& text) {
 void FakePlatform::setMenuBar(const std::string&, const MenuBar& menus) { bar = menus; }
 
 void FakePlatform::setMenuItem(int id, bool enabled, bool checked) {
-    for (Menu& menu : bar) {
-        for (MenuItem& item : menu.items) {
-            if (item.id != id) continue;
-            item.enabled = enabled;
-            item.checked = checked;
-        }
+    if (MenuItem* const item = findItem(bar, id)) {
+        item->enabled = enabled;
+        item->checked = checked;
     }
 }
 

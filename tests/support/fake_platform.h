@@ -18,9 +18,9 @@ class FakePlatform : public Platform {
 
     /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
     /// has the exclamation icon), "question|TITLE|TEXT" (a "-" after "question" when no is marked),
-    /// "file|PROMPT|INITIAL", "busy|TEXT", "progress|TEXT|FRACTION",
-    /// "title|TEXT", "dialog|NAME|LABEL=DEFAULT", "note|TEXT", "beep", "help", "close",
-    /// "destroyed".
+    /// "file|PROMPT|INITIAL", "busy|TEXT", "progress|TEXT|FRACTION", "title|TEXT",
+    /// "dialog|NAME|LABEL=DEFAULT", "note|TEXT", "beep", "help|CHAPTER", "page|TITLE|TEXT",
+    /// "search", "close", "destroyed".
     std::vector<std::string> log;
 
     std::deque<Choice> choices;                         ///< for questions; empty: no
@@ -34,8 +34,12 @@ class FakePlatform : public Platform {
 
     Size size{1024, 512};
     double scale = 1;
+    bool dark = false;
     std::string windowTitle;
     MenuBar bar;
+    std::vector<ToolButton> tools;
+    bool toolsShown = true;
+    std::vector<int> contextMenu; ///< that was opened last
     StatusLine status;
     bool statusShown = true;
     bool watched = false;
@@ -53,8 +57,13 @@ class FakePlatform : public Platform {
     void setTitle(const std::string& text) override;
     Size clientSize() const override { return size; }
     double pixelScale() const override { return scale; }
+    bool darkTheme() const override { return dark; }
     void setMenuBar(const std::string& name, const MenuBar& menus) override;
     void setMenuItem(int id, bool enabled, bool checked) override;
+    void setToolBar(const std::vector<ToolButton>& buttons) override { tools = buttons; }
+    void showToolBar(bool shown) override { toolsShown = shown; }
+    void openContextMenu(const std::vector<int>& commands) override { contextMenu = commands; }
+    void searchCommands() override { log.push_back("search"); }
     void setStatusLine(const StatusLine& line) override { status = line; }
     void showStatusLine(bool shown) override { statusShown = shown; }
     void note(const std::string& text) override { log.push_back("note|" + text); }
@@ -73,7 +82,10 @@ class FakePlatform : public Platform {
     double workSeconds() const override { return seconds += secondsPerLook; }
     void beep() override { log.push_back("beep"); }
     bool escapeDown() override { return escapeAfter >= 0 && escapeAfter-- == 0; }
-    void openHelp() override { log.push_back("help"); }
+    void openHelp(const std::string& chapter) override { log.push_back("help|" + chapter); }
+    void showPage(const std::string& title, const std::string& text) override {
+        log.push_back("page|" + title + "|" + text);
+    }
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
