@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How everything in the panes looks. Colours hold on the light background for the colour-blind too;
+// How everything in the panes looks. Colours hold on their background for the colour-blind too;
 // what may lie side by side also differs in width or dash, so that no colour is needed.
 #pragma once
 
@@ -33,6 +33,8 @@ struct Look {
     std::uint32_t gridText = 0xFF6A727B;
     std::uint32_t faceNumber = 0xFF7A3C00;
     std::uint32_t vertexNumber = 0xFF303840;
+    std::uint32_t listText = 0xFF000000; ///< of name lists
+    std::uint32_t listCurrent = 0xFFC80000;
 
     double pixel = 1; ///< device pixels to one of the desktop's
     double normalLength = 20;
@@ -54,10 +56,16 @@ struct Look {
 
     Look() = default;
     /// As large to the eye on a desktop of so many device pixels to one of its own.
-    explicit Look(double pixelScale);
+    explicit Look(double pixelScale, bool dark = false);
+
+  private:
+    void turnDark();
 };
 
 /// The present look; each picture is drawn with that of the window's desktop.
 inline Look look;
+
+/// Makes it the look of the platform's desktop as that is now.
+void updateLook();
 
 } // namespace polyfab

@@ -214,7 +214,7 @@ void refresh(Mesh& mesh, Size client, const Markers& markers) {
     if (stale.edges || wireframe.edges.first.size() != static_cast<std::size_t>(mesh.np) + 1) {
         listEdges(mesh, wireframe.edges);
     }
-    look = Look(platform().pixelScale());
+    updateLook();
     draw(mesh, markers);
     stale = {false, false, false};
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/lists/name_list_picture.h"
 
+#include "display/look.h"
 #include "display/pane_images.h"
 #include "editor/editor_state.h"
 
@@ -8,10 +9,6 @@
 
 namespace polyfab {
 namespace {
-
-constexpr std::uint32_t background = 0xFFFAFAF7;
-constexpr std::uint32_t black = 0xFF000000;
-constexpr std::uint32_t red = 0xFFC80000;
 
 struct Cell {
     Cell(const ListGrid& grid, int place)
@@ -25,7 +22,7 @@ struct Cell {
 void drawCell(Bitmap& picture, const ListGrid& grid, int place, const std::string& text,
               bool picked, std::uint32_t color) {
     const Cell cell(grid, place);
-    fillRectangle(picture, cell.x, cell.y, cell.size, background);
+    fillRectangle(picture, cell.x, cell.y, cell.size, look.background);
     if (picked) drawImage(picture, cell.x + 1, cell.y + 2, paneImages.right);
     platform().drawText(picture, cell.x + textIndent, cell.y + 1, text, listFont(grid), color);
 }
@@ -33,9 +30,10 @@ void drawCell(Bitmap& picture, const ListGrid& grid, int place, const std::strin
 } // namespace
 
 Bitmap drawNameList(const NameListRow& list, const std::vector<int>& counts, Size client) {
+    updateLook();
     constexpr int cells = listColumns * listRows;
     Bitmap picture =
-        plainPicture(std::max(client.width, 0), std::max(client.height, 0), background);
+        plainPicture(std::max(client.width, 0), std::max(client.height, 0), look.background);
     const ListGrid grid(client);
     if (grid.columnWidth <= 0 || grid.rowHeight <= 0) return picture;
     const int entries = OB->*list.count;
@@ -45,10 +43,10 @@ Bitmap drawNameList(const NameListRow& list, const std::vector<int>& counts, Siz
         const int entry = first + place;
         const std::string text = entryText(list, entry, counts[static_cast<std::size_t>(entry)]);
         drawCell(picture, grid, place, text, list.picked(entry),
-                 entry == OB->*list.current ? red : black);
+                 entry == OB->*list.current ? look.listCurrent : look.listText);
     }
     if (entries < cells) {
-        drawCell(picture, grid, cells - 1, "(press esc or click a name)", false, black);
+        drawCell(picture, grid, cells - 1, "(press esc or click a name)", false, look.listText);
     }
     return picture;
 }
