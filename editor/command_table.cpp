@@ -411,6 +411,18 @@ const Command* findCommand(int id) {
     return row == table.end() ? nullptr : &*row;
 }
 
+std::string plainLabel(std::string text) {
+    const std::size_t mark = text.find('&');
+    if (mark != std::string::npos && mark >= 2 && mark + 2 == text.size()
+        && text.compare(mark - 2, 2, ": ") == 0) {
+        text.resize(mark - 2);
+        if (text.ends_with(' ')) text.pop_back();
+    }
+    if (mark == 0 && text.compare(2, 2, ": ") == 0) text.erase(0, 4);
+    std::erase(text, '&');
+    return text;
+}
+
 void runCommand(int id) {
     const Command* const command = findCommand(id);
     if (command == nullptr || command->handler == nullptr) return;

@@ -42,6 +42,10 @@ inline constexpr const char* helpMenu = "&help";
 /// The command of this id, or null.
 [[nodiscard]] const Command* findCommand(int id);
 
+/// A label without the marks of mnemonic letters, and without letters that are only there for that:
+/// ": &9" behind it, "&4: " before it.
+[[nodiscard]] std::string plainLabel(std::string text);
+
 /// Carries the command out and brings the check marks up to date. What is not built yet, or no
 /// command at all, does nothing.
 void runCommand(int id);

@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/menus.h"
 
+#include "editor/command_advice.h"
 #include "editor/command_table.h"
+#include "editor/menu_layout.h"
+#include "editor/modes/modes.h"
 #include "workbench/recent_files.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace polyfab {
@@ -14,17 +20,96 @@ namespace {
 struct BarRow {
     std::string_view name;
     bool (*has)(std::string_view menu);
+    std::string_view takenKey{}; ///< a shortcut that the view itself has a use for
 };
 
 constexpr BarRow bars[] = {
     {"POLYFAB", [](std::string_view menu) { return menu != listMenu; }},
-    {"GMENUMENU", [](std::string_view menu) { return menu == listMenu || menu == helpMenu; }},
-    {"MENUMENU", [](std::string_view menu) { return menu == helpMenu; }},
+    {"GMENUMENU", [](std::string_view menu) { return menu == listMenu || menu == helpMenu; }, "F1"},
+    {"MENUMENU", [](std::string_view menu) { return menu == helpMenu; }, "F1"},
 };
 
 Shown shownNow(const Command& command) {
     if (command.shown != nullptr) return command.shown();
     return {command.label, command.handler != nullptr, false};
+}
+
+/// A mark that says which of several holds: the mode that is on, what rotations turn.
+bool isRadio(const Command& command) {
+    return entersMode(command.id) || excludeEachOther(menuPlace(command.id).kind);
+}
+
+bool isChecked(const Command& command) {
+    if (entersMode(command.id)) return command.id == presentModeCommand();
+    return command.checked != nullptr && command.checked();
+}
+
+MenuItem itemOf(const Command& command, const Shown& now, bool withKey) {
+    const bool radio = isRadio(command);
+    return {.id = command.id,
+            .label = now.label,
+            .enabled = now.enabled,
+            .checkable = radio || command.checked != nullptr,
+            .checked = isChecked(command),
+            .key = withKey ? command.key : "",
+            .radio = radio,
+            .name = plainLabel(now.label),
+            .advice = adviceOf(command.id),
+            .items = {}};
+}
+
+/// A row of the table on its way into its menu.
+struct Placed {
+    const Command* command;
+    Shown now;
+    MenuPlace place;
+};
+
+/// The items that the next command of this kind goes behind, with the separator that parts it from
+/// another kind. None stands between sub-menus.
+std::vector<MenuItem>& roomFor(Menu& menu, const char* subMenu, bool newKind) {
+    const auto part = [](std::vector<MenuItem>& items) {
+        if (!items.empty()) items.push_back({});
+    };
+    if (subMenu == nullptr) {
+        if (newKind) part(menu.items);
+        return menu.items;
+    }
+    const bool afterSubMenu = !menu.items.empty() && !menu.items.back().items.empty();
+    if (!afterSubMenu || menu.items.back().label != subMenu) {
+        if (!afterSubMenu) part(menu.items);
+        menu.items.push_back({.label = subMenu});
+        newKind = false;
+    }
+    std::vector<MenuItem>& inner = menu.items.back().items;
+    if (newKind) part(inner);
+    return inner;
+}
+
+Menu layOut(const char* title, std::vector<Placed> rows, std::string_view takenKey) {
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const Placed& a, const Placed& b) { return a.place < b.place; });
+    Menu menu{title, {}};
+    int kind = -1;
+    for (const Placed& row : rows) {
+        const bool newKind = std::exchange(kind, row.place.kind) != row.place.kind;
+        roomFor(menu, subMenuOf(kind), newKind)
+            .push_back(itemOf(*row.command, row.now, row.command->key != takenKey));
+    }
+    return menu;
+}
+
+/// Those rows of one heading that are shown. What is not laid out follows its neighbour.
+std::vector<Placed> rowsOf(std::string_view heading) {
+    std::vector<Placed> rows;
+    MenuPlace place;
+    for (const Command& command : commandTable()) {
+        if (command.menu != heading) continue;
+        const MenuPlace own = menuPlace(command.id);
+        if (own.kind >= 0) place = own;
+        if (Shown now = shownNow(command); !now.hidden) rows.push_back({&command, now, place});
+    }
+    return rows;
 }
 
 /// What the rows that change say now.
@@ -43,19 +128,14 @@ std::vector<std::string> labelsInBar;
 
 void showMenuBar(const std::string& name) {
     MenuBar shown;
-    for (const BarRow& bar : bars) {
-        if (bar.name != name) continue;
-        for (const Command& command : commandTable()) {
-            if (!bar.has(command.menu)) continue;
-            const Shown now = shownNow(command);
-            if (now.hidden) continue;
-            if (shown.empty() || shown.back().title != command.menu) {
-                shown.push_back({command.menu, {}});
-            }
-            const bool checkable = command.checked != nullptr;
-            shown.back().items.push_back({command.id, now.label, now.enabled, checkable,
-                                          checkable && command.checked(), command.key});
+    const auto bar = std::find_if(std::begin(bars), std::end(bars),
+                                  [&](const BarRow& row) { return row.name == name; });
+    const char* heading = "";
+    for (const Command& command : commandTable()) {
+        if (command.menu == std::exchange(heading, command.menu) || !bar->has(command.menu)) {
+            continue;
         }
+        shown.push_back(layOut(command.menu, rowsOf(command.menu), bar->takenKey));
     }
     platform().setMenuBar(name, shown);
     labelsInBar = changingLabels();
@@ -67,8 +147,8 @@ void refreshMenuBar() {
 
 void updateCheckMarks() {
     for (const Command& command : commandTable()) {
-        if (command.checked == nullptr) continue;
-        platform().setMenuItem(command.id, command.handler != nullptr, command.checked());
+        if (command.checked == nullptr && !isRadio(command)) continue;
+        platform().setMenuItem(command.id, command.handler != nullptr, isChecked(command));
     }
 }
 
@@ -83,7 +163,8 @@ void updateGreying() {
 std::vector<CommandInfo> listCommands() {
     std::vector<CommandInfo> list;
     for (const Command& command : commandTable()) {
-        list.push_back({command.id, command.menu, command.label, command.handler != nullptr});
+        list.push_back({command.id, command.menu, command.label, command.handler != nullptr,
+                        command.key, adviceOf(command.id)});
     }
     return list;
 }

@@ -49,26 +49,12 @@ const Command* commandOf(const Event& event) {
     return event.kind == EventKind::command ? findCommand(plainCommand(event.command)) : nullptr;
 }
 
-/// A label without the marks of mnemonic letters, and without letters that are only there for that:
-/// ": &9" behind it, "&4: " before it.
-std::string plain(std::string text) {
-    const std::size_t mark = text.find('&');
-    if (mark != std::string::npos && mark >= 2 && mark + 2 == text.size()
-        && text.compare(mark - 2, 2, ": ") == 0) {
-        text.resize(mark - 2);
-        if (text.ends_with(' ')) text.pop_back();
-    }
-    if (mark == 0 && text.compare(2, 2, ": ") == 0) text.erase(0, 4);
-    std::erase(text, '&');
-    return text;
-}
-
 /// What the menu calls the step that the event may lead to.
 std::string labelOf(const Event& event) {
-    if (editorState.subview != 0) return plain(workbench.modeName) + " list";
+    if (editorState.subview != 0) return plainLabel(workbench.modeName) + " list";
     if (event.kind == EventKind::keyDown && event.key == key::home) return "box";
-    if (const Command* const command = commandOf(event)) return plain(command->label);
-    return event.kind == EventKind::command ? "" : plain(workbench.modeName);
+    if (const Command* const command = commandOf(event)) return plainLabel(command->label);
+    return event.kind == EventKind::command ? "" : plainLabel(workbench.modeName);
 }
 
 bool movesInHistory(const Event& event) {
@@ -81,7 +67,7 @@ void recordDrag() {
     beginEvent(true);
     endDrag();
     endEvent();
-    recordStep(plain(workbench.modeName), Snap::now);
+    recordStep(plainLabel(workbench.modeName), Snap::now);
 }
 
 /// The progress of a command or of the read that a drop is; nothing else is to last.
@@ -89,7 +75,7 @@ void trackWork(const Event& event, std::optional<LongWork>& work) {
     const Command* const command = commandOf(event);
     if (command == nullptr) return;
     const bool noUndo = command->escape == Escape::stopsReading && !undoIsOn();
-    work.emplace(plain(command->label), noUndo ? Escape::stops : command->escape);
+    work.emplace(plainLabel(command->label), noUndo ? Escape::stops : command->escape);
 }
 
 /// Whether there may be something new to come back from, outside drags and lists. A key that

@@ -10,14 +10,15 @@ list() {
     cat <<'HEAD'
 # All commands
 
-Made from the program's own table (`polyfab --help-commands`): do not edit. The number is what
-`--command` of [batch mode](manual.md) takes; what is *later* is greyed in the menu.
+Made from the program's own tables (`polyfab --describe-commands`): do not edit. The number is what
+`--command` of [batch mode](manual.md#without-a-window) takes; what is not built yet is greyed in the
+menu. Menus, their tool tips, the search (Ctrl+F) and the sheet of keys say the same.
 
-| Number | Menu | Command | State |
-|---|---|---|---|
+| Number | Menu | Command | Key | What it does |
+|---|---|---|---|---|
 HEAD
-    build/release/polyfab --help-commands | sed -e 's/&//g' -e 's/[`|*_]/\\&/g' |
-        awk -F '\t' '{ printf "| %s | %s | %s | %s |\n", $1, $2, $3, $4 == "later" ? "*later*" : $4 }'
+    build/release/polyfab --describe-commands | sed -e 's/&//g' -e 's/[`|*_<]/\\&/g' |
+        awk -F '\t' '{ printf "| %s | %s | %s | %s | %s |\n", $1, $2, $3, $4, $5 }'
 }
 
 if [[ ${1-} == --check ]]; then

@@ -214,6 +214,19 @@ bool entersMode(int command) {
                        [=](const Mode& mode) { return mode.command == command; });
 }
 
+int presentModeCommand() { return presentMode().command; }
+
+const char* modeHelpOf(int command) {
+    const auto row = std::find_if(modes.begin(), modes.end(),
+                                  [=](const Mode& mode) { return mode.command == command; });
+    return row == modes.end() ? "" : row->help;
+}
+
+bool modeUsesRightButton() {
+    const Press& press = presentMode().press;
+    return press.begin != nullptr && (press.buttons & button::right) != 0;
+}
+
 const char* modeHelp() { return presentMode().help; }
 
 void restoreModeName() { workbench.modeName = presentMode().name; }

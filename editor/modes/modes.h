@@ -14,8 +14,17 @@ void enterMode(int command);
 /// Whether a menu command enters a mode.
 [[nodiscard]] bool entersMode(int command);
 
+/// The command that enters the present mode.
+[[nodiscard]] int presentModeCommand();
+
 /// What the mouse does in the present mode, in one line.
 [[nodiscard]] const char* modeHelp();
+
+/// The same for the mode that this command enters; "" when it enters none.
+[[nodiscard]] const char* modeHelpOf(int command);
+
+/// Whether the present mode has a use for the right button.
+[[nodiscard]] bool modeUsesRightButton();
 
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();

@@ -101,4 +101,13 @@ std::string commandList(const Program& program) {
     return list;
 }
 
+std::string describedCommands(const Program& program) {
+    std::string list;
+    for (const CommandInfo& row : program.commands()) {
+        list += std::to_string(row.id) + '\t' + row.menu + '\t' + row.label + '\t' + row.key + '\t'
+                + row.advice + '\n';
+    }
+    return list;
+}
+
 } // namespace polyfab

@@ -24,4 +24,7 @@ int runConvert(const Program& program, const std::string& input, const std::stri
 /// The table of commands as text: id, menu, label and "ready" or "later", parted by tabs.
 std::string commandList(const Program& program);
 
+/// The same with what people want to know: id, menu, label, shortcut and a sentence.
+std::string describedCommands(const Program& program);
+
 } // namespace polyfab

@@ -21,6 +21,7 @@ constexpr char usage[] = "usage: polyfab [FILE]                open the editor's
                          "                                     run without a window\n"
                          "       polyfab --convert IN OUT      read IN, write OUT\n"
                          "       polyfab --help-commands       list the menu commands\n"
+                         "       polyfab --describe-commands   list what they do\n"
                          "       polyfab --help | --version\n"
                          "       polyfab --undo-memory MIB ... memory for undo; 0: none\n";
 
@@ -49,6 +50,8 @@ constexpr RunRow runRows[] = {
     {"--convert", 2, 2, convert},
     {"--help-commands", 0, 0,
      [](const Program& program, const Args&) { return print(commandList(program)); }},
+    {"--describe-commands", 0, 0,
+     [](const Program& program, const Args&) { return print(describedCommands(program)); }},
     {"--version", 0, 0,
      [](const Program&, const Args&) { return print("polyfab " POLYFAB_VERSION "\n"); }},
     {"--help", 0, 0, [](const Program&, const Args&) { return print(usage); }},

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/command_advice.h"
 #include "editor/command_table.h"
 #include "mesh/store.h"
 #include "tests/editor/window_fixture.h"
@@ -10,19 +11,37 @@ namespace {
 
 using Window = WindowEvents;
 
+/// The commands of a menu and of its sub-menus. No separator stands at an end of either.
+std::vector<MenuItem> allItems(const std::vector<MenuItem>& items) {
+    std::vector<MenuItem> all;
+    const auto parts = [](const MenuItem& item) { return item.id == 0 && item.items.empty(); };
+    EXPECT_FALSE(items.empty() || parts(items.front()) || parts(items.back()));
+    for (const MenuItem& item : items) {
+        if (item.id != 0) all.push_back(item);
+        if (item.items.empty()) continue;
+        for (const MenuItem& inner : allItems(item.items)) all.push_back(inner);
+    }
+    return all;
+}
+
 TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
     addCube();
     const std::string before = dump();
     std::set<std::string> titles{listMenu}; // which stands in the bar of its sub-view
+    std::set<int> ids;
     for (const Menu& menu : shown.bar) {
         EXPECT_TRUE(titles.insert(menu.title).second); // a menu's commands stand together
-        for (const MenuItem& item : menu.items) {
+        for (const MenuItem& item : allItems(menu.items)) {
+            EXPECT_TRUE(ids.insert(item.id).second) << item.id;
             const bool built = findCommand(item.id)->handler != nullptr;
             // Undo and redo grey while there is nothing for them to do.
             EXPECT_TRUE(item.enabled == built || menu.title == "&edit");
+            EXPECT_EQ(built, item.advice != adviceOf(1037)) << item.id; // that is not built
             if (!built) command(item.id);
         }
     }
+    // But for those of a list's bar, and the ten recent files that there are not.
+    EXPECT_EQ(ids.size() + 11, commandTable().size());
     command(104); // the accelerator's command, which the window ignores
     EXPECT_EQ(dump(), before);
     EXPECT_TRUE(shown.log.empty());
