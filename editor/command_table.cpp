@@ -108,6 +108,12 @@ constexpr Command stoppable(Command row, Escape escape = Escape::stops) {
     return slow(row);
 }
 
+/// One that changes no more than what is selected.
+constexpr Command selecting(Command row) {
+    row.selects = true;
+    return row;
+}
+
 Shown shownStep(const char* label, const std::string& step) {
     return {step.empty() ? label : label + (" " + step), !step.empty()};
 }
@@ -224,26 +230,30 @@ constexpr auto table = std::to_array<Command>({
     {1077, graphs, "set to scale as a function of &z", later},
 
     slow({280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces}),
-    {290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"},
-    {291, facesMenu, "&unselect all faces", unselectAllFaces},
-    {2031, facesMenu, "in&vert the selection", onMesh<invertSelection>, nullptr, "Ctrl+I"},
-    {2032, facesMenu, "grow the selection by one ring: &+", onMesh<growSelection>, nullptr,
-     "Ctrl++"},
-    {2033, facesMenu, "shrink the selection by one ring: &-", onMesh<shrinkSelection>, nullptr,
-     "Ctrl+-"},
-    {2034, facesMenu, "select all faces connected to the selected ones: &2",
-     onMesh<selectConnected>},
-    {2035, facesMenu, "select faces of the current face's material: &m",
-     onMesh<selectSameMaterial>},
-    {2036, facesMenu, "select faces of the current face's group: &u", onMesh<selectSameGroup>},
-    {2037, facesMenu, "select faces in the current face's plane: &e", onMesh<selectSamePlane>},
-    {292, facesMenu, "select faces in &box", selectInBox},
-    {293, facesMenu, "unselect faces in box : &9", unselectInBox},
-    {294, facesMenu, "select faces out o&f box", selectOutOfBox},
-    {295, facesMenu, "unselect faces ou&t of box", unselectOutOfBox},
+    selecting({290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"}),
+    selecting({291, facesMenu, "&unselect all faces", unselectAllFaces}),
+    selecting(
+        {2031, facesMenu, "in&vert the selection", onMesh<invertSelection>, nullptr, "Ctrl+I"}),
+    selecting({2032, facesMenu, "grow the selection by one ring: &+", onMesh<growSelection>,
+               nullptr, "Ctrl++"}),
+    selecting({2033, facesMenu, "shrink the selection by one ring: &-", onMesh<shrinkSelection>,
+               nullptr, "Ctrl+-"}),
+    selecting({2034, facesMenu, "select all faces connected to the selected ones: &2",
+               onMesh<selectConnected>}),
+    selecting({2035, facesMenu, "select faces of the current face's material: &m",
+               onMesh<selectSameMaterial>}),
+    selecting(
+        {2036, facesMenu, "select faces of the current face's group: &u", onMesh<selectSameGroup>}),
+    selecting(
+        {2037, facesMenu, "select faces in the current face's plane: &e", onMesh<selectSamePlane>}),
+    selecting({292, facesMenu, "select faces in &box", selectInBox}),
+    selecting({293, facesMenu, "unselect faces in box : &9", unselectInBox}),
+    selecting({294, facesMenu, "select faces out o&f box", selectOutOfBox}),
+    selecting({295, facesMenu, "unselect faces ou&t of box", unselectOutOfBox}),
     {2003, facesMenu, "fit the box to the selected faces: &0", fitBoxToSelected},
-    {325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise},
-    {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise},
+    selecting({325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise}),
+    selecting(
+        {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise}),
     {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
     {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
     slow({268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }}),
@@ -264,9 +274,10 @@ constexpr auto table = std::to_array<Command>({
     {1035, facesMenu, "insert faces to fill a &hole", later},
     slow({1052, facesMenu, "insert faces to fill all holes: &8", later}),
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
-    {1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
-     unselectSmallFaces},
-    {1088, facesMenu, "unselect all selected faces with non-&zero area", unselectFacesWithArea},
+    selecting({1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
+               unselectSmallFaces}),
+    selecting({1088, facesMenu, "unselect all selected faces with non-&zero area",
+               unselectFacesWithArea}),
 
     stoppable({390, vertexes, "weld &all very close points", [] { weldclose(*OB, true); }}),
     stoppable({1061, vertexes, "&bring all very close points together, don't weld them",

@@ -29,6 +29,7 @@ struct Command {
     Shown (*shown)() = nullptr;  ///< null: always as the row says
     Escape escape = Escape::stopsNothing; ///< what the Escape key does while it runs
     bool takesLong = false;               ///< with a large mesh
+    bool selects = false;                 ///< of the mesh it changes no more than the selection
 };
 
 /// Heading of what stands only in the menu bars of name lists.

@@ -107,6 +107,14 @@ Snap snapAfter(const Event& event) {
     return reads ? Snap::beforeTheNextChange : Snap::now;
 }
 
+/// What may have become another in the mesh by this, or by the drag or in the list that it ends.
+Changed changedBy(const Event& event, bool listed) {
+    const Command* const command = commandOf(event);
+    const bool selects =
+        command != nullptr ? command->selects : event.kind == EventKind::mouse && modeSelects();
+    return selects || listed ? Changed::facesOnly : Changed::anything;
+}
+
 /// When the user was first seen to rest, by the clock of work; below 0: he is at work. A headless
 /// run never rests: that clock stands still there.
 double restsSince = -1;
@@ -202,7 +210,8 @@ void handleEvent(const Event& event) {
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
     if (editorState.subview != 0 ? listed && altered : ended) {
-        recordStep(step.empty() ? label : std::string(step), snapAfter(event));
+        recordStep(step.empty() ? label : std::string(step), snapAfter(event),
+                   changedBy(event, listed));
     }
     if (ended || movesInHistory(event)) countFaces();
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();

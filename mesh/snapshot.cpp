@@ -165,8 +165,8 @@ std::shared_ptr<const Chunk> chunkOf(const std::byte* values, std::size_t size, 
 
 class Taker {
   public:
-    Taker(const Mesh& ofMesh, const Snapshot* snapshotBefore)
-        : mesh(ofMesh), before(snapshotBefore) {}
+    Taker(const Mesh& ofMesh, const Snapshot* snapshotBefore, Changed whatChanged)
+        : mesh(ofMesh), before(snapshotBefore), changed(whatChanged) {}
 
     Snapshot take() {
         Snapshot taken{};
@@ -176,6 +176,11 @@ class Taker {
         Arrays::each([&]<typename Each>(std::size_t number, std::size_t first) {
             taken.arrays[number] = {mesh.*Each::count, mesh.*Each::capacity,
                                     mesh.*Each::array != nullptr};
+            if (isAsBefore<Each>(taken.arrays[number], number)) {
+                std::copy_n(before->columns.begin() + first, Each::columns,
+                            taken.columns.begin() + first);
+                return;
+            }
             takeArray<Each>(lengthOf(taken.arrays[number]), first);
             for (std::size_t i = first; i < first + Each::columns; ++i) {
                 taken.columns[i] = finished(i);
@@ -185,6 +190,14 @@ class Taker {
     }
 
   private:
+    /// Whether the array need not be looked at. What can be selected may be another.
+    template <typename Each>
+    bool isAsBefore(const Snapshot::Array& array, std::size_t number) const {
+        constexpr bool selectable = requires(typename Each::Record record) { record.selected; };
+        return !selectable && changed == Changed::facesOnly && before != nullptr
+               && before->arrays[number] == array;
+    }
+
     const Chunks* chunksBefore(std::size_t column) const {
         return before != nullptr ? before->columns[column].get() : nullptr;
     }
@@ -222,6 +235,7 @@ class Taker {
 
     const Mesh& mesh;
     const Snapshot* before;
+    Changed changed;
     std::array<Chunks, Snapshot::columnCount> chunks;
     std::unique_ptr<std::byte[]> buffer =
         std::make_unique_for_overwrite<std::byte[]>(chunkLength * largest);
@@ -315,8 +329,8 @@ std::size_t snapshotBytes() { return liveBytes; }
 
 bool hasPoints(const Snapshot& snapshot) { return snapshot.arrays.front().count > 0; }
 
-SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before) {
-    Snapshot taken = Taker(mesh, before.get()).take();
+SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before, Changed changed) {
+    Snapshot taken = Taker(mesh, before.get(), changed).take();
     if (before != nullptr && equal(taken, *before)) return before;
     return std::make_shared<const Snapshot>(std::move(taken));
 }

@@ -74,12 +74,17 @@ struct ColumnFacts {
 
 [[nodiscard]] const std::array<ColumnFacts, Snapshot::columnCount>& columnFacts();
 
+/// What may differ from the snapshot before: anything, or only the faces with their groups,
+/// materials, areas and parts. The latter spares the way through all points and corners.
+enum class Changed { anything, facesOnly };
+
 /// The mesh as it is now. `before` (or null) is the snapshot to share with, and is itself the
 /// result when nothing is different. Linear, and without a difference no memory is taken. May throw
 /// std::bad_alloc.
 ///
 /// A reference that leads nowhere, as a corner of no face may hold, is kept as none.
-[[nodiscard]] SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before);
+[[nodiscard]] SnapshotRef takeSnapshot(const Mesh& mesh, const SnapshotRef& before,
+                                       Changed changed = Changed::anything);
 
 /// Whether the mesh has any points.
 [[nodiscard]] bool hasPoints(const Snapshot& snapshot);

@@ -183,7 +183,7 @@ bool enterStep(SnapshotRef mesh, const EditorPart& now, const std::string& label
     return content;
 }
 
-void record(const std::string& label, Snap snap) {
+void record(const std::string& label, Snap snap, Changed changed) {
     const EditorPart now = presentPart();
     bool content = false;
     // As long as a snapshot is due the mesh is what it was.
@@ -191,7 +191,7 @@ void record(const std::string& label, Snap snap) {
         takeDueSnapshot();
         const SnapshotRef before = history.states[history.at].mesh;
         const bool waits = snap == Snap::beforeTheNextChange && countsDiffer(*OB, *before);
-        content = enterStep(waits ? nullptr : takeSnapshot(*OB, before), now, label);
+        content = enterStep(waits ? nullptr : takeSnapshot(*OB, before, changed), now, label);
     }
     settleMarks(content);
     history.before = now;
@@ -282,10 +282,10 @@ bool endEvent() {
     return altered;
 }
 
-void recordStep(const std::string& label, Snap snap) {
+void recordStep(const std::string& label, Snap snap, Changed changed) {
     if (OB == nullptr) return;
     if (history.states.empty()) return startHistory();
-    inMemory([&] { record(label, snap); });
+    inMemory([&] { record(label, snap, changed); });
 }
 
 void completeNewestStep() {

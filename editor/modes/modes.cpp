@@ -17,12 +17,13 @@ namespace polyfab {
 namespace {
 
 struct Mode {
-    int command;      ///< the menu command that enters it
-    int value;        ///< of EditorState::mode
-    char axis;        ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
-    const char* name; ///< shown in the title
-    const char* help; ///< what the mouse does, in the status line
-    Press press{};    ///< the same for the editor; nothing unless told
+    int command;          ///< the menu command that enters it
+    int value;            ///< of EditorState::mode
+    char axis;            ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
+    const char* name;     ///< shown in the title
+    const char* help;     ///< what the mouse does, in the status line
+    Press press{};        ///< the same for the editor; nothing unless told
+    bool selects = false; ///< it only selects faces
 };
 
 constexpr auto modes = std::to_array<Mode>({
@@ -159,31 +160,36 @@ constexpr auto modes = std::to_array<Mode>({
      0,
      "selecting groups by clicking the mesh",
      "click: select the group of a face, and nothing else",
-     {selectGroupAt}},
+     {selectGroupAt},
+     true},
     {379,
      1101,
      0,
      "selecting materials by clicking the mesh",
      "click: select the faces of a material, and nothing else",
-     {selectMaterialAt}},
+     {selectMaterialAt},
+     true},
     {381,
      1104,
      0,
      "selecting parts by clicking the mesh",
      "click: select a part, and nothing else",
-     {selectPartAt}},
+     {selectPartAt},
+     true},
     {380,
      1108,
      0,
      "selecting texture map areas by clicking the mesh",
      "click: select a texture map area, and nothing else",
-     {selectTextureMapAreaAt}},
+     {selectTextureMapAreaAt},
+     true},
     {selectByRectangle,
      1110,
      0,
      "select by rectangle",
      "drag: select the faces inside - right drag: those it touches - Shift: add - Ctrl: take away",
-     {dragRectangle, anyButton}},
+     {dragRectangle, anyButton},
+     true},
 });
 
 const Mode& presentMode() {
@@ -228,6 +234,8 @@ bool modeUsesRightButton() {
 }
 
 const char* modeHelp() { return presentMode().help; }
+
+bool modeSelects() { return presentMode().selects; }
 
 void restoreModeName() { workbench.modeName = presentMode().name; }
 

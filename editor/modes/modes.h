@@ -26,6 +26,9 @@ void enterMode(int command);
 /// Whether the present mode has a use for the right button.
 [[nodiscard]] bool modeUsesRightButton();
 
+/// Whether the mouse changes no more of the mesh, in the present mode, than what is selected.
+[[nodiscard]] bool modeSelects();
+
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();
 

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Selecting faces through the window's events, from the press to the result, with the step of undo
+// and the counts that the status line tells. The picture comes later and is not drawn here.
+#include "bench/grid.h"
+#include "bench/growth.h"
+#include "display/view.h"
+#include "editor/modes/modes.h"
+#include "editor/window.h"
+#include "mesh/mesh.h"
+#include "mesh/stale.h"
+#include "tests/support/fake_platform.h"
+
+namespace polyfab::bench {
+namespace {
+
+void mouse(int x, int y, unsigned buttons) {
+    handleEvent({.kind = EventKind::mouse, .x = x, .y = y, .buttons = buttons});
+}
+
+void command(int id) { handleEvent({.kind = EventKind::command, .command = id}); }
+
+/// The grid as it stands after a read, shown in a window of 1920x1000 pixels.
+void prepare(test::FakePlatform& shown, std::int64_t triangles) {
+    shown.size = {1920, 1000};
+    handleEvent({.kind = EventKind::create});
+    buildGridMesh(triangles);
+    handleEvent({.kind = EventKind::resize});
+    fitView(*OB);
+    command(selectByRectangle);
+    handleEvent({.kind = EventKind::paint});
+    mouse(1, 1, button::left); // so that the first step is taken before the clock starts
+    mouse(1, 1, 0);
+}
+
+/// Rectangles over a quarter of the left pane, at two places in turn.
+void rectangle(benchmark::State& state, unsigned button) {
+    test::FakePlatform shown;
+    prepare(shown, state.range(0));
+    int from = 200;
+    for (auto _ : state) {
+        mouse(from, from, button);
+        mouse(from + 480, from + 480, button);
+        mouse(from + 480, from + 480, 0);
+        from = 500 - from;
+    }
+    showRate(state, "triangles", OB->nf);
+}
+
+template <unsigned button>
+void rectangleWith(benchmark::State& state) {
+    rectangle(state, button);
+}
+
+/// A command on a selection of half of the faces.
+template <int id>
+void runs(benchmark::State& state) {
+    test::FakePlatform shown;
+    prepare(shown, state.range(0));
+    mouse(10, 10, button::left);
+    mouse(470, 990, 0);
+    for (auto _ : state) command(id);
+    showRate(state, "triangles", OB->nf);
+}
+
+} // namespace
+} // namespace polyfab::bench
+
+int main(int argc, char** argv) {
+    using namespace polyfab::bench;
+    using namespace polyfab;
+    constexpr std::int64_t quarter = 250'000;
+    addGrowth("rectangle, faces inside", rectangleWith<button::left>, quarter);
+    addGrowth("rectangle, faces touched", rectangleWith<button::right>, quarter);
+    addGrowth("invert the selection", runs<2031>, quarter);
+    addGrowth("grow the selection", runs<2032>, quarter);
+    addGrowth("shrink the selection", runs<2033>, quarter);
+    addGrowth("select all connected", runs<2034>, quarter);
+    return runGrowth(argc, argv);
+}
