@@ -108,11 +108,19 @@ struct StatusLine {
     std::string right; ///< what the window shows
 };
 
+/// Which part of a row of columns, pages or the like the window shows.
+struct ScrollBar {
+    int first = 0; ///< of those that are shown
+    int shown = 0;
+    int all = 0;
+};
+
 /// Virtual-key codes that have a name here; letters and digits are their capital ASCII codes.
 namespace key {
-inline constexpr int shift = 16, ctrl = 17, alt = 18, escape = 27, pageUp = 33, pageDown = 34,
-                     home = 36, del = 46, keypadPoint = 110, f1 = 112, f2 = 113, f3 = 114,
-                     fullStop = 190;
+inline constexpr int enter = 13, shift = 16, ctrl = 17, alt = 18, escape = 27, space = 32,
+                     pageUp = 33, pageDown = 34, end = 35, home = 36, left = 37, up = 38,
+                     right = 39, down = 40, del = 46, keypadPoint = 110, f1 = 112, f2 = 113,
+                     f3 = 114, fullStop = 190;
 }
 
 /// Commands that are spoken of outside of the command table.
@@ -204,6 +212,9 @@ class Platform {
     /// Tells what a command did or left out: in the left of the status line, until that is set
     /// anew.
     virtual void note(const std::string& text) = 0;
+    /// A scroll bar below the client area, unless all is shown. Where the user takes it comes as
+    /// turns of the wheel at (-1, -1): a step for each unit, towards him for those behind.
+    virtual void setScrollBar(const ScrollBar& bar) = 0;
     /// Changes one item of the present menu bar; an id that is not there is ignored.
     virtual void setMenuItem(int id, bool enabled, bool checked) = 0;
     /// Puts buttons above the client area, for commands of the menu bar, and shows them.
@@ -263,6 +274,8 @@ class Platform {
     /// No font, or a height below 1: nothing is drawn, and the width is 0.
     virtual void drawText(Bitmap& picture, int x, int y, const std::string& text, const Font& font,
                           std::uint32_t color) = 0;
+    /// Pixels of a line in the font of the desktop's own menus and buttons; 0: there is no desktop.
+    virtual int desktopTextHeight() const = 0;
     /// Pixels that drawText advances for this text.
     virtual int textWidth(const std::string& text, const Font& font) = 0;
 };

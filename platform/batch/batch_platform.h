@@ -65,6 +65,7 @@ class BatchPlatform : public Platform {
     void setStatusLine(const StatusLine& line) override { status = line; }
     void showStatusLine(bool shown) override { statusShown = shown; }
     void note(const std::string& text) override;
+    void setScrollBar(const ScrollBar&) override {} // no step of a script takes hold of it
     void requestPaint() override { paintDue = true; }
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override;
@@ -86,6 +87,7 @@ class BatchPlatform : public Platform {
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
+    int desktopTextHeight() const override { return 0; }
     int textWidth(const std::string& text, const Font& font) override;
 
   private:

@@ -21,6 +21,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <iterator>
@@ -356,6 +357,10 @@ std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
 void QtPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                           std::uint32_t color) {
     paintText(drawn, x, y, text, font, color);
+}
+
+int QtPlatform::desktopTextHeight() const {
+    return int(std::ceil(window.fontMetrics().height() * window.devicePixelRatioF()));
 }
 
 int QtPlatform::textWidth(const std::string& text, const Font& font) {

@@ -51,6 +51,7 @@ class QtPlatform : public Platform {
     void setStatusLine(const StatusLine& line) override { window.statusLine().tell(line); }
     void showStatusLine(bool shown) override { window.statusLine().setVisible(shown); }
     void note(const std::string& text) override { window.statusLine().tellLeft(text); }
+    void setScrollBar(const ScrollBar& bar) override { window.showScrollBar(bar); }
     void requestPaint() override;
     void present(const Bitmap& shown) override;
     void requestClose() override;
@@ -71,6 +72,7 @@ class QtPlatform : public Platform {
     std::optional<Bitmap> clipboardBitmap() const override;
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
+    int desktopTextHeight() const override;
     int textWidth(const std::string& text, const Font& font) override;
 
   private:

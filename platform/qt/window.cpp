@@ -2,6 +2,7 @@
 // The main window's two widgets.
 #include "platform/qt/window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -10,8 +11,12 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace polyfab {
@@ -32,6 +37,17 @@ std::vector<std::string> localFiles(const QMimeData& data) {
     return paths;
 }
 
+/// With it an Alt key that goes up does not take the keyboard to the menus: Alt also goes with
+/// clicks and letters that are meant for the canvas. Alt and a letter open a menu all the same.
+class AltIsAModifier : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_MenuBar_AltKeyNavigation) return 0;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
 } // namespace
 
 Canvas::Canvas(const WindowEvents& windowEvents) : events(windowEvents) {
@@ -45,6 +61,15 @@ Canvas::Canvas(const WindowEvents& windowEvents) : events(windowEvents) {
 Size Canvas::clientSize() const {
     const double ratio = devicePixelRatioF();
     return {int(std::lround(width() * ratio)), int(std::lround(height() * ratio))};
+}
+
+bool Canvas::event(QEvent* event) {
+    // What Delete does depends on the mode, so that the program gets the key and no menu item.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (key.key() == Qt::Key_Delete && key.modifiers() == Qt::NoModifier) event->accept();
+    }
+    return QWidget::event(event);
 }
 
 void Canvas::paintEvent(QPaintEvent*) {
@@ -132,13 +157,28 @@ void Canvas::dropEvent(QDropEvent* event) {
 }
 
 Window::Window(const WindowEvents& windowEvents)
-    : events(windowEvents), pane(new Canvas(windowEvents)), status(new StatusBar),
-      tools(new ToolBar([this](int command) { choose(command); })) {
+    : events(windowEvents), pane(new Canvas(windowEvents)), scroll(new QScrollBar(Qt::Horizontal)),
+      status(new StatusBar), tools(new ToolBar([this](int command) { choose(command); })) {
     setContextMenuPolicy(Qt::NoContextMenu);
-    setCentralWidget(pane);
+    auto* const middle = new QWidget;
+    auto* const column = new QVBoxLayout(middle);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(pane, 1);
+    column->addWidget(scroll);
+    scroll->hide();
+    QObject::connect(scroll, &QScrollBar::valueChanged, this, [this](int first) {
+        const double behind = first - scrolledTo;
+        events.send({.kind = EventKind::wheel, .x = -1, .y = -1, .steps = -behind});
+    });
+    setCentralWidget(middle);
     setStatusBar(status);
     addToolBar(tools);
     tools->hide();
+    QObject::connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, [this] {
+        const QList<QAction*> menus = menuBar()->actions();
+        if (!menus.isEmpty()) menuBar()->setActiveAction(menus.constFirst());
+    });
     // On a small screen as large as fits, with some room for what the desktop puts around it.
     resize(QSize(1200, 640).boundedTo(screen()->availableSize() - QSize(16, 48)));
     pane->resize(size()); // a first client size, until the frame is laid out
@@ -150,6 +190,9 @@ void Window::showMenuBar(const MenuBar& shown) {
     actions.clear();
     auto* const menus = new QMenuBar;
     menus->setNativeMenuBar(false);
+    auto* const style = new AltIsAModifier;
+    style->setParent(menus);
+    menus->setStyle(style);
     for (const Menu& menu : bar) {
         QMenu* const added = menus->addMenu(QString::fromStdString(menu.title));
         tellOpening(*added);
@@ -164,6 +207,15 @@ void Window::tellOpening(QMenu& menu) {
         pane->forgetKeys();
         events.send({.kind = EventKind::menuOpening});
     });
+}
+
+void Window::showScrollBar(const ScrollBar& list) {
+    const QSignalBlocker quiet(scroll); // the program knows
+    scrolledTo = list.first;
+    scroll->setRange(0, std::max(list.all - list.shown, 0));
+    scroll->setPageStep(list.shown);
+    scroll->setValue(list.first);
+    scroll->setVisible(list.all > list.shown);
 }
 
 /// Later: the handler may replace the very menu that this comes from.
@@ -196,10 +248,21 @@ void Window::openContextMenu(const std::vector<int>& commands) {
     menu->popup(QCursor::pos());
 }
 
+/// A key for which the menu bar has no use, left with the keyboard by a menu that was closed.
+void Window::keyPressEvent(QKeyEvent* event) {
+    if (focusWidget() != menuBar()) return QMainWindow::keyPressEvent(event);
+    pane->setFocus();
+    QApplication::sendEvent(pane, event);
+}
+
 void Window::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
-        pane->forgetKeys();
-        events.send({.kind = EventKind::deactivate});
+    if (event->type() == QEvent::ActivationChange) {
+        if (isActiveWindow()) {
+            pane->setFocus(); // wherever it was when the window was left
+        } else {
+            pane->forgetKeys();
+            events.send({.kind = EventKind::deactivate});
+        }
     }
     if (event->type() == QEvent::PaletteChange) events.queue({.kind = EventKind::lookChange});
     QMainWindow::changeEvent(event);

@@ -11,6 +11,7 @@
 
 #include <QImage>
 #include <QMainWindow>
+#include <QScrollBar>
 #include <functional>
 
 namespace polyfab {
@@ -38,6 +39,7 @@ class Canvas : public QWidget {
     void forgetKeys() { down.clear(); }
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -61,6 +63,7 @@ class Window : public QMainWindow {
     explicit Window(const WindowEvents& windowEvents);
     void showMenuBar(const MenuBar& shown);
     const MenuBar& shownMenuBar() const { return bar; }
+    void showScrollBar(const ScrollBar& list);
     /// The action of this command, or null.
     QAction* action(int id) const { return actions.value(id); }
     void setItem(int id, bool enabled, bool checked);
@@ -72,6 +75,7 @@ class Window : public QMainWindow {
     StatusBar& statusLine() const { return *status; }
 
   protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
@@ -83,8 +87,10 @@ class Window : public QMainWindow {
     Actions actions;
     // Owned by the toolkit.
     Canvas* pane;
+    QScrollBar* scroll;
     StatusBar* status;
     ToolBar* tools;
+    int scrolledTo = 0; ///< as the program knows it
 };
 
 } // namespace polyfab

@@ -95,6 +95,37 @@ TEST_F(QtWindow, LettersAndShortcutsWorkTheMenus) {
     EXPECT_EQ(taken(), Log{"menu"});
 }
 
+TEST_F(QtWindow, KeysStayWithTheCanvas) {
+    backend.setMenuBar("A", {{"&one", {{21, "&first", true, false, false, "Del"}}}});
+    taken();
+    QTest::keyClick(window.windowHandle(), Qt::Key_Alt);
+    EXPECT_EQ(QApplication::focusWidget(), &window.canvas());
+    window.menuBar()->setFocus(); // where a menu that was closed leaves it
+    QTest::keyClick(window.windowHandle(), Qt::Key_Home);
+    QTest::keyClick(window.windowHandle(), Qt::Key_Delete);
+    EXPECT_EQ(taken(),
+              (Log{"keyDown 18", "keyUp 18", "keyDown 36", "keyUp 36", "keyDown 46", "keyUp 46"}));
+    window.menuBar()->setFocus();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&other));
+    activate();
+    EXPECT_EQ(QApplication::focusWidget(), &window.canvas());
+}
+
+TEST_F(QtWindow, TheScrollBarTurnsTheWheel) {
+    auto* const scroll = window.findChild<QScrollBar*>();
+    taken();
+    backend.setScrollBar({1, 4, 7});
+    EXPECT_TRUE(scroll->isVisible() && scroll->value() == 1 && scroll->maximum() == 3);
+    scroll->setValue(3);
+    EXPECT_EQ(taken(), Log{"wheel -1 -1 steps -2.000000"});
+    backend.setScrollBar({0, 4, 4});
+    EXPECT_FALSE(scroll->isVisible());
+    EXPECT_EQ(taken(), Log{});
+}
+
 TEST_F(QtWindow, ACommandSeesCtrlAsItIs) {
     backend.setMenuBar("A", bar);
     const auto choose = [&](Qt::KeyboardModifiers held) {

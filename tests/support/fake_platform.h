@@ -35,12 +35,14 @@ class FakePlatform : public Platform {
     Size size{1024, 512};
     double scale = 1;
     bool dark = false;
+    int desktopText = 0; ///< height of a line
     std::string windowTitle;
     MenuBar bar;
     std::vector<ToolButton> tools;
     bool toolsShown = true;
     std::vector<int> contextMenu; ///< that was opened last
     StatusLine status;
+    ScrollBar scrollBar;
     bool statusShown = true;
     bool watched = false;
     Bitmap picture; ///< what was presented last
@@ -67,6 +69,7 @@ class FakePlatform : public Platform {
     void setStatusLine(const StatusLine& line) override { status = line; }
     void showStatusLine(bool shown) override { statusShown = shown; }
     void note(const std::string& text) override { log.push_back("note|" + text); }
+    void setScrollBar(const ScrollBar& shown) override { scrollBar = shown; }
     void requestPaint() override { ++paintRequests; }
     void present(const Bitmap& shown) override { picture = shown; }
     void requestClose() override { log.push_back("close"); }
@@ -89,6 +92,7 @@ class FakePlatform : public Platform {
     std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
+    int desktopTextHeight() const override { return desktopText; }
     /// Half a line height for each byte.
     int textWidth(const std::string& text, const Font& font) override {
         return static_cast<int>(text.size()) * font.height / 2;
