@@ -63,6 +63,8 @@ void Look::turnDark() {
     vertexNumber = 0xFFD2DAE2;
     listText = 0xFFE8E8E8;
     listCurrent = 0xFFFF7A6B;
+    listPicked = 0xFF2B4A66;
+    listPickedBar = 0xFF6FB1E8;
 }
 
 void updateLook() { look = Look(platform().pixelScale(), platform().darkTheme()); }

@@ -35,6 +35,8 @@ struct Look {
     std::uint32_t vertexNumber = 0xFF303840;
     std::uint32_t listText = 0xFF000000; ///< of name lists
     std::uint32_t listCurrent = 0xFFC80000;
+    std::uint32_t listPicked = 0xFFC3DCF1;    ///< behind a picked name
+    std::uint32_t listPickedBar = 0xFF2F6FA7; ///< in front of it
 
     double pixel = 1; ///< device pixels to one of the desktop's
     double normalLength = 20;

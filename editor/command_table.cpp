@@ -144,7 +144,7 @@ constexpr auto table = std::to_array<Command>({
     recentRow<7>("recent file &8"),
     recentRow<8>("recent file &9"),
     recentRow<9>("recent file 1&0"),
-    {262, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
+    {exitCommand, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
 
     {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
     {redoCommand, edit, "&redo", redo, nullptr, "Ctrl+Shift+Z; Ctrl+Y", shownRedo},

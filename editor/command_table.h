@@ -37,6 +37,9 @@ inline constexpr const char* listMenu = "&list";
 /// Heading that every menu bar has.
 inline constexpr const char* helpMenu = "&help";
 
+/// The command that wants to close the window, in lists too.
+inline constexpr int exitCommand = 262;
+
 /// Every command, in menu order.
 [[nodiscard]] std::span<const Command> commandTable();
 

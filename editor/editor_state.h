@@ -15,11 +15,12 @@ inline constexpr int defaultMode = ' ';
 
 /// What the four name lists share. The switches outlive an opening, the rest does not.
 struct NameListState {
-    int pointed = -1;    ///< entry under the mouse; -1: none
-    int pressed = -1;    ///< entry of the last left press: a drag starts there
-    int closingKey = 0;  ///< Escape, F1, F2 or F3: closed the list; 0: a click did
-    int firstColumn = 0; ///< first column of names that the window shows
-    int x = -1;          ///< where the mouse was last, in client pixels
+    int pointed = -1;     ///< entry under the mouse; -1: none
+    int pressed = -1;     ///< entry of the last left press: a drag starts there
+    int closingKey = 0;   ///< Escape, F1, F2 or F3: closed the list; 0: a click did
+    int first = 0;        ///< entry in the upper left corner: the window shows whole columns
+    bool toggled = false; ///< the last left press was one with Ctrl, and has turned its pick round
+    int x = -1;           ///< where the mouse was last, in client pixels
     int y = -1;
     double wheel = 0;            ///< what fine wheels have turned short of a whole step
     bool longTextShown = false;  ///< the title is the text of the pointed entry

@@ -3,6 +3,7 @@
 
 #include "editor/command_advice.h"
 #include "editor/command_table.h"
+#include "editor/history/undo.h"
 #include "editor/menu_layout.h"
 #include "editor/modes/modes.h"
 #include "workbench/recent_files.h"
@@ -16,20 +17,36 @@
 namespace polyfab {
 namespace {
 
-/// Which headings a menu bar has.
+bool isMoveInHistory(const Command& command) {
+    return command.id == undoCommand || command.id == redoCommand;
+}
+
+/// Whether every list has it: its shortcut works there, or is seen not to.
+bool isInLists(const Command& command) {
+    return command.menu == std::string_view(helpMenu) || command.id == exitCommand
+           || isMoveInHistory(command);
+}
+
+/// A shortcut that a list has a use for itself.
+bool isTakenByLists(const Command& command) { return command.key == std::string_view("F1"); }
+
+/// What a menu bar has.
 struct BarRow {
     std::string_view name;
-    bool (*has)(std::string_view menu);
-    std::string_view takenKey{}; ///< a shortcut that the view itself has a use for
+    bool (*has)(const Command& command);
+    bool ofList = false; ///< it belongs to a list, which has a use for F1 itself
 };
 
 constexpr BarRow bars[] = {
-    {"POLYFAB", [](std::string_view menu) { return menu != listMenu; }},
-    {"GMENUMENU", [](std::string_view menu) { return menu == listMenu || menu == helpMenu; }, "F1"},
-    {"MENUMENU", [](std::string_view menu) { return menu == helpMenu; }, "F1"},
+    {"POLYFAB", [](const Command& c) { return c.menu != std::string_view(listMenu); }},
+    {"GMENUMENU",
+     [](const Command& c) { return c.menu == std::string_view(listMenu) || isInLists(c); }, true},
+    {"MENUMENU", isInLists, true},
 };
 
-Shown shownNow(const Command& command) {
+/// An open list holds picks that are no step yet, so that nothing is undone there.
+Shown shownNow(const Command& command, bool inList = false) {
+    if (inList && isMoveInHistory(command)) return {command.label, false};
     if (command.shown != nullptr) return command.shown();
     return {command.label, command.handler != nullptr, false};
 }
@@ -86,7 +103,7 @@ std::vector<MenuItem>& roomFor(Menu& menu, const char* subMenu, bool newKind) {
     return inner;
 }
 
-Menu layOut(const char* title, std::vector<Placed> rows, std::string_view takenKey) {
+Menu layOut(const char* title, std::vector<Placed> rows, const BarRow& bar) {
     std::stable_sort(rows.begin(), rows.end(),
                      [](const Placed& a, const Placed& b) { return a.place < b.place; });
     Menu menu{title, {}};
@@ -94,20 +111,22 @@ Menu layOut(const char* title, std::vector<Placed> rows, std::string_view takenK
     for (const Placed& row : rows) {
         const bool newKind = std::exchange(kind, row.place.kind) != row.place.kind;
         roomFor(menu, subMenuOf(kind), newKind)
-            .push_back(itemOf(*row.command, row.now, row.command->key != takenKey));
+            .push_back(
+                itemOf(*row.command, row.now, !(bar.ofList && isTakenByLists(*row.command))));
     }
     return menu;
 }
 
 /// Those rows of one heading that are shown. What is not laid out follows its neighbour.
-std::vector<Placed> rowsOf(std::string_view heading) {
+std::vector<Placed> rowsOf(std::string_view heading, const BarRow& bar) {
     std::vector<Placed> rows;
     MenuPlace place;
     for (const Command& command : commandTable()) {
-        if (command.menu != heading) continue;
+        if (command.menu != heading || !bar.has(command)) continue;
         const MenuPlace own = menuPlace(command.id);
         if (own.kind >= 0) place = own;
-        if (Shown now = shownNow(command); !now.hidden) rows.push_back({&command, now, place});
+        if (Shown now = shownNow(command, bar.ofList); !now.hidden)
+            rows.push_back({&command, now, place});
     }
     return rows;
 }
@@ -132,10 +151,9 @@ void showMenuBar(const std::string& name) {
                                   [&](const BarRow& row) { return row.name == name; });
     const char* heading = "";
     for (const Command& command : commandTable()) {
-        if (command.menu == std::exchange(heading, command.menu) || !bar->has(command.menu)) {
-            continue;
-        }
-        shown.push_back(layOut(command.menu, rowsOf(command.menu), bar->takenKey));
+        if (command.menu == std::exchange(heading, command.menu)) continue;
+        std::vector<Placed> rows = rowsOf(command.menu, *bar);
+        if (!rows.empty()) shown.push_back(layOut(command.menu, std::move(rows), *bar));
     }
     platform().setMenuBar(name, shown);
     labelsInBar = changingLabels();

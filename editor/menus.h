@@ -9,7 +9,8 @@
 namespace polyfab {
 
 /// Puts the menu bar of this name on the window: "POLYFAB" for the mesh itself, "GMENUMENU" for the
-/// list of groups, "MENUMENU" for the other lists. What is not built yet is greyed.
+/// list of groups, "MENUMENU" for the other lists. What is not built yet is greyed, and in lists
+/// undo.
 void showMenuBar(const std::string& name);
 
 /// Puts the bar of the mesh on the window anew when rows of it have to say something else by now.

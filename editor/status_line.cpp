@@ -3,6 +3,7 @@
 
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
+#include "editor/lists/name_list.h"
 #include "editor/modes/drag.h"
 #include "editor/modes/modes.h"
 #include "mesh/faces.h"
@@ -19,16 +20,19 @@ std::string left() {
     if (!notes().empty()) return notes();
     if (editorState.subview != 0) {
         return "click a name: pick it and close - Ctrl+click: pick more - right click: rename - "
-               "Esc: close";
+               "letter: go to a name - Esc: close";
     }
     return modeHelp();
 }
 
 std::string right() {
     const FaceCounts& faces = editorState.faces;
-    return counted(faces.selected) + " of " + counted(faces.live, "face") + " selected   "
-           + OB->currentGroupName() + " / " + OB->currentMaterialName()
-           + (isAltered() ? "   altered" : "");
+    const std::string shown = editorState.subview != 0
+                                  ? nameListRange()
+                                  : counted(faces.selected) + " of " + counted(faces.live, "face")
+                                        + " selected   " + OB->currentGroupName() + " / "
+                                        + OB->currentMaterialName();
+    return shown + (isAltered() ? "   altered" : "");
 }
 
 } // namespace

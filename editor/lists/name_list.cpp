@@ -14,10 +14,12 @@
 #include "mesh/group_order.h"
 #include "mesh/names.h"
 #include "mesh/stale.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <iterator>
 #include <string>
@@ -31,8 +33,8 @@ using List = NameListRow;
 int entryAt(const List& list, int x, int y) {
     const ListGrid grid(platform().clientSize());
     if (x < 0 || y < 0 || grid.columnWidth <= 0 || grid.rowHeight <= 0) return -1;
-    const std::int64_t column = x / grid.columnWidth + nameList.firstColumn;
-    const std::int64_t entry = column * listRows + y / grid.rowHeight;
+    const std::int64_t column = x / grid.columnWidth;
+    const std::int64_t entry = nameList.first + column * grid.rows + y / grid.rowHeight;
     return entry < OB->*list.count ? static_cast<int>(entry) : -1;
 }
 
@@ -40,6 +42,16 @@ int entryAt(const List& list, int x, int y) {
 void pointAtMouse(const List& list) {
     nameList.pointed = entryAt(list, nameList.x, nameList.y);
     OB->*list.current = static_cast<std::int16_t>(nameList.pointed);
+}
+
+/// The columns of the whole list.
+int columnsOf(const List& list, const ListGrid& grid) {
+    return (OB->*list.count + grid.rows - 1) / grid.rows;
+}
+
+void showScrollBar(const List& list) {
+    const ListGrid grid(platform().clientSize());
+    platform().setScrollBar({nameList.first / grid.rows, listColumns, columnsOf(list, grid)});
 }
 
 /// The text of the pointed entry when it is too long for its column; otherwise "".
@@ -84,6 +96,7 @@ void rename(const List& list, int entry) {
 
 void clickEntry(const List& list, int entry) {
     const bool adds = keyIsDown(key::ctrl);
+    nameList.toggled = adds;
     if (!adds) pickAll(list, false);
     list.pick(entry, !list.picked(entry));
     if (adds || keyIsDown(key::alt)) return;
@@ -91,22 +104,34 @@ void clickEntry(const List& list, int entry) {
     closeSubview();
 }
 
+/// The button went up here, after a press elsewhere in a list whose entries can be moved. That was
+/// no click then.
+const char* dropEntry(const List& list, int entry) {
+    const int pressed = nameList.pressed;
+    if (nameList.toggled) list.pick(pressed, !list.picked(pressed));
+    if (entry < 0) return "";
+    moveGroup(*OB, pressed, entry);
+    return "reorder";
+}
+
 /// What the buttons do to the pointed entry. What undo calls it, if that is not like the list; else
 /// "".
 const char* useButtons(const List& list) {
     const int entry = nameList.pointed;
     const int history = editorState.buttons;
-    if (leftPressed()) nameList.pressed = entry;
-    if (entry < 0) return "";
+    if (leftPressed()) {
+        nameList.pressed = entry;
+        nameList.toggled = false;
+    }
     const int pressed = nameList.pressed;
+    if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
+        return dropEntry(list, entry);
+    }
+    if (entry < 0) return "";
     if (history == 1) clickEntry(list, entry);
     if (history == 2 && list.name != nullptr) {
         rename(list, entry);
         return "rename";
-    }
-    if (history == 4 && list.reorders && pressed >= 0 && pressed != entry) {
-        moveGroup(*OB, pressed, entry);
-        return "reorder";
     }
     return "";
 }
@@ -124,12 +149,41 @@ const char* onMouse(const List& list, const Event& event) {
     return step;
 }
 
-/// Scrolls sideways, as far as there are entries for a full window.
+/// Puts this column first, as far as there are entries for a full window.
+void scrollTo(const List& list, int column) {
+    const ListGrid grid(platform().clientSize());
+    const int last = std::max(columnsOf(list, grid) - listColumns, 0);
+    nameList.first = std::clamp(column, 0, last) * grid.rows;
+    showScrollBar(list);
+}
+
 void scroll(const List& list, int columns) {
-    const int all = (OB->*list.count + listRows - 1) / listRows;
-    const int last = std::max(all - listColumns, 0);
-    nameList.firstColumn = std::clamp(nameList.firstColumn + columns, 0, last);
+    const ListGrid grid(platform().clientSize());
+    scrollTo(list, nameList.first / grid.rows + columns);
     if (nameList.x >= 0) pointAtMouse(list); // another entry has come under the mouse
+}
+
+/// The entry becomes the pointed one, wherever the mouse is, and is scrolled into view.
+void goToEntry(const List& list, int entry) {
+    nameList.pointed = entry;
+    OB->*list.current = static_cast<std::int16_t>(entry);
+    const ListGrid grid(platform().clientSize());
+    const int column = entry / grid.rows, first = nameList.first / grid.rows;
+    scrollTo(list, std::clamp(first, column - listColumns + 1, column));
+}
+
+/// Goes to the next entry, behind the current one and then from the first on, that begins with the
+/// letter or digit.
+void jump(const List& list, int letter) {
+    const int entries = OB->*list.count;
+    for (int i = 1; i <= entries; ++i) {
+        const int entry = (OB->*list.current + i) % entries;
+        const std::string name = entryName(list, entry);
+        if (!name.empty() && std::toupper(static_cast<unsigned char>(name[0])) == letter) {
+            return goToEntry(list, entry);
+        }
+    }
+    note(std::string("nothing here begins with ") + static_cast<char>(letter));
 }
 
 void onWheel(const List& list, const Event& event) {
@@ -149,21 +203,39 @@ void closeByKey(const List&, int code) {
 }
 
 void addEntry(const List& list, int) {
-    if (list.add != nullptr) list.add();
+    list.add();
+    showScrollBar(list);
 }
 
 void toggleSelectedOnly(const List&, int) { nameList.selectedOnly = !nameList.selectedOnly; }
 
-void setTextureNumbers(const List& list, int) {
-    if (!list.texturesShow) return;
+void setTextureNumbers(const List&, int) {
     for (Group* group = OB->groups; group != OB->groups + OB->ng; ++group) {
         if (group->selected) group->texture = static_cast<std::uint8_t>(workbench.textureNumber);
     }
 }
 
+bool hasCurrent(const List& list) {
+    return OB->*list.current >= 0 && OB->*list.current < OB->*list.count;
+}
+
+void toggleCurrent(const List& list, int) {
+    const int entry = OB->*list.current;
+    if (hasCurrent(list)) list.pick(entry, !list.picked(entry));
+}
+
+/// The same as a click on it.
+void takeCurrent(const List& list, int) {
+    if (!hasCurrent(list)) return;
+    pickAll(list, false);
+    list.pick(OB->*list.current, true);
+    closeByKey(list, 0);
+}
+
 struct KeyRow {
     int code;
     void (*act)(const List& list, int code);
+    bool (*used)(const List& list) = nullptr; ///< null: by every list
 };
 
 constexpr KeyRow keyRows[] = {
@@ -173,20 +245,32 @@ constexpr KeyRow keyRows[] = {
     {key::f3, closeByKey},
     {key::pageUp, [](const List& list, int) { scroll(list, -listColumns); }},
     {key::pageDown, [](const List& list, int) { scroll(list, listColumns); }},
+    {key::space, toggleCurrent},
+    {key::enter, takeCurrent},
     {'A', [](const List& list, int) { pickAll(list, true); }},
     {'C', [](const List& list, int) { pickAll(list, false); }},
-    {'N', addEntry},
+    {'N', addEntry, [](const List& list) { return list.add != nullptr; }},
     {'S', toggleSelectedOnly},
-    {'T', setTextureNumbers},
+    {'T', setTextureNumbers, [](const List& list) { return list.texturesShow; }},
 };
 
+/// What the key does in the list; null: nothing. Letters that have no use of their own there, and
+/// all of them with Shift, go to a name.
+void (*actOf(const List& list, int code))(const List&, int) {
+    const bool isLetter = (code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9');
+    const bool types = isLetter && !keyIsDown(key::alt) && !keyIsDown(key::ctrl);
+    if (types && keyIsDown(key::shift)) return jump;
+    for (const KeyRow& row : keyRows) {
+        if (row.code == code && (row.used == nullptr || row.used(list))) return row.act;
+    }
+    return types ? jump : nullptr;
+}
+
 void onKeyDown(const List& list, const Event& event) {
-    const auto row = std::find_if(std::begin(keyRows), std::end(keyRows),
-                                  [&](const KeyRow& each) { return each.code == event.key; });
-    const bool acts = row != std::end(keyRows) && !keyIsDown(event.key); // no repeats
+    const auto act = keyIsDown(event.key) ? nullptr : actOf(list, event.key); // no repeats
     noteKey(event);
-    if (!acts) return;
-    row->act(list, event.key);
+    if (act == nullptr) return;
+    act(list, event.key);
     if (editorState.subview != 0) refresh(list);
 }
 
@@ -200,14 +284,16 @@ void onPaint(const List& list, const Event&) {
     platform().present(drawNameList(list, counts, platform().clientSize()));
 }
 
-void onResize(const List&, const Event&) {
+void onResize(const List& list, const Event&) {
     resizeView(platform().clientSize());
+    scroll(list, 0);
     platform().requestPaint();
 }
 
 void onCommand(const List& list, const Event& event) {
     const bool numbers = event.command == commandid::textureNumbers && list.texturesShow;
-    if (event.command != commandid::help && !numbers) return;
+    const bool always = event.command == commandid::help || event.command == exitCommand;
+    if (!always && !numbers) return;
     runCommand(event.command);
     refresh(list);
 }
@@ -254,6 +340,18 @@ void openNameList() {
     nameList = NameListState();
     nameList.selectedOnly = before.selectedOnly;
     nameList.textureNumbers = before.textureNumbers;
+    showScrollBar(nameListRow(editorState.subview));
+}
+
+std::string nameListRange() {
+    const NameListRow& list = nameListRow(editorState.subview);
+    const int entries = OB->*list.count;
+    const int end = nameList.first + listColumns * ListGrid(platform().clientSize()).rows;
+    int picked = 0;
+    for (int entry = 0; entry < entries; ++entry) picked += list.picked(entry) ? 1 : 0;
+    return counted(std::min(nameList.first + 1, entries)) + "-" + counted(std::min(end, entries))
+           + " of " + counted(entries) + " " + workbench.modeName + ", " + counted(picked)
+           + " picked";
 }
 
 const char* handleInNameList(const Event& event) {

@@ -5,6 +5,8 @@
 
 #include "platform/platform.h"
 
+#include <string>
+
 namespace polyfab {
 
 /// Starts the list of the open sub-view at its first column.
@@ -17,6 +19,9 @@ void openNameList();
 /// The list of this sub-view has closed: selects every live face whose entry is picked, and
 /// unselects the others.
 void applyNameList(int subview);
+
+/// Which entries the open list shows, of how many, and how many are picked.
+[[nodiscard]] std::string nameListRange();
 
 void toggleTextureNumbers();
 [[nodiscard]] bool showsTextureNumbers();

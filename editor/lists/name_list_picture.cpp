@@ -12,8 +12,8 @@ namespace {
 
 struct Cell {
     Cell(const ListGrid& grid, int place)
-        : x(place / listRows * grid.columnWidth),
-          y(place % listRows * grid.rowHeight), size{grid.columnWidth, grid.rowHeight} {}
+        : x(place / grid.rows * grid.columnWidth),
+          y(place % grid.rows * grid.rowHeight), size{grid.columnWidth, grid.rowHeight} {}
     int x, y;
     Size size;
 };
@@ -22,8 +22,11 @@ struct Cell {
 void drawCell(Bitmap& picture, const ListGrid& grid, int place, const std::string& text,
               bool picked, std::uint32_t color) {
     const Cell cell(grid, place);
-    fillRectangle(picture, cell.x, cell.y, cell.size, look.background);
-    if (picked) drawImage(picture, cell.x + 1, cell.y + 2, paneImages.right);
+    fillRectangle(picture, cell.x, cell.y, cell.size, picked ? look.listPicked : look.background);
+    if (picked) {
+        fillRectangle(picture, cell.x, cell.y, {textIndent, cell.size.height}, look.listPickedBar);
+        drawImage(picture, cell.x + 1, cell.y + 2, paneImages.right);
+    }
     platform().drawText(picture, cell.x + textIndent, cell.y + 1, text, listFont(grid), color);
 }
 
@@ -31,13 +34,13 @@ void drawCell(Bitmap& picture, const ListGrid& grid, int place, const std::strin
 
 Bitmap drawNameList(const NameListRow& list, const std::vector<int>& counts, Size client) {
     updateLook();
-    constexpr int cells = listColumns * listRows;
     Bitmap picture =
         plainPicture(std::max(client.width, 0), std::max(client.height, 0), look.background);
     const ListGrid grid(client);
     if (grid.columnWidth <= 0 || grid.rowHeight <= 0) return picture;
     const int entries = OB->*list.count;
-    const int first = nameList.firstColumn * listRows;
+    const int first = nameList.first;
+    const int cells = listColumns * grid.rows;
     const int shown = std::min(entries - first, cells);
     for (int place = 0; place < shown; ++place) {
         const int entry = first + place;

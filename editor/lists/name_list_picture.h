@@ -10,8 +10,8 @@
 namespace polyfab {
 
 /// The entries from the list's first column on, in a window of this client size: picked ones are
-/// marked by the right pane's background picture, the current one is red. `counts` are the faces
-/// of all entries. Too small a window stays empty.
+/// tinted and marked by the right pane's background picture, the current one is red. `counts` are
+/// the faces of all entries. Too small a window stays empty.
 [[nodiscard]] Bitmap drawNameList(const NameListRow& list, const std::vector<int>& counts,
                                   Size client);
 

@@ -60,13 +60,24 @@ std::vector<int> countFaces(const NameListRow& list) {
     return counts;
 }
 
+std::string entryName(const NameListRow& list, int entry) {
+    return list.name != nullptr ? list.name(entry) : std::to_string(entry);
+}
+
 std::string entryText(const NameListRow& list, int entry, int faces) {
     std::string text;
     if (list.texturesShow && nameList.textureNumbers) {
         text = {static_cast<char>('0' + OB->groups[entry].texture), ':'};
     }
-    text += list.name != nullptr ? list.name(entry) : std::to_string(entry);
+    text += entryName(list, entry);
     return text + " (" + std::to_string(faces) + "f" + (nameList.selectedOnly ? " sel" : "") + ")";
+}
+
+ListGrid::ListGrid(Size client) : columnWidth(client.width / listColumns) {
+    constexpr int mostRows = 32;
+    const int lowest = platform().desktopTextHeight() + 1;
+    rows = lowest > 1 ? std::clamp(client.height / lowest, 1, mostRows) : mostRows;
+    rowHeight = client.height / rows;
 }
 
 Font listFont(const ListGrid& grid) { return {std::max(grid.rowHeight - 1, 1), 200}; }

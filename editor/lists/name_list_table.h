@@ -32,19 +32,23 @@ struct NameListRow {
 /// so. Faces whose index is out of range count nowhere.
 [[nodiscard]] std::vector<int> countFaces(const NameListRow& list);
 
+/// The name of an entry, or its number.
+[[nodiscard]] std::string entryName(const NameListRow& list, int entry);
+
 /// What the list shows of an entry.
 [[nodiscard]] std::string entryText(const NameListRow& list, int entry, int faces);
 
-inline constexpr int listColumns = 4, listRows = 32; ///< of entries that the window shows at once
+inline constexpr int listColumns = 4; ///< of entries that the window shows at once
 
 /// Entries fill columns from top to bottom, and these the window from left to right. Pixels that
 /// are left over at the right and at the bottom show nothing; by the same division they stand for
-/// the cells that would follow there.
+/// the cells that would follow there. There are 32 rows, or as many as leave the texts no smaller
+/// than the desktop's own.
 struct ListGrid {
-    explicit ListGrid(Size client)
-        : columnWidth(client.width / listColumns), rowHeight(client.height / listRows) {}
+    explicit ListGrid(Size client);
     int columnWidth; ///< 0 when the window is too narrow for four columns
-    int rowHeight;   ///< 0 when it is too low
+    int rows;        ///< in a column, 1 at least
+    int rowHeight;   ///< 0 when the window is too low
 };
 
 /// Pixels between a cell's left edge and its text.

@@ -58,6 +58,7 @@ const char* handleInSubview(const Event& event) {
     row.closed(row.number);
     restoreModeName();
     showMenuBar("POLYFAB");
+    platform().setScrollBar({});
     updateTitle();
     stale.picture = true; // the window still shows the sub-view
     platform().requestPaint();

@@ -135,9 +135,55 @@ TEST_F(NameList, LongListsScrollByColumns) {
     EXPECT_EQ(cell(0, 0), "g0 (0f)");
 }
 
+TEST_F(NameList, LettersAndSpaceWorkIt) {
+    addGroups(200);
+    for (const int i : {3, 150, 151}) std::strcpy(OB->groups[i].name, i == 3 ? "Ant" : "quad");
+    command(groupsList);
+    const auto types = [](int code, int held = 0) {
+        if (held != 0) down(held);
+        key(code);
+        if (held != 0) up(held);
+        return std::pair(int{OB->curgroup}, nameList.first);
+    };
+    EXPECT_EQ(types('Q'), std::pair(150, 32));
+    EXPECT_EQ(types('Q'), std::pair(151, 32));
+    EXPECT_EQ(types('A', key::shift), std::pair(3, 0)); // without Shift it picks all
+    EXPECT_EQ(types('Q', key::alt), std::pair(3, 0));
+    EXPECT_EQ(types('Q', key::ctrl), std::pair(3, 0));
+    EXPECT_EQ(types('Z'), std::pair(3, 0));
+    EXPECT_EQ(shown.log.back(), "note|nothing here begins with Z");
+    EXPECT_EQ(shown.status.right, "1-128 of 200 groups, 0 picked");
+    key(key::space);
+    EXPECT_TRUE(OB->groups[3].selected && open());
+    types('Q');
+    EXPECT_TRUE(shown.scrollBar.first == 1 && shown.scrollBar.shown == 4
+                && shown.scrollBar.all == 7);
+    key(key::enter);
+    EXPECT_TRUE(!OB->groups[3].selected && OB->groups[150].selected && !open());
+    EXPECT_EQ(shown.scrollBar.all, 0);
+}
+
+TEST_F(NameList, TextsAreNoSmallerThanTheDesktops) {
+    addGroups(60);
+    shown.desktopText = 15;
+    shown.size = {400, 165}; // ten rows
+    command(groupsList);
+    EXPECT_EQ(cell(0, 0), "g0 (0f)");
+    mouse(105, 17, 0);
+    EXPECT_EQ(OB->curgroup, 11);
+    key(key::pageDown);
+    EXPECT_EQ(nameList.first, 20);
+    shown.size = {400, 1000};
+    send(EventKind::resize);
+    EXPECT_EQ(nameList.first, 0);
+}
+
 TEST_F(NameList, CommandsOfTheMeshWait) {
     command(groupsList);
-    for (const int id : {264, 291, 358, 262}) EXPECT_EQ(run(id), Log());
+    for (const int id : {264, 291, 358}) EXPECT_EQ(run(id), Log());
+    EXPECT_EQ(run(262), Log{"close"});
+    for (const MenuItem& item : items())
+        EXPECT_EQ(item.enabled, item.id != 2010 && item.id != 2011);
     EXPECT_TRUE(open());
 }
 
