@@ -29,8 +29,8 @@ std::string right() {
     const FaceCounts& faces = editorState.faces;
     const std::string shown = editorState.subview != 0
                                   ? nameListRange()
-                                  : counted(faces.selected) + " of " + counted(faces.live, "face")
-                                        + " selected   " + OB->currentGroupName() + " / "
+                                  : selectionText(faces.selected, faces.live) + "   "
+                                        + OB->currentGroupName() + " / "
                                         + OB->currentMaterialName();
     return shown + (isAltered() ? "   altered" : "");
 }

@@ -15,6 +15,7 @@
 #include "editor/report.h"
 #include "editor/routes.h"
 #include "editor/status_line.h"
+#include "editor/tell.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
@@ -193,6 +194,8 @@ void handleEvent(const Event& event) {
     const std::string label = labelOf(event);
     const bool dragged = dragRuns();
     const bool listed = editorState.subview != 0;
+    const bool commands = event.kind == EventKind::command && !listed;
+    const Teller teller(commands ? commandOf(event) : nullptr);
     std::optional<LongWork> work;
     trackWork(event, work);
     if (mayChangeMesh(event)) completeNewestStep();
@@ -214,6 +217,8 @@ void handleEvent(const Event& event) {
                    changedBy(event, listed));
     }
     if (ended || movesInHistory(event)) countFaces();
+    if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
+    teller.tell(altered);
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }
 

@@ -4,6 +4,7 @@
 #include "formats/3ds_writer.h"
 
 #include "formats/face_order.h"
+#include "formats/file_command.h"
 #include "formats/only_selected.h"
 #include "io/save_file.h"
 #include "mesh/garbage.h"
@@ -294,6 +295,7 @@ int write3dsFile(Mesh& mesh, const std::string& path) try {
     file.append(writer.out.text());
     if (!file.commit()) return fail("can't open file", path);
     workbench.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
+    noteSaved(path, countFaces(mesh, onlySelected) - writer.leftOut);
     if (writer.leftOut > 0) {
         fail(std::to_string(writer.leftOut)
                  + " faces were not written: their groups have no selected face",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/dxf_writer.h"
 
+#include "formats/file_command.h"
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
@@ -102,6 +103,7 @@ int writeDxfFile(const Mesh& mesh, const std::string& path) {
     bool written = writeFaces(file, mesh, onlySelected, path);
     file.append("0\nENDSEC\n0\nEOF\n");
     written = written && file.commit();
+    if (written) noteSaved(path, countFaces(mesh, onlySelected));
     if (!written) workbench.wholeMeshWritten = false;
     return written ? 1 : 0;
 }

@@ -5,13 +5,22 @@
 #include "display/view.h"
 #include "io/read_file.h"
 #include "mesh/check.h"
+#include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
+#include <cstdio>
+
 namespace polyfab {
+namespace {
+
+std::string nameOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+} // namespace
 
 void complain(const std::string& what, const std::string& path) {
     platform().message(what, path, Icon::exclamation);
@@ -25,7 +34,30 @@ bool meshIsSound(const Mesh& mesh, const char* title) {
 
 void setFileName(const std::string& path) {
     workbench.fileName = path;
-    workbench.lastChosen = path.substr(path.find_last_of('/') + 1);
+    workbench.lastChosen = nameOf(path);
+}
+
+ReadNote::ReadNote(const Mesh& changed)
+    : mesh(changed), points(changed.np), faces(countFaces(changed, false)),
+      started(platform().workSeconds()) {}
+
+void ReadNote::tell(const std::string& path, bool added) const {
+    const double seconds = platform().workSeconds() - started;
+    char time[32] = "";
+    if (seconds > 0) std::snprintf(time, sizeof time, " in %.2f s", seconds);
+    note((added ? "added " : "read ") + nameOf(path) + ": "
+         + counted(mesh.np - (added ? points : 0), "point") + ", "
+         + counted(countFaces(mesh, false) - (added ? faces : 0), "face") + time);
+}
+
+void noteSaved(const std::string& path, std::int64_t faces) {
+    note("saved " + nameOf(path) + ", " + counted(faces, "face"));
+}
+
+std::int64_t countFaces(const Mesh& mesh, bool onlySelected) {
+    std::int64_t count = 0;
+    for (const Face& face : liveFaces(mesh)) count += onlySelected && face.selected == 0 ? 0 : 1;
+    return count;
 }
 
 void resetForNewMesh(Mesh& mesh) {

@@ -3,6 +3,7 @@
 // a new mesh.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace polyfab {
@@ -18,6 +19,26 @@ void complain(const std::string& what, const std::string& path);
 
 /// Makes this the current file, whose name the next file dialog offers.
 void setFileName(const std::string& path);
+
+/// Tells of a file that is read. To be made before the reading.
+class ReadNote {
+  public:
+    explicit ReadNote(const Mesh& changed);
+    /// It has been read, and replaced the mesh or was added to it. The time is told where it
+    /// passes: in headless runs it stands still.
+    void tell(const std::string& path, bool added) const;
+
+  private:
+    const Mesh& mesh;
+    std::int64_t points, faces; ///< before
+    double started;
+};
+
+/// Tells of a file that was written with so many faces.
+void noteSaved(const std::string& path, std::int64_t faces);
+
+/// The live faces, or those of them that are selected.
+[[nodiscard]] std::int64_t countFaces(const Mesh& mesh, bool onlySelected);
 
 /// No current elements; the view fitted anew, and the box around the mesh.
 void resetForNewMesh(Mesh& mesh);

@@ -318,6 +318,7 @@ void importOtherMesh() {
 void importNamedMesh(const std::string& path, bool append) {
     Mesh& mesh = *OB;
     if (!meshIsSound(mesh, "mesh fault before reading")) return;
+    const ReadNote readNote(mesh);
     const std::string reason = importFile(mesh, path, append);
     if (!reason.empty()) {
         explain("I tried to read this file but it didn't work", path, reason);
@@ -326,7 +327,7 @@ void importNamedMesh(const std::string& path, bool append) {
     setFileName(path);
     noteRecentFile(path, true);
     resetForNewMesh(mesh);
-    static_cast<void>(meshIsSound(mesh, "mesh fault after reading"));
+    if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
     updateTitle();
 }
 
@@ -340,8 +341,10 @@ void exportOtherMesh() {
     constexpr const char* failed = "I tried to write to this file but it didn't work";
     SaveFile file;
     if (!file.open(*path)) return explain(failed, *path, "can't open file");
-    const std::string reason = exportFile(mesh, *path, askOnlySelected(mesh, false), file);
+    const bool onlySelected = askOnlySelected(mesh, false);
+    const std::string reason = exportFile(mesh, *path, onlySelected, file);
     if (!reason.empty()) return explain(failed, *path, reason);
+    noteSaved(*path, countFaces(mesh, onlySelected));
     if (isCommon(*path)) noteRecentFile(*path, true);
 }
 

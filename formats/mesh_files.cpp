@@ -44,8 +44,9 @@ bool endsIn(std::string_view path, std::string_view suffix) {
 
 enum class Outcome { read, failed, refused };
 
-/// Runs the reader that the suffix names, or the OBJ reader where the user wants that.
-Outcome dispatchRead(Mesh& mesh, const std::string& path, bool append, Busy& busy) {
+/// Runs the reader that the suffix names, or the OBJ reader where the user wants that. `append`
+/// becomes what is done in the end.
+Outcome dispatchRead(Mesh& mesh, const std::string& path, bool& append, Busy& busy) {
     const auto row =
         std::find_if(std::begin(formats), std::end(formats),
                      [&](const Format& format) { return endsIn(path, format.suffix); });
@@ -58,7 +59,8 @@ Outcome dispatchRead(Mesh& mesh, const std::string& path, bool append, Busy& bus
         return Outcome::refused;
     }
     // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
-    return outcome(readObjFile(mesh, path, displayOptions.unselectedGrey));
+    append = displayOptions.unselectedGrey;
+    return outcome(readObjFile(mesh, path, append));
 }
 
 /// What a failed read leaves: no geometry, but the names that were there.
@@ -74,6 +76,7 @@ void readFile(Mesh& mesh, const std::string& path, bool append) {
     moveProgress();
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
+    const ReadNote readNote(mesh);
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(mesh, path, append, busy);
     if (outcome == Outcome::refused) return;
@@ -91,7 +94,9 @@ void readFile(Mesh& mesh, const std::string& path, bool append) {
         tidyFace(mesh, face, true);
     }
     resetForNewMesh(mesh);
-    static_cast<void>(meshIsSound(mesh, "mesh fault after reading"));
+    if (meshIsSound(mesh, "mesh fault after reading") && outcome == Outcome::read) {
+        readNote.tell(path, append);
+    }
 }
 
 void askAndRead(bool append) {

@@ -4,6 +4,7 @@
 #include "formats/obj_writer.h"
 
 #include "formats/face_order.h"
+#include "formats/file_command.h"
 #include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
@@ -183,7 +184,10 @@ int writeObjFile(const Mesh& mesh, const std::string& path, unsigned flags) {
     if (!file.open(path)) return fail(path);
     const bool onlySelected = askOnlySelected(mesh, false);
     workbench.wholeMeshWritten = !onlySelected;
-    if (writeMesh(file, mesh, onlySelected, flags)) return 1;
+    if (writeMesh(file, mesh, onlySelected, flags)) {
+        noteSaved(path, countFaces(mesh, onlySelected));
+        return 1;
+    }
     workbench.wholeMeshWritten = false;
     return fail(path);
 }

@@ -3,11 +3,13 @@
 
 #include "generators/maker.h"
 #include "mesh/stale.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <utility>
 
 namespace polyfab {
@@ -26,6 +28,27 @@ constexpr Field fields[] = {
 };
 
 double& valueOf(const Field& field) { return workbench.settable[field.point].*field.coordinate; }
+
+/// Where the second corner is on the low side of the first.
+void tellNegativeSizes() {
+    const auto& [a, b] = workbench.settable;
+    for (int axis = 0; axis < 3; ++axis) {
+        const double size = along(b, axis) - along(a, axis);
+        if (size < 0) note(std::string("the size in ") + "xyz"[axis] + " is " + fieldText(size));
+    }
+}
+
+void makeAndTell(Mesh& mesh) {
+    const auto& [a, b] = workbench.settable;
+    const int points = mesh.np, faces = mesh.nf;
+    makeBlock(mesh, a.x, b.x, a.y, b.y, a.z, b.z);
+    if (mesh.nf == faces) {
+        return note(std::string("a block of no size was not made: ") + howToSetPoints);
+    }
+    note("made a block of " + fieldText(b.x - a.x) + " x " + fieldText(b.y - a.y) + " x "
+         + fieldText(b.z - a.z) + ": " + counted(mesh.np - points, "new point") + ", "
+         + counted(mesh.nf - faces, "face"));
+}
 
 } // namespace
 
@@ -64,6 +87,7 @@ void askAndMakeBlock(Mesh& mesh) {
         dialog.fields.push_back({field.label, fieldText(valueOf(field))});
     dialog.fields.push_back({"group", mesh.currentGroupName()});
     dialog.fields.push_back({"material", mesh.currentMaterialName()});
+    tellNegativeSizes();
     const bool accepted = runDialog(dialog) != DialogResult::cancel;
     auto answer = dialog.fields.begin();
     for (const Field& field : fields) {
@@ -71,8 +95,7 @@ void askAndMakeBlock(Mesh& mesh) {
         ++answer;
     }
     makeCurrent(mesh, answer[0].text, answer[1].text);
-    const auto& [a, b] = workbench.settable;
-    if (accepted) makeBlock(mesh, a.x, b.x, a.y, b.y, a.z, b.z);
+    if (accepted) makeAndTell(mesh);
 }
 
 } // namespace polyfab

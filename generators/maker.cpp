@@ -8,6 +8,7 @@
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -128,6 +129,14 @@ void storeSettable(const Maker& maker, const Answers& answers) {
     }
 }
 
+/// Whether it is made from one settable point to the other, and they are at one place.
+bool pointsCoincide(const Maker& maker) {
+    const auto& [a, b] = workbench.settable;
+    return isZero(b - a)
+           && std::any_of(maker.parameters.begin(), maker.parameters.end(),
+                          [](const Parameter& row) { return row.point == 1; });
+}
+
 const char* article(const Maker& maker) { return *maker.what == 'a' ? "an " : "a "; }
 
 /// Why nothing was made, or "".
@@ -174,7 +183,9 @@ void askAndMake(Mesh& mesh, const Maker& maker) {
     makeCurrent(mesh, fields[names].text, fields[names + 1].text);
     if (!accepted) return;
     const std::string fault = make(mesh, maker, fields);
-    if (!fault.empty()) platform().message(title, fault, Icon::exclamation);
+    if (fault.empty()) return;
+    platform().message(title, fault, Icon::exclamation);
+    if (pointsCoincide(maker)) note(howToSetPoints);
 }
 
 } // namespace polyfab

@@ -76,6 +76,10 @@ inline constexpr double mostFaces = 5e6;
 /// counts as changed and the group and material become current, even after cancel.
 void askAndMake(Mesh& mesh, const Maker& maker);
 
+/// For notes, where both settable points are at one place.
+inline constexpr const char* howToSetPoints =
+    "hold Ctrl and 1, or Ctrl and 2, and click in a pane to set the settable points";
+
 /// A number as it stands in a field: six digits.
 [[nodiscard]] std::string fieldText(double number);
 

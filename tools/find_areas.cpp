@@ -9,6 +9,7 @@
 #include "tools/collect.h"
 #include "tools/too_many.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/title.h"
 
 #include <algorithm>
@@ -120,6 +121,7 @@ void findareas(Mesh& mesh) {
             face.tma = static_cast<std::int16_t>(std::min(areas.areaOf(face), maxIndexed - 1));
         }
     }
+    note("found " + counted(found, "texture map area"));
     tellIfTooMany(found, "texture map areas");
 }
 

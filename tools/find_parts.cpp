@@ -11,6 +11,7 @@
 #include "tools/collect.h"
 #include "tools/too_many.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/title.h"
 
@@ -105,6 +106,7 @@ void findparts(Mesh& mesh, double maxAngle) {
     std::int32_t found = 0;
     if (Flood flood(mesh, maxAngle); flood) found = numberParts(mesh, flood);
     freeEdges(mesh);
+    note("found " + counted(found, "part"));
     tellIfTooMany(found, "parts");
 }
 

@@ -6,6 +6,7 @@
 #include "io/utf8.h"
 #include "mesh/faces.h"
 #include "platform/platform.h"
+#include "workbench/notes.h"
 
 #include <string_view>
 #include <unordered_map>
@@ -59,7 +60,8 @@ void writeNames(const T* array, int count, std::string& fileName, const char* pr
         }
         written = file.commit();
     }
-    if (!written) platform().message("I can't open this file", *path, Icon::exclamation);
+    if (!written) return platform().message("I can't open this file", *path, Icon::exclamation);
+    note("wrote " + counted(count, "name") + " to " + *path);
 }
 
 bool agreed(const char* question) {

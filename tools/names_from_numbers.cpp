@@ -4,6 +4,7 @@
 #include "mesh/faces.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
+#include "workbench/notes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -68,6 +69,7 @@ void carryOut(Mesh& mesh, const Change& change) {
         made[i] = static_cast<std::int16_t>(change.add(mesh, name, mesh.faces[first[i]]));
     }
     for (Face& face : liveFaces(mesh)) face.*change.name = made[face.*change.number];
+    note(std::string("new ") + change.elements + ": " + counted(used));
 }
 
 } // namespace

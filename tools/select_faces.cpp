@@ -19,17 +19,11 @@ namespace {
 
 using Marks = Table<std::uint8_t>;
 
-/// Selects or unselects each live face as `choose` says, and tells how many are selected now.
+/// Selects or unselects each live face as `choose` says.
 template <typename Choose>
 void selectBy(Mesh& mesh, Choose choose) {
-    std::int64_t live = 0, selected = 0;
-    for (Face& face : liveFaces(mesh)) {
-        face.selected = choose(face) ? 1 : 0;
-        ++live;
-        selected += face.selected;
-    }
+    for (Face& face : liveFaces(mesh)) face.selected = choose(face) ? 1 : 0;
     stale.edges = true;
-    note(counted(selected) + " of " + counted(live, "face") + " selected");
 }
 
 /// Whether some corner of the face is on a marked point.
@@ -69,11 +63,8 @@ class PointSets {
     Table<std::int32_t> parent;
 };
 
-/// The current face, or null after a note.
 const Face* currentFace(const Mesh& mesh) {
-    if (hasFace(mesh, mesh.curface)) return &mesh.faces[mesh.curface];
-    note("no current face: click one in face handling mode");
-    return nullptr;
+    return hasFace(mesh, mesh.curface) ? &mesh.faces[mesh.curface] : nullptr;
 }
 
 void selectSame(Mesh& mesh, std::int16_t Face::*index) {
@@ -139,8 +130,8 @@ void selectSamePlane(Mesh& mesh) {
     if (current == nullptr) return;
     const Vec3 normal = faceNormal(*current);
     if (isZero(normal)) return note("the current face has no plane");
-    const double most = askNumber("max angle to the plane(deg)?", "1");
-    if (prompts.cancelled) return;
+    double most = 0;
+    if (!askNumberOrCancel("max angle to the plane(deg)?", "1", most)) return;
     const Vec3 middle = middleOf(*current);
     const double rise = std::sin(std::min(std::max(most, 0.0), 90.0) * pi / 180);
     selectBy(mesh, [&](const Face& face) {

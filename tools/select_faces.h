@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Commands that select faces by what is selected already, or by the current face. Each notes how
-// many faces are selected then. What is unselected and not mentioned stays so.
+// Commands that select faces by what is selected already, or by the current face. What is
+// unselected and not mentioned stays so.
 #pragma once
 
 #include "mesh/mesh.h"
@@ -19,7 +19,7 @@ void shrinkSelection(Mesh& mesh);
 /// Selects the faces that can be reached from selected ones over shared points.
 void selectConnected(Mesh& mesh);
 
-// Like the current face; without one a note says so, and nothing is selected.
+// Like the current face; without one nothing is selected.
 
 /// Selects the faces of its material (group).
 void selectSameMaterial(Mesh& mesh);

@@ -9,6 +9,7 @@
 #include "tools/collect.h"
 #include "tools/point_normals.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
@@ -16,6 +17,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <string>
 
 namespace polyfab {
 namespace {
@@ -67,6 +69,8 @@ void eachSide(const Mesh& mesh, Use use) {
     }
 }
 
+void tellMoved(std::int32_t points) { note("smoothed: " + counted(points, "point") + " moved"); }
+
 } // namespace
 
 void smoothDents(Mesh& mesh) {
@@ -94,6 +98,7 @@ void smoothDents(Mesh& mesh) {
         addNeighbour(before, at);
         addNeighbour(at, before);
     });
+    std::int32_t moved = 0;
     for (std::int32_t i = 0; i < mesh.np; ++i) {
         Point& p = mesh.points[i];
         if (p.mark != ofSelected || !surface.hasCornerNormal[i]) continue;
@@ -102,7 +107,9 @@ void smoothDents(Mesh& mesh) {
         // What rounding makes of a flat surface is no dent.
         if (!(reach <= DBL_MAX) || !(depth[i] > 16 * DBL_EPSILON * neighbours[i] * reach)) continue;
         moveTo(p, mean);
+        ++moved;
     }
+    tellMoved(moved);
     mesh.changed = 1;
     stale.points = true;
 }
@@ -126,6 +133,7 @@ void smoothView(Mesh& mesh, char axis) {
         sum[at] += start;
         sum[before] += end;
     });
+    std::int32_t moved = 0;
     for (std::int32_t i = 0; i < mesh.np; ++i) {
         Point& p = mesh.points[i];
         if (!p.mark || weight[i] == 0) continue;
@@ -133,7 +141,9 @@ void smoothView(Mesh& mesh, char axis) {
         Vec3 to = coordinate ? screenPosition(p) : mean;
         if (coordinate) to.*coordinate = mean.*coordinate;
         moveTo(p, projection.toWorld(to));
+        ++moved;
     }
+    tellMoved(moved);
     mesh.changed = 1;
     stale.points = true;
 }
@@ -146,6 +156,7 @@ void askSmoothingAxis() {
         axis = axes[askYesNoCancel("(yes=X, no=Y, cancel=Z)", "which axis to smooth along?") + 1];
     }
     workbench.smoothingAxis = axis;
+    note(axis == 0 ? "smoothing is not restricted" : std::string("smoothing moves along ") + axis);
 }
 
 } // namespace polyfab

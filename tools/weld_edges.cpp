@@ -9,6 +9,7 @@
 #include "mesh/stale.h"
 #include "mesh/table.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 #include "workbench/title.h"
@@ -44,6 +45,8 @@ class EdgeWelder {
             for (FaceCorner& corner : corners(face)) corner.p = mesh.points + pointNow(corner);
         }
     }
+
+    void tell() const { note("collapsed " + counted(collapsed, "edge")); }
 
   private:
     std::int32_t pointNow(const FaceCorner& corner) {
@@ -81,6 +84,7 @@ class EdgeWelder {
         b.y = (a.y + b.y) * 0.5;
         b.z = (a.z + b.z) * 0.5;
         into[from] = to;
+        ++collapsed;
         return true;
     }
 
@@ -90,6 +94,7 @@ class EdgeWelder {
     int number = 0;           ///< of the pass
     int collapses = 0;        ///< in this pass
     std::int64_t looks = 0;   ///< at corners, in this pass
+    std::int64_t collapsed = 0;
 };
 
 } // namespace
@@ -104,6 +109,7 @@ void weldedges(Mesh& mesh) {
     while (welder.pass()) {
     }
     welder.repointCorners();
+    welder.tell();
 }
 
 } // namespace polyfab

@@ -11,6 +11,7 @@
 #include "mesh/table.h"
 #include "tools/close_points.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 #include "workbench/title.h"
@@ -59,6 +60,13 @@ void takeTurns(const Mesh& mesh, ClosePoints& points, Takers& takers) {
     }
 }
 
+/// How many points others have taken.
+std::int64_t countTaken(const Mesh& mesh, const Takers& takers) {
+    std::int64_t count = 0;
+    for (std::int32_t i = 0; i < mesh.np; ++i) count += takers[i] != i && takers[i] != noPart;
+    return count;
+}
+
 /// Collects, asks, and finds out who takes whom; follow(takers) then changes the mesh.
 template <typename Follow>
 void takeClose(Mesh& mesh, bool allEdges, Follow follow) {
@@ -87,6 +95,8 @@ void weldclose(Mesh& mesh, bool allEdges) {
             const std::int32_t taker = takers[pointOf(mesh, *corner)];
             if (taker != noPart) corner->p = mesh.points + taker;
         }
+        note("welded " + counted(mesh.np, "point") + " to "
+             + counted(mesh.np - countTaken(mesh, takers)));
     });
 }
 
@@ -99,6 +109,7 @@ void bringclose(Mesh& mesh, bool allEdges) {
             moveTo(point, worldPosition(taker));
             point.sx = taker.sx, point.sy = taker.sy, point.sz = taker.sz;
         }
+        note("brought " + counted(countTaken(mesh, takers), "point") + " to others");
     });
 }
 

@@ -34,4 +34,8 @@ std::string counted(std::int64_t number, const std::string& what) {
     return counted(number) + " " + what + (number == 1 ? "" : "s");
 }
 
+std::string selectionText(std::int64_t selected, std::int64_t live) {
+    return counted(selected) + " of " + counted(live, "face") + " selected";
+}
+
 } // namespace polyfab

@@ -21,4 +21,7 @@ void forgetNotes();
 /// The same with what is counted, which gets an "s" unless it is one: "1 face", "2,000 faces".
 [[nodiscard]] std::string counted(std::int64_t number, const std::string& what);
 
+/// "3 of 2,000 faces selected".
+[[nodiscard]] std::string selectionText(std::int64_t selected, std::int64_t live);
+
 } // namespace polyfab

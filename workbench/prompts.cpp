@@ -2,6 +2,7 @@
 #include "workbench/prompts.h"
 
 #include "io/utf8.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <cstdlib>
@@ -98,11 +99,19 @@ int askText3(const std::string& question1, const std::string& default1,
     return ask("ASKDB3", {{question1, default1}, {question2, default2}, {question3, default3}});
 }
 
-double askNumber(const std::string& question, const std::string& defaultAnswer) {
-    double number = 0;
+bool askNumberOrCancel(const std::string& question, const std::string& defaultAnswer,
+                       double& number) {
     do {
         askText(question, defaultAnswer);
     } while (!parseNumber(prompts.answer[0], number));
+    return !prompts.cancelled;
+}
+
+double askNumber(const std::string& question, const std::string& defaultAnswer) {
+    double number = 0;
+    if (!askNumberOrCancel(question, defaultAnswer, number)) {
+        note("cancel went on with the suggested " + defaultAnswer + "; Ctrl+Z takes it back");
+    }
     return number;
 }
 

@@ -46,7 +46,11 @@ int askText3(const std::string& question1, const std::string& default1,
 /// decimal point a point in every locale. False, with `number` as it was, when there is none.
 bool parseNumber(const char* text, double& number);
 
-/// Asks until the answer begins with a number, and returns it. Cancelling answers with the default.
+/// Asks until the answer begins with a number. False when that was the default, after cancel.
+bool askNumberOrCancel(const std::string& question, const std::string& defaultAnswer,
+                       double& number);
+
+/// The same for commands that go on with the default then, which a note tells.
 double askNumber(const std::string& question, const std::string& defaultAnswer);
 
 /// 1 when the user accepted and every answer begins with a number, which is then stored. 0 when

@@ -10,6 +10,7 @@
 #include "mesh/mesh.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 namespace polyfab {
@@ -31,7 +32,11 @@ void removeFromSelected(T* FaceCorner::*reference) {
 
 void collectGarbageNow() {
     forgetCurrentEdge(); // faces and corners get other numbers
-    collectGarbage(*OB);
+    const std::int32_t points = OB->np, faces = OB->nf;
+    if (collectGarbage(*OB)) {
+        note(counted(OB->np, "point") + " and " + counted(OB->nf, "face") + " are left of "
+             + counted(points) + " and " + counted(faces));
+    }
     stale.edges = true;
 }
 

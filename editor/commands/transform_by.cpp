@@ -10,7 +10,6 @@
 #include "mesh/face_angle.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
-#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
@@ -88,7 +87,7 @@ void transformBy() {
     for (const Pivot& pivot : pivots) {
         if (texts[9] != pivot.answer) continue;
         transformSelected(*OB, mapOf(numbers, pivot.place()));
-        return note("moved, scaled and rotated the selected faces");
+        return;
     }
     refuse("about what? b, o or 1");
 }

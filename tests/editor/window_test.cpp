@@ -58,7 +58,8 @@ TEST_F(Window, NothingClosesItWhileABoxIsOpen) {
     } closing;
     command(299);
     EXPECT_EQ(closing.log,
-              (Log{"asked", "beep", "title|Whoa there, I am in the middle of something!!"}));
+              (Log{"asked", "beep", "title|Whoa there, I am in the middle of something!!",
+                   "note|nothing was changed"}));
     OB->changed = 1;
     closing.log.clear();
     send(EventKind::close); // and once more in its own question

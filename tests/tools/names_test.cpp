@@ -65,6 +65,7 @@ TEST_F(Names, AreWrittenOneALine) {
     writeMaterialNames(*OB, shortName);
     EXPECT_EQ(shown.log, (Log{"file|text file to write group names to?|/models/cow.txt",
                               "file|text file to write group names to?|/models/cow.txt",
+                              "note|wrote 3 names to " + folder.path("names.txt"),
                               "file|text file to write material names to?|abc",
                               "message!|I can't open this file|" + nowhere}));
 }

@@ -6,6 +6,7 @@
 #include "tests/tools/tool_test.h"
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
+#include "workbench/notes.h"
 
 #include <map>
 #include <set>
@@ -75,6 +76,7 @@ Numbering partsBySweeps(double maxAngle) {
         spread(parts, faces, seed, touch);
     }
     parts.titles.push_back("title|before");
+    parts.titles.push_back("note|found " + counted(parts.count, "part"));
     return parts;
 }
 
@@ -107,6 +109,7 @@ Numbering areasBySweeps() {
         areas.titles.push_back(countTitle(areas.count, "texture map areas found, 1 iterations"));
     }
     areas.titles.push_back("title|before");
+    areas.titles.push_back("note|found " + counted(areas.count, "texture map area"));
     return areas;
 }
 

@@ -7,9 +7,11 @@
 #include "mesh/garbage.h"
 #include "tests/tools/tool_test.h"
 #include "tools/weld_edges.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/title.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -32,9 +34,10 @@ bool areClose(const Point& a, const Point& b, double square) {
     return dx * dx + dy * dy + dz * dz <= square;
 }
 
-/// What the two tools do that let points take their turns; take(p, q): p takes q.
+/// What the two tools do that let points take their turns; take(p, q): p takes q. Gives how many
+/// were taken.
 template <typename Take>
-void plainTurns(bool allEdges, Take take) {
+std::int64_t plainTurns(bool allEdges, Take take) {
     OB->changed = 1;
     collectGarbage(*OB);
     checkEdges(*OB, false, true, false);
@@ -51,7 +54,6 @@ void plainTurns(bool allEdges, Take take) {
     for (int i = 0; i < OB->np; ++i) {
         if (OB->points[i].mark) list.push_back(OB->points + i);
     }
-    const SavedTitle title(256);
     const double distance = askNumber("max distance?", "1e-5");
     std::vector<bool> left(list.size(), true);
     int counter = 0;
@@ -64,23 +66,27 @@ void plainTurns(bool allEdges, Take take) {
             take(*list[i], *list[j]);
         }
     }
+    return std::count(left.begin(), left.end(), false);
 }
 
 void plainWeld(bool allEdges) {
-    plainTurns(allEdges, [](Point& p, Point& q) { repoint(&q, &p); });
+    const SavedTitle title(256);
+    const auto taken = plainTurns(allEdges, [](Point& p, Point& q) { repoint(&q, &p); });
+    note("welded " + counted(OB->np, "point") + " to " + counted(OB->np - taken));
 }
 
 void plainBring(bool allEdges) {
-    plainTurns(allEdges, [](const Point& p, Point& q) {
+    const SavedTitle title(256);
+    const auto taken = plainTurns(allEdges, [](const Point& p, Point& q) {
         q.x = p.x, q.y = p.y, q.z = p.z;
         q.sx = p.sx, q.sy = p.sy, q.sz = p.sz;
     });
+    note("brought " + counted(taken, "point") + " to others");
 }
 
-void plainEdges(Mesh&) {
-    const double distance = askNumber("max distance?", "1e-5");
-    const SavedTitle title(256);
-    OB->changed = 1;
+/// Gives how many edges collapsed.
+int plainPasses(double distance) {
+    int collapsed = 0;
     for (int pass = 1, collapses = 1; collapses != 0; ++pass) {
         int corners = 0;
         collapses = 0;
@@ -93,7 +99,8 @@ void plainEdges(Mesh&) {
                 if (a == b || !areClose(*a, *b, distance * distance)) continue;
                 ++collapses;
                 if ((corners & 0x255) == 0) showTitle("%6d : %6d", pass, OB->nq - corners);
-                if (abortRequested()) return;
+                if (abortRequested()) return collapsed;
+                ++collapsed;
                 b->x = (a->x + b->x) * 0.5;
                 b->y = (a->y + b->y) * 0.5;
                 b->z = (a->z + b->z) * 0.5;
@@ -103,6 +110,14 @@ void plainEdges(Mesh&) {
         }
         showTitle("%6d", collapses);
     }
+    return collapsed;
+}
+
+void plainEdges(Mesh&) {
+    const double distance = askNumber("max distance?", "1e-5");
+    const SavedTitle title(256);
+    OB->changed = 1;
+    note("collapsed " + counted(plainPasses(distance), "edge"));
 }
 
 /// Everything that a tool may change; of numbers that are none the sign does not matter, nor where
