@@ -31,6 +31,19 @@ Triple sides(Size client) {
 
 double smallest(const Triple& values) { return *std::min_element(values.begin(), values.end()); }
 
+Vec3 middleOf(Size client) {
+    const Triple side = sides(client);
+    return {(side[0] - 1) / 2, (side[1] - 1) / 2, (side[2] - 1) / 2};
+}
+
+AffineMap axesOf(const View& of) {
+    AffineMap map;
+    for (int i = 0; i < 3; ++i) {
+        for (int k = 0; k < 3; ++k) map.row[i][k] = direction[i] * of.rotation[i][k];
+    }
+    return map;
+}
+
 /// The rotation's rows made unit vectors at right angles again, the first one kept in direction.
 void straighten(double (&rotation)[3][3]) {
     double(&r)[3][3] = rotation;
@@ -116,18 +129,9 @@ void resetView() {
     applyView();
 }
 
-AffineMap screenAxes() {
-    AffineMap map;
-    for (int i = 0; i < 3; ++i) {
-        for (int k = 0; k < 3; ++k) map.row[i][k] = direction[i] * view.rotation[i][k];
-    }
-    return map;
-}
+AffineMap screenAxes() { return axesOf(view); }
 
-Vec3 middleOfPanes() {
-    const Triple side = sides(view.client);
-    return {(side[0] - 1) / 2, (side[1] - 1) / 2, (side[2] - 1) / 2};
-}
+Vec3 middleOfPanes() { return middleOf(view.client); }
 
 void applyView() {
     AffineMap& forth = projection.toScreen;
@@ -145,6 +149,14 @@ void applyView() {
     const Vec3 origin = back(view.offset);
     for (int i = 0; i < 3; ++i) back.row[i][3] = -along(origin, i);
     stale.points = true;
+}
+
+View turnedLike(View turned, const View& other) {
+    const Vec3 middle = middleOf(turned.client);
+    const Vec3 from = inverseOf(axesOf(turned))(middle - turned.offset);
+    std::copy_n(&other.rotation[0][0], 9, &turned.rotation[0][0]);
+    turned.offset = middle - axesOf(turned)(from);
+    return turned;
 }
 
 void panView(const Vec3& by) {

@@ -44,6 +44,9 @@ void applyView();
 /// The screen position in the middles of both panes.
 [[nodiscard]] Vec3 middleOfPanes();
 
+/// That view turned as the other one is, about what it shows in the middles of its panes.
+[[nodiscard]] View turnedLike(View turned, const View& other);
+
 // Moving and magnifying the view carries the box along, so that it stays around what it was around.
 // Turning the view leaves the box alone.
 

@@ -185,7 +185,7 @@ constexpr auto table = std::to_array<Command>({
     {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
      rotationComesAfter},
     {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
-    {281, tools, "reset a&ttitude", resetAttitude},
+    {281, tools, "reset a&ttitude", showUpright},
     {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
     {324, tools, "contro&l smoothing", askSmoothingAxis},
     slow({371, tools, "s&moothing", smooth}),

@@ -60,10 +60,11 @@ std::int64_t countFaces(const Mesh& mesh, bool onlySelected) {
     return count;
 }
 
-void resetForNewMesh(Mesh& mesh) {
+void resetForNewMesh(Mesh& mesh, bool replaced) {
     mesh.curface = mesh.curvertex = mesh.curtexcoord = -1;
     forgetCurrentEdge();
     stale.edges = true;
+    if (replaced) resetAttitude();
     fitView(mesh);
     fitBox(mesh, false);
 }

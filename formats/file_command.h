@@ -40,8 +40,9 @@ void noteSaved(const std::string& path, std::int64_t faces);
 /// The live faces, or those of them that are selected.
 [[nodiscard]] std::int64_t countFaces(const Mesh& mesh, bool onlySelected);
 
-/// No current elements; the view fitted anew, and the box around the mesh.
-void resetForNewMesh(Mesh& mesh);
+/// No current elements; the view fitted anew, upright if the mesh was replaced, and the box around
+/// the mesh.
+void resetForNewMesh(Mesh& mesh, bool replaced);
 
 /// Which part of reading a file a pass over it is.
 enum class Pass { only, counting, reading };

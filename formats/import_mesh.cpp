@@ -326,7 +326,7 @@ void importNamedMesh(const std::string& path, bool append) {
     }
     setFileName(path);
     noteRecentFile(path, true);
-    resetForNewMesh(mesh);
+    resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
     updateTitle();
 }

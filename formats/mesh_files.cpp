@@ -93,7 +93,7 @@ void readFile(Mesh& mesh, const std::string& path, bool append) {
         progress.step();
         tidyFace(mesh, face, true);
     }
-    resetForNewMesh(mesh);
+    resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading") && outcome == Outcome::read) {
         readNote.tell(path, append);
     }

@@ -49,6 +49,11 @@ bool rotationTurnsObjects() { return !turnOptions.view; }
 void toggleRotationAfter() { turnOptions.after = !turnOptions.after; }
 bool rotationComesAfter() { return turnOptions.after; }
 
+void showUpright() {
+    resetAttitude();
+    fitView(*OB);
+}
+
 void mirrorOnScreen() {
     if (!hasSelection()) return;
     const int axis = askAxis("mirror-image in which coordinate as on screen: x or y or z?");

@@ -14,6 +14,9 @@ void letRotationTurnObjects();
 void toggleRotationAfter();
 [[nodiscard]] bool rotationComesAfter();
 
+/// Turns the view upright and fits the mesh in both panes.
+void showUpright();
+
 /// Asks for a screen axis and mirrors the selected faces along it, in the middle of the box around
 /// them on the screen. Here and below a mirrored face is turned over, so that its outside stays
 /// outside; without a selected face a message says so.

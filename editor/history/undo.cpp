@@ -35,7 +35,7 @@ struct Step {
     EditorPart before, after; ///< as they were when the state was left last
     // What else than the mesh, the settable points and the current edge it changed. The rest is as
     // the user has it now.
-    bool movesView, movesBox, namesFile;
+    bool movesBox, namesFile;
 };
 
 struct History {
@@ -62,12 +62,13 @@ bool same(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 
-/// The part's box around what it was around, as that view shows it.
+/// The part's box around what it was around, as that view shows it. Turning leaves the box alone,
+/// moving and magnifying carries it along.
 Box boxInView(const EditorPart& part, const View& to) {
     const View& from = part.view;
     if (same(from.scale, to.scale) && same(from.offset, to.offset)) return part.box;
-    if (!same(from.rotation, to.rotation)) return part.box; // turning leaves the box alone
-    return carried(part.box, from, to);
+    if (same(from.rotation, to.rotation)) return carried(part.box, from, to);
+    return carried(part.box, turnedLike(from, to), to);
 }
 
 /// Whether the box is around something else, by more than the rounding of the view.
@@ -99,11 +100,7 @@ bool differ(const EditorPart& a, const EditorPart& b) {
 void restorePart(const Step& step, const EditorPart& to) {
     restorePicks(to);
     if (step.namesFile) restoreFileName(to);
-    if (step.movesView) {
-        restoreView(to);
-    } else if (step.movesBox) {
-        box = boxInView(to, view);
-    }
+    if (step.movesBox) box = boxInView(to, view);
 }
 
 /// Works out what the altered marks of the states are now. `content`: the present one holds
@@ -162,11 +159,7 @@ Step stepTo(const EditorPart& now, bool content, const std::string& label) {
     const EditorPart& before = history.before;
     const bool pointsOnly = !content && !same(before.settable, now.settable);
     const std::string& named = label.empty() ? "box" : label; // what no mode has done
-    return {pointsOnly ? "settable points" : named,
-            before,
-            now,
-            !same(before.view, now.view),
-            !same(before.box, now.box),
+    return {pointsOnly ? "settable points" : named, before, now, boxMoved(before, now),
             before.fileName != now.fileName};
 }
 

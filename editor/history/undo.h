@@ -2,8 +2,9 @@
 // The history: what undo goes back to and redo comes forward to again. The window tells it of every
 // event, so that commands need not know of it.
 //
-// A step holds the mesh, the settable points, the box, the current edge, and the view and the file
-// name where it was the step that changed them. What only moves the view is no step.
+// A step holds the mesh, the settable points, the box, the current edge, and the file name where it
+// was the step that changed it. The view is the user's: what only moves it is no step, and undo
+// leaves it where it is; the box stays around what it was around.
 #pragma once
 
 #include "editor/history/editor_part.h"

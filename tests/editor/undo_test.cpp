@@ -37,11 +37,10 @@ bool sameView(const View& a, const View& b) { return std::memcmp(&a, &b, sizeof 
 
 /// Whether the box is around what it was around, but for rounding; a turn of the view leaves it.
 bool sameBox(const Everything& a, const Everything& b) {
-    const bool turned = std::memcmp(a.view.rotation, b.view.rotation, sizeof(View::rotation)) != 0;
-    const double factor = turned ? 1 : b.view.scale / a.view.scale;
+    const View turned = turnedLike(a.view, b.view);
+    const double factor = b.view.scale / a.view.scale;
     for (int i = 0; i < 3; ++i) {
-        const double from = turned ? 0 : along(a.view.offset, i);
-        const double to = turned ? 0 : along(b.view.offset, i);
+        const double from = along(turned.offset, i), to = along(b.view.offset, i);
         for (const auto corner : {&Box::left, &Box::right}) {
             const double one = to + (along(a.box.*corner, i) - from) * factor;
             const double other = along(b.box.*corner, i);
