@@ -27,11 +27,10 @@ std::string left() {
 
 std::string right() {
     const FaceCounts& faces = editorState.faces;
-    const std::string shown = editorState.subview != 0
-                                  ? nameListRange()
-                                  : selectionText(faces.selected, faces.live) + "   "
-                                        + OB->currentGroupName() + " / "
-                                        + OB->currentMaterialName();
+    const std::string shown = editorState.subview != 0 ? nameListRange()
+                                                       : selectionText(faces.selected, faces.live)
+                                                             + "   " + OB->currentGroupName()
+                                                             + " / " + OB->currentMaterialName();
     return shown + (isAltered() ? "   altered" : "");
 }
 

@@ -50,10 +50,18 @@ const Command* commandOf(const Event& event) {
     return event.kind == EventKind::command ? findCommand(plainCommand(event.command)) : nullptr;
 }
 
+/// What undo calls what a key of the handling modes does, or null.
+const char* keyStep(const Event& event) {
+    return event.kind == EventKind::keyDown ? handlingStep(event.key) : nullptr;
+}
+
+/// What undo calls what the drag that runs, or has just ended, has done.
+std::string dragStep() { return *drags.step != '\0' ? drags.step : plainLabel(workbench.modeName); }
+
 /// What the menu calls the step that the event may lead to.
 std::string labelOf(const Event& event) {
-    if (editorState.subview != 0) return plainLabel(workbench.modeName) + " list";
-    if (event.kind == EventKind::keyDown && event.key == key::home) return "box";
+    if (editorState.subview != 0) return "select " + plainLabel(workbench.modeName);
+    if (const char* const step = keyStep(event)) return step;
     if (const Command* const command = commandOf(event)) return plainLabel(command->label);
     return event.kind == EventKind::command ? "" : plainLabel(workbench.modeName);
 }
@@ -68,7 +76,7 @@ void recordDrag() {
     beginEvent(true);
     endDrag();
     endEvent();
-    recordStep(plainLabel(workbench.modeName), Snap::now);
+    recordStep(dragStep(), Snap::now);
 }
 
 /// The progress of a command or of the read that a drop is; nothing else is to last.
@@ -79,12 +87,12 @@ void trackWork(const Event& event, std::optional<LongWork>& work) {
     work.emplace(plainLabel(command->label), noUndo ? Escape::stops : command->escape);
 }
 
-/// Whether there may be something new to come back from, outside drags and lists. A key that
-/// changes something shows it; a press that is no drag sets a settable point.
+/// Whether there may be something new to come back from, outside drags and lists. Most keys only
+/// change the view, and the box with it; a press that is no drag sets a settable point.
 bool mayChange(const Event& event) {
     if (event.kind == EventKind::command) return !movesInHistory(event);
     if (event.kind == EventKind::mouse) return leftPressed();
-    if (event.kind == EventKind::keyDown) return stale.points || stale.edges || stale.picture;
+    if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return readsFile(event);
 }
 
@@ -95,7 +103,7 @@ bool mayChangeMesh(const Event& event) {
     if (command != nullptr) {
         return command->checked == nullptr && !entersMode(command->id) && !movesInHistory(event);
     }
-    if (event.kind == EventKind::keyDown) return isHandlingKey(event.key);
+    if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
 }
 
@@ -213,7 +221,8 @@ void handleEvent(const Event& event) {
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
     if (editorState.subview != 0 ? listed && altered : ended) {
-        recordStep(step.empty() ? label : std::string(step), snapAfter(event),
+        const std::string named = dragged ? dragStep() : label;
+        recordStep(step.empty() ? named : std::string(step), snapAfter(event),
                    changedBy(event, listed));
     }
     if (ended || movesInHistory(event)) countFaces();

@@ -235,6 +235,7 @@ void takeCurrent(const List& list, int) {
 struct KeyRow {
     int code;
     void (*act)(const List& list, int code);
+    const char* step = "";                    ///< what undo calls it, see useButtons
     bool (*used)(const List& list) = nullptr; ///< null: by every list
 };
 
@@ -249,29 +250,33 @@ constexpr KeyRow keyRows[] = {
     {key::enter, takeCurrent},
     {'A', [](const List& list, int) { pickAll(list, true); }},
     {'C', [](const List& list, int) { pickAll(list, false); }},
-    {'N', addEntry, [](const List& list) { return list.add != nullptr; }},
+    {'N', addEntry, "new name", [](const List& list) { return list.add != nullptr; }},
     {'S', toggleSelectedOnly},
-    {'T', setTextureNumbers, [](const List& list) { return list.texturesShow; }},
+    {'T', setTextureNumbers, "set texture map number",
+     [](const List& list) { return list.texturesShow; }},
 };
+
+constexpr KeyRow jumpRow = {0, jump};
 
 /// What the key does in the list; null: nothing. Letters that have no use of their own there, and
 /// all of them with Shift, go to a name.
-void (*actOf(const List& list, int code))(const List&, int) {
+const KeyRow* rowOf(const List& list, int code) {
     const bool isLetter = (code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9');
     const bool types = isLetter && !keyIsDown(key::alt) && !keyIsDown(key::ctrl);
-    if (types && keyIsDown(key::shift)) return jump;
+    if (types && keyIsDown(key::shift)) return &jumpRow;
     for (const KeyRow& row : keyRows) {
-        if (row.code == code && (row.used == nullptr || row.used(list))) return row.act;
+        if (row.code == code && (row.used == nullptr || row.used(list))) return &row;
     }
-    return types ? jump : nullptr;
+    return types ? &jumpRow : nullptr;
 }
 
-void onKeyDown(const List& list, const Event& event) {
-    const auto act = keyIsDown(event.key) ? nullptr : actOf(list, event.key); // no repeats
+const char* onKeyDown(const List& list, const Event& event) {
+    const KeyRow* const row = keyIsDown(event.key) ? nullptr : rowOf(list, event.key); // no repeats
     noteKey(event);
-    if (act == nullptr) return;
-    act(list, event.key);
+    if (row == nullptr) return "";
+    row->act(list, event.key);
     if (editorState.subview != 0) refresh(list);
+    return row->step;
 }
 
 void onKeyUp(const List&, const Event& event) { noteKey(event); }
@@ -324,7 +329,7 @@ constexpr Route routes[] = {
     {EventKind::menuOpening, plain<onKeysLost>},
     {EventKind::paint, plain<onPaint>},
     {EventKind::close, plain<onClose>},
-    {EventKind::keyDown, plain<onKeyDown>},
+    {EventKind::keyDown, onKeyDown},
     {EventKind::keyUp, plain<onKeyUp>},
     {EventKind::mouse, onMouse},
     {EventKind::wheel, plain<onWheel>},

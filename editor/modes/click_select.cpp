@@ -4,6 +4,7 @@
 #include "editor/modes/under_mouse.h"
 #include "mesh/faces.h"
 #include "mesh/stale.h"
+#include "workbench/notes.h"
 
 #include <cstdint>
 
@@ -18,7 +19,13 @@ std::unique_ptr<Drag> selectWholeAt(const Event& press, std::int16_t Face::*inde
     const int clicked = place ? faceAt(*OB, *place) : -1;
     if (clicked < 0) return nullptr;
     const int wanted = OB->faces[clicked].*index;
-    for (Face& face : liveFaces(*OB)) face.selected = face.*index == wanted;
+    std::int64_t live = 0, selected = 0;
+    for (Face& face : liveFaces(*OB)) {
+        face.selected = face.*index == wanted;
+        ++live;
+        selected += face.selected;
+    }
+    note(selectionText(selected, live));
     for (int i = 0; i < OB->*count; ++i) (OB->*entries)[i].selected = i == wanted;
     stale.edges = true;
     return nullptr;

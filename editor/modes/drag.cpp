@@ -2,6 +2,7 @@
 #include "editor/modes/drag.h"
 
 #include "editor/editor_state.h"
+#include "workbench/notes.h"
 
 #include <utility>
 
@@ -14,8 +15,15 @@ std::unique_ptr<Drag> takeDrag() {
     return std::move(drags.drag);
 }
 
+void tell(const Drag& drag) {
+    if (const std::string said = drag.said(); !said.empty()) note(said);
+}
+
 void finishDrag() {
-    if (const auto drag = takeDrag()) drag->finish();
+    if (const auto drag = takeDrag()) {
+        drag->finish();
+        tell(*drag);
+    }
 }
 
 } // namespace
@@ -26,11 +34,15 @@ void dragByMouse(const Event& event, const Press& press) {
     if (before == 0) {
         finishDrag(); // its release was part of setting a settable point
         drags.held = now != 0;
+        drags.step = press.step;
     }
     if (!drags.held) return;
     drags.held = now != 0;
     if ((now & press.buttons) == 0) {
-        if (const auto drag = std::move(drags.drag)) drag->drop(event);
+        if (const auto drag = std::move(drags.drag)) {
+            drag->drop(event);
+            tell(*drag);
+        }
         return;
     }
     if ((before & press.buttons) == 0 && press.begin != nullptr) drags.drag = press.begin(event);

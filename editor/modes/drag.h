@@ -26,7 +26,8 @@ class Drag {
     virtual void finish() {}
     /// Everything is as it was before the press.
     virtual void cancel() {}
-    /// What it has done so far, for the status line; "": nothing to tell.
+    /// What it has done so far, for the status line, and for a note when it has ended; "": nothing
+    /// to tell.
     [[nodiscard]] virtual std::string said() const { return ""; }
 };
 
@@ -36,6 +37,7 @@ struct Press {
     std::unique_ptr<Drag> (*begin)(const Event&) = nullptr;
     /// The first of these to go down begins the drag, and the last to go up ends it.
     unsigned buttons = button::left;
+    const char* step = ""; ///< what undo calls what comes of it; "": like the mode
 };
 
 inline constexpr unsigned anyButton = button::left | button::right;
@@ -44,6 +46,7 @@ inline constexpr unsigned anyButton = button::left | button::right;
 struct Drags {
     /// From the press of the first button until all are up, or something ends it before.
     bool held = false;
+    const char* step = "";          ///< what undo calls what was done since, as Press has it
     bool setsPoint = false;         ///< the left button went down to set a settable point
     std::unique_ptr<Drag> drag;     ///< what the mode makes of it; null: nothing
     std::unique_ptr<Drag> ofMiddle; ///< the drag with the middle button, or null

@@ -59,6 +59,7 @@ const char* splitBetween(int a, int b, const PanePlace& end) {
         }
     }
     const bool done = splitFace(*OB, *chosen);
+    drags.step = "split face";
     stale.edges = true;
     return done ? "split face OK" : "there is no room";
 }
@@ -98,6 +99,7 @@ std::unique_ptr<Drag> pressFace(const Event& press) {
     if (OB->curface >= 0 && keyIsDown(key::shift)) {
         Face& face = OB->faces[OB->curface];
         face.selected = face.selected ? 0 : 1;
+        drags.step = "select face";
         stale.edges = true;
     }
     updateTitle();

@@ -25,14 +25,17 @@ namespace {
 /// Points move in the plane of the pane in which they were grabbed, wherever the mouse is.
 class GripDrag : public PointDrag {
   public:
-    GripDrag(const Event& press, const PanePlace& place, std::vector<std::int32_t> dragged)
-        : PointDrag(std::move(dragged)), x(press.x), y(press.y), left(place.left) {}
+    GripDrag(const Event& press, const PanePlace& place, std::vector<std::int32_t> dragged,
+             std::string dragging, const char* moving)
+        : PointDrag(std::move(dragged), std::move(dragging)), x(press.x), y(press.y),
+          left(place.left), name(moving) {}
 
     void move(const Event& event) override {
         const double right = event.x - x;
         const double down = event.y - y;
         moved = moved || isDrag(right, down);
         if (!moved) return;
+        drags.step = name;
         AffineMap turn = projection.toWorld;
         for (double* row : turn.row) row[3] = 0;
         const Vec3 step = turn(left ? Vec3{right, down, 0} : Vec3{0, down, right});
@@ -45,6 +48,7 @@ class GripDrag : public PointDrag {
   private:
     int x, y; ///< client position of the press
     bool left;
+    const char* name; ///< what undo calls it
 };
 
 /// The side on the other face of this edge, when there is exactly one; otherwise the title tells.
@@ -82,6 +86,7 @@ bool weldAt(const Event& event) {
     OB->highlightPoint(onto);
     forgetCurrentEdge(); // tidying may have numbered its face's corners anew
     stale.edges = true;
+    drags.step = "weld two vertexes";
     platform().setTitle("welded onto vertex " + std::to_string(onto + 1));
     return true;
 }
@@ -94,22 +99,30 @@ class VertexDrag : public GripDrag {
         move(event);
         if (moved && keyIsDown(key::ctrl) && OB->curvertex >= 0) {
             cancel(); // a weld moves it onto the other, not to where the mouse is
-            if (weldAt(event)) return;
+            welded = weldAt(event);
+            if (welded) return;
             move(event);
         }
         finish();
     }
+    [[nodiscard]] std::string said() const override {
+        return welded ? "" : GripDrag::said(); // the title tells
+    }
+
+  private:
+    bool welded = false;
 };
 
 struct KeyRow {
     int mode;
     int code;
     void (*act)();
+    const char* step; ///< what undo calls it
 };
 
 constexpr auto keyRows = std::to_array<KeyRow>({
-    {'F', key::del, deleteCurrentFace},
-    {'E', key::del, deleteCurrentEdge},
+    {'F', key::del, deleteCurrentFace, "delete face"},
+    {'E', key::del, deleteCurrentEdge, "join two faces"},
 });
 
 /// What the key does in the present mode, or null.
@@ -135,7 +148,8 @@ std::unique_ptr<Drag> pressEdge(const Event& press) {
     const int from = pointAt(*OB, face, edge.corner);
     const int to = pointAt(*OB, face, edge.corner + 1);
     return std::make_unique<GripDrag>(press, *place,
-                                      from == to ? std::vector{from} : std::vector{from, to});
+                                      from == to ? std::vector{from} : std::vector{from, to},
+                                      "the edge", "move edge");
 }
 
 std::unique_ptr<Drag> pressGroup(const Event& press) {
@@ -146,6 +160,7 @@ std::unique_ptr<Drag> pressGroup(const Event& press) {
     if (keyIsDown(key::ctrl)) {
         if (face.g != OB->curgroup) OB->changed = 1;
         face.g = OB->curgroup;
+        drags.step = "put face into group";
         platform().setTitle("face " + std::to_string(index + 1) + " is now in group "
                             + OB->currentGroupName());
     } else {
@@ -163,7 +178,9 @@ std::unique_ptr<Drag> pressVertex(const Event& press) {
     stale.picture = true;
     updateTitle();
     if (OB->curvertex < 0) return nullptr;
-    return std::make_unique<VertexDrag>(press, *place, std::vector{OB->curvertex});
+    return std::make_unique<VertexDrag>(press, *place, std::vector{OB->curvertex},
+                                        "vertex " + std::to_string(OB->curvertex + 1),
+                                        "move vertex");
 }
 
 bool handlingKeyDown(int code) {
@@ -174,6 +191,9 @@ bool handlingKeyDown(int code) {
     return true;
 }
 
-bool isHandlingKey(int code) { return keyRow(code) != nullptr; }
+const char* handlingStep(int code) {
+    const KeyRow* const row = keyRow(code);
+    return row == nullptr ? nullptr : row->step;
+}
 
 } // namespace polyfab

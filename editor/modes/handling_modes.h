@@ -22,7 +22,7 @@ std::unique_ptr<Drag> pressVertex(const Event& press);
 /// edge. Whether the key is taken.
 bool handlingKeyDown(int code);
 
-/// Whether it would be.
-[[nodiscard]] bool isHandlingKey(int code);
+/// What undo calls what the key does in the present mode; null: nothing.
+[[nodiscard]] const char* handlingStep(int code);
 
 } // namespace polyfab

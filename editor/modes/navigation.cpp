@@ -28,10 +28,11 @@ void turnByStep(const Vec3& step, bool inRightPane) {
 
 std::unique_ptr<Drag> beginNavigation(const Event& press) {
     const bool inRightPane = press.x >= panesOf(view.client).rightStart;
-    return dragView(press, [inRightPane](const Vec3& step) {
+    const auto change = [inRightPane](const Vec3& step) {
         if (keyIsDown(key::shift)) return turnByStep(step, inRightPane);
         panView(inRightPane ? Vec3{0, step.y, step.x} : step);
-    });
+    };
+    return std::make_unique<StepsDrag>(press, change, [](const Vec3&) { return ""; });
 }
 
 } // namespace

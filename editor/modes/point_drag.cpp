@@ -19,7 +19,18 @@ void setPosition(Point& p, const Vec3& to) {
 
 } // namespace
 
-PointDrag::PointDrag(std::vector<std::int32_t> dragged) : points(std::move(dragged)) {
+std::string byWay(const Vec3& way) {
+    // What rounding leaves of a zero is no figure to show.
+    const double least = 1e-12 * largestPart(way);
+    const auto shown = [least](double v) { return std::abs(v) <= least ? 0 : v; };
+    char text[128];
+    std::snprintf(text, sizeof text, "by %.6g in x, %.6g in y, %.6g in z", shown(way.x),
+                  shown(way.y), shown(way.z));
+    return text;
+}
+
+PointDrag::PointDrag(std::vector<std::int32_t> dragged, std::string dragging)
+    : what(std::move(dragging)), points(std::move(dragged)) {
     start.reserve(points.size());
     for (const std::int32_t point : points) start.push_back(worldPosition(OB->points[point]));
 }
@@ -42,10 +53,8 @@ void PointDrag::finish() {
 
 std::string PointDrag::said() const {
     if (points.empty()) return "";
-    const Vec3 by = worldPosition(OB->points[points.front()]) - start.front();
-    char text[128];
-    std::snprintf(text, sizeof text, "moved by %.6g in x, %.6g in y, %.6g in z", by.x, by.y, by.z);
-    return text;
+    const Vec3 way = worldPosition(OB->points[points.front()]) - start.front();
+    return isZero(way) ? "" : "moved " + what + " " + byWay(way);
 }
 
 void PointDrag::cancel() {

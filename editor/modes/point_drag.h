@@ -8,15 +8,19 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace polyfab {
 
+/// "by 1 in x, 0 in y, -0.25 in z".
+[[nodiscard]] std::string byWay(const Vec3& way);
+
 /// The drag of some points of OB; how they follow is for others to say.
 class PointDrag : public Drag {
   public:
-    /// Each point is named once.
-    explicit PointDrag(std::vector<std::int32_t> dragged);
+    /// Each point is named once. `dragging`: what they are, in words.
+    PointDrag(std::vector<std::int32_t> dragged, std::string dragging);
 
     void finish() override;
     void cancel() override;
@@ -26,6 +30,8 @@ class PointDrag : public Drag {
   protected:
     /// Puts every point where `to` maps the world position at which it stood when the drag began.
     void place(const std::function<Vec3(const Vec3&)>& to);
+
+    std::string what; ///< "vertex 3"
 
   private:
     /// The drag has ended with a point at another position than before.

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <numbers>
+#include <string>
 #include <utility>
 
 namespace polyfab {
@@ -33,12 +34,12 @@ class Way {
     int x, y; ///< client position of the event before
 };
 
+/// What to say of a drag that has moved so far, in pixels along the screen's axes.
+using TellMoved = std::function<std::string(const Vec3& moved)>;
+
 /// A drag that changes the view or the box.
 class ViewDrag : public Drag {
   public:
-    explicit ViewDrag(std::function<void(const Event&)> toFollow) : follow(std::move(toFollow)) {}
-
-    void move(const Event& event) override { follow(event); }
     void cancel() override {
         view = viewBefore;
         box = boxBefore;
@@ -46,16 +47,28 @@ class ViewDrag : public Drag {
     }
 
   private:
-    std::function<void(const Event&)> follow;
     View viewBefore = view;
     Box boxBefore = box;
 };
 
-/// `change` changes the view by a step.
-template <typename Change>
-std::unique_ptr<Drag> dragView(const Event& press, Change change) {
-    return std::make_unique<ViewDrag>(
-        [way = Way(press), change](const Event& event) mutable { change(way.stepTo(event)); });
-}
+/// One that changes the view by steps.
+class StepsDrag : public ViewDrag {
+  public:
+    StepsDrag(const Event& press, std::function<void(const Vec3&)> by, TellMoved toTell)
+        : way(press), change(std::move(by)), tell(std::move(toTell)) {}
+
+    void move(const Event& event) override {
+        const Vec3 step = way.stepTo(event);
+        moved += step;
+        change(step);
+    }
+    [[nodiscard]] std::string said() const override { return isZero(moved) ? "" : tell(moved); }
+
+  private:
+    Way way;
+    Vec3 moved;
+    std::function<void(const Vec3&)> change;
+    TellMoved tell;
+};
 
 } // namespace polyfab

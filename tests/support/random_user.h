@@ -31,13 +31,15 @@ class RandomUser {
         }
     }
 
-    std::vector<std::string> files;           ///< that file dialogs are answered with; none: cancel
+    std::vector<std::string> files; ///< that file dialogs are answered with; none: cancel
+    bool fitted = false; ///< the last act fitted view and box to the mesh, which is no step
     std::function<void()> beforeListIsClosed; ///< called when something was done in a list
 
     /// A drag, a turn of the wheel, a key or a command, with whatever answers.
     void act() {
         constexpr int keys[] = {46, 36, 190}; // Delete, Home, full stop
         prepareAnswers();
+        fitted = false;
         if (const int kind = below(9); kind < 3) {
             dragAnywhere();
         } else if (kind == 3) {
@@ -68,7 +70,8 @@ class RandomUser {
         return list[static_cast<std::size_t>(below(static_cast<int>(list.size())))];
     }
     static void command(int id) { handleEvent({.kind = EventKind::command, .command = id}); }
-    static void press(int code) {
+    void press(int code) {
+        fitted = code == key::home;
         handleEvent({.kind = EventKind::keyDown, .key = code});
         handleEvent({.kind = EventKind::keyUp, .key = code});
     }
