@@ -5,6 +5,7 @@
 #include "formats/3ds_reader.h"
 
 #include "formats/file_command.h"
+#include "formats/left_out.h"
 #include "io/read_file.h"
 #include "mesh/mesh.h"
 #include "mesh/table.h"
@@ -42,6 +43,7 @@ class Walk {
             if (const char* fault = readChunk()) return fault;
             while (!open.empty() && at >= open.back().end) open.pop_back();
         } while (!open.empty());
+        leftOut.add("chunk of another kind", skipped);
         return nullptr;
     }
 
@@ -59,6 +61,8 @@ class Walk {
         const char* (Walk::*read)(const Chunk& chunk);
     };
     static const Action actions[];
+    /// Skipped, but nothing is lost: versions, and a colour that is there twice.
+    static constexpr unsigned needless[] = {0x0002, 0x3D3E, 0x0012};
 
     // Values of the lowest byte first. Bytes behind the end are 0.
     [[nodiscard]] unsigned byte(std::size_t p) const { return p < bytes.size() ? bytes[p] : 0; }
@@ -90,9 +94,10 @@ class Walk {
     Mesh& mesh;
     std::span<const std::uint8_t> bytes;
     std::size_t at = 0;
-    std::vector<Chunk> open; ///< the containers around the position
-    int pointBase = 0;       ///< points that were there before the object
-    int faceBase = -1;       ///< faces that were there before the face array; -1: none was read
+    std::vector<Chunk> open;  ///< the containers around the position
+    std::int64_t skipped = 0; ///< chunks that nothing is read from
+    int pointBase = 0;        ///< points that were there before the object
+    int faceBase = -1;        ///< faces that were there before the face array; -1: none was read
 };
 
 const Walk::Action Walk::actions[] = {
@@ -121,7 +126,9 @@ const char* Walk::readChunk() {
             return row.id == chunk.id && (row.parent == 0 || row.parent == parent);
         });
     at = chunk.end;
-    return action == std::end(actions) ? nullptr : (this->*action->read)(chunk);
+    if (action != std::end(actions)) return (this->*action->read)(chunk);
+    skipped += std::count(std::begin(needless), std::end(needless), id) == 0;
+    return nullptr;
 }
 
 /// Goes on with the sub-chunks, the first of which is at `inside`.

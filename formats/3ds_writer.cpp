@@ -5,7 +5,6 @@
 
 #include "formats/face_order.h"
 #include "formats/file_command.h"
-#include "formats/only_selected.h"
 #include "io/save_file.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
@@ -73,8 +72,9 @@ class Chunk {
 /// Builds the file; the first thing that does not fit ends it.
 class Writer {
   public:
-    Writer(const Mesh& from, bool selectedOnly)
-        : mesh(from), onlySelected(selectedOnly), progress(4 * std::int64_t{from.nf}) {}
+    Writer(const Mesh& from, bool selectedOnly, bool allGroups)
+        : mesh(from), onlySelected(selectedOnly), everything(allGroups),
+          progress(4 * std::int64_t{from.nf}) {}
 
     /// "", or what the file can't hold.
     std::string write();
@@ -83,7 +83,9 @@ class Writer {
     int leftOut = 0; ///< faces that were wanted, in groups without a selected face
 
   private:
-    [[nodiscard]] bool isSelected(int face) const { return mesh.faces[face].selected != 0; }
+    [[nodiscard]] bool isSelected(int face) const {
+        return everything || mesh.faces[face].selected != 0;
+    }
     [[nodiscard]] std::span<const FaceCorner> cornersOf(int face) const {
         return {mesh.faces[face].q, static_cast<std::size_t>(mesh.faces[face].n)};
     }
@@ -102,6 +104,7 @@ class Writer {
 
     const Mesh& mesh;
     bool onlySelected;
+    bool everything;       ///< also the groups without a selected face
     LoopProgress progress; ///< each face is looked at four times
     // Of the group that is being written.
     std::vector<int> points; ///< indices into mesh.points, in the order of their new numbers
@@ -281,13 +284,13 @@ int fail(const std::string& what, const std::string& path) {
 
 } // namespace
 
-int write3dsFile(Mesh& mesh, const std::string& path) try {
+int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     if (!collectGarbage(mesh)) return 0;
     moveProgress();
     forgetCurrentEdge();
     stale.edges = true;
-    const bool onlySelected = askOnlySelected(mesh, true);
-    Writer writer(mesh, onlySelected);
+    const bool onlySelected = askOnlySelected(mesh, true, wanted);
+    Writer writer(mesh, onlySelected, wanted == Wanted::all);
     const std::string fault = writer.write();
     if (!fault.empty()) return fail(fault, path);
     SaveFile file;

@@ -2,6 +2,8 @@
 // Writes the mesh to a 3DS chunk file.
 #pragma once
 
+#include "formats/only_selected.h"
+
 #include <string>
 
 namespace polyfab {
@@ -9,15 +11,15 @@ namespace polyfab {
 struct Mesh;
 
 /// Collects the garbage of the mesh and writes it to `path`: the materials, then an object for each
-/// group with a selected face, its faces as fans of triangles. Coordinates become 32-bit floats;
-/// normals and texture coordinates are not written. When a face is not selected it asks whether
-/// only the selected ones are wanted.
+/// group with a selected face, or for each where all is wanted, its faces as fans of triangles.
+/// Coordinates become 32-bit floats; normals and texture coordinates are not written. When a face
+/// is not selected it asks whether only the selected ones are wanted.
 ///
 /// 1 on success, `workbench.wholeMeshWritten` then tells whether no face was left out; faces that
 /// were wanted, but are in a group without a selected one, are counted in a message. 0 after a
 /// message when the mesh is faulty, the file cannot be created or written, or the mesh is more than
 /// a file can hold: 65,535 points or triangles in a group, a coordinate beyond the range of a
 /// float, 16 MiB in all. An old file is then as it was.
-[[nodiscard]] int write3dsFile(Mesh& mesh, const std::string& path);
+[[nodiscard]] int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted = Wanted::asked);
 
 } // namespace polyfab

@@ -4,6 +4,7 @@
 #include "formats/dxf_reader.h"
 
 #include "formats/file_command.h"
+#include "formats/left_out.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
 #include "mesh/garbage.h"
@@ -14,7 +15,9 @@
 #include "platform/platform.h"
 #include "workbench/title.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <new>
 #include <optional>
@@ -185,12 +188,46 @@ bool Reader::addEntity() {
     return true;
 }
 
-std::int64_t countEntities(Lines& lines) {
-    std::int64_t count = 0;
-    std::string_view line;
-    while (lines.next(line)) count += line.starts_with(entity);
-    return count;
-}
+/// What is drawn in a DXF file, faces first. Others make faces of those at the head of the list.
+constexpr std::string_view drawn[] = {
+    entity,      "POLYLINE", "INSERT", "MESH",  "LWPOLYLINE", "LINE",    "CIRCLE", "ARC",
+    "ELLIPSE",   "SPLINE",   "POINT",  "SOLID", "TRACE",      "TEXT",    "MTEXT",  "HATCH",
+    "DIMENSION", "3DSOLID",  "REGION", "BODY",  "SURFACE",    "VIEWPORT"};
+constexpr std::size_t makeFaces = 4;
+
+/// The counting pass.
+struct Counts {
+    std::int64_t entities = 0; ///< lines that the reading pass takes for the start of a face
+    std::int64_t of[std::size(drawn)] = {};
+    std::int64_t comments = 0;
+
+    void count(Lines& lines) {
+        constexpr std::int64_t isComment = 999;
+        std::string_view line;
+        while (lines.next(line)) {
+            const std::int64_t code = integerIn(line);
+            entities += line.starts_with(entity);
+            if (!lines.next(line)) return;
+            entities += line.starts_with(entity);
+            comments += code == isComment;
+            const auto* const row = std::find(std::begin(drawn), std::end(drawn), line);
+            if (code == 0 && row != std::end(drawn)) ++of[row - std::begin(drawn)];
+        }
+    }
+
+    void tellLeftOut(std::int64_t read, bool noFace) const {
+        leftOut.add("comment", comments);
+        for (std::size_t i = 0; i < std::size(drawn); ++i) {
+            const std::int64_t left = i == 0 ? of[i] - read : of[i];
+            if (left > 0) leftOut.name(counted(left) + " " + std::string(drawn[i]));
+        }
+        leftOut.elsewhere =
+            noFace && std::any_of(of, of + makeFaces, [](std::int64_t count) { return count > 0; });
+    }
+};
+
+/// Whether the coordinate has more decimals than are written.
+bool isFine(double value) { return std::round(value * 1000) / 1000 != value; }
 
 bool reserve(Mesh& mesh, std::int64_t entities) {
     return mesh.growFaces(mesh.nf + entities, false)
@@ -200,20 +237,23 @@ bool reserve(Mesh& mesh, std::int64_t entities) {
 
 /// Number of boundaries; or 0, after a message unless the user stopped it.
 int readEntities(Mesh& mesh, const std::string& path) try {
+    const int facesBefore = mesh.nf;
     Lines counted(path, Pass::counting);
     Lines lines(path, Pass::reading);
     if (!counted.isOpen() || !lines.isOpen()) {
         complain("I can't open this file", path);
         return 0;
     }
-    const std::int64_t entities = countEntities(counted);
-    if (counted.stopped() || !reserve(mesh, entities)) return 0;
+    Counts counts;
+    counts.count(counted);
+    if (counted.stopped() || !reserve(mesh, counts.entities)) return 0;
     const std::optional<int> boundaries = Reader(mesh).read(lines);
     if (!boundaries || lines.stopped()) return 0;
     if (counted.failed() || lines.failed()) {
         complain("I can't read this file", path);
         return 0;
     }
+    counts.tellLeftOut(std::max(*boundaries - 1, 0), mesh.nf == facesBefore);
     if (*boundaries == 0) complain("bad DXF file", path);
     return *boundaries;
 } catch (const std::bad_alloc&) { // the tables
@@ -228,6 +268,10 @@ int readDxfFile(Mesh& mesh, const std::string& path, bool append) {
     const std::string title = titleUpTo(128);
     const int boundaries = readEntities(mesh, path);
     if (boundaries == 0) return 0;
+    const bool fine = std::any_of(mesh.points, mesh.points + mesh.np, [](const Point& point) {
+        return isFine(point.x) || isFine(point.y) || isFine(point.z);
+    });
+    if (fine) leftOut.name("decimals behind the third");
     stale.edges = true;
     platform().setTitle(title);
     mesh.highlightPoint(-1);

@@ -2,7 +2,6 @@
 #include "formats/dxf_writer.h"
 
 #include "formats/file_command.h"
-#include "formats/only_selected.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
@@ -93,12 +92,12 @@ bool writeFaces(SaveFile& file, const Mesh& mesh, bool onlySelected, const std::
 
 } // namespace
 
-int writeDxfFile(const Mesh& mesh, const std::string& path) {
+int writeDxfFile(const Mesh& mesh, const std::string& path, Wanted wanted) {
     SaveFile file;
     // The file first: nobody is asked about a file that cannot be made.
     if (!file.open(path)) return 0;
     file.append("0\nSECTION\n2\nENTITIES\n");
-    const bool onlySelected = askOnlySelected(mesh, true);
+    const bool onlySelected = askOnlySelected(mesh, true, wanted);
     workbench.wholeMeshWritten = !onlySelected;
     bool written = writeFaces(file, mesh, onlySelected, path);
     file.append("0\nENDSEC\n0\nEOF\n");

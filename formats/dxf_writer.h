@@ -2,6 +2,8 @@
 // Writes the mesh as 3DFACE entities of a DXF file.
 #pragma once
 
+#include "formats/only_selected.h"
+
 #include <string>
 
 namespace polyfab {
@@ -16,6 +18,7 @@ struct Mesh;
 /// 1 on success, `workbench.wholeMeshWritten` then tells whether all faces were written. 0 after
 /// a message when a coordinate is not finite or too large for a line, and without one when the file
 /// cannot be created or written; an old file is then as it was.
-[[nodiscard]] int writeDxfFile(const Mesh& mesh, const std::string& path);
+[[nodiscard]] int writeDxfFile(const Mesh& mesh, const std::string& path,
+                               Wanted wanted = Wanted::asked);
 
 } // namespace polyfab

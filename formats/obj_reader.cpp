@@ -7,12 +7,15 @@
 #include "formats/obj_reader.h"
 
 #include "formats/file_command.h"
+#include "formats/left_out.h"
+#include "formats/obj_writer.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <optional>
@@ -62,6 +65,24 @@ void cannot(const std::string& what, const std::string& path) {
 
 double sensibleTexCoord(double value) { return std::fabs(value) > maxTexCoord ? 0 : value; }
 
+/// What stands in lines that are read, behind what is.
+struct Surplus {
+    std::int64_t colors = 0, weights = 0, depths = 0;
+
+    /// Of a point: a weight, or a colour with or without one.
+    void behindPoint(int words, double first) {
+        if (words >= 3) {
+            ++colors;
+        } else if (words > 0 && first != 1) {
+            ++weights;
+        }
+    }
+    /// Of a texture coordinate. Many files give all of them the third one, as 0.
+    void behindTexCoord(int words, double first) {
+        if (words > 0 && first != 0) ++depths;
+    }
+};
+
 // The plain lines. Each function takes the text behind the keyword, which has a line end ahead, and
 // returns where the line ends, or null when it declines. A line that ends behind `limit` is long.
 
@@ -75,33 +96,54 @@ const char* lineEnd(const char* p) {
     return p;
 }
 
+/// Where the words behind the numbers begin, or the line's end; null when the numbers are odd.
 template <int count>
-const char* plainNumbers(const char* p, const char* limit, double (&values)[count]) {
+const char* plainNumbers(const char* p, double (&values)[count]) {
     for (double& value : values) {
         p = skipBlanks(p);
         if (!parseDecimal(p, value) || !isBlank(*p)) return nullptr;
     }
-    p = lineEnd(p);
-    return p <= limit ? p : nullptr;
+    return skipBlanks(p);
 }
 
-const char* plainPoint(Mesh& mesh, const char* p, const char* limit) {
+/// Tells of the words between p and the end of the line, which is given back.
+const char* plainRest(const char* p, const char* limit, Surplus& surplus,
+                      void (Surplus::*tell)(int words, double first)) {
+    const char* const end = lineEnd(p);
+    if (end > limit) return nullptr;
+    if (p == end) return end;
+    double first = 0;
+    const char* number = p;
+    parseDecimal(number, first);
+    int words = 0;
+    for (; p != end; p = skipBlanks(p), ++words) {
+        while (!isBlank(*p)) ++p;
+    }
+    (surplus.*tell)(words, first);
+    return end;
+}
+
+const char* plainPoint(Mesh& mesh, const char* p, const char* limit, Surplus& surplus) {
     double xyz[3];
-    p = plainNumbers(p, limit, xyz);
+    p = plainNumbers(p, xyz);
+    if (p != nullptr) p = plainRest(p, limit, surplus, &Surplus::behindPoint);
     if (p != nullptr) mesh.addPoint(xyz[0], xyz[1], xyz[2], false);
     return p;
 }
 
 const char* plainNormal(Mesh& mesh, const char* p, const char* limit) {
     double xyz[3];
-    p = plainNumbers(p, limit, xyz);
-    if (p != nullptr) mesh.addNormal(xyz[0], xyz[1], xyz[2]);
+    p = plainNumbers(p, xyz);
+    if (p != nullptr) p = lineEnd(p);
+    if (p == nullptr || p > limit) return nullptr;
+    mesh.addNormal(xyz[0], xyz[1], xyz[2]);
     return p;
 }
 
-const char* plainTexCoord(Mesh& mesh, const char* p, const char* limit) {
+const char* plainTexCoord(Mesh& mesh, const char* p, const char* limit, Surplus& surplus) {
     double uv[2];
-    p = plainNumbers(p, limit, uv);
+    p = plainNumbers(p, uv);
+    if (p != nullptr) p = plainRest(p, limit, surplus, &Surplus::behindTexCoord);
     if (p != nullptr) mesh.addTexCoord(sensibleTexCoord(uv[0]), sensibleTexCoord(uv[1]));
     return p;
 }
@@ -126,14 +168,29 @@ const char* plainFace(Mesh& mesh, const char* p, const char* limit, const Bases&
     return p;
 }
 
-const char* plainLine(Mesh& mesh, const char* line, const Bases& bases) {
+const char* plainLine(Mesh& mesh, const char* line, const Bases& bases, Surplus& surplus) {
     const char* const limit = line + maxObjLine;
     if (line[0] == 'f' && line[1] == ' ') return plainFace(mesh, line + 2, limit, bases);
     if (line[0] != 'v') return nullptr;
-    if (line[1] == ' ') return plainPoint(mesh, line + 2, limit);
-    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(mesh, line + 3, limit);
+    if (line[1] == ' ') return plainPoint(mesh, line + 2, limit, surplus);
+    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(mesh, line + 3, limit, surplus);
     if (line[1] == 'n' && line[2] == ' ') return plainNormal(mesh, line + 3, limit);
     return nullptr;
+}
+
+/// Lines that nothing is read from, by their keyword; the last row is any other.
+struct Unread {
+    std::string_view word;
+    const char* what;
+};
+constexpr Unread unreadLines[] = {{"#", "comment"},        {"o", "object name"},
+                                  {"s", "smoothing line"}, {"l", "line element"},
+                                  {"p", "point element"},  {"", "other line"}};
+
+/// Whether the writer makes such a comment anew.
+bool isOwnComment(std::string_view text) {
+    return std::any_of(std::begin(objHeader), std::end(objHeader),
+                       [&](std::string_view row) { return text.starts_with(row); });
 }
 
 /// The reading pass.
@@ -155,6 +212,9 @@ class Reader {
 
     [[nodiscard]] std::size_t readLines(std::string_view text);
     void readLine();
+    void noteUnread();
+    void noteCut(std::string_view text, std::size_t used);
+    void tellLeftOut(std::string_view end) const;
     void enterGroup(std::string_view name);
     [[nodiscard]] double decimal(int k) const;
     [[nodiscard]] std::optional<CornerNumbers> cornerNumbers(int k) const;
@@ -178,6 +238,10 @@ class Reader {
     // Made at the first name: a face before that may have made the default group or material.
     std::optional<NameTable> groups;
     std::optional<NameTable> materials;
+    Surplus surplus;
+    std::int64_t unread[std::size(unreadLines)] = {};
+    std::int64_t cutLines = 0;
+    bool cut = false; ///< the line before went on where it was cut
 };
 
 const Reader::Keyword Reader::keywords[] = {
@@ -211,6 +275,7 @@ int Reader::read(PieceReader& file, const std::string& path) {
         return 0;
     }
     mesh.highlightPoint(-1);
+    tellLeftOut(text);
     return 1;
 }
 
@@ -227,15 +292,17 @@ std::size_t Reader::readLines(std::string_view text) {
         // What is left of a split line goes by the full rules at once, lest the parsers look
         // through all of an endless line from each of its splits.
         if (p < plainEnd && (p == begin || isLineEnd(p[-1]))) {
-            const char* const after = plainLine(mesh, p, bases);
+            const char* const after = plainLine(mesh, p, bases, surplus);
             if (after != nullptr) {
                 ++lineNumber;
+                cut = false;
                 p = after + 1;
                 continue;
             }
         }
         const std::size_t used = line.take({p, static_cast<std::size_t>(end - p)});
         if (used == 0) break;
+        noteCut({p, static_cast<std::size_t>(end - p)}, used);
         p += used;
         if (!line.empty()) readLine();
     }
@@ -244,12 +311,46 @@ std::size_t Reader::readLines(std::string_view text) {
 
 void Reader::readLine() {
     ++lineNumber;
+    if (line.keyword().starts_with('#')) return noteUnread();
     if (line.arguments() < 1) return;
     for (const Keyword& row : keywords) {
         if (!sameKeyword(line.keyword(), row.word)) continue;
         reason = (this->*row.handler)();
         return;
     }
+    noteUnread();
+}
+
+/// Counts the line, unless it says nothing, as it does that goes on where the one before was cut.
+void Reader::noteUnread() {
+    const bool comment = line.keyword().starts_with('#');
+    if (line.keyword() == "#" && line.arguments() == 0) return;
+    if (comment && isOwnComment(line.whole())) return;
+    if (sameKeyword(line.keyword(), "s") && (line.word(1) == "off" || line.word(1) == "0")) return;
+    const std::string_view word = comment ? "#" : line.keyword();
+    const auto* row = std::begin(unreadLines);
+    while (!row->word.empty() && !sameKeyword(word, row->word)) ++row;
+    ++unread[row - unreadLines];
+}
+
+/// Counts the line at the start of the text, of which so much was used, when that is not all of it.
+void Reader::noteCut(std::string_view text, std::size_t used) {
+    const bool goesOn = used == maxObjLine && !isLineEnd(text[used - 1]) && text.size() > used
+                        && !isLineEnd(text[used]);
+    if (goesOn && !cut && text[0] != '#') ++cutLines;
+    cut = goesOn;
+}
+
+/// `end`: what stands behind the last line end.
+void Reader::tellLeftOut(std::string_view end) const {
+    const auto* const word = std::find_if_not(end.begin(), end.end(), isBlank);
+    leftOut.lines += cutLines + (word != end.end() && *word != '#' ? 1 : 0);
+    for (std::size_t i = 0; i < std::size(unreadLines); ++i) {
+        leftOut.add(unreadLines[i].what, unread[i]);
+    }
+    leftOut.add("vertex colour", surplus.colors);
+    leftOut.add("vertex weight", surplus.weights);
+    leftOut.add("third texture coordinate", surplus.depths);
 }
 
 double Reader::decimal(int k) const {
@@ -262,12 +363,14 @@ double Reader::decimal(int k) const {
 const char* Reader::point() {
     if (line.arguments() < 3) return "<3 args";
     mesh.addPoint(decimal(1), decimal(2), decimal(3), false);
+    surplus.behindPoint(line.arguments() - 3, line.arguments() > 3 ? decimal(4) : 0);
     return nullptr;
 }
 
 const char* Reader::texcoord() {
     if (line.arguments() < 2) return "<2 args";
     mesh.addTexCoord(sensibleTexCoord(decimal(1)), sensibleTexCoord(decimal(2)));
+    surplus.behindTexCoord(line.arguments() - 2, line.arguments() > 2 ? decimal(3) : 0);
     return nullptr;
 }
 

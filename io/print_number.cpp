@@ -139,6 +139,10 @@ char* printF3(char* out, double value) {
     return out + 4;
 }
 
+char* printExact(char* out, double value) {
+    return std::to_chars(out, out + numberRoom, value).ptr;
+}
+
 char* printInteger(char* out, std::int64_t value) {
     return std::to_chars(out, out + numberRoom, value).ptr;
 }

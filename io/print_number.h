@@ -14,6 +14,10 @@ inline constexpr int numberRoom = 40;
 /// text; no NUL is written.
 char* printG6(char* out, double value, int width);
 
+/// Prints the shortest text that reads back to the same double. Gives the end of the text; no NUL
+/// is written.
+char* printExact(char* out, double value);
+
 /// As numberRoom, for printF3.
 inline constexpr int decimalRoom = 320;
 

@@ -91,6 +91,12 @@ void check(double value) {
             }
             std::snprintf(expected, sizeof expected, "%5.3f", number);
             ASSERT_EQ(std::string(text, printF3(text, number)), expected) << number;
+            if (!std::isfinite(number)) continue;
+            *printExact(text, number) = 0;
+            const char* exact = text;
+            double back = 0;
+            ASSERT_TRUE(parseDecimal(exact, back) && *exact == 0) << text;
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(back), std::bit_cast<std::uint64_t>(number));
         }
     }
 }

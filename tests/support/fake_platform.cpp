@@ -40,8 +40,9 @@ void FakePlatform::message(const std::string& title, const std::string& text, Ic
 }
 
 Choice FakePlatform::question(const std::string& title, const std::string& text, Buttons,
-                              Choice marked) {
-    log.push_back((marked == Choice::no ? "question-|" : "question|") + title + "|" + text);
+                              Choice answerMarked) {
+    marked = answerMarked;
+    log.push_back("question|" + title + "|" + text);
     return take(choices, Choice::no);
 }
 

@@ -17,13 +17,14 @@ class FakePlatform : public Platform {
     ~FakePlatform() override;
 
     /// What was shown, in order, one line each: "message|TITLE|TEXT" (a "!" after "message" when it
-    /// has the exclamation icon), "question|TITLE|TEXT" (a "-" after "question" when no is marked),
+    /// has the exclamation icon), "question|TITLE|TEXT",
     /// "file|PROMPT|INITIAL", "busy|TEXT", "progress|TEXT|FRACTION", "title|TEXT",
     /// "dialog|NAME|LABEL=DEFAULT", "note|TEXT", "beep", "help|CHAPTER", "page|TITLE|TEXT",
     /// "search", "close", "destroyed".
     std::vector<std::string> log;
 
     std::deque<Choice> choices;                         ///< for questions; empty: no
+    Choice marked = Choice::yes;                        ///< in the last of them
     std::deque<std::optional<std::string>> files;       ///< for file dialogs; empty: cancel
     std::deque<std::vector<std::string>> dialogAnswers; ///< field texts; empty: cancel
     std::deque<DialogResult> dialogResults; ///< how those prompts are left; empty: accept
