@@ -144,6 +144,7 @@ constexpr auto table = std::to_array<Command>({
     recentRow<7>("recent file &8"),
     recentRow<8>("recent file &9"),
     recentRow<9>("recent file 1&0"),
+    slow({2040, file, "&save", saveMeshFile, nullptr, "Ctrl+S"}),
     {exitCommand, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
 
     {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},
@@ -151,7 +152,7 @@ constexpr auto table = std::to_array<Command>({
 
     slow({commandid::writeDxf, write, "&DXF mesh file", writeDxfMeshFile}),
     slow({commandid::write3ds, write, "&3DS mesh file", write3dsMeshFile}),
-    slow({commandid::writeObj, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+S"}),
+    slow({commandid::writeObj, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+Shift+S"}),
     stoppable({commandid::exportMesh, write, "e&xport other mesh file", exportOtherMesh}),
 
     {358, mode, "go to defa&ult mode", goTo<358>},

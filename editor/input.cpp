@@ -29,9 +29,9 @@ void closeUnlessRefused() {
     if (sessionIsEnding()) {
         saveAtSessionEnd(false);
     } else if (isAltered()) {
-        const Choice exit =
-            platform().question("you have not saved this object since you altered it last",
-                                "do you want to exit?", Buttons::yesNo);
+        const Choice exit = platform().question(
+            "you have not saved this object since you altered it last", "do you want to exit?",
+            Buttons::yesNo, isAsRead() ? Choice::yes : Choice::no);
         if (exit != Choice::yes) return;
         noteUser();
     }

@@ -208,7 +208,7 @@ void handleEvent(const Event& event) {
     trackWork(event, work);
     if (mayChangeMesh(event)) completeNewestStep();
     if (mayTakeLong(event)) saveBeforeLongWork();
-    workbench.wholeMeshWritten = false;
+    workbench.wholeMeshWritten = workbench.meshRead = false;
     beginEvent(dragged || listed);
     const std::string_view step = dispatch(event, false);
     if (OB != nullptr) OB->settleLostArrays();

@@ -34,6 +34,7 @@ bool meshIsSound(const Mesh& mesh, const char* title) {
 
 void setFileName(const std::string& path) {
     workbench.fileName = path;
+    workbench.home = {};
     workbench.lastChosen = nameOf(path);
 }
 

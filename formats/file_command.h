@@ -17,7 +17,8 @@ void complain(const std::string& what, const std::string& path);
 /// Shows the fault that the integrity check finds under this title. True when there is none.
 [[nodiscard]] bool meshIsSound(const Mesh& mesh, const char* title);
 
-/// Makes this the current file, whose name the next file dialog offers.
+/// Makes this the current file, whose name the next file dialog offers. It is not yet where saving
+/// goes to.
 void setFileName(const std::string& path);
 
 /// Tells of a file that is read. To be made before the reading.

@@ -325,6 +325,7 @@ void importNamedMesh(const std::string& path, bool append) {
         return;
     }
     setFileName(path);
+    workbench.meshRead = !append;
     noteRecentFile(path, true);
     resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
@@ -335,7 +336,9 @@ void exportOtherMesh() {
     const auto path = platform().fileDialog({true,
                                              "file to export mesh to?",
                                              {{"common mesh files", common}, {"all files", "*"}},
-                                             workbench.lastChosen});
+                                             workbench.lastChosen,
+                                             {},
+                                             workbench.fileName});
     const Mesh& mesh = *OB;
     if (!path || !meshIsSound(mesh, "mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";

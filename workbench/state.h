@@ -23,13 +23,23 @@ struct WrittenFile {
     bool operator==(const WrittenFile&) const = default;
 };
 
+/// The file that holds what the mesh was when it was last read or written whole.
+struct HomeFile {
+    std::string path;   ///< "": there is none, and saving asks for a name
+    std::string format; ///< the suffix of those that are written in its way, such as ".obj"
+    std::string lost;   ///< what it holds and the mesh does not, such as "3 comments"
+    bool operator==(const HomeFile&) const = default;
+};
+
 /// What is shared, in one record.
 struct Workbench {
     std::string modeName;   ///< of the mode or list that the window is in, shown in the title
     std::string fileName;   ///< path of the last file read, written or dropped
     std::string lastChosen; ///< its name without the directory, offered by the next file dialog
+    HomeFile home;          ///< where saving goes to
     bool busy = false;      ///< a mesh file is being read or written
     bool wholeMeshWritten = false; ///< set by each writer: true when it left no live face out
+    bool meshRead = false;         ///< set by whoever reads or imports a file in place of the mesh
     WrittenFile wholeFile;         ///< what such a write left last; none: less was written over it
     int currentEdgeFace = -1;      ///< face of the current edge; -1: there is none
     int currentEdgeCorner = -1;    ///< the corner of that face at which the edge begins

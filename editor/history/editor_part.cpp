@@ -7,9 +7,14 @@ namespace polyfab {
 
 EditorPart presentPart() {
     const Workbench& bench = workbench;
-    return {
-        bench.settable,  box, view, bench.currentEdgeFace, bench.currentEdgeCorner, bench.fileName,
-        bench.lastChosen};
+    return {bench.settable,
+            box,
+            view,
+            bench.currentEdgeFace,
+            bench.currentEdgeCorner,
+            bench.fileName,
+            bench.lastChosen,
+            bench.home};
 }
 
 void restorePicks(const EditorPart& part) {
@@ -21,6 +26,7 @@ void restorePicks(const EditorPart& part) {
 void restoreFileName(const EditorPart& part) {
     workbench.fileName = part.fileName;
     workbench.lastChosen = part.lastChosen;
+    workbench.home = part.home;
 }
 
 void restoreView(const EditorPart& part) {

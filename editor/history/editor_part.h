@@ -5,6 +5,7 @@
 #include "display/box.h"
 #include "display/view.h"
 #include "geometry/vec3.h"
+#include "workbench/state.h"
 
 #include <array>
 #include <string>
@@ -17,6 +18,7 @@ struct EditorPart {
     View view;
     int edgeFace = -1, edgeCorner = -1; ///< the current edge, as the workbench has it
     std::string fileName, lastChosen;
+    HomeFile home{};
 };
 
 /// As it is now.
@@ -25,7 +27,7 @@ struct EditorPart {
 /// Brings back the settable points and the current edge, which must be one of OB, or none.
 void restorePicks(const EditorPart& part);
 
-/// Brings back the file name.
+/// Brings back the file name, and where saving goes to.
 void restoreFileName(const EditorPart& part);
 
 /// Brings back the view and the box in it, in the window as large as it is now.

@@ -26,6 +26,7 @@ namespace {
 struct State {
     SnapshotRef mesh; ///< null: the present one, and the mesh stands as it shall show it
     int version;
+    bool asRead;    ///< all states of this version are what a file held that was read
     bool unaltered; ///< nothing to lose: so the mark was, or this version was the last one written
 };
 
@@ -110,7 +111,10 @@ void settleMarks(bool content) {
     State& present = h.states[h.at];
     // What cleared the mark may have altered the mesh before: a read of nothing, a write.
     const bool cleared = content && (OB->np == 0 || workbench.wholeMeshWritten);
-    if (std::exchange(h.altered, false) || cleared) present.version = ++h.lastVersion;
+    if (std::exchange(h.altered, false) || cleared) {
+        present.version = ++h.lastVersion;
+        present.asRead = workbench.meshRead;
+    }
     present.unaltered = !isAltered();
     const bool wasOnDisk = std::exchange(h.onDisk, !workbench.wholeFile.path.empty());
     const bool overwritten = wasOnDisk && !h.onDisk;
@@ -139,7 +143,8 @@ void push(SnapshotRef mesh, Step step) {
     History& h = history;
     h.states.resize(h.at + 1);
     h.steps.resize(h.at);
-    h.states.push_back({std::move(mesh), h.states[h.at].version, false});
+    const State& before = h.states[h.at];
+    h.states.push_back({std::move(mesh), before.version, before.asRead, false});
     h.steps.push_back(std::move(step));
     ++h.at;
     dropWhatIsTooMuch();
@@ -160,7 +165,7 @@ Step stepTo(const EditorPart& now, bool content, const std::string& label) {
     const bool pointsOnly = !content && !same(before.settable, now.settable);
     const std::string& named = label.empty() ? "box" : label; // what no mode has done
     return {pointsOnly ? "settable points" : named, before, now, boxMoved(before, now),
-            before.fileName != now.fileName};
+            before.fileName != now.fileName || before.home != now.home};
 }
 
 /// The step, if it is one, that leads from the present state to this mesh; null: to one that holds
@@ -238,7 +243,7 @@ void startHistory() {
     endHistory();
     if (memory == 0) return;
     try {
-        history.states.push_back({takeSnapshot(*OB, nullptr), 0, !isAltered()});
+        history.states.push_back({takeSnapshot(*OB, nullptr), 0, false, !isAltered()});
         history.before = presentPart();
         history.onDisk = !workbench.wholeFile.path.empty();
     } catch (const std::bad_alloc&) {
@@ -286,6 +291,8 @@ void recordStep(const std::string& label, Snap snap, Changed changed) {
 void completeNewestStep() {
     if (!history.states.empty()) inMemory(takeDueSnapshot);
 }
+
+bool isAsRead() { return !history.states.empty() && history.states[history.at].asRead; }
 
 void undo() { goTo(-1); }
 

@@ -63,6 +63,10 @@ void completeNewestStep();
 void undo();
 void redo();
 
+/// Whether the mesh is what a file held that was read in place of the one before, with nothing done
+/// to it that is saved. False where nothing is recorded.
+[[nodiscard]] bool isAsRead();
+
 /// The mesh as the newest step recorded it, or as it was where undo has gone back to; null when
 /// nothing is recorded. May throw std::bad_alloc.
 [[nodiscard]] SnapshotRef presentMesh();

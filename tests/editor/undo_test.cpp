@@ -340,6 +340,34 @@ TEST_F(Undo, TheMeshIsAlteredUnlessItIsTheOneThatWasWrittenLast) {
     }
 }
 
+TEST_F(Undo, LeavingIsMarkedYesWhereTheMeshIsWhatWasReadAndUndoSavesToItsFile) {
+    const std::string files[] = {folder.write("a.obj", triangle),
+                                 folder.write("b.obj", std::string("v 0 0 1\n") + triangle)};
+    // Each step a letter, see below; then the answer that is marked and the file that is saved to.
+    std::istringstream scripts("a=ya ab=yb abu=ya aba=ya as=ya ae=na aeu=ya aeur=na ap=n- apu=ya");
+    for (std::string script; scripts >> script;) {
+        SCOPED_TRACE(script);
+        reset();
+        startHistory();
+        for (const char step : script.substr(0, script.find('='))) {
+            shown.files = {files[1]};
+            if (step == 'a' || step == 'b') drop(files[step - 'a']);
+            if (step == 's') command(selected().empty() ? 290 : 291);
+            if (step == 'e') command(397);
+            if (step == 'p') command(296);
+            if (step == 'u') undo();
+            if (step == 'r') redo();
+        }
+        send(EventKind::close);
+        const std::string& home = workbench.home.path;
+        const std::string told = {shown.marked == Choice::yes ? 'y' : 'n', home == files[0] ? 'a'
+                                                                           : home == files[1]
+                                                                               ? 'b'
+                                                                               : '-'};
+        EXPECT_EQ(told, script.substr(script.find('=') + 1));
+    }
+}
+
 TEST_F(Undo, TheOldestStepsAreDroppedButNeverTheNewest) {
     cubeIn(358);
     setUndoMemory(1);

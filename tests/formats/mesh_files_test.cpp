@@ -11,6 +11,8 @@
 #include "workbench/long_work.h"
 #include "workbench/state.h"
 
+#include <functional>
+
 namespace polyfab {
 namespace {
 
@@ -147,6 +149,81 @@ TEST_F(MeshFiles, TheSuffixChoosesTheVariant) {
     }
     readNamedMeshFile(folder.path("cube.Dxf"));
     EXPECT_EQ(std::tuple(OB->nf, OB->np), std::tuple(1, 3));
+}
+
+TEST_F(MeshFiles, SavingGoesToTheFileThatHeldTheWholeMesh) {
+    const std::string numbers = "v 0.1234567890123 1e-300 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
+    const std::string path = folder.write("a.obj", "# mine\nv 0 0 0 1 .5 0\n" + numbers);
+    const auto saved = [&] {
+        saveMeshFile();
+        return std::exchange(shown.log, {});
+    };
+    shown.watched = true;
+    readNamedMeshFile(path);
+    OB->faces[0].selected = 0; // no matter
+    shown.log.clear();
+    EXPECT_EQ(saved(), Log{"question|do you want to save over this file?|" + path
+                           + "\nnot in the mesh, and so gone from the file: 1 comment, "
+                             "1 vertex colour"});
+    EXPECT_EQ(shown.marked, Choice::no);
+    EXPECT_TRUE(folder.read("a.obj").starts_with("# mine"));
+    shown.choices = {Choice::yes};
+    EXPECT_EQ(saved().size(), 2U); // the question, and the title
+    const std::string text = folder.read("a.obj");
+    EXPECT_NE(text.find("v 0.1234567890123 1e-300 0\nv 1 0 0\n"), std::string::npos);
+    EXPECT_NE(text.find("f 1 2 3\n"), std::string::npos);
+    EXPECT_EQ(OB->changed, 0);
+    readNamedMeshFile(path); // nothing of it is lost any more
+    saved();
+    EXPECT_EQ(folder.read("a.obj"), text);
+    // What keeps a file from being where saving goes to: it holds less, more or something else.
+    const struct {
+        const char* why;
+        std::function<void()> act;
+        const char* offered;
+    } rows[] = {
+        {"appended",
+         [&] {
+             shown.files = {path};
+             appendMeshFile();
+         },
+         "a.obj"},
+        {"in part",
+         [&] {
+             OB->faces[0].selected = 0;
+             shown.files = {folder.path("b.obj")};
+             shown.choices = {Choice::yes};
+             writeObjMeshFile();
+         },
+         "b.obj"},
+        {"trace",
+         [&] {
+             shown.files = {folder.path("c.obj#")};
+             writeObjMeshFile();
+         },
+         "c.obj#"},
+        {"cut", [&] { readNamedMeshFile(folder.write("d.obj", text + "v 1 2 3")); }, "d.obj"},
+        {"nothing", [&] { readNamedMeshFile(folder.write("e.dxf", "0\nENDSEC\n")); }, "e.dxf"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.why);
+        readNamedMeshFile(path);
+        row.act();
+        shown.log.clear();
+        EXPECT_EQ(saved(), Log{"file|file to write mesh to?|" + std::string(row.offered)});
+    }
+    EXPECT_EQ(folder.read("a.obj"), text);
+    // A refused write is as if it had not been tried; 3DS takes groups in that nobody selected.
+    readNamedMeshFile(path);
+    shown.files = {folder.path("none/a.3ds"), folder.path("a.txt"), folder.path("a.3ds")};
+    write3dsMeshFile();
+    writeDxfMeshFile();
+    EXPECT_EQ(shown.windowTitle, "polyfab [" + path + "] ");
+    EXPECT_TRUE(workbench.home.path == path);
+    write3dsMeshFile();
+    const std::string threeDs = folder.read("a.3ds");
+    OB->faces[0].selected = 0;
+    saved();
+    EXPECT_EQ(folder.read("a.3ds"), threeDs);
 }
 
 } // namespace
