@@ -2,6 +2,7 @@
 #include "formats/import_mesh.h"
 
 #include "formats/file_command.h"
+#include "formats/import_offer.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "formats/only_selected.h"
@@ -16,7 +17,6 @@
 #include "workbench/state.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <deque>
@@ -292,23 +292,13 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     return "there is not enough memory";
 }
 
-constexpr const char* common = "*.STL;*.PLY;*.GLTF;*.GLB;*.DAE;*.FBX;*.OBJ;*.3DS;*.X;*.X3D;*.3MF";
-
-/// Whether the file is one of those, which are both exported and imported.
-bool isCommon(const fs::path& path) {
-    std::string pattern = "*" + path.extension().string() + ";";
-    std::transform(pattern.begin(), pattern.end(), pattern.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return (std::string(common) + ";").find(pattern) != std::string::npos;
-}
-
 } // namespace
 
 void importOtherMesh() {
-    const auto path = platform().fileDialog({false,
-                                             "file to import mesh from?",
-                                             {{"common mesh files", common}, {"all files", "*"}},
-                                             workbench.lastChosen});
+    const auto path = platform().fileDialog(
+        {false, "file to import mesh from?",
+         withReadable({{"common mesh files", commonFormats}, {"all files", "*"}}),
+         workbench.lastChosen});
     if (!path) return;
     const Choice append = platform().question("add it to the mesh? (no: it replaces the mesh)",
                                               *path, Buttons::yesNoCancel);
@@ -333,12 +323,13 @@ void importNamedMesh(const std::string& path, bool append) {
 }
 
 void exportOtherMesh() {
-    const auto path = platform().fileDialog({true,
-                                             "file to export mesh to?",
-                                             {{"common mesh files", common}, {"all files", "*"}},
-                                             workbench.lastChosen,
-                                             {},
-                                             workbench.fileName});
+    const auto path =
+        platform().fileDialog({true,
+                               "file to export mesh to?",
+                               {{"common mesh files", commonFormats}, {"all files", "*"}},
+                               workbench.lastChosen,
+                               {},
+                               workbench.fileName});
     const Mesh& mesh = *OB;
     if (!path || !meshIsSound(mesh, "mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";
@@ -348,7 +339,7 @@ void exportOtherMesh() {
     const std::string reason = exportFile(mesh, *path, onlySelected, file);
     if (!reason.empty()) return explain(failed, *path, reason);
     noteSaved(*path, countFaces(mesh, onlySelected));
-    if (isCommon(*path)) noteRecentFile(*path, true);
+    if (hasSuffixOf(commonFormats, *path)) noteRecentFile(*path, true);
 }
 
 } // namespace polyfab

@@ -4,6 +4,8 @@
 
 #include "display/options.h"
 #include "formats/file_command.h"
+#include "formats/import_mesh.h"
+#include "formats/import_offer.h"
 #include "formats/left_out.h"
 #include "formats/mesh_formats.h"
 #include "mesh/garbage.h"
@@ -11,8 +13,12 @@
 #include "mesh/stale.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
+
+#include <cstddef>
+#include <iterator>
 
 namespace polyfab {
 namespace {
@@ -23,18 +29,28 @@ struct Source {
     const Format* format; ///< null: the user has to say
 };
 
-enum class Outcome { read, failed, refused };
+enum class Outcome { read, failed, refused, forImport };
+
+/// Whether a file of a suffix that is not ours shall be read as OBJ. To somebody at the window no
+/// binary file is offered as a text.
+bool takesAsObj(const std::string& path) {
+    if (platform().isWatched() && isBinary(path)) return false;
+    return platform().question("do you want me to read this file as .OBJ?", path, Buttons::yesNo,
+                               isImportable(path) ? Choice::no : Choice::yes)
+           == Choice::yes;
+}
+
+Outcome refuse(const std::string& path, Busy& busy) {
+    busy.end();
+    if (isImportable(path) && offerImport(path, "")) return Outcome::forImport;
+    complain("bad suffix", path);
+    return Outcome::refused;
+}
 
 /// Runs the reader that the suffix names, or the OBJ reader where the user wants that.
 Outcome dispatchRead(Mesh& mesh, Source& source, Busy& busy) {
     if (source.format == nullptr) {
-        if (platform().question("do you want me to read this file as .OBJ?", source.path,
-                                Buttons::yesNo)
-            != Choice::yes) {
-            busy.end();
-            complain("bad suffix", source.path);
-            return Outcome::refused;
-        }
+        if (!takesAsObj(source.path)) return refuse(source.path, busy);
         source.format = &objFormat;
         // A file of unknown suffix is appended exactly when the unselected faces are shown grey.
         source.append = displayOptions.unselectedGrey;
@@ -42,11 +58,43 @@ Outcome dispatchRead(Mesh& mesh, Source& source, Busy& busy) {
     return source.format->read(mesh, source.path, source.append) ? Outcome::read : Outcome::failed;
 }
 
+/// Whether import shall make more of the file than was made of it.
+bool wantsImport(const Source& source, Outcome outcome) {
+    const std::string& path = source.path;
+    if (leftOut.lines > 0 && outcome == Outcome::read) {
+        return !isBinary(path) && offerImport(path, "I left out " + counted(leftOut.lines, "line"));
+    }
+    const bool ordinary3ds =
+        outcome == Outcome::failed && source.format == &threeDsFormat && isOrdinary3ds(path);
+    return (ordinary3ds || leftOut.elsewhere) && offerImport(path, "");
+}
+
 /// What a failed read leaves: no geometry, but the names that were there.
 void emptyMesh(Mesh& mesh) {
     mesh.np = mesh.nq = mesh.nf = 0;
     mesh.settleLostArrays();
 }
+
+/// Takes what was appended since it was made off the mesh again.
+class BeforeAppend {
+  public:
+    explicit BeforeAppend(const Mesh& mesh)
+        : counts{mesh.np, mesh.nq, mesh.nf, mesh.nt, mesh.nd, mesh.ng, mesh.nmat},
+          group(mesh.curgroup), material(mesh.curmat) {}
+
+    void restore(Mesh& mesh) const {
+        int* const fields[] = {&mesh.np, &mesh.nq, &mesh.nf,  &mesh.nt,
+                               &mesh.nd, &mesh.ng, &mesh.nmat};
+        for (std::size_t i = 0; i < std::size(fields); ++i) *fields[i] = counts[i];
+        mesh.curgroup = group;
+        mesh.curmat = material;
+        mesh.settleLostArrays();
+    }
+
+  private:
+    int counts[7];
+    std::int16_t group, material;
+};
 
 void tidyAll(Mesh& mesh) {
     // A split appends a face, which is tidied in its turn.
@@ -65,24 +113,33 @@ void noteRead(const Mesh& mesh, const Source& source) {
     workbench.home = {source.path, std::string(source.format->suffix), leftOut.held};
 }
 
-/// The reading itself, and what it leaves.
-void readInto(Mesh& mesh, Source& source) {
+/// The reading itself, and what it leaves. Whether import is to go on with the file.
+bool readInto(Mesh& mesh, Source& source) {
+    const BeforeAppend before(mesh);
     const ReadNote readNote(mesh);
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(mesh, source, busy);
-    if (outcome == Outcome::refused) return;
+    if (outcome == Outcome::refused || outcome == Outcome::forImport) {
+        return outcome == Outcome::forImport;
+    }
     tellTooLateToStop();
     const bool failed = outcome == Outcome::failed;
     if (failed) complain("I tried to read this file but it didn't work", source.path);
     if (!failed) noteRecentFile(source.path, false);
     busy.end();
-    if (failed) emptyMesh(mesh);
+    const bool import = wantsImport(source, outcome);
+    if (import && source.append) {
+        before.restore(mesh);
+    } else if (failed) {
+        emptyMesh(mesh);
+    }
     tidyAll(mesh);
     resetForNewMesh(mesh, !source.append);
     if (meshIsSound(mesh, "mesh fault after reading") && !failed) {
         readNote.tell(source.path, source.append);
     }
     if (!failed && !source.append) noteRead(mesh, source);
+    return import;
 }
 
 void readFile(Mesh& mesh, const std::string& path, bool append) {
@@ -94,16 +151,15 @@ void readFile(Mesh& mesh, const std::string& path, bool append) {
     stale.edges = true;
     leftOut = {};
     Source source{path, append, formatOf(path)};
-    readInto(mesh, source);
+    if (readInto(mesh, source)) importNamedMesh(path, source.append);
 }
 
 void askAndRead(bool append) {
-    const auto path = platform().fileDialog({false,
-                                             "file to read mesh from?",
-                                             {{"all modes", "*.DXF;*.3DS;*.OBJ"},
-                                              {"DXF files", "*.DXF"},
-                                              {"3DS files", "*.3DS"},
-                                              {"OBJ files", "*.OBJ"}},
+    const auto path = platform().fileDialog({false, "file to read mesh from?",
+                                             withReadable({{"all modes", "*.DXF;*.3DS;*.OBJ"},
+                                                           {"DXF files", "*.DXF"},
+                                                           {"3DS files", "*.3DS"},
+                                                           {"OBJ files", "*.OBJ"}}),
                                              workbench.lastChosen});
     if (!path) return;
     readFile(*OB, *path, append);

@@ -3,6 +3,7 @@
 
 #include "display/options.h"
 #include "formats/dxf_writer.h"
+#include "formats/import_process.h"
 #include "formats/obj_writer.h"
 #include "io/read_file.h"
 #include "tests/support/file_texts.h"
@@ -224,6 +225,76 @@ TEST_F(MeshFiles, SavingGoesToTheFileThatHeldTheWholeMesh) {
     OB->faces[0].selected = 0;
     saved();
     EXPECT_EQ(folder.read("a.3ds"), threeDs);
+}
+
+TEST_F(MeshFiles, WhatImportReadsBetterIsOfferedToIt) {
+    const std::string end = "0\nENDSEC\n", stl = "solid\n", face = test::triangleText;
+    const std::string asked = "question|do you want me to read this file as .OBJ?|",
+                      offer = "question|shall I import it?|", bad = "message!|bad suffix|",
+                      failed = "message!|I tried to read this file but it didn't work|";
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::vector<std::string> shown; ///< up to the path
+        const char* behind = "";        ///< in the offer
+    } rows[] = {
+        {"a.STL", stl, {asked, offer, bad}},
+        {"b.stl", stl + '\0', {offer, bad}},
+        {"c.txt", stl + '\1', {bad}},
+        {"d.txt", stl, {asked, bad}},
+        {"e.3ds", std::string("MM\x08\0\0\0??", 8), {"message!|bad 3DS file|", failed, offer}},
+        {"f.3ds", std::string("MM\x09\0\0\0??", 8), {"message!|bad 3DS file|", failed}},
+        {"g.dxf", end + "0\nPOLYLINE\n", {offer}},
+        {"h.dxf", end + "0\nLINE\n8\nMESH\n", {}},
+        {"i.dxf", test::dxfFace("x", "ABCD") + end + "0\nMESH\n", {}},
+        {"j.obj", face + "f 1 2 3", {offer}, "\nI left out 1 line"},
+        {"k.obj",
+         face + "f " + std::string(2000, ' ') + "1 2 3\n#",
+         {offer},
+         "\nI left out 1 line"},
+        {"l.obj", face + "#" + std::string(3000, '-') + "\n  # end", {}},
+        {"m.obj", face + "f 1 2 3" + '\2', {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string path = folder.write(row.name, row.bytes);
+        Log expected;
+        for (const std::string& line : row.shown) {
+            expected.push_back(line + path + (line == offer ? row.behind : ""));
+        }
+        const auto shownByRead = [&] {
+            readNamedMeshFile(path);
+            std::erase_if(shown.log, [](const std::string& line) {
+                return !line.starts_with("message") && !line.starts_with("question")
+                       && !line.starts_with("note");
+            });
+            return std::exchange(shown.log, {});
+        };
+        shown.watched = true;
+        EXPECT_EQ(shownByRead(), expected);
+        const bool offered = std::count(row.shown.begin(), row.shown.end(), offer) != 0;
+        shown.watched = false;
+        const Log told = shownByRead();
+        EXPECT_EQ(std::any_of(told.begin(), told.end(),
+                              [](const std::string& line) {
+                                  return line.starts_with("note|")
+                                         && line.ends_with("import reads this file");
+                              }),
+                  offered);
+    }
+    shown.choices = {Choice::yes};
+    readNamedMeshFile(folder.path("a.STL"));
+    EXPECT_EQ(shown.marked, Choice::no);
+    // An append that failed on the way does not take the old mesh with it.
+    test::emptyMesh();
+    test::addCube();
+    shown.watched = true;
+    shown.choices = {Choice::yes};
+    shown.files = {folder.path("e.3ds")};
+    const std::string program = std::exchange(exchangeProgram, folder.path("nowhere"));
+    appendMeshFile();
+    exchangeProgram = program;
+    EXPECT_EQ(std::tuple(OB->nf, OB->np), std::tuple(6, 8));
 }
 
 } // namespace
