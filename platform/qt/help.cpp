@@ -52,6 +52,18 @@ void layTablesOut(QTextDocument& document) {
     }
 }
 
+/// What the toolkit leaves out of a page that it has read; every page begins with a heading. In one
+/// go: a long page is laid out anew after each change.
+void dress(QTextDocument& document) {
+    const QTextBlock::iterator first = document.begin().begin();
+    if (!first.atEnd() && first.fragment().charFormat().isAnchor()) return; // read before
+    QTextCursor cursor(&document);
+    cursor.beginEditBlock();
+    nameChapters(document);
+    layTablesOut(document);
+    cursor.endEditBlock();
+}
+
 } // namespace
 
 void ManualPages::doSetSource(const QUrl& url, QTextDocument::ResourceType type) {
@@ -60,12 +72,11 @@ void ManualPages::doSetSource(const QUrl& url, QTextDocument::ResourceType type)
         return;
     }
     QTextBrowser::doSetSource(url, type);
-    nameChapters(*document());
-    layTablesOut(*document());
+    dress(*document());
     if (url.hasFragment()) scrollToAnchor(url.fragment());
 }
 
-HelpWindow::HelpWindow() {
+HelpWindow::HelpWindow(QWidget& window) : owner(window) {
     auto* const layout = new QVBoxLayout(this);
     auto* const buttons = new QHBoxLayout;
     const auto add = [&](const char* text, auto act) {
@@ -87,7 +98,7 @@ HelpWindow::HelpWindow() {
     layout->addWidget(&pages);
     new QShortcut(QKeySequence(Qt::Key_Escape), this, [this] { hide(); });
     pages.document()->setDocumentMargin(12);
-    resize(QSize(90 * fontMetrics().averageCharWidth(), 40 * fontMetrics().lineSpacing())
+    resize(QSize(130 * fontMetrics().averageCharWidth(), 50 * fontMetrics().lineSpacing())
                .boundedTo(screen()->availableSize() - QSize(16, 48)));
 }
 
@@ -105,7 +116,7 @@ void HelpWindow::showChapter(const QString& chapter) {
 
 void HelpWindow::showText(const QString& title, const QString& markdown) {
     pages.setMarkdown(markdown);
-    layTablesOut(*pages.document());
+    dress(*pages.document());
     bringUp(title);
 }
 
@@ -115,6 +126,12 @@ void HelpWindow::bringUp(const QString& title) {
     raise();
     activateWindow();
     pages.setFocus();
+}
+
+/// Not every window manager gives the keyboard back.
+void HelpWindow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (owner.isVisible()) owner.activateWindow();
 }
 
 } // namespace polyfab

@@ -15,14 +15,19 @@ class ManualPages : public QTextBrowser {
 
 class HelpWindow : public QWidget {
   public:
-    HelpWindow();
+    /// The keyboard goes back to the owner, which has to last longer.
+    explicit HelpWindow(QWidget& window);
 
     void showChapter(const QString& chapter);
     /// A page that is not in the manual.
     void showText(const QString& title, const QString& markdown);
 
+  protected:
+    void hideEvent(QHideEvent* event) override;
+
   private:
     void bringUp(const QString& title);
+    QWidget& owner;
     ManualPages pages;
 };
 

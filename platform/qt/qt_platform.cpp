@@ -329,7 +329,7 @@ bool QtPlatform::escapeDown() {
 }
 
 HelpWindow& QtPlatform::helpWindow() {
-    if (!help) help = std::make_unique<HelpWindow>();
+    if (!help) help = std::make_unique<HelpWindow>(window);
     return *help;
 }
 

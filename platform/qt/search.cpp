@@ -103,7 +103,7 @@ class Search : public QDialog {
         list.header()->setStretchLastSection(false);
         list.header()->setSectionResizeMode(0, QHeaderView::Stretch);
         for (const int column : {1, 2, 3}) list.resizeColumnToContents(column);
-        resize(QSize(110 * character, 32 * fontMetrics().lineSpacing()).boundedTo(screenRoom()));
+        resize(QSize(150 * character, 32 * fontMetrics().lineSpacing()).boundedTo(screenRoom()));
     }
 
     QSize screenRoom() const { return screen()->availableSize() - QSize(32, 96); }

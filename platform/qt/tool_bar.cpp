@@ -11,7 +11,7 @@ namespace polyfab {
 ToolBar::ToolBar(std::function<void(int command)> toChoose) : choose(std::move(toChoose)) {
     setMovable(false);
     setContextMenuPolicy(Qt::PreventContextMenu);
-    const int side = fontMetrics().height();
+    const int side = fontMetrics().height() * 4 / 3;
     setIconSize(QSize(side, side));
 }
 
