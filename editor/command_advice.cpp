@@ -153,6 +153,8 @@ constexpr AdviceRow rows[] = {
     {1068, "makes one flat face with the edge of a spiral"},
     {283, "makes an alien rifle, from butt to muzzle, in groups and materials of its own"},
     {385, "shows the texture map number of each group before its name"},
+    {2071, "shows all keys on one page"},
+    {2070, "finds a command by its name, its number, its key or what it does, and runs it"},
     {263, "opens this manual at the chapter of the present mode or list"},
 };
 

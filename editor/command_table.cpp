@@ -11,6 +11,7 @@
 #include "editor/commands/transform_by.h"
 #include "editor/commands/view.h"
 #include "editor/commands/volume.h"
+#include "editor/help.h"
 #include "editor/history/undo.h"
 #include "editor/lists/name_list.h"
 #include "editor/lists/subview.h"
@@ -132,8 +133,10 @@ constexpr Command recentRow(const char* label) {
 constexpr auto table = std::to_array<Command>({
     stoppable({commandid::readMesh, file, "&read mesh file", readMeshFile, nullptr, "Ctrl+O"},
               Escape::stopsReading),
-    stoppable({296, file, "&append mesh file", appendMeshFile}, Escape::stopsReading),
-    stoppable({commandid::importMesh, file, "&import other mesh file", importOtherMesh}),
+    stoppable({296, file, "&append mesh file", appendMeshFile, nullptr, "Ctrl+Shift+O"},
+              Escape::stopsReading),
+    stoppable({commandid::importMesh, file, "&import other mesh file", importOtherMesh, nullptr,
+               "Ctrl+Shift+I"}),
     recentRow<0>("recent file &1"),
     recentRow<1>("recent file &2"),
     recentRow<2>("recent file &3"),
@@ -153,26 +156,27 @@ constexpr auto table = std::to_array<Command>({
     slow({commandid::writeDxf, write, "&DXF mesh file", writeDxfMeshFile}),
     slow({commandid::write3ds, write, "&3DS mesh file", write3dsMeshFile}),
     slow({commandid::writeObj, write, "&OBJ mesh file", writeObjMeshFile, nullptr, "Ctrl+Shift+S"}),
-    stoppable({commandid::exportMesh, write, "e&xport other mesh file", exportOtherMesh}),
+    stoppable({commandid::exportMesh, write, "e&xport other mesh file", exportOtherMesh, nullptr,
+               "Ctrl+E"}),
 
-    {358, mode, "go to defa&ult mode", goTo<358>},
-    {348, mode, "go to &edge-handling mode", goTo<348>},
-    {349, mode, "go to &face-handling mode", goTo<349>},
-    {350, mode, "go to &group-handling mode", goTo<350>},
-    {351, mode, "go to &move-an-object mode", goTo<351>},
+    {358, mode, "go to defa&ult mode", goTo<358>, nullptr, "D"},
+    {348, mode, "go to &edge-handling mode", goTo<348>, nullptr, "E"},
+    {349, mode, "go to &face-handling mode", goTo<349>, nullptr, "F"},
+    {350, mode, "go to &group-handling mode", goTo<350>, nullptr, "G"},
+    {351, mode, "go to &move-an-object mode", goTo<351>, nullptr, "M"},
     {352, mode, "go to move-the-&display mode", goTo<352>},
-    {353, mode, "go to &vertex-handling mode", goTo<353>},
+    {353, mode, "go to &vertex-handling mode", goTo<353>, nullptr, "P"},
     {357, mode, "go to set-&left-cutoff mode", goTo<357>},
-    {359, mode, "go to resize-an-o&bject mode", goTo<359>},
+    {359, mode, "go to resize-an-o&bject mode", goTo<359>, nullptr, "S"},
     {selectByRectangle, mode, "select by rectangle: &4", goTo<selectByRectangle>, nullptr, "B"},
     {361, mode, "go to &texture-map-coordinate-handling mode", later},
     {362, mode, "go to set-&right-cutoff mode", goTo<362>},
     {363, mode, "go to re&size-the-display mode", goTo<363>},
-    {364, mode, "go to rotate-around-x mode: &x", goTo<364>},
+    {364, mode, "go to rotate-around-x mode: &x", goTo<364>, nullptr, "X"},
     {365, mode, "go to rescale-in-x mode: &i", goTo<365>},
-    {366, mode, "go to rotate-around-y mode: &y", goTo<366>},
+    {366, mode, "go to rotate-around-y mode: &y", goTo<366>, nullptr, "Y"},
     {367, mode, "go to rescale-in-y mode: &j", goTo<367>},
-    {368, mode, "go to rotate-around-z mode: &z", goTo<368>},
+    {368, mode, "go to rotate-around-z mode: &z", goTo<368>, nullptr, "Z"},
     {369, mode, "go to rescale-in-z mode: &k", goTo<369>},
     {1062, mode, "go to twist-around-x mode: &1", goTo<1062>},
     {1063, mode, "go to twist-around-y mode: &2", goTo<1063>},
@@ -186,13 +190,13 @@ constexpr auto table = std::to_array<Command>({
     {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
      rotationComesAfter},
     {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
-    {281, tools, "reset a&ttitude", showUpright},
+    {281, tools, "reset a&ttitude", showUpright, nullptr, "Ctrl+R"},
     {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
     {324, tools, "contro&l smoothing", askSmoothingAxis},
     slow({371, tools, "s&moothing", smooth}),
     slow({372, tools, "move all vertexes out by a set &distance", onMesh<thicken>}),
     slow({398, tools, "duplicate selected faces, &join edges", onMesh<duplicateSelectedJoined>}),
-    slow({389, tools, "du&plicate selected faces", onMesh<duplicateSelected>}),
+    slow({389, tools, "du&plicate selected faces", onMesh<duplicateSelected>, nullptr, "Ctrl+D"}),
     {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
      removeTexCoords},
@@ -232,7 +236,7 @@ constexpr auto table = std::to_array<Command>({
 
     slow({280, facesMenu, "make all faces show &anticlockwise the same way", orientFaces}),
     selecting({290, facesMenu, "&select all faces", selectAllFaces, nullptr, "Ctrl+A"}),
-    selecting({291, facesMenu, "&unselect all faces", unselectAllFaces}),
+    selecting({291, facesMenu, "&unselect all faces", unselectAllFaces, nullptr, "Ctrl+Shift+A"}),
     selecting(
         {2031, facesMenu, "in&vert the selection", onMesh<invertSelection>, nullptr, "Ctrl+I"}),
     selecting({2032, facesMenu, "grow the selection by one ring: &+", onMesh<growSelection>,
@@ -240,7 +244,7 @@ constexpr auto table = std::to_array<Command>({
     selecting({2033, facesMenu, "shrink the selection by one ring: &-", onMesh<shrinkSelection>,
                nullptr, "Ctrl+-"}),
     selecting({2034, facesMenu, "select all faces connected to the selected ones: &2",
-               onMesh<selectConnected>}),
+               onMesh<selectConnected>, nullptr, "Ctrl+L"}),
     selecting({2035, facesMenu, "select faces of the current face's material: &m",
                onMesh<selectSameMaterial>}),
     selecting(
@@ -251,7 +255,7 @@ constexpr auto table = std::to_array<Command>({
     selecting({293, facesMenu, "unselect faces in box : &9", unselectInBox}),
     selecting({294, facesMenu, "select faces out o&f box", selectOutOfBox}),
     selecting({295, facesMenu, "unselect faces ou&t of box", unselectOutOfBox}),
-    {2003, facesMenu, "fit the box to the selected faces: &0", fitBoxToSelected},
+    {2003, facesMenu, "fit the box to the selected faces: &0", fitBoxToSelected, nullptr, "Ctrl+B"},
     selecting({325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise}),
     selecting(
         {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise}),
@@ -280,7 +284,8 @@ constexpr auto table = std::to_array<Command>({
     selecting({1088, facesMenu, "unselect all selected faces with non-&zero area",
                unselectFacesWithArea}),
 
-    stoppable({390, vertexes, "weld &all very close points", [] { weldclose(*OB, true); }}),
+    stoppable({390, vertexes, "weld &all very close points", [] { weldclose(*OB, true); }, nullptr,
+               "Ctrl+J"}),
     stoppable({1061, vertexes, "&bring all very close points together, don't weld them",
                [] { bringclose(*OB, false); }}),
     stoppable({269, vertexes, "&weld all very close points which are on loose edges",
@@ -312,12 +317,12 @@ constexpr auto table = std::to_array<Command>({
     slow({275, texture, "find texture map &areas", onMesh<findareas>}),
     slow({285, texture, "make texture map areas into &groups", onMesh<makeAreasIntoGroups>}),
 
-    {264, groups, "&select groups by menu", openList<subview::groups>},
+    {264, groups, "&select groups by menu", openList<subview::groups>, nullptr, "Ctrl+G"},
     {378, groups, "go to select-groups-by-&clicking mode", goTo<378>},
     {322, groups, "put selected &faces into new group", onMesh<putSelectedIntoNewGroup>},
     {1025, groups, "&amalgamate groups with same name", onMesh<amalgamateGroups>},
 
-    {328, materials, "&select materials by menu", openList<subview::materials>},
+    {328, materials, "&select materials by menu", openList<subview::materials>, nullptr, "Ctrl+M"},
     {379, materials, "go to select-materials-by-&clicking mode", goTo<379>},
     {327, materials, "put selected &faces into new material", onMesh<putSelectedIntoNewMaterial>},
     {1026, materials, "a&malgamate materials with same name", onMesh<amalgamateMaterials>},
@@ -340,7 +345,7 @@ constexpr auto table = std::to_array<Command>({
      isOn<&Show::unselectedGrey>},
     {323, display, "show &loose edges", flip<&Show::looseEdges>, isOn<&Show::looseEdges>},
     {354, display, "&hide faces that face away", flip<&Show::hideFacingAway>,
-     isOn<&Show::hideFacingAway>},
+     isOn<&Show::hideFacingAway>, "Ctrl+H"},
     {373, display, "show the &box", flip<&Show::box>, isOn<&Show::box>},
     {1029, display, "show the &current face, edge and vertex", flip<&Show::current>,
      isOn<&Show::current>},
@@ -389,7 +394,10 @@ constexpr auto table = std::to_array<Command>({
     {commandid::textureNumbers, listMenu, "&show texture map numbers", toggleTextureNumbers,
      showsTextureNumbers},
 
-    {commandid::help, helpMenu, "&help", [] { platform().openHelp(""); }},
+    {commandid::help, helpMenu, "&help", openHelpHere, nullptr, "F1"},
+    {2071, helpMenu, "all &keys", showKeys, nullptr, "Shift+F1"},
+    {2070, helpMenu, "&search the commands", [] { platform().searchCommands(); }, nullptr,
+     "Ctrl+F"},
 });
 
 /// Whether one of the shortcuts in `a` is one of those in `b`.

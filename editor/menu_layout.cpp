@@ -107,6 +107,9 @@ constexpr auto kinds = std::to_array<Kind>({
     {{392, 401, 414, 412}},
     {{1054, 1038, 1068}},
     {{1036, 283}},
+
+    {{263, 2071}},
+    {{2070}},
 });
 
 constexpr bool eachStandsOnce() {

@@ -23,6 +23,7 @@
 #include <cmath>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 namespace {
@@ -297,8 +298,9 @@ void onResize(const List& list, const Event&) {
 
 void onCommand(const List& list, const Event& event) {
     const bool numbers = event.command == commandid::textureNumbers && list.texturesShow;
-    const bool always = event.command == commandid::help || event.command == exitCommand;
-    if (!always && !numbers) return;
+    const Command* const command = findCommand(event.command);
+    const bool helps = command != nullptr && command->menu == std::string_view(helpMenu);
+    if (!helps && event.command != exitCommand && !numbers) return;
     runCommand(event.command);
     refresh(list);
 }

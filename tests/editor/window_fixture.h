@@ -131,11 +131,20 @@ class WindowEvents : public MeshTest {
             OB->faces[f].selected = std::count(faces.begin(), faces.end(), f) != 0;
         }
     }
+    /// The commands of a menu and of its sub-menus.
+    static std::vector<MenuItem> allItems(const std::vector<MenuItem>& items) {
+        std::vector<MenuItem> all;
+        for (const MenuItem& item : items) {
+            if (item.id != 0) all.push_back(item);
+            for (const MenuItem& inner : allItems(item.items)) all.push_back(inner);
+        }
+        return all;
+    }
     /// What the menu bar holds.
     std::vector<MenuItem> items() const {
         std::vector<MenuItem> all;
         for (const Menu& menu : shown.bar) {
-            all.insert(all.end(), menu.items.begin(), menu.items.end());
+            for (const MenuItem& item : allItems(menu.items)) all.push_back(item);
         }
         return all;
     }

@@ -11,19 +11,6 @@ namespace {
 
 using Window = WindowEvents;
 
-/// The commands of a menu and of its sub-menus. No separator stands at an end of either.
-std::vector<MenuItem> allItems(const std::vector<MenuItem>& items) {
-    std::vector<MenuItem> all;
-    const auto parts = [](const MenuItem& item) { return item.id == 0 && item.items.empty(); };
-    EXPECT_FALSE(items.empty() || parts(items.front()) || parts(items.back()));
-    for (const MenuItem& item : items) {
-        if (item.id != 0) all.push_back(item);
-        if (item.items.empty()) continue;
-        for (const MenuItem& inner : allItems(item.items)) all.push_back(inner);
-    }
-    return all;
-}
-
 TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
     addCube();
     const std::string before = dump();

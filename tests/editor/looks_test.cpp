@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What stands around the panes: marks and separators of menus, and help.
+#include "editor/command_table.h"
+#include "editor/help.h"
+#include "tests/editor/window_fixture.h"
+
+#include <fstream>
+#include <set>
+
+namespace polyfab::test {
+namespace {
+
+using Looks = WindowEvents;
+
+TEST_F(Looks, MenusAreParted) {
+    const auto parts = [](const MenuItem& item) { return item.id == 0 && item.items.empty(); };
+    const std::function<void(const std::vector<MenuItem>&)> check = [&](const auto& items) {
+        ASSERT_FALSE(items.empty());
+        EXPECT_FALSE(parts(items.front()) || parts(items.back()));
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            EXPECT_FALSE(i > 0 && parts(items[i]) && parts(items[i - 1]));
+            if (!items[i].items.empty()) check(items[i].items);
+        }
+        EXPECT_LE(items.size(), 28U); // on a low screen it would have two columns
+    };
+    for (const Menu& menu : shown.bar) check(menu.items);
+}
+
+TEST_F(Looks, JustOneOfSeveralIsMarked) {
+    const auto marked = [this] {
+        std::set<int> ids;
+        for (const MenuItem& item : items()) {
+            if (item.radio && item.checked) ids.insert(item.id);
+        }
+        return ids;
+    };
+    EXPECT_EQ(marked(), (std::set{358, 297}));
+    command(379);
+    command(298);
+    EXPECT_EQ(marked(), (std::set{379, 298}));
+}
+
+TEST_F(Looks, HelpOpensAtAChapterOfTheManual) {
+    std::ifstream file(POLYFAB_DOCS "/manual.md");
+    std::set<std::string> chapters{""};
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("##")) continue;
+        line.erase(0, line.find(' ') + 1);
+        std::erase(line, ',');
+        for (char& letter : line)
+            letter = letter == ' ' ? '-' : static_cast<char>(std::tolower(letter));
+        chapters.insert(line);
+    }
+    for (const Command& row : commandTable()) {
+        const bool list = row.id == 264;
+        if (row.handler == nullptr || !(list || entersMode(row.id))) continue;
+        command(row.id);
+        const std::string opened = run(263).front();
+        EXPECT_TRUE(chapters.contains(opened.substr(opened.find('|') + 1))) << opened;
+        if (list) key(key::escape);
+    }
+    EXPECT_NE(keySheet().find("| Ctrl\\+\\+ | grow the selection by one ring |"),
+              std::string::npos);
+}
+
+} // namespace
+} // namespace polyfab::test
