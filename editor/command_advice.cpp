@@ -155,6 +155,9 @@ constexpr AdviceRow rows[] = {
     {385, "shows the texture map number of each group before its name"},
     {2071, "shows all keys on one page"},
     {2070, "finds a command by its name, its number, its key or what it does, and runs it"},
+    {2072, "shows the buttons above the panes; kept from run to run"},
+    {2073, "fits the whole mesh in both panes and puts the box around it, as the Home key does"},
+    {2074, "fits the selected faces in both panes, as the full stop does"},
     {263, "opens this manual at the chapter of the present mode or list"},
 };
 

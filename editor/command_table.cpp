@@ -17,7 +17,9 @@
 #include "editor/lists/subview.h"
 #include "editor/menus.h"
 #include "editor/modes/modes.h"
+#include "editor/modes/navigation.h"
 #include "editor/status_line.h"
+#include "editor/tool_bar.h"
 #include "formats/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "generators/block.h"
@@ -354,9 +356,13 @@ constexpr auto table = std::to_array<Command>({
     {1032, display, "show a g&rid", flip<&Show::grid>, isOn<&Show::grid>},
     {1033, display, "show &face and vertex numbers", flip<&Show::numbers>, isOn<&Show::numbers>},
     {2007, display, "show the status &line", toggleStatusLine, statusLineIsShown},
+    {2072, display, "show the t&ool bar", toggleToolBar, toolBarIsShown},
     {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
     {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,
      isOn<&Show::paneNames>},
+    {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }},
+    {fitSelectedCommand, display, "fit the selected faces: &1",
+     [] { navigateByKey(key::fullStop); }},
     {1034, display, "show the pane backgroun&ds", later},
 
     {330, rendering, "&render the left pane", later},

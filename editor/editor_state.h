@@ -34,6 +34,12 @@ struct FaceCounts {
     std::int64_t selected = 0;
 };
 
+/// The right button, as long as it may be a click.
+struct RightPress {
+    bool isClick = false;
+    int x = 0, y = 0; ///< client position of the press
+};
+
 struct EditorState {
     int mode = defaultMode;
     char resizeAxis = 0;      ///< 0, 'X', 'Y' or 'Z': qualifies the resize mode
@@ -41,8 +47,10 @@ struct EditorState {
     std::uint8_t buttons = 0; ///< of the mouse: now (bits 0-1) and at the event before (bits 2-3)
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     NameListState nameList;
-    FaceCounts faces;                       ///< as the status line tells them
-    bool statusLine = true;                 ///< it is shown
+    FaceCounts faces;       ///< as the status line tells them
+    bool statusLine = true; ///< it is shown
+    bool toolBar = true;    ///< it is shown
+    RightPress rightPress;
     PaneRectangle rectangle;                ///< that is drawn to select faces
     TransformTexts transform = noTransform; ///< of "move, scale, rotate by"
 };

@@ -57,6 +57,7 @@ constexpr KeyRow everywhere[] = {
     {"Ctrl+1, Ctrl+2 and a left press",
      "put the first or the second settable point under the mouse"},
     {"Escape", "puts back what a drag did; stops long work that can be stopped"},
+    {"right click", "opens a menu, in modes that have no other use for that button"},
 };
 
 constexpr KeyRow inLists[] = {

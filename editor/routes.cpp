@@ -5,6 +5,7 @@
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "editor/command_table.h"
+#include "editor/context_menu.h"
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/input.h"
@@ -16,6 +17,7 @@
 #include "editor/modes/navigation.h"
 #include "editor/modes/settable_points.h"
 #include "editor/recovery/recovery.h"
+#include "editor/tool_bar.h"
 #include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "mesh/mesh.h"
@@ -39,6 +41,7 @@ void onCreate(const Event&) {
     startHistory();
     startRecovery();
     loadRecentFiles();
+    startToolBar();
     showMenuBar("POLYFAB");
     platform().setTitle(programName);
 }
@@ -104,6 +107,7 @@ void onMouse(const Event& event) {
     noteMouse(event);
     navigateByMouse(event);
     if (!settablePointPress(event)) modeMouse(event);
+    contextMenuByMouse(event);
     repaintIfStale();
 }
 

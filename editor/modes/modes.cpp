@@ -28,8 +28,8 @@ struct Mode {
 
 constexpr auto modes = std::to_array<Mode>({
     {358, defaultMode, 0, "",
-     "wheel: larger or smaller - middle drag: move the picture, with Shift turn it - choose what "
-     "the left button does in the mode menu"},
+     "wheel: zoom - middle drag: move the view, with Shift turn it - right click: menu - left "
+     "button: see the mode menu"},
     {348,
      'E',
      0,

@@ -7,6 +7,9 @@
 
 namespace polyfab {
 
+/// The commands that do what Home and the full stop do.
+inline constexpr int fitCommand = 2073, fitSelectedCommand = 2074;
+
 /// Zooms about the mouse, by a fifth a step.
 void zoomByWheel(const Event& event);
 

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What stands around the panes: marks and separators of menus, and help.
+// What stands around the panes: marks and separators of menus, help, context menu and tool bar.
 #include "editor/command_table.h"
+#include "editor/editor_state.h"
 #include "editor/help.h"
+#include "io/state_folder.h"
 #include "tests/editor/window_fixture.h"
+#include "tests/support/temp_folder.h"
 
 #include <fstream>
 #include <set>
@@ -61,6 +64,44 @@ TEST_F(Looks, HelpOpensAtAChapterOfTheManual) {
     }
     EXPECT_NE(keySheet().find("| Ctrl\\+\\+ | grow the selection by one ring |"),
               std::string::npos);
+}
+
+TEST_F(Looks, ARightClickOpensAMenuWhereTheButtonHasNoOtherUse) {
+    const struct {
+        int mode, across;
+        unsigned buttons;
+        bool opens;
+    } cases[] = {{358, 0, button::right, true},
+                 {358, 2, button::right, true},
+                 {358, 9, button::right, false},
+                 {358, 0, button::left, false},
+                 {349, 0, button::right, true},
+                 {351, 0, button::right, false},
+                 {358, 0, button::right | button::left, false}};
+    for (const auto& row : cases) {
+        cubeIn(row.mode);
+        shown.contextMenu.clear();
+        drag(100, 100, row.across, 0, row.buttons);
+        EXPECT_EQ(!shown.contextMenu.empty(), row.opens) << &row - cases;
+        for (const int id : shown.contextMenu) EXPECT_TRUE(id == 0 || findItem(shown.bar, id));
+    }
+}
+
+TEST_F(Looks, TheToolBarStaysAwayInTheNextRun) {
+    const TempFolder folder;
+    stateFolder = folder.path("");
+    for (const bool on : {false, true}) {
+        command(2072);
+        shown.toolsShown = true;
+        editorState.toolBar = !on;
+        send(EventKind::create);
+        EXPECT_EQ(shown.toolsShown, on);
+        EXPECT_EQ(findItem(shown.bar, 2072)->checked, on);
+    }
+    for (const ToolButton& tool : shown.tools) {
+        EXPECT_TRUE(tool.id == 0 || findItem(shown.bar, tool.id)) << tool.icon;
+    }
+    stateFolder.clear();
 }
 
 } // namespace
