@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextTable>
 
@@ -72,7 +73,10 @@ void ManualPages::doSetSource(const QUrl& url, QTextDocument::ResourceType type)
         return;
     }
     QTextBrowser::doSetSource(url, type);
-    dress(*document());
+    {
+        const QSignalBlocker quiet(document()); // a page that has changed would be read again
+        dress(*document());
+    }
     if (url.hasFragment()) scrollToAnchor(url.fragment());
 }
 
