@@ -6,6 +6,7 @@
 #include "geometry/vec3.h"
 
 #include <array>
+#include <cstdint>
 #include <span>
 
 namespace polyfab {
@@ -23,7 +24,8 @@ struct Markers {
     /// The settable points, world positions. Neither is shown before one has left the origin.
     std::array<Vec3, 2> settable{};
     PaneRectangle rectangle{};
-    std::span<const Segment> preview{}; ///< of what is about to be made
+    std::span<const std::int32_t> corners{}; ///< points of a face that is not made yet
+    std::span<const Segment> preview{};      ///< of what is about to be made
 };
 
 } // namespace polyfab

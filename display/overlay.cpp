@@ -253,6 +253,24 @@ void drawCurrent(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     for (std::size_t i = 0; i < 4; ++i) pane.line(tips[i], tips[(i + 1) % 4], look.currentVertex);
 }
 
+/// The corners of a new face, numbered in their order, and its sides but for the one that closes
+/// it.
+void drawNewCorners(const Mesh& mesh, const Pane& pane, std::span<const std::int32_t> corners) {
+    const Point* last = nullptr;
+    int number = 0;
+    for (const std::int32_t point : corners) {
+        if (point >= mesh.np) return;
+        const Place at = pane.at(mesh.points[point]);
+        const double radius = look.diamondRadius / 2;
+        pane.line({at.x - radius, at.y}, {at.x + radius, at.y},
+                  {look.preview.color, static_cast<int>(2 * radius)});
+        if (last != nullptr) pane.line(pane.at(*last), at, {look.preview.color});
+        last = mesh.points + point;
+        drawLabel(pane, {at.x + look.diamondRadius, at.y - 1.2 * look.settableFont.height},
+                  std::to_string(++number), look.settableFont, look.preview.color);
+    }
+}
+
 void drawSettable(const Pane& pane, const std::array<Vec3, 2>& points) {
     const auto atOrigin = [](const Vec3& p) { return p.x == 0 && p.y == 0 && p.z == 0; };
     if (atOrigin(points[0]) && atOrigin(points[1])) return;
@@ -288,6 +306,7 @@ void drawOverlay(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     drawPreview(pane, markers.preview);
     if (options.current) drawCurrent(mesh, pane, markers);
     if (options.settable) drawSettable(pane, markers.settable);
+    drawNewCorners(mesh, pane, markers.corners);
     if (options.numbers) drawNumbers(mesh, pane, uses);
     drawRectangle(pane, markers.rectangle);
 }

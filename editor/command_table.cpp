@@ -16,6 +16,7 @@
 #include "editor/lists/name_list.h"
 #include "editor/lists/subview.h"
 #include "editor/menus.h"
+#include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/navigation.h"
 #include "editor/status_line.h"
@@ -120,6 +121,9 @@ constexpr Command selecting(Command row) {
 Shown shownStep(const char* label, const std::string& step) {
     return {step.empty() ? label : label + (" " + step), !step.empty()};
 }
+
+/// The handling modes have another use for the key.
+Shown shownDelete() { return {"&delete selected faces", true, false, !isHandlingMode()}; }
 
 Shown shownUndo() { return shownStep("&undo", undoLabel()); }
 Shown shownRedo() { return shownStep("&redo", redoLabel()); }
@@ -261,7 +265,8 @@ constexpr auto table = std::to_array<Command>({
     selecting({325, facesMenu, "unselect faces &clockwise on left pane", unselectClockwise}),
     selecting(
         {326, facesMenu, "unselect faces ant&iclockwise on left pane", unselectAnticlockwise}),
-    {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>},
+    {299, facesMenu, "&delete selected faces", onMesh<deleteSelectedFaces>, nullptr, "Del",
+     shownDelete},
     {316, facesMenu, "de&lete unselected faces", onMesh<deleteUnselectedFaces>},
     slow({268, facesMenu, "det&riangularize (quickly)", [] { detriquick(*OB, false); }}),
     slow({1083, facesMenu, "detriangularize (thoroughly)", [] { detrithorough(*OB, false); }}),

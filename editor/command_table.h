@@ -16,6 +16,7 @@ struct Shown {
     std::string label; ///< in place of the row's; "&" as there, "&&" for the character itself
     bool enabled = true;
     bool hidden = false;
+    bool keyed = true; ///< the row's shortcut works
 };
 
 struct Command {

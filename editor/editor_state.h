@@ -7,6 +7,7 @@
 #include "geometry/vec3.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace polyfab {
 
@@ -52,6 +53,7 @@ struct EditorState {
     bool toolBar = true;    ///< it is shown
     RightPress rightPress;
     PaneRectangle rectangle;                ///< that is drawn to select faces
+    std::vector<std::int32_t> newFace;      ///< points that were clicked to be its corners
     TransformTexts transform = noTransform; ///< of "move, scale, rotate by"
 };
 

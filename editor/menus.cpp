@@ -111,8 +111,8 @@ Menu layOut(const char* title, std::vector<Placed> rows, const BarRow& bar) {
     for (const Placed& row : rows) {
         const bool newKind = std::exchange(kind, row.place.kind) != row.place.kind;
         roomFor(menu, subMenuOf(kind), newKind)
-            .push_back(
-                itemOf(*row.command, row.now, !(bar.ofList && isTakenByLists(*row.command))));
+            .push_back(itemOf(*row.command, row.now,
+                              row.now.keyed && !(bar.ofList && isTakenByLists(*row.command))));
     }
     return menu;
 }
@@ -131,11 +131,13 @@ std::vector<Placed> rowsOf(std::string_view heading, const BarRow& bar) {
     return rows;
 }
 
-/// What the rows that change say now.
+/// What the rows that change say now, and whether they have a key.
 std::vector<std::string> changingLabels() {
     std::vector<std::string> labels;
     for (const Command& command : commandTable()) {
-        if (command.shown != nullptr) labels.push_back(command.shown().label);
+        if (command.shown == nullptr) continue;
+        const Shown now = command.shown();
+        labels.push_back(now.label + (now.keyed ? command.key : ""));
     }
     return labels;
 }

@@ -122,6 +122,7 @@ std::string stateJson() {
     state["liveFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, isLive);
     state["selectedFaces"] = std::count_if(OB->faces, OB->faces + OB->nf, isLiveSelected);
     state["selectedPoints"] = countSelectedPoints();
+    state["newFace"] = editor.newFace;
     state["settable"] = {vector(workbench.settable[0]), vector(workbench.settable[1])};
     state["keys"] = keysDown();
     state["history"] = editor.buttons;

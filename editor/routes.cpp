@@ -15,6 +15,7 @@
 #include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
 #include "editor/modes/navigation.h"
+#include "editor/modes/new_face.h"
 #include "editor/modes/settable_points.h"
 #include "editor/recovery/recovery.h"
 #include "editor/tool_bar.h"
@@ -77,7 +78,8 @@ void onMenuOpening(const Event&) {
 
 void onPaint(const Event&) {
     const Markers markers{workbench.currentEdgeFace, workbench.currentEdgeCorner,
-                          workbench.settable, editorState.rectangle, workbench.preview};
+                          workbench.settable,        editorState.rectangle,
+                          editorState.newFace,       workbench.preview};
     platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 
@@ -96,9 +98,15 @@ void repaintIfStale() {
     if (stale.points || stale.edges || stale.picture) platform().requestPaint();
 }
 
+/// What Escape does: a drag that runs is taken back before the corners of a new face are.
+void takeBack() {
+    if (!dragRuns()) dropNewFace();
+    cancelDrag();
+}
+
 void onKeyDown(const Event& event) {
     noteKey(event);
-    if (event.key == key::escape) cancelDrag();
+    if (event.key == key::escape) takeBack();
     if (!navigateByKey(event.key)) handlingKeyDown(event.key);
     repaintIfStale();
 }

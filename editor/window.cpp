@@ -11,6 +11,7 @@
 #include "editor/modes/drag.h"
 #include "editor/modes/handling_modes.h"
 #include "editor/modes/modes.h"
+#include "editor/modes/new_face.h"
 #include "editor/recovery/recovery.h"
 #include "editor/report.h"
 #include "editor/routes.h"
@@ -215,6 +216,8 @@ void handleEvent(const Event& event) {
     const bool altered = endEvent();
     if (workbench.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
     if (dragRuns()) return;
+    // Its corners are numbers of points.
+    if (commandOf(event) != nullptr && (altered || movesInHistory(event))) dropNewFace();
     // To remember a large mesh takes long by itself.
     tellTooLateToStop();
     moveProgress();

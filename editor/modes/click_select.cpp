@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/modes/click_select.h"
 
+#include "editor/modes/combine.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/faces.h"
 #include "mesh/stale.h"
@@ -19,15 +20,19 @@ std::unique_ptr<Drag> selectWholeAt(const Event& press, std::int16_t Face::*inde
     const int clicked = place ? faceAt(*OB, *place) : -1;
     if (clicked < 0) return nullptr;
     const int wanted = OB->faces[clicked].*index;
+    const Combine combine = combineByKeys();
     std::int64_t live = 0, selected = 0;
     for (Face& face : liveFaces(*OB)) {
-        face.selected = face.*index == wanted;
+        face.selected = combine(face.selected != 0, face.*index == wanted) ? 1 : 0;
         ++live;
         selected += face.selected;
     }
-    note(selectionText(selected, live));
-    for (int i = 0; i < OB->*count; ++i) (OB->*entries)[i].selected = i == wanted;
+    for (int i = 0; i < OB->*count; ++i) {
+        auto& picked = (OB->*entries)[i].selected;
+        picked = combine(picked != 0, i == wanted) ? 1 : 0;
+    }
     stale.edges = true;
+    note(selectionText(selected, live));
     return nullptr;
 }
 

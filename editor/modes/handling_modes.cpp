@@ -4,6 +4,7 @@
 
 #include "editor/editor_state.h"
 #include "editor/modes/face_mode.h"
+#include "editor/modes/new_face.h"
 #include "editor/modes/point_drag.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/faces.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -85,6 +87,7 @@ bool weldAt(const Event& event) {
     OB->curvertex = onto;
     OB->highlightPoint(onto);
     forgetCurrentEdge(); // tidying may have numbered its face's corners anew
+    dropNewFace();       // of which this may be a corner
     stale.edges = true;
     drags.step = "weld two vertexes";
     platform().setTitle("welded onto vertex " + std::to_string(onto + 1));
@@ -93,10 +96,14 @@ bool weldAt(const Event& event) {
 
 class VertexDrag : public GripDrag {
   public:
-    using GripDrag::GripDrag;
+    VertexDrag(const Event& press, const PanePlace& place)
+        : GripDrag(press, place, {OB->curvertex}, "vertex " + std::to_string(OB->curvertex + 1),
+                   "move vertex"),
+          collects(keyIsDown(key::ctrl)) {}
 
     void drop(const Event& event) override {
         move(event);
+        if (!moved && collects) return collectVertex(OB->curvertex);
         if (moved && keyIsDown(key::ctrl) && OB->curvertex >= 0) {
             cancel(); // a weld moves it onto the other, not to where the mouse is
             welded = weldAt(event);
@@ -110,6 +117,7 @@ class VertexDrag : public GripDrag {
     }
 
   private:
+    bool collects;
     bool welded = false;
 };
 
@@ -123,6 +131,7 @@ struct KeyRow {
 constexpr auto keyRows = std::to_array<KeyRow>({
     {'F', key::del, deleteCurrentFace, "delete face"},
     {'E', key::del, deleteCurrentEdge, "join two faces"},
+    {'P', key::enter, makeNewFace, "new face"},
 });
 
 /// What the key does in the present mode, or null.
@@ -178,9 +187,7 @@ std::unique_ptr<Drag> pressVertex(const Event& press) {
     stale.picture = true;
     updateTitle();
     if (OB->curvertex < 0) return nullptr;
-    return std::make_unique<VertexDrag>(press, *place, std::vector{OB->curvertex},
-                                        "vertex " + std::to_string(OB->curvertex + 1),
-                                        "move vertex");
+    return std::make_unique<VertexDrag>(press, *place);
 }
 
 bool handlingKeyDown(int code) {
@@ -194,6 +201,11 @@ bool handlingKeyDown(int code) {
 const char* handlingStep(int code) {
     const KeyRow* const row = keyRow(code);
     return row == nullptr ? nullptr : row->step;
+}
+
+bool isHandlingMode() {
+    constexpr int modes[] = {'E', 'F', 'H', 'P'};
+    return std::find(std::begin(modes), std::end(modes), editorState.mode) != std::end(modes);
 }
 
 } // namespace polyfab

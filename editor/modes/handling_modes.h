@@ -15,14 +15,18 @@ std::unique_ptr<Drag> pressEdge(const Event& press);
 std::unique_ptr<Drag> pressGroup(const Event& press);
 
 /// Vertexes: a press makes the nearest point current, a drag moves it, and one that ends with Ctrl
-/// on another point welds it onto that.
+/// on another point welds it onto that. A press with Ctrl that is no drag makes the point a corner
+/// of the new face, or takes it out of it.
 std::unique_ptr<Drag> pressVertex(const Event& press);
 
 /// A key goes down: in its mode Delete removes the current face, after a question, or the current
-/// edge. Whether the key is taken.
+/// edge, and Enter makes the new face. Whether the key is taken.
 bool handlingKeyDown(int code);
 
 /// What undo calls what the key does in the present mode; null: nothing.
 [[nodiscard]] const char* handlingStep(int code);
+
+/// Whether the present mode is one of these.
+[[nodiscard]] bool isHandlingMode();
 
 } // namespace polyfab

@@ -6,6 +6,7 @@
 #include "editor/modes/drag.h"
 #include "editor/modes/face_mode.h"
 #include "editor/modes/handling_modes.h"
+#include "editor/modes/new_face.h"
 #include "editor/modes/rectangle_mode.h"
 #include "editor/modes/transform_modes.h"
 #include "workbench/state.h"
@@ -66,8 +67,8 @@ constexpr auto modes = std::to_array<Mode>({
      'P',
      0,
      "vertex handling",
-     "click: current vertex - drag: move it - end a drag with Ctrl on another vertex: weld - Esc: "
-     "take back",
+     "click: current vertex - drag: move it - Ctrl+click: corner of a new face, Enter: make it - "
+     "drag, then Ctrl on another vertex: weld - Esc: take back",
      {pressVertex, button::left, "pick vertex"}},
     {357,
      'Q',
@@ -159,28 +160,29 @@ constexpr auto modes = std::to_array<Mode>({
      1095,
      0,
      "selecting groups by clicking the mesh",
-     "click: select the group of a face, and nothing else",
+     "click: select the group of a face, and nothing else - Shift: add it - Ctrl: take it away",
      {selectGroupAt, button::left, "select group"},
      true},
     {379,
      1101,
      0,
      "selecting materials by clicking the mesh",
-     "click: select the faces of a material, and nothing else",
+     "click: select the faces of a material, and nothing else - Shift: add them - Ctrl: take them "
+     "away",
      {selectMaterialAt, button::left, "select material"},
      true},
     {381,
      1104,
      0,
      "selecting parts by clicking the mesh",
-     "click: select a part, and nothing else",
+     "click: select a part, and nothing else - Shift: add it - Ctrl: take it away",
      {selectPartAt, button::left, "select part"},
      true},
     {380,
      1108,
      0,
      "selecting texture map areas by clicking the mesh",
-     "click: select a texture map area, and nothing else",
+     "click: select a texture map area, and nothing else - Shift: add it - Ctrl: take it away",
      {selectTextureMapAreaAt, button::left, "select texture map area"},
      true},
     {selectByRectangle,
@@ -204,6 +206,7 @@ const Mode& presentMode() {
 
 void enterMode(int command) {
     endDrag();
+    dropNewFace();
     for (const Mode& mode : modes) {
         if (mode.command != command) continue;
         editorState.mode = mode.value;

@@ -5,6 +5,7 @@
 
 #include "display/options.h"
 #include "editor/editor_state.h"
+#include "editor/modes/combine.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/faces.h"
 #include "picture/smooth.h"
@@ -91,15 +92,6 @@ bool isTouched(const Face& face, const Codes& codes, const Rectangle& rectangle)
         }
     }
     return rectangle.isIn(face);
-}
-
-/// What a face becomes that was so and is meant or not.
-using Combine = bool (*)(bool was, bool meant);
-
-Combine combineByKeys() {
-    if (keyIsDown(key::shift)) return [](bool was, bool meant) { return was || meant; };
-    if (keyIsDown(key::ctrl)) return [](bool was, bool meant) { return was && !meant; };
-    return [](bool, bool meant) { return meant; };
 }
 
 void selectBy(const PaneRectangle& drawn, bool touched, Combine combine) {

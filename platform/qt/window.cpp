@@ -63,15 +63,6 @@ Size Canvas::clientSize() const {
     return {int(std::lround(width() * ratio)), int(std::lround(height() * ratio))};
 }
 
-bool Canvas::event(QEvent* event) {
-    // What Delete does depends on the mode, so that the program gets the key and no menu item.
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (key.key() == Qt::Key_Delete && key.modifiers() == Qt::NoModifier) event->accept();
-    }
-    return QWidget::event(event);
-}
-
 void Canvas::paintEvent(QPaintEvent*) {
     const QImage& picture = events.picture();
     QPainter painter(this);

@@ -39,7 +39,6 @@ class Canvas : public QWidget {
     void forgetKeys() { down.clear(); }
 
   protected:
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

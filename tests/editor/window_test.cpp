@@ -11,6 +11,15 @@ namespace {
 
 using Window = WindowEvents;
 
+TEST_F(Window, DeleteIsAShortcutWhereTheModeHasNoUseForIt) {
+    for (const auto& [mode, wanted] : {std::pair(358, "Del"), {353, ""}, {349, ""}, {351, "Del"}}) {
+        command(mode);
+        const std::vector<MenuItem> all = items();
+        const auto isDelete = [](const MenuItem& item) { return item.id == 299; };
+        EXPECT_EQ(std::find_if(all.begin(), all.end(), isDelete)->key, wanted) << mode;
+    }
+}
+
 TEST_F(Window, WhatIsNotBuiltIsGreyedAndDoesNothing) {
     addCube();
     const std::string before = dump();

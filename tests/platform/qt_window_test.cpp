@@ -96,15 +96,13 @@ TEST_F(QtWindow, LettersAndShortcutsWorkTheMenus) {
 }
 
 TEST_F(QtWindow, KeysStayWithTheCanvas) {
-    backend.setMenuBar("A", {{"&one", {{21, "&first", true, false, false, "Del"}}}});
+    backend.setMenuBar("A", bar);
     taken();
     QTest::keyClick(window.windowHandle(), Qt::Key_Alt);
     EXPECT_EQ(QApplication::focusWidget(), &window.canvas());
     window.menuBar()->setFocus(); // where a menu that was closed leaves it
     QTest::keyClick(window.windowHandle(), Qt::Key_Home);
-    QTest::keyClick(window.windowHandle(), Qt::Key_Delete);
-    EXPECT_EQ(taken(),
-              (Log{"keyDown 18", "keyUp 18", "keyDown 36", "keyUp 36", "keyDown 46", "keyUp 46"}));
+    EXPECT_EQ(taken(), (Log{"keyDown 18", "keyUp 18", "keyDown 36", "keyUp 36"}));
     window.menuBar()->setFocus();
     QWidget other;
     other.show();
