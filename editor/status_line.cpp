@@ -15,7 +15,7 @@ namespace polyfab {
 namespace {
 
 std::string left() {
-    const std::string said = drags.drag ? drags.drag->said() : "";
+    std::string said = drags.drag ? drags.drag->said() : "";
     if (!said.empty()) return said;
     if (!notes().empty()) return notes();
     if (editorState.subview != 0) {

@@ -201,6 +201,7 @@ void handleEvent(const Event& event) {
     if (dragRuns() && movesInHistory(event)) return;
     if (dragRuns() && endsDrag(event)) recordDrag();
     const std::string label = labelOf(event);
+    platform().nameBoxes(label);
     const bool dragged = dragRuns();
     const bool listed = editorState.subview != 0;
     const bool commands = event.kind == EventKind::command && !listed;

@@ -240,6 +240,8 @@ class Platform {
     /// Whether somebody sits at the window. Nobody does in a headless run: what is merely offered
     /// is not asked there.
     virtual bool isWatched() const = 0;
+    /// What the user did that boxes come of from now on: those without a title carry it as theirs.
+    virtual void nameBoxes(const std::string&) {}
     virtual void message(const std::string& title, const std::string& text, Icon icon) = 0;
     /// `marked` is the answer that the Enter key gives.
     virtual Choice question(const std::string& title, const std::string& text, Buttons buttons,

@@ -271,9 +271,9 @@ std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, F
     return chosen;
 }
 
-DialogResult askFields(QWidget* owner, Dialog& dialog) {
+DialogResult askFields(QWidget* owner, const std::string& title, Dialog& dialog) {
     QDialog box(owner);
-    box.setWindowTitle(titleText(dialog.title));
+    box.setWindowTitle(titleText(title));
     QGridLayout grid(&box);
     std::vector<FieldWidget> widgets;
     for (const DialogField& field : dialog.fields) {

@@ -27,6 +27,7 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
 /// becomes that of the file chosen.
 std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Folders& folders);
 
-DialogResult askFields(QWidget* owner, Dialog& dialog);
+/// Under this title, whatever the dialog's own is.
+DialogResult askFields(QWidget* owner, const std::string& title, Dialog& dialog);
 
 } // namespace polyfab

@@ -263,13 +263,13 @@ void QtPlatform::destroyWindow() {
 
 void QtPlatform::message(const std::string& title, const std::string& text, Icon icon) {
     const AroundBox around(window, input, clock, strip);
-    showMessage(owner(), title, text, icon);
+    showMessage(owner(), named(title), text, icon);
 }
 
 Choice QtPlatform::question(const std::string& title, const std::string& text, Buttons buttons,
                             Choice marked) {
     const AroundBox around(window, input, clock, strip);
-    return askQuestion(owner(), title, text, buttons, marked);
+    return askQuestion(owner(), named(title), text, buttons, marked);
 }
 
 std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
@@ -280,7 +280,7 @@ std::optional<std::string> QtPlatform::fileDialog(const FileRequest& request) {
 DialogResult QtPlatform::dialog(Dialog& dialog) {
     const AroundBox around(window, input, clock, strip);
     const int before = std::exchange(paintDepth, dialog.onChange ? depth : 0);
-    const DialogResult result = askFields(owner(), dialog);
+    const DialogResult result = askFields(owner(), named(dialog.title), dialog);
     paintDepth = before;
     return result;
 }

@@ -57,6 +57,7 @@ class QtPlatform : public Platform {
     void requestClose() override;
     void destroyWindow() override;
     bool isWatched() const override { return true; }
+    void nameBoxes(const std::string& name) override { boxName = name; }
     void message(const std::string& title, const std::string& text, Icon icon) override;
     Choice question(const std::string& title, const std::string& text, Buttons buttons,
                     Choice marked) override;
@@ -86,6 +87,9 @@ class QtPlatform : public Platform {
     const QImage& currentPicture();
     HelpWindow& helpWindow();
     void letShow();
+    const std::string& named(const std::string& title) const {
+        return title.empty() ? boxName : title;
+    }
     /// The owner of boxes: none while the window is not shown, so that they get a place of their
     /// own.
     QWidget* owner() { return window.isVisible() ? &window : nullptr; }
@@ -100,6 +104,7 @@ class QtPlatform : public Platform {
     QLabel busy;                      ///< shows the last of the notices
     std::vector<std::string> notices;
     std::string windowTitle;
+    std::string boxName;                  ///< the title of boxes without one
     std::optional<std::string> firstFile; ///< until the start event was sent
     QTimer idle;                          ///< runs out when the user rests
     int endSignal = 0;

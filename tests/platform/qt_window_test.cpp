@@ -279,10 +279,13 @@ TEST_F(QtWindow, PromptsAreFilledInFromTheKeyboard) {
         SCOPED_TRACE(row.label);
         Dialog dialog = promptOf(row.fields);
         dialog.fields[0].label = row.label;
+        dialog.title = row.fields == 2 ? "its own" : "";
+        backend.nameBoxes("smoothing");
         const DialogResult result = use(dialog, [&](QWidget& box) {
             const auto* const label = box.findChild<QLabel*>();
             const auto* const first = box.findChild<QLineEdit*>();
             EXPECT_EQ(label->text().toStdString(), row.label);
+            EXPECT_EQ(box.windowTitle(), row.fields == 2 ? "its own" : "smoothing");
             EXPECT_EQ(label->geometry().bottom() < first->geometry().top(), row.fields == 1);
             EXPECT_EQ(label->geometry().right() < first->geometry().left(), row.fields > 1);
             EXPECT_TRUE(box.rect().contains(label->geometry()));
