@@ -26,25 +26,28 @@ bool hasCorners(const Mesh& mesh, const Face& face) {
     return start < corners && static_cast<std::size_t>(face.n) <= corners - start;
 }
 
-/// Calls use(lower point, higher point, marks) for each side of each live face, which
-/// marksOf(face) gives its marks.
+/// Calls use(lower point, higher point, marks) for each side of the face, which gives it `marks`.
+template <typename Use>
+void forEachSideOf(const Mesh& mesh, const Face& face, unsigned marks, Use use) {
+    const auto points = static_cast<std::size_t>(mesh.np);
+    const FaceCorner* corner = face.q + face.n - 1;
+    std::size_t from = elementAt<Point>(mesh.points, corner->p);
+    for (int k = 0; k < face.n; ++k) {
+        const unsigned bad = corner->edgeuse == 255 ? edgemark::bad : 0;
+        corner = face.q + k;
+        const std::size_t to = elementAt<Point>(mesh.points, corner->p);
+        if (from < points && to < points) {
+            use(std::min(from, to), std::max(from, to), static_cast<std::uint8_t>(marks | bad));
+        }
+        from = to;
+    }
+}
+
+/// The same for each live face, which marksOf(face) gives its marks.
 template <typename MarksOf, typename Use>
 void forEachSide(const Mesh& mesh, MarksOf marksOf, Use use) {
-    const auto points = static_cast<std::size_t>(mesh.np);
     for (const Face& face : allFaces(mesh)) {
-        if (!hasCorners(mesh, face)) continue;
-        const unsigned marks = marksOf(face);
-        const FaceCorner* corner = face.q + face.n - 1;
-        std::size_t from = elementAt<Point>(mesh.points, corner->p);
-        for (int k = 0; k < face.n; ++k) {
-            const unsigned bad = corner->edgeuse == 255 ? edgemark::bad : 0;
-            corner = face.q + k;
-            const std::size_t to = elementAt<Point>(mesh.points, corner->p);
-            if (from < points && to < points) {
-                use(std::min(from, to), std::max(from, to), static_cast<std::uint8_t>(marks | bad));
-            }
-            from = to;
-        }
+        if (hasCorners(mesh, face)) forEachSideOf(mesh, face, marksOf(face), use);
     }
 }
 
@@ -61,6 +64,7 @@ unsigned marksOfFace(const Mesh& mesh, const Face& face) {
 
 /// Leaves each edge once in its bucket, the buckets moved together and the marks united.
 void dropRepeats(DrawnEdges& list) {
+    list.most = 0;
     const std::size_t points = list.first.size() - 1;
     // A place at or after the present bucket's start can only come from this bucket.
     std::vector<std::uint32_t> place(points, 0);
@@ -82,9 +86,15 @@ void dropRepeats(DrawnEdges& list) {
             }
         }
         list.first[i + 1] = kept;
+        list.most = std::max(list.most, kept - start);
     }
     list.other.resize(kept);
     list.marks.resize(kept);
+}
+
+void noteKinds(DrawnEdges& list) {
+    list.kinds = 0;
+    for (const std::uint8_t marks : list.marks) list.kinds |= 1U << marks;
 }
 
 } // namespace
@@ -118,8 +128,23 @@ void listEdges(const Mesh& mesh, DrawnEdges& list) {
             list.marks[place] = marks;
         });
     dropRepeats(list);
-    list.kinds = 0;
-    for (const std::uint8_t marks : list.marks) list.kinds |= 1U << marks;
+    noteKinds(list);
+}
+
+void markSelected(const Mesh& mesh, DrawnEdges& list) {
+    constexpr std::uint32_t mostToSearch = 64; // for each side of a face
+    if (list.most > mostToSearch) return listEdges(mesh, list);
+    for (std::uint8_t& marks : list.marks) marks &= static_cast<std::uint8_t>(~edgemark::selected);
+    for (const Face& face : allFaces(mesh)) {
+        if (face.selected == 0 || !hasCorners(mesh, face)) continue;
+        forEachSideOf(mesh, face, 0, [&list](std::size_t low, std::size_t high, std::uint8_t) {
+            std::uint32_t place = list.first[low];
+            const std::uint32_t end = list.first[low + 1];
+            while (place < end && list.other[place] != high) ++place;
+            if (place < end) list.marks[place] |= edgemark::selected;
+        });
+    }
+    noteKinds(list);
 }
 
 bool isSound(const Mesh& mesh, const Face& face) {

@@ -25,6 +25,7 @@ struct DrawnEdges {
     std::vector<std::uint32_t> other; ///< per edge, the index of its higher point
     std::vector<std::uint8_t> marks;  ///< per edge
     std::uint32_t kinds = 0;          ///< bit m: some edge has exactly the marks m
+    std::uint32_t most = 0;           ///< edges that have the same lower point
 
     /// Whether some edge has just the marks `value` of those in `mask`.
     [[nodiscard]] bool has(unsigned mask, unsigned value) const;
@@ -34,6 +35,10 @@ struct DrawnEdges {
 /// gives an edge from the point to itself. Corners without a sound point have no edges. Where faces
 /// that face away are hidden, the screen positions must be up to date. May throw std::bad_alloc.
 void listEdges(const Mesh& mesh, DrawnEdges& list);
+
+/// Marks anew which edges selected faces use, in a list of the same faces. May throw
+/// std::bad_alloc.
+void markSelected(const Mesh& mesh, DrawnEdges& list);
 
 /// Whether the face is live and all its corners and their points lie in the arrays of the mesh.
 [[nodiscard]] bool isSound(const Mesh& mesh, const Face& face);

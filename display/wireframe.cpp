@@ -213,10 +213,12 @@ void refresh(Mesh& mesh, Size client, const Markers& markers) {
     stale.edges |= stale.points && displayOptions.hideFacingAway;
     if (stale.edges || wireframe.edges.first.size() != static_cast<std::size_t>(mesh.np) + 1) {
         listEdges(mesh, wireframe.edges);
+    } else if (stale.selection) {
+        markSelected(mesh, wireframe.edges);
     }
     updateLook();
     draw(mesh, markers);
-    stale = {false, false, false};
+    stale = {false, false, false, false};
 }
 
 } // namespace

@@ -23,7 +23,7 @@ using Marks = Table<std::uint8_t>;
 template <typename Choose>
 void selectBy(Mesh& mesh, Choose choose) {
     for (Face& face : liveFaces(mesh)) face.selected = choose(face) ? 1 : 0;
-    stale.edges = true;
+    noteSelection();
 }
 
 /// Whether some corner of the face is on a marked point.

@@ -30,7 +30,7 @@ void setSelectedWhere(std::uint8_t selected, Test test) {
     for (Face& face : liveFaces(*OB)) {
         if (test(face)) face.selected = selected;
     }
-    stale.edges = true;
+    noteSelection();
 }
 
 bool outOfBox(const Face& face) { return !inBox(face); }

@@ -17,7 +17,7 @@ namespace {
 
 void setSelected(std::uint8_t selected) {
     for (Face& face : liveFaces(*OB)) face.selected = selected;
-    stale.edges = true;
+    noteSelection();
 }
 
 /// Unselects the selected faces that `which` picks out, and reports how many under the caption.
@@ -29,7 +29,7 @@ void unselectWhere(Which which, const char* caption) {
         face.selected = 0;
         ++count;
     }
-    if (count > 0) stale.edges = true;
+    if (count > 0) noteSelection();
     platform().message(caption, std::to_string(count) + " such faces found", Icon::none);
 }
 

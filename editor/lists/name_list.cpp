@@ -374,7 +374,7 @@ void applyNameList(int subview) {
         const int entry = face.*list.field;
         face.selected = entry >= 0 && entry < OB->*list.count && list.picked(entry);
     }
-    stale.edges = true;
+    noteSelection();
 }
 
 void toggleTextureNumbers() { nameList.textureNumbers = !nameList.textureNumbers; }

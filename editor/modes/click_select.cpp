@@ -31,7 +31,7 @@ std::unique_ptr<Drag> selectWholeAt(const Event& press, std::int16_t Face::*inde
         auto& picked = (OB->*entries)[i].selected;
         picked = combine(picked != 0, i == wanted) ? 1 : 0;
     }
-    stale.edges = true;
+    noteSelection();
     note(selectionText(selected, live));
     return nullptr;
 }

@@ -100,7 +100,7 @@ std::unique_ptr<Drag> pressFace(const Event& press) {
         Face& face = OB->faces[OB->curface];
         face.selected = face.selected ? 0 : 1;
         drags.step = "select face";
-        stale.edges = true;
+        noteSelection();
     }
     updateTitle();
     return std::make_unique<SplitDrag>(press, point);

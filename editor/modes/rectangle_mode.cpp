@@ -108,7 +108,7 @@ void selectBy(const PaneRectangle& drawn, bool touched, Combine combine) {
         ++live;
         selected += face.selected;
     }
-    stale.edges = true;
+    noteSelection();
     note(selectionText(selected, live));
 }
 
