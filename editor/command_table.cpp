@@ -360,7 +360,7 @@ constexpr auto table = std::to_array<Command>({
     {1031, display, "show the &axes", flip<&Show::axes>, isOn<&Show::axes>},
     {1032, display, "show a g&rid", flip<&Show::grid>, isOn<&Show::grid>},
     {1033, display, "show &face and vertex numbers", flip<&Show::numbers>, isOn<&Show::numbers>},
-    {2007, display, "show the status &line", toggleStatusLine, statusLineIsShown},
+    {2007, display, "show the stat&us line", toggleStatusLine, statusLineIsShown},
     {2072, display, "show the t&ool bar", toggleToolBar, toolBarIsShown},
     {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
     {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,

@@ -53,6 +53,25 @@ void layTablesOut(QTextDocument& document) {
     }
 }
 
+/// Examples are broken into lines, and wide pictures made smaller, rather than that the page is
+/// wider than its window.
+void keepNarrow(QTextDocument& document) {
+    constexpr double widest = 640;
+    QTextBlockFormat breakable;
+    breakable.setNonBreakableLines(false);
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        QTextCursor cursor(block);
+        if (block.blockFormat().nonBreakableLines()) cursor.mergeBlockFormat(breakable);
+        if (!block.text().startsWith(QChar::ObjectReplacementCharacter)) continue;
+        QTextImageFormat picture = block.begin().fragment().charFormat().toImageFormat();
+        const QVariant shown = document.resource(QTextDocument::ImageResource, picture.name());
+        if (!picture.isValid() || shown.value<QImage>().width() <= widest) continue;
+        picture.setWidth(widest);
+        cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
+        cursor.mergeCharFormat(picture);
+    }
+}
+
 /// What the toolkit leaves out of a page that it has read; every page begins with a heading. In one
 /// go: a long page is laid out anew after each change.
 void dress(QTextDocument& document) {
@@ -62,6 +81,7 @@ void dress(QTextDocument& document) {
     cursor.beginEditBlock();
     nameChapters(document);
     layTablesOut(document);
+    keepNarrow(document);
     cursor.endEditBlock();
 }
 

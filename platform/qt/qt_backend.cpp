@@ -3,6 +3,7 @@
 #include "platform/qt/qt_backend.h"
 
 #include "platform/end_signals.h"
+#include "platform/qt/menu_frame.h"
 #include "platform/qt/qt_platform.h"
 
 #include <QApplication>
@@ -68,6 +69,7 @@ int runQt(const Program& program, int& argc, char** argv, const std::string& fil
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
     usualHandler = qInstallMessageHandler(saveWhenDisplayDies);
+    QApplication::setStyle(new MenuFrame);
     // Qt has just taken the user's locale over; number text keeps its decimal point.
     std::setlocale(LC_NUMERIC, "C");
     // Only the program's own destroyWindow ends the run.
