@@ -30,6 +30,7 @@ constexpr AdviceRow rows[] = {
     {2027, "reads or imports this file again"},
     {2028, "reads or imports this file again"},
     {2029, "reads or imports this file again"},
+    {2040, "saves to the file that the mesh came from, in its format and with all digits"},
     {262, "leaves the program, after a question when the mesh is not saved"},
     {2010, "takes the latest step back: a command, a drag, a visit to a list, a read"},
     {2011, "does the step again that was undone last"},

@@ -153,7 +153,7 @@ constexpr auto table = std::to_array<Command>({
     recentRow<7>("recent file &8"),
     recentRow<8>("recent file &9"),
     recentRow<9>("recent file 1&0"),
-    slow({2040, file, "&save", saveMeshFile, nullptr, "Ctrl+S"}),
+    slow({commandid::save, file, "&save", saveMeshFile, nullptr, "Ctrl+S"}),
     {exitCommand, file, "e&xit", [] { platform().requestClose(); }, nullptr, "Ctrl+Q"},
 
     {undoCommand, edit, "&undo", undo, nullptr, "Ctrl+Z", shownUndo},

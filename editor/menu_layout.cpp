@@ -22,7 +22,7 @@ constexpr const char* alongBox = "split faces along the b&ox";
 
 /// Menu by menu, from top to bottom.
 constexpr auto kinds = std::to_array<Kind>({
-    {{256, 296, 2001}},
+    {{256, 296, 2001, 2040}},
     {{2020, 2021, 2022, 2023, 2024, 2025, 2026, 2027, 2028, 2029}},
     {{262}},
 

@@ -19,11 +19,9 @@ struct ButtonRow {
     const char* icon = "";
 };
 
-constexpr int save = commandid::writeObj;
-
 constexpr ButtonRow buttons[] = {
     {commandid::readMesh, "open"},
-    {save, "save"},
+    {commandid::save, "save"},
     {},
     {undoCommand, "undo"},
     {redoCommand, "redo"},

@@ -126,7 +126,7 @@ inline constexpr int enter = 13, shift = 16, ctrl = 17, alt = 18, escape = 27, s
 /// Commands that are spoken of outside of the command table.
 namespace commandid {
 inline constexpr int readMesh = 256, writeDxf = 257, write3ds = 258, writeObj = 259, help = 263,
-                     textureNumbers = 385, importMesh = 2001, exportMesh = 2002,
+                     textureNumbers = 385, importMesh = 2001, exportMesh = 2002, save = 2040,
                      firstRecentFile = 2020;
 }
 
