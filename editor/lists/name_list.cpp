@@ -272,9 +272,11 @@ const KeyRow* rowOf(const List& list, int code) {
 }
 
 const char* onKeyDown(const List& list, const Event& event) {
-    const KeyRow* const row = keyIsDown(event.key) ? nullptr : rowOf(list, event.key); // no repeats
+    // A code that no key has is in no row.
+    const KeyRow* const row = rowOf(list, event.key);
+    const bool acts = row != nullptr && !keyIsDown(event.key); // no repeats
     noteKey(event);
-    if (row == nullptr) return "";
+    if (!acts) return "";
     row->act(list, event.key);
     if (editorState.subview != 0) refresh(list);
     return row->step;
