@@ -35,17 +35,29 @@ void ToolBar::setButtons(const std::vector<ToolButton>& buttons) {
 void ToolBar::follow(const Actions& actions) {
     for (QAction* const shown : this->actions()) {
         if (shown->isSeparator()) continue;
-        const QAction* const followed = actions.value(shown->data().toInt());
-        shown->setEnabled(followed != nullptr && followed->isEnabled());
-        if (followed == nullptr) continue;
-        shown->setCheckable(followed->isCheckable());
-        shown->setChecked(followed->isChecked());
-        shown->setText(followed->iconText());
-        const QString key = followed->shortcut().toString(QKeySequence::NativeText);
-        shown->setToolTip(QStringLiteral("<qt><b>%1</b> %2<br>%3</qt>")
-                              .arg(followed->iconText().toHtmlEscaped(), key.toHtmlEscaped(),
-                                   followed->toolTip()));
+        if (const QAction* const followed = actions.value(shown->data().toInt())) {
+            showLike(*shown, *followed);
+        } else {
+            shown->setEnabled(false);
+        }
     }
+}
+
+void ToolBar::followOne(const QAction& action) {
+    for (QAction* const shown : actions()) {
+        if (!shown->isSeparator() && shown->data() == action.data()) showLike(*shown, action);
+    }
+}
+
+void ToolBar::showLike(QAction& button, const QAction& followed) {
+    button.setEnabled(followed.isEnabled());
+    button.setCheckable(followed.isCheckable());
+    button.setChecked(followed.isChecked());
+    button.setText(followed.iconText());
+    const QString key = followed.shortcut().toString(QKeySequence::NativeText);
+    button.setToolTip(
+        QStringLiteral("<qt><b>%1</b> %2<br>%3</qt>")
+            .arg(followed.iconText().toHtmlEscaped(), key.toHtmlEscaped(), followed.toolTip()));
 }
 
 } // namespace polyfab

@@ -19,8 +19,12 @@ class ToolBar : public QToolBar {
     void setButtons(const std::vector<ToolButton>& buttons);
     /// Shows each button as these actions are now: greyed without one, pressed where it is checked.
     void follow(const Actions& actions);
+    /// The same when only this action may have changed.
+    void followOne(const QAction& action);
 
   private:
+    static void showLike(QAction& button, const QAction& followed);
+
     std::function<void(int command)> choose;
 };
 

@@ -218,7 +218,7 @@ void Window::setItem(int id, bool enabled, bool checked) {
     if (!found || !item) return;
     found->setEnabled(item->enabled = enabled);
     found->setChecked(item->checked = checked);
-    tools->follow(actions);
+    tools->followOne(*found);
 }
 
 void Window::setTools(const std::vector<ToolButton>& buttons) {
