@@ -3,9 +3,6 @@
 
 #include "editor/modes/combine.h"
 #include "editor/modes/under_mouse.h"
-#include "mesh/faces.h"
-#include "mesh/stale.h"
-#include "workbench/notes.h"
 
 #include <cstdint>
 
@@ -21,18 +18,11 @@ std::unique_ptr<Drag> selectWholeAt(const Event& press, std::int16_t Face::*inde
     if (clicked < 0) return nullptr;
     const int wanted = OB->faces[clicked].*index;
     const Combine combine = combineByKeys();
-    std::int64_t live = 0, selected = 0;
-    for (Face& face : liveFaces(*OB)) {
-        face.selected = combine(face.selected != 0, face.*index == wanted) ? 1 : 0;
-        ++live;
-        selected += face.selected;
-    }
+    combineSelection(combine, [=](const Face& face) { return face.*index == wanted; });
     for (int i = 0; i < OB->*count; ++i) {
         auto& picked = (OB->*entries)[i].selected;
         picked = combine(picked != 0, i == wanted) ? 1 : 0;
     }
-    noteSelection();
-    note(selectionText(selected, live));
     return nullptr;
 }
 

@@ -9,7 +9,6 @@
 #include "editor/modes/under_mouse.h"
 #include "mesh/faces.h"
 #include "picture/smooth.h"
-#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -100,16 +99,10 @@ void selectBy(const PaneRectangle& drawn, bool touched, Combine combine) {
     Codes codes(static_cast<std::size_t>(OB->np));
     std::transform(OB->points, OB->points + OB->np, codes.begin(),
                    [&](const Point& p) { return rectangle.sidesOf(rectangle.at(p)); });
-    std::int64_t live = 0, selected = 0;
-    for (Face& face : liveFaces(*OB)) {
-        const bool meant = face.n > 0 && isShown(face, drawn.left)
-                           && (touched ? isTouched(face, codes, rectangle) : isInside(face, codes));
-        face.selected = combine(face.selected != 0, meant) ? 1 : 0;
-        ++live;
-        selected += face.selected;
-    }
-    noteSelection();
-    note(selectionText(selected, live));
+    combineSelection(combine, [&](const Face& face) {
+        return face.n > 0 && isShown(face, drawn.left)
+               && (touched ? isTouched(face, codes, rectangle) : isInside(face, codes));
+    });
 }
 
 class RectangleDrag : public Drag {
