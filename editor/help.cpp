@@ -4,11 +4,13 @@
 #include "editor/command_advice.h"
 #include "editor/command_table.h"
 #include "editor/editor_state.h"
+#include "editor/lists/name_list.h"
 #include "editor/modes/modes.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <string_view>
 
 namespace polyfab {
@@ -43,13 +45,8 @@ const char* presentChapter() {
     return row != std::end(chapters) ? row->chapter : "moving-resizing-rotating-and-twisting";
 }
 
-struct KeyRow {
-    const char* keys;
-    const char* does;
-};
-
 /// What the mouse and the keys do in every mode.
-constexpr KeyRow everywhere[] = {
+constexpr KeyWords everywhere[] = {
     {"wheel", "larger or smaller, about the mouse"},
     {"middle drag", "moves the picture; with Shift turns it"},
     {"Home", "fits everything in both panes"},
@@ -60,18 +57,12 @@ constexpr KeyRow everywhere[] = {
     {"right click", "opens a menu, in modes that have no other use for that button"},
 };
 
-constexpr KeyRow inLists[] = {
+constexpr KeyWords mouseInLists[] = {
     {"click", "picks an entry and closes the list"},
     {"Ctrl+click", "adds or takes away an entry"},
     {"Alt+click", "picks just that entry; the list stays open"},
     {"right click", "asks for a new name of a group or material"},
     {"Ctrl+drag", "moves a group to another place"},
-    {"A, C", "pick all, none"},
-    {"S", "counts selected faces only, or all again"},
-    {"N", "adds a new group or material"},
-    {"T", "gives the picked groups the chosen texture map number"},
-    {"wheel, Page Up, Page Down", "scroll"},
-    {"Escape, F1, F2, F3", "close the list"},
 };
 
 /// As a cell of a table.
@@ -84,11 +75,14 @@ std::string cell(std::string_view text) {
     return escaped + " |";
 }
 
-template <std::size_t count>
-std::string table(const char* heading, const KeyRow (&rows)[count]) {
-    std::string text = std::string("\n## ") + heading + "\n\n| key | what it does |\n|---|---|\n";
-    for (const KeyRow& row : rows) text += "|" + cell(row.keys) + cell(row.does) + "\n";
+std::string rows(std::span<const KeyWords> all) {
+    std::string text;
+    for (const KeyWords& row : all) text += "|" + cell(row.keys) + cell(row.does) + "\n";
     return text;
+}
+
+std::string heading(const char* where) {
+    return std::string("\n## ") + where + "\n\n| key | what it does |\n|---|---|\n";
 }
 
 } // namespace
@@ -104,8 +98,8 @@ std::string keySheet() {
         (isMode ? modes : commands) += "|" + cell(command.key) + cell(plainLabel(command.label))
                                        + cell(adviceOf(command.id)) + "\n";
     }
-    return commands + table("In every mode", everywhere) + modes
-           + table("In a list of names", inLists);
+    return commands + heading("In every mode") + rows(everywhere) + modes
+           + heading("In a list of names") + rows(mouseInLists) + rows(nameListKeys());
 }
 
 void openHelpHere() { platform().openHelp(presentChapter()); }

@@ -235,29 +235,42 @@ void takeCurrent(const List& list, int) {
 
 struct KeyRow {
     int code;
+    KeyWords words;
     void (*act)(const List& list, int code);
     const char* step = "";                    ///< what undo calls it, see useButtons
     bool (*used)(const List& list) = nullptr; ///< null: by every list
 };
 
 constexpr KeyRow keyRows[] = {
-    {key::escape, closeByKey},
-    {key::f1, closeByKey},
-    {key::f2, closeByKey},
-    {key::f3, closeByKey},
-    {key::pageUp, [](const List& list, int) { scroll(list, -listColumns); }},
-    {key::pageDown, [](const List& list, int) { scroll(list, listColumns); }},
-    {key::space, toggleCurrent},
-    {key::enter, takeCurrent},
-    {'A', [](const List& list, int) { pickAll(list, true); }},
-    {'C', [](const List& list, int) { pickAll(list, false); }},
-    {'N', addEntry, "new name", [](const List& list) { return list.add != nullptr; }},
-    {'S', toggleSelectedOnly},
-    {'T', setTextureNumbers, "set texture map number",
+    {key::escape, {"Escape", "closes the list"}, closeByKey},
+    {key::f1, {"F1", "closes the list"}, closeByKey},
+    {key::f2, {"F2", "closes the list"}, closeByKey},
+    {key::f3, {"F3", "closes the list"}, closeByKey},
+    {key::pageUp,
+     {"Page Up, wheel", "scrolls back"},
+     [](const List& list, int) { scroll(list, -listColumns); }},
+    {key::pageDown,
+     {"Page Down, wheel", "scrolls on"},
+     [](const List& list, int) { scroll(list, listColumns); }},
+    {key::space, {"Space", "picks the current entry, or no longer"}, toggleCurrent},
+    {key::enter, {"Enter", "picks just the current entry and closes the list"}, takeCurrent},
+    {'A', {"A", "picks all"}, [](const List& list, int) { pickAll(list, true); }},
+    {'C', {"C", "picks none"}, [](const List& list, int) { pickAll(list, false); }},
+    {'N',
+     {"N", "adds a new group or material"},
+     addEntry,
+     "new name",
+     [](const List& list) { return list.add != nullptr; }},
+    {'S', {"S", "counts selected faces only, or all again"}, toggleSelectedOnly},
+    {'T',
+     {"T", "gives the picked groups the chosen texture map number"},
+     setTextureNumbers,
+     "set texture map number",
      [](const List& list) { return list.texturesShow; }},
 };
 
-constexpr KeyRow jumpRow = {0, jump};
+constexpr KeyRow jumpRow = {
+    0, {"other letters and digits, each with Shift", "go to a name that begins so"}, jump};
 
 /// What the key does in the list; null: nothing. Letters that have no use of their own there, and
 /// all of them with Shift, go to a name.
@@ -343,6 +356,13 @@ constexpr Route routes[] = {
 };
 
 } // namespace
+
+std::vector<KeyWords> nameListKeys() {
+    std::vector<KeyWords> all;
+    for (const KeyRow& row : keyRows) all.push_back(row.words);
+    all.push_back(jumpRow.words);
+    return all;
+}
 
 void openNameList() {
     const NameListState before = nameList;

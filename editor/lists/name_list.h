@@ -6,8 +6,18 @@
 #include "platform/platform.h"
 
 #include <string>
+#include <vector>
 
 namespace polyfab {
+
+/// A key, or what else the user does, and what comes of it.
+struct KeyWords {
+    const char* keys;
+    const char* does;
+};
+
+/// What the keys do in a list.
+[[nodiscard]] std::vector<KeyWords> nameListKeys();
 
 /// Starts the list of the open sub-view at its first column.
 void openNameList();
