@@ -16,9 +16,17 @@ class StatusBar : public QStatusBar {
     void tell(const StatusLine& line);
     void tellLeft(const std::string& text);
     /// What it says now.
-    StatusLine line() const;
+    StatusLine line() const { return said; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    /// Shows of both texts what there is room for, at least half of the line for the right one;
+    /// what is cut ends in dots and stands whole in the tooltip.
+    void fit();
+
+    StatusLine said;
     QLabel left, right;
 };
 
