@@ -64,7 +64,7 @@ constexpr Row rows[] = {
     {389, Needs::selectedFace},
     {386, Needs::selectedFace, When::altered, "removed the normals from the {selected}"},
     {388, Needs::selectedFace, When::altered, "removed the texture map info from the {selected}"},
-    {2038, Needs::selectedFace, When::altered, "moved, scaled and rotated the {selected}"},
+    {2038, Needs::selectedFace},
     {409, Needs::selectedFace, When::altered, "mirrored the {selected}"},
     {413, Needs::selectedFace, When::altered, "changed the sign in the {selected}"},
     {1055, Needs::selectedFace, When::altered, "swopped y and z of the {selected}"},

@@ -17,6 +17,11 @@ void note(const std::string& text) {
     told += (told.empty() ? "" : "; ") + text;
 }
 
+void noteInTitle(const std::string& text) {
+    platform().setTitle(text);
+    note(text);
+}
+
 const std::string& notes() { return told; }
 
 void forgetNotes() { told.clear(); }

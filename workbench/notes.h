@@ -11,6 +11,9 @@ namespace polyfab {
 /// command stand there one after the other.
 void note(const std::string& text);
 
+/// The same, and in the title as well.
+void noteInTitle(const std::string& text);
+
 /// What was noted since the last forgetNotes; "": nothing.
 [[nodiscard]] const std::string& notes();
 void forgetNotes();

@@ -10,11 +10,15 @@
 #include "mesh/face_angle.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 #include "workbench/state.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
+#include <string>
 
 namespace polyfab {
 namespace {
@@ -78,6 +82,26 @@ AffineMap mapOf(const double (&numbers)[9], const Vec3& pivot) {
     return map;
 }
 
+struct Act {
+    const char* did;
+    std::size_t first; ///< of its three texts
+    double nothing;    ///< the number that changes nothing
+};
+
+constexpr Act acts[] = {{"scaled by", 3, 1}, {"rotated by", 6, 0}, {"moved by", 0, 0}};
+
+/// "scaled by 2, 1, 1 - moved by 0, 0, 5", in the order in which it was done.
+std::string told(const TransformTexts& texts, const double (&numbers)[9]) {
+    std::string all;
+    for (const Act& act : acts) {
+        const double* const own = numbers + act.first;
+        if (std::all_of(own, own + 3, [&](double each) { return each == act.nothing; })) continue;
+        all += (all.empty() ? "" : " - ") + std::string(act.did) + " " + texts[act.first] + ", "
+               + texts[act.first + 1] + ", " + texts[act.first + 2];
+    }
+    return all.empty() ? "nothing was changed" : all;
+}
+
 } // namespace
 
 void transformBy() {
@@ -87,7 +111,7 @@ void transformBy() {
     for (const Pivot& pivot : pivots) {
         if (texts[9] != pivot.answer) continue;
         transformSelected(*OB, mapOf(numbers, pivot.place()));
-        return;
+        return note(told(texts, numbers));
     }
     refuse("about what? b, o or 1");
 }

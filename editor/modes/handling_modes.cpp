@@ -11,6 +11,7 @@
 #include "mesh/join_faces.h"
 #include "mesh/stale.h"
 #include "mesh/weld_pair.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -57,8 +58,8 @@ class GripDrag : public PointDrag {
 std::optional<Side> neighbour(const Side& side) {
     const std::vector<Side> others = otherSides(*OB, side);
     if (others.size() == 1) return others.front();
-    platform().setTitle(others.empty() ? "there is no adjacent face on this edge"
-                                       : "there is more than one adjacent face on this edge");
+    noteInTitle(others.empty() ? "there is no adjacent face on this edge"
+                               : "there is more than one adjacent face on this edge");
     return std::nullopt;
 }
 
@@ -70,7 +71,7 @@ void deleteCurrentEdge() {
     const auto other = neighbour(side);
     if (!other) return;
     if (const char* const refused = joinFaces(*OB, side, *other)) {
-        platform().setTitle(refused);
+        noteInTitle(refused);
         return;
     }
     forgetCurrentEdge();
@@ -90,7 +91,7 @@ bool weldAt(const Event& event) {
     dropNewFace();       // of which this may be a corner
     stale.edges = true;
     drags.step = "weld two vertexes";
-    platform().setTitle("welded onto vertex " + std::to_string(onto + 1));
+    noteInTitle("welded onto vertex " + std::to_string(onto + 1));
     return true;
 }
 
@@ -170,11 +171,11 @@ std::unique_ptr<Drag> pressGroup(const Event& press) {
         if (face.g != OB->curgroup) OB->changed = 1;
         face.g = OB->curgroup;
         drags.step = "put face into group";
-        platform().setTitle("face " + std::to_string(index + 1) + " is now in group "
-                            + OB->currentGroupName());
+        noteInTitle("face " + std::to_string(index + 1) + " is now in group "
+                    + OB->currentGroupName());
     } else {
         OB->curgroup = face.g;
-        platform().setTitle("current group " + std::string(OB->currentGroupName()));
+        noteInTitle("current group " + std::string(OB->currentGroupName()));
     }
     stale.picture = true;
     return nullptr;

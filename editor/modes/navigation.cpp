@@ -5,6 +5,7 @@
 #include "display/look.h"
 #include "display/picking.h"
 #include "editor/modes/view_drag.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -67,7 +68,7 @@ bool navigateByKey(int code) {
         fitView(*OB);
         fitBox(*OB, false);
     } else if (!fitViewToSelected(*OB)) {
-        platform().setTitle("no face is selected");
+        noteInTitle("no face is selected");
     }
     return true;
 }

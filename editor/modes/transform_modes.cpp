@@ -95,7 +95,7 @@ std::unique_ptr<Drag> dragFaces(const Event& press, const AffineMap& axes, Follo
                                 FacesDrag::Words words) {
     const Extent extent = extentOfFaces(*OB, axes, true);
     if (extent.empty()) {
-        platform().setTitle("no face is selected");
+        noteInTitle("no face is selected");
         return nullptr;
     }
     const Frame frame{axes, inverseOf(axes)(extent.middle())};
@@ -153,7 +153,7 @@ double shareInBox(const Vec3& p, int axis) {
 
 std::unique_ptr<Drag> twist(const Event& press, int axis) {
     if (along(box.left, axis) == along(box.right, axis)) {
-        platform().setTitle("the box has no extent along this axis");
+        noteInTitle("the box has no extent along this axis");
         return nullptr;
     }
     return dragFaces(press, screenAxes(),

@@ -237,7 +237,7 @@ TEST_F(Undo, AStepIsNamedByTheActWhichTellsHowFarItMovedWhat) {
         const char *label, *told;
     } rows[] = {
         {353, {155, 355}, {175, 355}, false, "move vertex", " by 0.2 in x, 0 in y, 0 in z"},
-        {353, {155, 355}, {355, 355}, true, "weld two vertexes", ""},
+        {353, {155, 355}, {355, 355}, true, "weld two vertexes", "welded onto vertex "},
         {348, {255, 355}, {255, 375}, false, "move edge", "moved the edge by 0 in x, -0.2 in y, "},
         {349, {255, 255}, {255, 255}, false, "pick face", ""},
         {349, {155, 355}, {355, 155}, false, "split face", ""},
