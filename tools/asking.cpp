@@ -35,4 +35,14 @@ bool askWithin(const std::string& question, const std::string& defaultAnswer, do
     return !prompts.cancelled && isWithin(number, least, most);
 }
 
+bool askCount(const std::string& question, const std::string& defaultAnswer, int most,
+              int& number) {
+    double answer = 0;
+    if (!askWithin(question, defaultAnswer, 1, most, answer)) return false;
+    number = static_cast<int>(answer);
+    if (number == answer) return true;
+    platform().message("", "I need a whole number", Icon::exclamation);
+    return false;
+}
+
 } // namespace polyfab

@@ -16,6 +16,10 @@ namespace polyfab {
 [[nodiscard]] bool askWithin(const std::string& question, const std::string& defaultAnswer,
                              double least, double most, double& number);
 
+/// The same for a whole number from 1 on.
+[[nodiscard]] bool askCount(const std::string& question, const std::string& defaultAnswer, int most,
+                            int& number);
+
 /// Whether the number lies in the range; otherwise a box says so.
 [[nodiscard]] bool isWithin(double number, double least, double most);
 
