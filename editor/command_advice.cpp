@@ -68,6 +68,8 @@ constexpr AdviceRow rows[] = {
     {1082, "tells the world coordinates that the corners of the box lie between"},
     {1067, "unselects all faces that lie on the same points as another selected one"},
     {1070, "brings the world's origin into the middles of both panes"},
+    {1037, "counts points, faces, loose, bad and over-used edges, holes and parts, and tells area "
+           "and volume"},
     {280, "turns faces over until all agree with the current face, which comes to run "
           "anticlockwise in the left pane"},
     {290, "selects every face"},

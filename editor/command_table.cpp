@@ -33,6 +33,7 @@
 #include "tools/duplicate.h"
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
+#include "tools/mesh_facts.h"
 #include "tools/name_commands.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
@@ -226,7 +227,7 @@ constexpr auto table = std::to_array<Command>({
           onMesh<unselectFacesOnSamePoints>}),
     {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
     {1085, tools, "noise", later},
-    {1037, tools, "special", later},
+    slow({1037, tools, "special", onMesh<tellFacts>}),
 
     {1048, graphs, "start &editing the graphs", later},
     {1041, graphs, "&help about graphs", later},
