@@ -98,6 +98,9 @@ constexpr AdviceRow rows[] = {
     {360, "finds edges that two faces run the same way, and shows them"},
     {284, "forgets which face is current"},
     {396, "forgets which edge is current"},
+    {1035, "fills the hole at the current edge or vertex with faces that turn the way those around "
+           "it do"},
+    {1052, "fills the holes between selected faces of at most a number of edges"},
     {397, "turns the selected faces over"},
     {1066, "unselects all faces of fewer than five corners"},
     {1088, "unselects all faces that have an area, so that those without one are left"},

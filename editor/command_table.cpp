@@ -31,6 +31,7 @@
 #include "tools/detriangularize.h"
 #include "tools/distance.h"
 #include "tools/duplicate.h"
+#include "tools/fill_holes.h"
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
 #include "tools/mesh_facts.h"
@@ -284,8 +285,8 @@ constexpr auto table = std::to_array<Command>({
     {406, facesMenu, "split selected faces at intervals in the box's x range: &2", later},
     {407, facesMenu, "split selected faces at intervals in the box's y range: &3", later},
     {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
-    {1035, facesMenu, "insert faces to fill a &hole", later},
-    slow({1052, facesMenu, "insert faces to fill all holes: &8", later}),
+    stoppable({1035, facesMenu, "insert faces to fill a &hole", onMesh<fillHole>}),
+    stoppable({1052, facesMenu, "insert faces to fill all holes: &8", onMesh<fillHoles>}),
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
     selecting({1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
                unselectSmallFaces}),

@@ -58,7 +58,6 @@ surface 12 14 quad shared >"$scratch/quads.obj"
 surface 12 14 quad shared 0.25 >"$scratch/rough.obj"
 printf '%s\n' 'v -1 -.9 .1' 'v -.2 -1 .3' 'v .8 -.8 .4' 'v 1 0 .2' 'v .7 .8 0' 'v -.1 1 -.2' 'v -.9 .5 -.2' \
     'f 1 2 3 4 5 6 7' >"$scratch/polygon.obj"
-
 patch="--command 291 --command 378 --mouse 140,140,left --mouse 140,140 --command 358"
 
 picture weld "$scratch/apart.obj" "--command 323" -- --command 390 --default
@@ -66,6 +65,8 @@ picture weld-by-edges "$scratch/rough.obj" "" -- --command 317 --answer .22
 picture detriangularize "$scratch/triangles.obj" "" -- --command 268 --answer 30
 picture triangularize "$scratch/quads.obj" "" -- --command 274
 picture break-up "$scratch/polygon.obj" "" -- --command 344
+picture fill-holes "$scratch/quads.obj" "$patch --command 299 --answer yes --command 290" -- \
+    --command 1052 --answer 40
 picture thicken "$scratch/quads.obj" "$patch" -- \
     --command 372 --answer .3 --answer .1 --answer 30 --answer no --answer cancel
 picture smoothing "$scratch/rough.obj" "" -- --command 371 --command 371 --command 371
