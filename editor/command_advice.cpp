@@ -98,6 +98,16 @@ constexpr AdviceRow rows[] = {
     {360, "finds edges that two faces run the same way, and shows them"},
     {284, "forgets which face is current"},
     {396, "forgets which edge is current"},
+    {403, "splits the selected faces in the plane of the larger cut-off in x; an edge that is cut "
+          "gets one point for all its faces"},
+    {404, "splits the selected faces in the plane of the larger cut-off in y"},
+    {405, "splits the selected faces in the plane of the larger cut-off in z"},
+    {406, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "x"},
+    {407, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "y"},
+    {408, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "z"},
     {1035, "fills the hole at the current edge or vertex with faces that turn the way those around "
            "it do"},
     {1052, "fills the holes between selected faces of at most a number of edges"},

@@ -8,6 +8,7 @@
 #include "editor/commands/make.h"
 #include "editor/commands/recent.h"
 #include "editor/commands/selection.h"
+#include "editor/commands/split_by_box.h"
 #include "editor/commands/transform_by.h"
 #include "editor/commands/view.h"
 #include "editor/commands/volume.h"
@@ -279,12 +280,18 @@ constexpr auto table = std::to_array<Command>({
     {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
     {284, facesMenu, "set to `n&o current face'", setNoCurrentFace},
     {396, facesMenu, "set to `no &curren&t edge'", setNoCurrentEdge},
-    {403, facesMenu, "split selected faces along the box's maximum &x", later},
-    {404, facesMenu, "split selected faces along the box's maximum &y", later},
-    {405, facesMenu, "split selected faces along the box's maximum z: &1", later},
-    {406, facesMenu, "split selected faces at intervals in the box's x range: &2", later},
-    {407, facesMenu, "split selected faces at intervals in the box's y range: &3", later},
-    {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
+    stoppable({403, facesMenu, "split selected faces along the box's maximum &x",
+               [] { splitAtBoxMaximum(0); }}),
+    stoppable({404, facesMenu, "split selected faces along the box's maximum &y",
+               [] { splitAtBoxMaximum(1); }}),
+    stoppable({405, facesMenu, "split selected faces along the box's maximum z: &1",
+               [] { splitAtBoxMaximum(2); }}),
+    stoppable({406, facesMenu, "split selected faces at intervals in the box's x range: &2",
+               [] { splitAtBoxIntervals(0); }}),
+    stoppable({407, facesMenu, "split selected faces at intervals in the box's y range: &3",
+               [] { splitAtBoxIntervals(1); }}),
+    stoppable({408, facesMenu, "split selected faces at intervals in the box's z range: &7",
+               [] { splitAtBoxIntervals(2); }}),
     stoppable({1035, facesMenu, "insert faces to fill a &hole", onMesh<fillHole>}),
     stoppable({1052, facesMenu, "insert faces to fill all holes: &8", onMesh<fillHoles>}),
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},

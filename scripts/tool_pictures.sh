@@ -65,6 +65,7 @@ picture weld-by-edges "$scratch/rough.obj" "" -- --command 317 --answer .22
 picture detriangularize "$scratch/triangles.obj" "" -- --command 268 --answer 30
 picture triangularize "$scratch/quads.obj" "" -- --command 274
 picture break-up "$scratch/polygon.obj" "" -- --command 344
+picture split-by-box "$scratch/quads.obj" "" -- --command 406 --answer 5 --command 407 --answer 5
 picture fill-holes "$scratch/quads.obj" "$patch --command 299 --answer yes --command 290" -- \
     --command 1052 --answer 40
 picture thicken "$scratch/quads.obj" "$patch" -- \
