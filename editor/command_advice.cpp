@@ -96,6 +96,9 @@ constexpr AdviceRow rows[] = {
     {344, "makes selected faces of five or more sides into quads, with a triangle where the "
           "number is odd"},
     {360, "finds edges that two faces run the same way, and shows them"},
+    {395, "cuts faces that bend inwards or are not flat into flat convex pieces, without new "
+          "points"},
+    {1056, "selects the faces that bend inwards, cross themselves or are not flat"},
     {284, "forgets which face is current"},
     {396, "forgets which edge is current"},
     {403, "splits the selected faces in the plane of the larger cut-off in x; an edge that is cut "

@@ -28,6 +28,7 @@
 #include "generators/maker.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "tools/bad_faces.h"
 #include "tools/delete_faces.h"
 #include "tools/detriangularize.h"
 #include "tools/distance.h"
@@ -276,8 +277,10 @@ constexpr auto table = std::to_array<Command>({
     slow({274, facesMenu, "trian&gularize", onMesh<triangularize>}),
     slow({344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>}),
     slow({360, facesMenu, "find and start showing bad &edges", findBadEdges}),
-    slow({395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later}),
-    {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
+    stoppable({395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces",
+               onMesh<splitBadFaces>}),
+    slow(
+        {1056, facesMenu, "select re-entrant or badly out-of-plane faces", onMesh<selectBadFaces>}),
     {284, facesMenu, "set to `n&o current face'", setNoCurrentFace},
     {396, facesMenu, "set to `no &curren&t edge'", setNoCurrentEdge},
     stoppable({403, facesMenu, "split selected faces along the box's maximum &x",

@@ -58,6 +58,13 @@ surface 12 14 quad shared >"$scratch/quads.obj"
 surface 12 14 quad shared 0.25 >"$scratch/rough.obj"
 printf '%s\n' 'v -1 -.9 .1' 'v -.2 -1 .3' 'v .8 -.8 .4' 'v 1 0 .2' 'v .7 .8 0' 'v -.1 1 -.2' 'v -.9 .5 -.2' \
     'f 1 2 3 4 5 6 7' >"$scratch/polygon.obj"
+# An L, a star, an arrow and a bent quad.
+printf '%s\n' 'v -1.9 -.9 0' 'v -.4 -.9 0' 'v -.4 -.4 0' 'v -1.3 -.4 0' 'v -1.3 .8 0' 'v -1.9 .8 0' \
+    'v .6 1 0' 'v .4 .3 .1' 'v -.4 .2 0' 'v .2 -.2 .1' 'v 0 -.9 0' 'v .6 -.4 .1' 'v 1.2 -.9 0' \
+    'v 1 -.2 .1' 'v 1.6 .2 0' 'v .8 .3 .1' 'v -1 .1 0' 'v -.2 .7 0' 'v -1 1 0' 'v -.7 .7 0' \
+    'v 1.5 -.9 0' 'v 2.3 -.8 .5' 'v 2.4 .1 0' 'v 1.7 0 .6' \
+    'f 1 2 3 4 5 6' 'f 16 15 14 13 12 11 10 9 8 7' 'f 17 18 19 20' 'f 21 22 23 24' >"$scratch/bad.obj"
+
 patch="--command 291 --command 378 --mouse 140,140,left --mouse 140,140 --command 358"
 
 picture weld "$scratch/apart.obj" "--command 323" -- --command 390 --default
@@ -65,6 +72,7 @@ picture weld-by-edges "$scratch/rough.obj" "" -- --command 317 --answer .22
 picture detriangularize "$scratch/triangles.obj" "" -- --command 268 --answer 30
 picture triangularize "$scratch/quads.obj" "" -- --command 274
 picture break-up "$scratch/polygon.obj" "" -- --command 344
+picture split-bad "$scratch/bad.obj" "" -- --command 395 --default
 picture split-by-box "$scratch/quads.obj" "" -- --command 406 --answer 5 --command 407 --answer 5
 picture fill-holes "$scratch/quads.obj" "$patch --command 299 --answer yes --command 290" -- \
     --command 1052 --answer 40
