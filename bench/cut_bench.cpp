@@ -10,6 +10,7 @@
 #include "tools/fill_holes.h"
 #include "tools/mesh_facts.h"
 #include "tools/split_by_planes.h"
+#include "tools/thin_out.h"
 
 #include <cmath>
 #include <cstdint>
@@ -104,6 +105,7 @@ int main(int argc, char** argv) {
     bench::addGrowth("split_once", run<bench::buildGridMesh, splitOnce>, n);
     bench::addGrowth("split_at_11_planes", run<bench::buildGridMesh, splitOften>, n);
     bench::addGrowth("split_bad", run<buildStars, polyfab::splitBadFaces>, 10'000);
+    bench::addGrowth("thin_to_a_half", run<bench::buildGridMesh, polyfab::thinOut>, n);
     bench::addGrowth("facts", run<bench::buildGridMesh, tellFacts>, n);
     return bench::runGrowth(argc, argv);
 }

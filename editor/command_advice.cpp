@@ -122,6 +122,8 @@ constexpr AdviceRow rows[] = {
     {269, "joins close points on edges that only one face has: closes seams and leaves the rest "
           "alone"},
     {317, "shrinks short edges of the selected faces to their middles until none is left"},
+    {329, "makes fewer of the selected faces, in nearly the same shape; borders, seams and creases "
+          "stay"},
     {370, "gives surfaces that only meet at a point a point each"},
     {393, "gives the selected faces points of their own where they share some with unselected "
           "ones"},

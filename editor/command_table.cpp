@@ -44,6 +44,7 @@
 #include "tools/separate_glued.h"
 #include "tools/smooth.h"
 #include "tools/thicken.h"
+#include "tools/thin_out.h"
 #include "tools/triangularize.h"
 #include "tools/unweld.h"
 #include "tools/weld_edges.h"
@@ -311,7 +312,7 @@ constexpr auto table = std::to_array<Command>({
                [] { weldclose(*OB, false); }}),
     stoppable(
         {317, vertexes, "w&eld all very close points, by edges and repeat", onMesh<weldedges>}),
-    slow({329, vertexes, "&thin out the faces", later}),
+    stoppable({329, vertexes, "&thin out the faces", onMesh<thinOut>}),
     slow({370, vertexes, "separate surfaces that are &glued at one point",
           onMesh<separateGluedSurfaces>}),
     slow({393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>}),

@@ -76,6 +76,7 @@ picture split-bad "$scratch/bad.obj" "" -- --command 395 --default
 picture split-by-box "$scratch/quads.obj" "" -- --command 406 --answer 5 --command 407 --answer 5
 picture fill-holes "$scratch/quads.obj" "$patch --command 299 --answer yes --command 290" -- \
     --command 1052 --answer 40
+picture thin-out samples/shell.obj "" -- --command 329 --answer 30 --answer 0
 picture thicken "$scratch/quads.obj" "$patch" -- \
     --command 372 --answer .3 --answer .1 --answer 30 --answer no --answer cancel
 picture smoothing "$scratch/rough.obj" "" -- --command 371 --command 371 --command 371

@@ -2,11 +2,11 @@
 #include "tools/fill_holes.h"
 
 #include "mesh/faces.h"
-#include "mesh/hash_slots.h"
 #include "mesh/table.h"
 #include "platform/platform.h"
 #include "tools/asking.h"
 #include "tools/edge_cuts.h"
+#include "tools/edge_set.h"
 #include "tools/flat_polygon.h"
 #include "tools/hole_patch.h"
 #include "tools/hole_rims.h"
@@ -24,36 +24,6 @@
 
 namespace polyfab {
 namespace {
-
-/// Edges between points of rims, found by their ends.
-class EdgeSet {
-  public:
-    [[nodiscard]] bool has(std::int32_t a, std::int32_t b) {
-        return !edges.empty() && slotOf(a, b) != HashSlots::empty;
-    }
-    void add(std::int32_t a, std::int32_t b) {
-        if (slots.isFullWith(edges.size() + 1)) {
-            slots.reset(std::max<std::size_t>(1024, 4 * edges.size()));
-            for (std::size_t i = 0; i < edges.size(); ++i) {
-                slotOf(edges[i].first, edges[i].second) = static_cast<std::int32_t>(i);
-            }
-        }
-        std::int32_t& slot = slotOf(a, b);
-        if (slot != HashSlots::empty) return;
-        slot = static_cast<std::int32_t>(edges.size());
-        edges.emplace_back(std::minmax(a, b));
-    }
-
-  private:
-    std::int32_t& slotOf(std::int32_t a, std::int32_t b) {
-        const std::pair<std::int32_t, std::int32_t> wanted = std::minmax(a, b);
-        return slots.find(hashOfNumbers(wanted.first, wanted.second), [&](std::int32_t i) {
-            return edges[static_cast<std::size_t>(i)] == wanted;
-        });
-    }
-    HashSlots slots;
-    std::vector<std::pair<std::int32_t, std::int32_t>> edges;
-};
 
 /// What occurs most often; of several the least.
 template <typename Member>
@@ -182,7 +152,7 @@ class HoleFiller {
 
     Mesh& mesh;
     MeshDraft draft;
-    EdgeSet taken;
+    EdgeSet taken;                    ///< edges between points of rims
     std::vector<std::int32_t> points; ///< of the rim that is being filled
     std::vector<Vec3> places;
     std::vector<DraftCorner> corners;
