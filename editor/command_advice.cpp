@@ -40,6 +40,7 @@ constexpr AdviceRow rows[] = {
     {2002, "writes the format that the suffix names, such as .stl, .ply, .gltf or .fbx"},
     {260, "puts the numbers of points, faces and selected points, the current face and the "
           "current vertex into the title"},
+    {261, "puts the selected faces into groups named after the colours of their materials"},
     {267, "tidies every face and drops deleted faces and all that no face uses"},
     {271, "the rotate modes turn about the screen's axes; otherwise about the object's own"},
     {297, "the rotate modes turn the view"},
@@ -68,6 +69,7 @@ constexpr AdviceRow rows[] = {
     {1082, "tells the world coordinates that the corners of the box lie between"},
     {1067, "unselects all faces that lie on the same points as another selected one"},
     {1070, "brings the world's origin into the middles of both panes"},
+    {1085, "moves each point of the selected faces once, anywhere within a distance"},
     {1037, "counts points, faces, loose, bad and over-used edges, holes and parts, and tells area "
            "and volume"},
     {280, "turns faces over until all agree with the current face, which comes to run "

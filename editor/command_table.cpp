@@ -29,6 +29,7 @@
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "tools/bad_faces.h"
+#include "tools/color_groups.h"
 #include "tools/delete_faces.h"
 #include "tools/detriangularize.h"
 #include "tools/distance.h"
@@ -39,6 +40,7 @@
 #include "tools/mesh_facts.h"
 #include "tools/name_commands.h"
 #include "tools/names_from_numbers.h"
+#include "tools/noise.h"
 #include "tools/same_corners.h"
 #include "tools/select_faces.h"
 #include "tools/separate_glued.h"
@@ -196,7 +198,7 @@ constexpr auto table = std::to_array<Command>({
     {1049, mode, "go to s&cale-by-graphs mode", later},
 
     {260, tools, "&info", showInfo},
-    {261, tools, "color&sep", later},
+    {261, tools, "color&sep", onMesh<groupByColor>},
     {267, tools, "collect &garbage", collectGarbageNow},
     {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
      rotationComesAfter},
@@ -230,7 +232,7 @@ constexpr auto table = std::to_array<Command>({
     slow({1067, tools, "unselect all selected duplicated faces: &0",
           onMesh<unselectFacesOnSamePoints>}),
     {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
-    {1085, tools, "noise", later},
+    {1085, tools, "noise", onMesh<addNoise>},
     slow({1037, tools, "special", onMesh<tellFacts>}),
 
     {1048, graphs, "start &editing the graphs", later},
