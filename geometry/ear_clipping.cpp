@@ -15,7 +15,8 @@ namespace {
 
 /// The least box around some points.
 struct Bounds {
-    double left = INFINITY, right = -INFINITY, low = INFINITY, high = -INFINITY;
+    static constexpr double none = INFINITY;
+    double left = none, right = -none, low = none, high = -none;
 
     void add(const Vec2& p) {
         left = std::min(left, p.x);

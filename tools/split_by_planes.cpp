@@ -75,18 +75,9 @@ class PlaneSplitter {
     }
 
     [[nodiscard]] double extent() const {
-        Vec3 low{INFINITY, INFINITY, INFINITY}, high{-INFINITY, -INFINITY, -INFINITY};
-        for (const Face& face : FacesThat<const Face, isSplittable>(mesh)) {
-            for (const FaceCorner& corner : corners(face)) {
-                for (int axis = 0; axis < 3; ++axis) {
-                    const double at = polyfab::along(worldPosition(*corner.p), axis);
-                    along(low, axis) = std::min(along(low, axis), at);
-                    along(high, axis) = std::max(along(high, axis), at);
-                }
-            }
-        }
-        const double size = largestPart(high - low) * largestPart(planes.normal);
-        return std::isfinite(size) ? size : 0;
+        const Extent faces = extentOfFaces(mesh, AffineMap(), true);
+        const double size = largestPart(faces.high - faces.low) * largestPart(planes.normal);
+        return std::isfinite(size) && !faces.empty() ? size : 0;
     }
 
     [[nodiscard]] std::int32_t slabOf(double height, double slack) const {

@@ -209,18 +209,10 @@ void ThinSurface::addTriangle(const Face& face, const std::array<std::int32_t, 3
 }
 
 void ThinSurface::placePoints() {
-    Vec3 low{INFINITY, INFINITY, INFINITY}, high{-INFINITY, -INFINITY, -INFINITY};
-    for (std::int32_t i = 0; i < mesh.np; ++i) {
-        if (firstCorner[i] < 0) continue;
-        const Vec3 at = worldPosition(mesh.points[i]);
-        for (int axis = 0; axis < 3; ++axis) {
-            along(low, axis) = std::min(along(low, axis), along(at, axis));
-            along(high, axis) = std::max(along(high, axis), along(at, axis));
-        }
-    }
     if (triangles == 0) return;
-    middle = Extent{low, high}.middle();
-    const double extent = largestPart(high - low);
+    const Extent faces = extentOfFaces(mesh, AffineMap(), true);
+    middle = faces.middle();
+    const double extent = largestPart(faces.high - faces.low);
     scale = extent > 0 ? extent : 1;
     for (std::int32_t i = 0; i < mesh.np; ++i) {
         if (firstCorner[i] < 0) continue;
