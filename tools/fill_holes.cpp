@@ -137,7 +137,7 @@ class HoleFiller {
                 corners.push_back({pointOfCorner(corner), -1, -1, 2});
             }
             draft.addFace(attributes, corners);
-            for (const int k : {0, 1, 2}) taken.add(corners[k].p, corners[(k + 1) % 3].p);
+            for (std::size_t k = 0; k < 3; ++k) taken.add(corners[k].p, corners[(k + 1) % 3].p);
         }
         return !triangles.empty();
     }

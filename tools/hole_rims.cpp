@@ -22,23 +22,28 @@ struct Loose {
     bool used = false;
 };
 
+constexpr std::int32_t mostCompared = 64; ///< ways on from one point, to find the right one
+
 class RimWalk {
   public:
     RimWalk(const Mesh& walked, std::vector<Loose>& found, Rims& result)
-        : mesh(walked), loose(found), rims(result), first(walked.np + std::int64_t{1}, 0),
-          onWay(walked.np, -1), into(walked.np, 0) {}
+        : mesh(walked), loose(found), rims(result), first(walked.np), ends(walked.np, 0),
+          onWay(walked.np, -1), surplus(walked.np, 0) {}
 
     bool walkAll() {
-        if (!first || !onWay || !into) return false;
+        if (!first || !ends || !onWay || !surplus) return false;
         std::sort(loose.begin(), loose.end(),
                   [](const Loose& a, const Loose& b) { return a.from < b.from; });
-        for (const Loose& side : loose) ++first[side.from + 1], ++into[side.to];
-        for (std::int32_t i = 0; i < mesh.np; ++i) first[i + 1] += first[i];
+        for (const Loose& side : loose) ++ends[side.from], ++surplus[side.from], --surplus[side.to];
+        std::int32_t start = 0;
+        for (std::int32_t i = 0; i < mesh.np; ++i) {
+            first[i] = start;
+            ends[i] = start += ends[i];
+        }
         // Ways that can't be closed are walked from where they begin.
         for (const bool fromBeginnings : {true, false}) {
             for (std::size_t i = 0; i < loose.size(); ++i) {
-                const std::int32_t at = loose[i].from;
-                if (!fromBeginnings || into[at] < first[at + 1] - first[at]) walk(i);
+                if (!fromBeginnings || surplus[loose[i].from] > 0) walk(i);
             }
         }
         return true;
@@ -72,20 +77,23 @@ class RimWalk {
 
     /// The side from this point that comes first when one turns from the way back into the hole,
     /// which lies to the right of the side before.
-    [[nodiscard]] std::size_t nextSide(std::int32_t point, std::size_t before) const {
+    std::size_t nextSide(std::int32_t point, std::size_t before) {
+        // Used ones at the front are not looked at again.
+        while (first[point] < ends[point] && loose[at(first[point])].used) ++first[point];
+        const bool choose = ends[point] - first[point] <= mostCompared;
         std::size_t best = loose.size();
-        double least = 0;
-        for (auto i = first[point]; i < first[point + 1]; ++i) {
-            const auto number = static_cast<std::size_t>(i);
-            if (loose[number].used) continue;
-            const bool alone = first[point + 1] - first[point] == 1;
-            const double turn = alone ? 0 : turnTo(loose[number], loose[before]);
+        double least = INFINITY;
+        for (std::int32_t i = first[point]; i < ends[point]; ++i) {
+            if (loose[at(i)].used) continue;
+            const double turn = choose ? turnTo(loose[at(i)], loose[before]) : 0;
             if (best != loose.size() && !(turn < least)) continue;
-            best = number;
+            best = at(i);
             least = turn;
+            if (!choose) break;
         }
         return best;
     }
+    static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
 
     [[nodiscard]] double turnTo(const Loose& side, const Loose& before) const {
         const auto place = [&](std::int32_t i) { return worldPosition(mesh.points[i]); };
@@ -99,9 +107,10 @@ class RimWalk {
     const Mesh& mesh;
     std::vector<Loose>& loose;
     Rims& rims;
-    Table<std::int32_t> first; ///< of each point: the first loose side from there
+    Table<std::int32_t> first; ///< of each point: the first loose side from there not known as used
+    Table<std::int32_t> ends;  ///< of each point: behind the last one
     Table<std::int32_t> onWay; ///< of each point: where the way passed it, -1: it did not
-    Table<std::int32_t> into;  ///< of each point: loose sides that end there
+    Table<std::int32_t> surplus; ///< of each point: loose sides from there, less those to there
     std::vector<std::size_t> way;
 };
 

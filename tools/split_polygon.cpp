@@ -113,11 +113,11 @@ class PolygonCutter {
         const double start = along(from), end = along(to);
         const auto first = piece.size();
         piece.push_back(polygon[from]);
-        for (const std::size_t i : line) {
-            const double here = along(i);
-            if (here > std::min(start, end) && here < std::max(start, end)) {
-                piece.push_back(polygon[i]);
-            }
+        const auto low =
+            std::upper_bound(line.begin(), line.end(), std::min(start, end),
+                             [&](double here, std::size_t i) { return here < along(i); });
+        for (auto i = low; i != line.end() && along(*i) < std::max(start, end); ++i) {
+            piece.push_back(polygon[*i]);
         }
         const auto place = [&](std::size_t i) {
             return piece.begin() + static_cast<std::ptrdiff_t>(i);

@@ -165,7 +165,7 @@ void thinOut(Mesh& mesh) {
         if (!ThinInstaller(mesh, surface, changed).install() || !collectForTool(mesh)) return;
     }
     std::string text = "there were " + counted(selected) + " faces; now there are " + counted(now)
-                       + reasonFor(end);
+                       + (surface.triangles > 0 ? reasonFor(end) : "");
     if (surface.facesLeftOut > 0) {
         text += "; I left out " + counted(surface.facesLeftOut, "face") + " that can't be cut up";
     }

@@ -23,6 +23,7 @@
 namespace polyfab {
 namespace {
 
+constexpr std::int32_t mostAround = 128; ///< triangles at a point, so that none is gone over often
 constexpr double lineWeight = 1;      ///< of the planes that hold feature lines, by squared length
 constexpr double spreadWeight = 1e-5; ///< decides where the surface is flat
 const double leastTurn = std::cos(78 * pi / 180);
@@ -61,10 +62,10 @@ class Thinner {
             Table<std::uint8_t>& changes)
         : surface(thinned), goal(wanted), faces(count), changed(changes),
           quadric(thinned.mesh.np, Quadric()), version(thinned.mesh.np, 0),
-          seen(thinned.mesh.np, 0), aliveOf(thinned.mesh.nf, 0), broken(thinned.mesh.nf, 0),
-          distance(thinned, wanted.farthest) {}
+          seen(thinned.mesh.np, 0), around(thinned.mesh.np, 0), aliveOf(thinned.mesh.nf, 0),
+          broken(thinned.mesh.nf, 0), distance(thinned, wanted.farthest) {}
     explicit operator bool() const {
-        return quadric && version && seen && aliveOf && broken && distance;
+        return quadric && version && seen && around && aliveOf && broken && distance;
     }
 
     ThinEnd work() {
@@ -107,6 +108,7 @@ class Thinner {
         const Vec3 normal = unit(twice), middle = (a + b + d) * (1.0 / 3);
         for (std::int32_t k = 0; k < 3; ++k) {
             Quadric& at = quadric[surface.pointAt(c + k)];
+            ++around[surface.pointAt(c + k)];
             at.addPlane(normal, a, area);
             at.addPlace(middle, area * spreadWeight);
         }
@@ -139,7 +141,7 @@ class Thinner {
     std::optional<Move> moveFor(std::int32_t a, std::int32_t b) {
         if (surface.kind[a] > surface.kind[b]) std::swap(a, b);
         const ThinKind gone = surface.kind[a], stays = surface.kind[b];
-        if (gone == ThinKind::fixed) return std::nullopt;
+        if (gone == ThinKind::fixed || around[a] + around[b] > mostAround) return std::nullopt;
         Quadric sum = quadric[a];
         sum.add(quadric[b]);
         const Vec3 from = surface.place[a], to = surface.place[b];
@@ -326,9 +328,9 @@ class Thinner {
         distance.accept();
         handOver(move);
         ++shrunk;
-        eachNeighbour(move.stays, [&](std::int32_t other) { around.push_back(other); });
-        for (const std::int32_t other : around) enter(move.stays, other);
-        around.clear();
+        eachNeighbour(move.stays, [&](std::int32_t other) { neighbours.push_back(other); });
+        for (const std::int32_t other : neighbours) enter(move.stays, other);
+        neighbours.clear();
     }
 
     /// Gives the corners, the lines and the quadric of one end to the other.
@@ -353,6 +355,7 @@ class Thinner {
             surface.firstCorner[move.stays] = surface.firstCorner[move.gone];
         }
         surface.firstCorner[move.gone] = -1;
+        around[move.stays] += around[move.gone];
         quadric[move.stays].add(quadric[move.gone]);
         if (squaredDistance(surface.place[move.stays], move.to) > 0) surface.moved[move.stays] = 1;
         surface.place[move.stays] = move.to;
@@ -370,7 +373,10 @@ class Thinner {
         touch(triangle);
         --aliveOf[surface.owner[triangle]];
         --faces;
-        for (std::int32_t k = 0; k < 3; ++k) surface.corner[3 * triangle + k].p = -1;
+        for (std::int32_t c = 3 * triangle; c < 3 * triangle + 3; ++c) {
+            --around[surface.pointAt(c)];
+            surface.corner[c].p = -1;
+        }
     }
 
     void findRecords(const Move& move, const Sides2& sides, bool isFree) {
@@ -485,11 +491,12 @@ class Thinner {
     Table<Quadric> quadric;       ///< of each point
     Table<std::uint32_t> version; ///< of each point: how often it changed
     Table<std::uint32_t> seen;    ///< of each point: the tick at which it was passed last
+    Table<std::int32_t> around;   ///< triangles at each point
     Table<std::int32_t> aliveOf;  ///< triangles of each face
     Table<std::uint8_t> broken;   ///< of each face: whether one of its triangles changed
     ThinDistance distance;
     BucketQueue<Candidate> waiting;
-    std::vector<std::int32_t> around;
+    std::vector<std::int32_t> neighbours;
     struct {
         Record texture[2], normal[2];
     } records{};

@@ -56,9 +56,18 @@ TEST_F(Holes, OfACubeAreFilledWithTheFaceThatIsMissing) {
     OB->faces[6].q = nullptr;
     OB->faces[5].selected = 0;
     EXPECT_EQ(fillAll("0"), "note|0 holes filled, 0 left");
-    OB->curvertex = 1;
     fillHole(*OB);
-    EXPECT_EQ(shown.log.back(), "note|1 hole filled, 0 left");
+    EXPECT_EQ(shown.log.back(), "message||click a loose edge of the hole first");
+    // Side 3 of face 0 is that to the missing face, or its points are.
+    OB->curvertex = indexIn(OB->points, OB->corners[3].p);
+    for (const int edge : {3, 0, -1}) {
+        workbench.currentEdgeFace = edge < 0 ? -1 : 0;
+        workbench.currentEdgeCorner = edge;
+        fillHole(*OB);
+        EXPECT_EQ(shown.log.back(), "note|1 hole filled, 0 left") << edge;
+        EXPECT_EQ(facts().genus, 0);
+        OB->faces[OB->nf - 1].q = nullptr;
+    }
 }
 
 TEST_F(Holes, OfRandomShapeLeaveNothingLooseThatIsNotTold) {
