@@ -33,17 +33,6 @@ struct Quadric {
         weight += w;
     }
 
-    /// The squared distance to the place itself. Does not count in the weight.
-    void addPlace(const Vec3& place, double w) {
-        xx += w;
-        yy += w;
-        zz += w;
-        x -= w * place.x;
-        y -= w * place.y;
-        z -= w * place.z;
-        constant += w * dot(place, place);
-    }
-
     void add(const Quadric& other) {
         xx += other.xx;
         xy += other.xy;
@@ -89,5 +78,36 @@ struct Quadric {
         return curve > 0 ? std::clamp(-dot(slope, way) / curve, 0.0, 1.0) : 0.5;
     }
 };
+
+/// A sum of squared distances to places.
+struct Spread {
+    Vec3 sum;           ///< of places by their weights
+    double squares = 0; ///< of their squared lengths
+    double weight = 0;
+
+    void addPlace(const Vec3& place, double w) {
+        sum += place * w;
+        squares += w * dot(place, place);
+        weight += w;
+    }
+    void add(const Spread& other) {
+        sum += other.sum;
+        squares += other.squares;
+        weight += other.weight;
+    }
+};
+
+/// The quadric and some of the spread.
+[[nodiscard]] inline Quadric mixed(Quadric quadric, const Spread& spread, double part) {
+    const double w = part * spread.weight;
+    quadric.xx += w;
+    quadric.yy += w;
+    quadric.zz += w;
+    quadric.x -= part * spread.sum.x;
+    quadric.y -= part * spread.sum.y;
+    quadric.z -= part * spread.sum.z;
+    quadric.constant += part * spread.squares;
+    return quadric;
+}
 
 } // namespace polyfab

@@ -24,8 +24,11 @@ namespace polyfab {
 namespace {
 
 constexpr std::int32_t mostAround = 128; ///< triangles at a point, so that none is gone over often
+/// The part of the largest distance that a point may be, on the average, from the planes that the
+/// surface around it was in. They tell of places that none of the old points is near.
+constexpr double partOfDistance = 0.4;
 constexpr double lineWeight = 1;      ///< of the planes that hold feature lines, by squared length
-constexpr double spreadWeight = 1e-5; ///< decides where the surface is flat
+constexpr double spreadWeight = 1e-6; ///< decides where the surface is flat
 const double leastTurn = std::cos(78 * pi / 180);
 
 /// An edge that waits for its turn.
@@ -61,11 +64,14 @@ class Thinner {
     Thinner(ThinSurface& thinned, const ThinGoal& wanted, std::int64_t& count,
             Table<std::uint8_t>& changes)
         : surface(thinned), goal(wanted), faces(count), changed(changes),
-          quadric(thinned.mesh.np, Quadric()), version(thinned.mesh.np, 0),
-          seen(thinned.mesh.np, 0), around(thinned.mesh.np, 0), aliveOf(thinned.mesh.nf, 0),
-          broken(thinned.mesh.nf, 0), distance(thinned, wanted.farthest) {}
+          quadric(thinned.mesh.np, Quadric()), spread(thinned.mesh.np, Spread()),
+          version(thinned.mesh.np, 0), seen(thinned.mesh.np, 0), around(thinned.mesh.np, 0),
+          aliveOf(thinned.mesh.nf, 0), broken(thinned.mesh.nf, 0),
+          distance(thinned, wanted.farthest),
+          mostCost(wanted.farthest > 0 ? std::pow(partOfDistance * wanted.farthest, 2) : INFINITY) {
+    }
     explicit operator bool() const {
-        return quadric && version && seen && around && aliveOf && broken && distance;
+        return quadric && spread && version && seen && around && aliveOf && broken && distance;
     }
 
     ThinEnd work() {
@@ -110,7 +116,7 @@ class Thinner {
             Quadric& at = quadric[surface.pointAt(c + k)];
             ++around[surface.pointAt(c + k)];
             at.addPlane(normal, a, area);
-            at.addPlace(middle, area * spreadWeight);
+            spread[surface.pointAt(c + k)].addPlace(middle, area);
         }
     }
 
@@ -142,8 +148,11 @@ class Thinner {
         if (surface.kind[a] > surface.kind[b]) std::swap(a, b);
         const ThinKind gone = surface.kind[a], stays = surface.kind[b];
         if (gone == ThinKind::fixed || around[a] + around[b] > mostAround) return std::nullopt;
-        Quadric sum = quadric[a];
-        sum.add(quadric[b]);
+        Quadric planes = quadric[a];
+        planes.add(quadric[b]);
+        Spread places = spread[a];
+        places.add(spread[b]);
+        const Quadric sum = mixed(planes, places, spreadWeight);
         const Vec3 from = surface.place[a], to = surface.place[b];
         Move move{a, b, to, 1, 0};
         if (gone == ThinKind::line) {
@@ -156,6 +165,10 @@ class Thinner {
             placeFreely(move, sum, from, to);
         }
         move.cost = sum.at(move.to);
+        if (planes.at(move.to) > mostCost * planes.weight) {
+            wasTooFar = true;
+            return std::nullopt;
+        }
         return move;
     }
 
@@ -357,6 +370,7 @@ class Thinner {
         surface.firstCorner[move.gone] = -1;
         around[move.stays] += around[move.gone];
         quadric[move.stays].add(quadric[move.gone]);
+        spread[move.stays].add(spread[move.gone]);
         if (squaredDistance(surface.place[move.stays], move.to) > 0) surface.moved[move.stays] = 1;
         surface.place[move.stays] = move.to;
         ++version[move.stays];
@@ -489,12 +503,14 @@ class Thinner {
     std::int64_t& faces;
     Table<std::uint8_t>& changed;
     Table<Quadric> quadric;       ///< of each point
+    Table<Spread> spread;         ///< of each point
     Table<std::uint32_t> version; ///< of each point: how often it changed
     Table<std::uint32_t> seen;    ///< of each point: the tick at which it was passed last
     Table<std::int32_t> around;   ///< triangles at each point
     Table<std::int32_t> aliveOf;  ///< triangles of each face
     Table<std::uint8_t> broken;   ///< of each face: whether one of its triangles changed
     ThinDistance distance;
+    double mostCost; ///< by weight
     BucketQueue<Candidate> waiting;
     std::vector<std::int32_t> neighbours;
     struct {
