@@ -41,17 +41,28 @@ DraftCorner draftCorner(const Mesh& mesh, const FaceCorner& corner) {
 
 std::int32_t MeshDraft::addPoint(const Vec3& at) { return append(points, mesh.np, at); }
 
+std::int32_t MeshDraft::addTexCoord(const TexCoord& added) {
+    return append(texcoords, mesh.nt, added);
+}
+
+std::int32_t MeshDraft::addNormal(const Normal& added) { return append(normals, mesh.nd, added); }
+
+TexCoord MeshDraft::texCoord(std::int32_t number) const {
+    return elementOf(mesh.texcoords, mesh.nt, texcoords, number);
+}
+
+Normal MeshDraft::normal(std::int32_t number) const {
+    return elementOf(mesh.normals, mesh.nd, normals, number);
+}
+
 std::int32_t MeshDraft::addTexCoordBetween(std::int32_t from, std::int32_t to, double part) {
-    const TexCoord a = elementOf(mesh.texcoords, mesh.nt, texcoords, from);
-    const TexCoord b = elementOf(mesh.texcoords, mesh.nt, texcoords, to);
-    return append(texcoords, mesh.nt, {mixed(a.u, b.u, part), mixed(a.v, b.v, part), 0, 1});
+    const TexCoord a = texCoord(from), b = texCoord(to);
+    return addTexCoord({mixed(a.u, b.u, part), mixed(a.v, b.v, part), 0, 1});
 }
 
 std::int32_t MeshDraft::addNormalBetween(std::int32_t from, std::int32_t to, double part) {
-    const Normal a = elementOf(mesh.normals, mesh.nd, normals, from);
-    const Normal b = elementOf(mesh.normals, mesh.nd, normals, to);
-    return append(normals, mesh.nd,
-                  {mixed(a.x, b.x, part), mixed(a.y, b.y, part), mixed(a.z, b.z, part)});
+    const Normal a = normal(from), b = normal(to);
+    return addNormal({mixed(a.x, b.x, part), mixed(a.y, b.y, part), mixed(a.z, b.z, part)});
 }
 
 Vec3 MeshDraft::place(std::int32_t point) const {

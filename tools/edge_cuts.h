@@ -29,11 +29,15 @@ class MeshDraft {
 
     // Each gives the number that the element will have.
     std::int32_t addPoint(const Vec3& at);
+    std::int32_t addTexCoord(const TexCoord& added);
+    std::int32_t addNormal(const Normal& added);
     /// At this part of the way from one to the other, which may be new ones themselves.
     std::int32_t addTexCoordBetween(std::int32_t from, std::int32_t to, double part);
     std::int32_t addNormalBetween(std::int32_t from, std::int32_t to, double part);
 
     [[nodiscard]] Vec3 place(std::int32_t point) const;
+    [[nodiscard]] TexCoord texCoord(std::int32_t number) const;
+    [[nodiscard]] Normal normal(std::int32_t number) const;
     [[nodiscard]] std::int32_t newPoints() const {
         return static_cast<std::int32_t>(points.size());
     }
