@@ -54,6 +54,8 @@ constexpr AdviceRow rows[] = {
     {389, "copies the selected faces onto points of their own, and selects the copies"},
     {386, "drops the normals of the selected faces"},
     {388, "drops the texture coordinates of the selected faces"},
+    {394, "welds selected faces where they cut or touch, and keeps all or, of closed ones, the "
+          "union, the common inside or the difference"},
     {2038, "moves, resizes and turns the selected faces by numbers, all in one step"},
     {409, "mirrors the selected faces along an axis of the screen, about their middle"},
     {413, "changes the sign of one world coordinate of the selected faces"},

@@ -29,6 +29,7 @@
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "tools/bad_faces.h"
+#include "tools/boolean/boolean.h"
 #include "tools/color_groups.h"
 #include "tools/delete_faces.h"
 #include "tools/detriangularize.h"
@@ -213,7 +214,7 @@ constexpr auto table = std::to_array<Command>({
     {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
      removeTexCoords},
-    slow({394, tools, "&boolean: weld intersecting selected faces", later}),
+    stoppable({394, tools, "&boolean: weld intersecting selected faces", onMesh<weldIntersecting>}),
     {2038, tools, "move, scale, rotate by: &v", transformBy, nullptr, "Ctrl+T"},
     {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
     {413, tools, "chang&e sign of absolute x or y or z", changeSign},
