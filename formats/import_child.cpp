@@ -2,44 +2,52 @@
 #include "formats/import_child.h"
 
 #include "formats/assimp_library.h"
+#include "formats/child_locks.h"
 #include "formats/import_stream.h"
 #include "formats/scenes.h"
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
+#include <new>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace polyfab {
 namespace {
 
-constexpr rlim_t maxSeconds = 600;
-constexpr rlim_t maxMemory = rlim_t{8} << 30;
 constexpr const char* noLibrary =
     "the library for other formats, " POLYFAB_ASSIMP ", is not installed";
 
-void limit(int resource, rlim_t value) {
-    const rlimit both = {value, value};
-    static_cast<void>(::setrlimit(static_cast<__rlimit_resource>(resource), &both));
+constexpr std::uint64_t gigabyte = 1'000'000'000;
+constexpr std::uint64_t maxWritten = 16 * gigabyte; ///< to one file of an export
+
+/// The memory that the importer gets, and whether it wanted more. The library may swallow the
+/// error.
+std::uint64_t allowed = 0;
+bool wantedMore = false;
+
+void noteNoMemory() {
+    wantedMore = true;
+    throw std::bad_alloc();
 }
 
-void limitProcess() {
+/// A file's importer gets 20 times what it reads, small ones a gigabyte.
+void allowMemoryFor(std::uint64_t bytes) { allowed = limitMemory(std::max(gigabyte, 20 * bytes)); }
+
+void prepareProcess(bool imports) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody waits for the result of a dead editor's child
-    limit(RLIMIT_CORE, 0);
-    limit(RLIMIT_CPU, maxSeconds);
-#if !defined(__SANITIZE_ADDRESS__) // whose shadow memory is larger than any limit
-    const auto pages = static_cast<rlim_t>(::sysconf(_SC_PHYS_PAGES));
-    const auto pageSize = static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
-    limit(RLIMIT_AS, std::min(maxMemory, pages * pageSize / 2));
-#endif
     // Where memory runs out all the same, this process shall be the one that goes.
     std::ofstream("/proc/self/oom_score_adj") << "1000";
+    std::set_new_handler(noteNoMemory);
+    limitProcess(imports ? 0 : maxWritten);
+    imports ? allowMemoryFor(0) : static_cast<void>(limitMemory(~std::uint64_t{0}));
 }
 
 /// Standard output for the stream alone: what a library prints goes nowhere.
@@ -66,14 +74,30 @@ StreamTables failure(const std::string& reason) {
     return tables;
 }
 
+StreamTables import(const AssimpLibrary& assimp, const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path();
+    lockIn({{folder.empty() ? "." : folder, path}, ""});
+    StreamTables tables = importScene(assimp, path, allowMemoryFor);
+    if (wantedMore && !tables.failure.empty()) {
+        tables.failure = "it takes more than " + std::to_string(allowed / 1'000'000)
+                         + " MB of memory, which is too much for such a file";
+    }
+    return tables;
+}
+
+std::string exportTo(const AssimpLibrary& assimp, const std::string& path) {
+    lockIn({{}, std::filesystem::path(path).parent_path()});
+    StreamView mesh;
+    if (!readStream(mapStandardInput(), mesh)) return "the mesh did not arrive";
+    return exportScene(assimp, mesh, path);
+}
+
 StreamTables carryOut(const std::vector<std::string>& args) try {
     if (args.size() != 2) return failure("it was started wrongly");
+    prepareProcess(args[0] == "import");
     const AssimpLibrary* const assimp = openAssimp();
     if (assimp == nullptr) return failure(noLibrary);
-    if (args[0] == "import") return importScene(*assimp, args[1]);
-    StreamView mesh;
-    if (!readStream(mapStandardInput(), mesh)) return failure("the mesh did not arrive");
-    return failure(exportScene(*assimp, mesh, args[1]));
+    return args[0] == "import" ? import(*assimp, args[1]) : failure(exportTo(*assimp, args[1]));
 } catch (const std::bad_alloc&) {
     return failure("there is not enough memory");
 } catch (const std::exception& caught) {
@@ -83,7 +107,6 @@ StreamTables carryOut(const std::vector<std::string>& args) try {
 } // namespace
 
 void runExchangeChild(const std::vector<std::string>& args) {
-    limitProcess();
     const int stream = takeStandardOutput();
     const bool written = writeStream(stream, carryOut(args));
     ::_exit(written ? 0 : 1); // takes nothing apart that the end of the process does as well

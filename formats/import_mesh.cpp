@@ -13,6 +13,7 @@
 #include "mesh/names.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
 
@@ -35,12 +36,17 @@ namespace fs = std::filesystem;
 
 double finite(double value) { return std::isfinite(value) ? value : 0; }
 
-/// Names end up in files with one name a line.
-std::string cleanName(std::string_view name) {
-    std::string clean(storedName(name));
+std::string withoutControls(std::string_view text) {
+    std::string clean(text);
     std::replace_if(
         clean.begin(), clean.end(),
         [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
+    return clean;
+}
+
+/// Names end up in files with one name a line.
+std::string cleanName(std::string_view name) {
+    const std::string clean = withoutControls(storedName(name));
     return clean.empty() ? "default" : clean;
 }
 
@@ -139,6 +145,14 @@ bool addTables(Mesh& mesh, const StreamView& view) {
     return true;
 }
 
+/// What the child wants to be told, in words that may come from anywhere.
+void tellNotes(const StreamView& view) {
+    constexpr std::size_t mostNotes = 20, mostBytes = 300;
+    for (std::size_t i = 0; i < std::min(mostNotes, view.notes.size()); ++i) {
+        note(withoutControls(view.notes[i].substr(0, mostBytes)));
+    }
+}
+
 /// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
 /// it grew.
 std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
@@ -149,6 +163,7 @@ std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
     if (!reason.empty()) return reason;
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
+    tellNotes(view);
     if (!view.failure.empty()) return std::string(view.failure);
     reason = refusal(mesh, view, append);
     if (!reason.empty()) return reason;

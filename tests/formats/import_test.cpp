@@ -50,10 +50,13 @@ class ImportMesh : public test::MeshTest {
         return reason();
     }
 
+    /// Gathers the notes on the way.
     std::string reason() {
         std::string found;
+        noted.clear();
         for (const std::string& line : shown.log) {
             if (line.starts_with("message!|")) found = line.substr(line.find_last_of("|\n") + 1);
+            if (line.starts_with("note|")) noted += line.substr(5) + "\n";
         }
         shown.log.clear();
         return found;
@@ -66,6 +69,7 @@ class ImportMesh : public test::MeshTest {
     }
 
     std::string before;
+    std::string noted;
     test::TempFolder folder;
 };
 
@@ -117,6 +121,11 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
         shown.escapeAfter = row.looks;
         EXPECT_EQ(import("model.stl", Choice::no), row.reason);
     }
+    shown.escapeAfter = -1;
+    useChild("exec sleep 100");
+    const double patience = std::exchange(exchangePatience, 0.2);
+    EXPECT_EQ(import("model.stl"), "it waited too long for something that did not come");
+    exchangePatience = patience;
     exchangeProgram = folder.path("nowhere");
     EXPECT_EQ(import("model.stl"), "no process can be started");
     exchangeProgram = POLYFAB_PROGRAM;
@@ -126,6 +135,52 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
     EXPECT_EQ(std::tuple(OB->nf, OB->changed, workbench.busy), std::tuple(6, 0, false));
     EXPECT_EQ(workbench.fileName, "cube.obj");
 }
+
+TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
+    std::filesystem::create_directories(folder.path("own/below"));
+    const std::string red = "newmtl red\nKd 1 0 0\n";
+    folder.write("outer.mtl", red);
+    folder.write("own/red.mtl", red);
+    folder.write("own/below/red.mtl", red);
+    std::filesystem::create_symlink("../outer.mtl", folder.path("own/out.mtl"));
+    std::filesystem::create_symlink("below/red.mtl", folder.path("own/in.mtl"));
+    ASSERT_EQ(mkfifo(folder.path("own/pipe").c_str(), 0600), 0);
+    const struct {
+        std::string library, refusal = "";
+    } rows[] = {{"red.mtl"},
+                {"below/red.mtl"},
+                {"below/../red.mtl"},
+                {"in.mtl"},
+                {"../outer.mtl", "lies outside its folder"},
+                {folder.path("outer.mtl"), "is not there"}, // it is looked for below the folder
+                {"out.mtl", "lies outside its folder"},
+                {"/dev/zero", "is not there"},
+                {"pipe", "is no regular file"},
+                {"below", "is no regular file"},
+                {"none.mtl", "is not there"}};
+    for (const auto& [library, refusal] : rows) {
+        const std::string path =
+            folder.write("own/a.obj", "mtllib " + library + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\n"
+                                          + "usemtl red\nf 1 2 3\n");
+        EXPECT_EQ(import(path), "");
+        EXPECT_EQ(OB->nf, 1);
+        EXPECT_EQ(OB->materials[OB->faces[0].mat].color == 0xFF0000, refusal.empty()) << library;
+        const std::string told =
+            "the file asks for " + library + ", which " + refusal + ": left out\n";
+        EXPECT_EQ(noted, (refusal.empty() ? "" : told) + "read a.obj: 3 points, 1 face\n");
+    }
+    EXPECT_EQ(import(folder.path("own/pipe")), "it is no regular file");
+    EXPECT_EQ(import(folder.path("own")), "it is a folder");
+}
+
+#if !defined(POLYFAB_SANITIZE)
+TEST_F(ImportMesh, TakesNoMoreMemoryThanItsFileIsWorth) {
+    const std::string head = "ply\nformat binary_little_endian 1.0\nelement vertex 2000000000\n";
+    const std::string row = "property float x\nproperty float y\nproperty float z\nend_header\n";
+    EXPECT_EQ(import(folder.write("bomb.ply", head + row)),
+              "it takes more than 1000 MB of memory, which is too much for such a file");
+}
+#endif
 
 TEST_F(ImportMesh, ExportsWhatItImports) {
     const struct {
@@ -195,6 +250,7 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
     good.groups = {"one", "two"};
     good.materials = {"red"};
     good.colors = {0xFF0000};
+    good.notes = {"it is small"};
     const test::TempFolder folder;
     const auto bytesOf = [&](const StreamTables& tables) {
         const int file = ::open(folder.path("stream").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -207,6 +263,7 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
     ASSERT_TRUE(readStream(bytes, view));
     EXPECT_EQ(view.corners[1].texcoord, -1);
     EXPECT_EQ(view.groups, (std::vector<std::string_view>{"one", "two"}));
+    EXPECT_EQ(view.notes, (std::vector<std::string_view>{"it is small"}));
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         StreamView part;
         EXPECT_FALSE(readStream(std::vector<char>(bytes.data(), bytes.data() + i), part)) << i;
