@@ -244,7 +244,8 @@ void lockIn(const Reach& reach) {
 
 std::uint64_t limitMemory(std::uint64_t bytes) {
     // Before the lock, behind which the process can't ask any more.
-    static const std::uint64_t present = addressSpace(), most = mostMemory();
+    [[maybe_unused]] static const std::uint64_t present = addressSpace();
+    static const std::uint64_t most = mostMemory();
     bytes = std::min(bytes, most);
 #if !defined(POLYFAB_SANITIZE) // whose shadow memory is larger than any limit
     const rlimit both = {present + bytes, present + most};
