@@ -23,6 +23,7 @@
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
+#include "workbench/offer_in_place.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
 
@@ -36,6 +37,7 @@ namespace {
 
 void onCreate(const Event&) {
     createMesh();
+    offerSavingInPlace();
     paneImages = PaneImages();
     resetDrags();
     resizeView(platform().clientSize());
