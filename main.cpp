@@ -8,6 +8,7 @@
 #include "platform/qt/qt_backend.h"
 #endif
 
+#include <csignal>
 #include <cstdio>
 #include <new>
 #include <string>
@@ -31,6 +32,9 @@ int openWindow([[maybe_unused]] int& argc, [[maybe_unused]] char** argv,
 } // namespace
 
 int main(int argc, char** argv) try {
+    // A reader that goes away, and the limit on file sizes, are errors of a write like any other.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
     // Not for users: what the program starts to import or export a file. Its words are as they are.
     if (!args.empty() && args.front() == polyfab::exchangeArgument) {
