@@ -2,6 +2,7 @@
 // Chooses a backend by the command line and starts the editor on it.
 #include "editor/window.h"
 #include "formats/import_child.h"
+#include "formats/save_exported.h"
 #include "io/state_folder.h"
 #include "platform/batch/command_line.h"
 #ifdef POLYFAB_QT
@@ -40,6 +41,7 @@ int main(int argc, char** argv) try {
     if (!args.empty() && args.front() == polyfab::exchangeArgument) {
         polyfab::runExchangeChild({args.begin() + 1, args.end()});
     }
+    polyfab::removeDeadScratchFolders();
     const auto status = polyfab::runCommandLine(polyfab::editorProgram(), args);
     return status ? *status : openWindow(argc, argv, args.empty() ? "" : args.front());
 } catch (const std::bad_alloc&) {

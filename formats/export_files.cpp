@@ -4,6 +4,7 @@
 #include "formats/library_file.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <unistd.h>
 #include <vector>
 
@@ -24,7 +25,7 @@ void ExportFiles::close(aiFileIO* io, aiFile* file) {
 
 bool roomIsLeft(const std::string& path) {
     const std::vector<char> some(std::size_t{1} << 16, 'x');
-    const std::string name = path + ".room";
+    const std::string name = std::filesystem::path(path).replace_filename("room.polyfab");
     std::FILE* const probe = std::fopen(name.c_str(), "wb");
     if (probe == nullptr) return false;
     const bool written = std::fwrite(some.data(), 1, some.size(), probe) == some.size();

@@ -6,8 +6,8 @@
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "formats/only_selected.h"
+#include "formats/save_exported.h"
 #include "formats/stream_mesh.h"
-#include "io/read_file.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <deque>
 #include <filesystem>
 #include <new>
 #include <sys/mman.h>
@@ -123,61 +122,6 @@ int streamFile(const Mesh& mesh, bool onlySelected) {
     return -1;
 }
 
-/// Where the exporter writes; removed with everything in it.
-class ScratchFolder {
-  public:
-    ScratchFolder() {
-        std::error_code ignored;
-        std::string name = fs::temp_directory_path(ignored) / "polyfab-export-XXXXXX";
-        if (::mkdtemp(name.data()) != nullptr) path = name;
-    }
-    ~ScratchFolder() {
-        std::error_code ignored;
-        if (!path.empty()) fs::remove_all(path, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    fs::path path; ///< "" when it could not be made
-};
-
-/// Fills the new file with the exporter's; only the replacing is left.
-bool fill(const fs::path& from, SaveFile& to) {
-    PieceReader source(from);
-    std::string_view text;
-    while (source.isOpen() && source.next(0, text)) to.append(text);
-    return source.isOpen() && !source.failed() && to.finish();
-}
-
-/// Whether a file that the user has not named may be replaced.
-bool mayReplace(const fs::path& path) {
-    std::error_code ignored;
-    return !fs::exists(path, ignored)
-           || platform().question("do you want to replace this file too?", path, Buttons::yesNo)
-                  == Choice::yes;
-}
-
-/// Takes everything over that the exporter wrote: all files are complete on the disk before the
-/// first of them replaces an old one; what the file refers to comes first, it itself last.
-std::string saveAll(const fs::path& folder, const fs::path& target, SaveFile& file) {
-    const fs::path main = folder / target.filename();
-    std::deque<SaveFile> beside;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
-        const fs::path name = target.parent_path() / entry->path().filename();
-        if (!mayReplace(name)) return name.string() + " was to be kept";
-        if (!beside.emplace_back().open(name) || !fill(entry->path(), beside.back())) {
-            return "can't write " + name.string();
-        }
-    }
-    if (!fs::is_regular_file(fs::symlink_status(main, error))) return "the exporter wrote nothing";
-    if (!fill(main, file)) return "can't write the file";
-    const bool done =
-        std::all_of(beside.begin(), beside.end(), [](SaveFile& f) { return f.commit(); });
-    return done && file.commit() ? "" : "can't write the file";
-}
-
 /// Returns "" or why the old file is as it was.
 std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
                        SaveFile& file) try {
@@ -194,7 +138,7 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the exporter makes no sense";
     if (!view.failure.empty()) return std::string(view.failure);
-    return saveAll(folder.path, path, file);
+    return saveExported(folder.path, path, file);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
