@@ -71,7 +71,7 @@ bool referencesAreSound(const StreamView& view) {
     };
     std::size_t cornersLeft = view.corners.size();
     const auto faceIsSound = [&](const StreamFace& face) {
-        if (face.corners < 0 || static_cast<std::size_t>(face.corners) > cornersLeft) return false;
+        if (face.corners < 3 || static_cast<std::size_t>(face.corners) > cornersLeft) return false;
         cornersLeft -= static_cast<std::size_t>(face.corners);
         return inRange(face.group, 0, view.groups.size())
                && inRange(face.material, 0, view.materials.size());

@@ -61,8 +61,8 @@ struct StreamView {
 [[nodiscard]] bool writeStream(int file, const StreamTables& tables);
 
 /// Reads a whole stream; `bytes` must be aligned as the heap is and outlive `view`. True: every
-/// reference in the tables is in range, every face has its corners and every material its colour.
-/// Coordinates and names may still be anything.
+/// reference in the tables is in range, every face has its corners, three at least, and every
+/// material its colour. Coordinates and names may still be anything.
 [[nodiscard]] bool readStream(std::span<const char> bytes, StreamView& view);
 
 } // namespace polyfab

@@ -272,11 +272,12 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
         static_cast<void>(readStream(damaged, part));
     }
     void (*const faults[])(StreamTables&) = {
-        [](auto& t) { t.corners[0].point = 3; },    [](auto& t) { t.corners[0].point = -1; },
-        [](auto& t) { t.corners[0].texcoord = 1; }, [](auto& t) { t.corners[0].normal = -2; },
-        [](auto& t) { t.faces[0].corners = 4; },    [](auto& t) { t.faces[0].corners = 2; },
-        [](auto& t) { t.faces[0].group = 2; },      [](auto& t) { t.faces[0].material = -1; },
-        [](auto& t) { t.colors.push_back(0); },     [](auto& t) { t.faces[0].corners = -3; }};
+        [](auto& t) { t.corners[0].point = 3; },      [](auto& t) { t.corners[0].point = -1; },
+        [](auto& t) { t.corners[0].texcoord = 1; },   [](auto& t) { t.corners[0].normal = -2; },
+        [](auto& t) { t.faces[0].corners = 4; },      [](auto& t) { t.faces[0].corners = 2; },
+        [](auto& t) { t.faces[0].group = 2; },        [](auto& t) { t.faces[0].material = -1; },
+        [](auto& t) { t.colors.push_back(0); },       [](auto& t) { t.faces[0].corners = -3; },
+        [](auto& t) { t.faces.push_back({0, 0, 0}); }};
     for (const auto& fault : faults) {
         StreamTables tables = good;
         fault(tables);
