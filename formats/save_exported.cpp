@@ -4,6 +4,7 @@
 // are to have, the target itself follows. Each step leaves a pair that fits.
 #include "formats/save_exported.h"
 
+#include "io/names_in.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
 #include "platform/platform.h"
@@ -173,19 +174,18 @@ ScratchFolder::~ScratchFolder() {
 
 void removeDeadScratchFolders() {
     constexpr std::time_t untilLocked = 60; // seconds that a new one is left alone
-    std::error_code failure;
-    for (fs::directory_iterator entry(fs::temp_directory_path(failure), failure), end;
-         !failure && entry != end; entry.increment(failure)) {
-        if (!entry->path().filename().native().starts_with(scratchPrefix)) continue;
-        const int folder =
-            ::open(entry->path().c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    std::error_code ignored;
+    const fs::path temporary = fs::temp_directory_path(ignored);
+    for (const std::string& name : namesIn(temporary)) {
+        if (!name.starts_with(scratchPrefix)) continue;
+        const fs::path path = temporary / name;
+        const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         if (folder < 0) continue;
         struct stat status {};
-        std::error_code ignored;
         if (::fstat(folder, &status) == 0 && status.st_uid == ::geteuid()
             && status.st_mtime < std::time(nullptr) - untilLocked
             && ::flock(folder, LOCK_EX | LOCK_NB) == 0) {
-            fs::remove_all(entry->path(), ignored);
+            fs::remove_all(path, ignored);
         }
         ::close(folder);
     }

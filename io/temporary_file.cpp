@@ -3,6 +3,8 @@
 // moment.
 #include "io/temporary_file.h"
 
+#include "io/names_in.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -10,7 +12,6 @@
 #include <csignal>
 #include <ctime>
 #include <fcntl.h>
-#include <filesystem>
 #include <string_view>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -101,14 +102,10 @@ void removeTemporariesOnSignals() {
 
 void removeOldTemporaries(const std::string& folder) {
     constexpr std::time_t day = 24 * 60 * 60;
-    std::error_code failure;
-    for (std::filesystem::directory_iterator entry(folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        const std::string path = entry->path();
+    for (const std::string& name : namesIn(folder)) {
+        const std::string path = folder + "/" + name;
         struct stat status {};
-        if (!isOurName(entry->path().filename().native()) || ::lstat(path.c_str(), &status) != 0) {
-            continue;
-        }
+        if (!isOurName(name) || ::lstat(path.c_str(), &status) != 0) continue;
         const bool old = S_ISREG(status.st_mode) && status.st_mtime < std::time(nullptr) - day;
         if (old && status.st_uid == ::geteuid()) ::unlink(path.c_str());
     }
