@@ -3,13 +3,13 @@
 #include "editor/window.h"
 #include "formats/import_child.h"
 #include "formats/save_exported.h"
+#include "io/last_resort.h"
 #include "io/state_folder.h"
 #include "platform/batch/command_line.h"
 #ifdef POLYFAB_QT
 #include "platform/qt/qt_backend.h"
 #endif
 
-#include <csignal>
 #include <cstdio>
 #include <new>
 #include <string>
@@ -33,9 +33,7 @@ int openWindow([[maybe_unused]] int& argc, [[maybe_unused]] char** argv,
 } // namespace
 
 int main(int argc, char** argv) try {
-    // A reader that goes away, and the limit on file sizes, are errors of a write like any other.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    polyfab::makeFaultsErrors();
     std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
     // Not for users: what the program starts to import or export a file. Its words are as they are.
     if (!args.empty() && args.front() == polyfab::exchangeArgument) {

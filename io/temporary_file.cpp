@@ -61,9 +61,7 @@ void remember(const std::string& path) {
 }
 
 void removeAndEnd(int signal) {
-    for (const Slot& slot : slots) {
-        if (slot.state == State::used) ::unlink(slot.path.data());
-    }
+    removeTemporaries();
     std::signal(signal, SIG_DFL);
     std::raise(signal); // comes when this handler returns
 }
@@ -89,6 +87,12 @@ int makeTemporary(const std::string& folder, mode_t mode, std::string& path) {
 void forgetTemporary(const std::string& path) {
     for (Slot& slot : slots) {
         if (slot.state == State::used && path == slot.path.data()) slot.state = State::free;
+    }
+}
+
+void removeTemporaries() {
+    for (const Slot& slot : slots) {
+        if (slot.state == State::used) ::unlink(slot.path.data());
     }
 }
 

@@ -14,6 +14,9 @@ namespace polyfab {
 /// To be called when the file is removed or has another name: it is temporary no more.
 void forgetTemporary(const std::string& path);
 
+/// Removes those of this process, for one that ends at once. May be called in a signal's handler.
+void removeTemporaries();
+
 /// From here on SIGTERM, SIGHUP, SIGINT and SIGQUIT remove the temporary files before they end the
 /// process as ever. Those that are ignored stay so.
 void removeTemporariesOnSignals();
