@@ -55,7 +55,8 @@ std::string nameOfCopy(const std::string& folder, const std::string& path) {
     constexpr std::size_t longest = 200; // so that the rest of the name fits
     const std::string last = std::filesystem::path(path).filename().string().substr(0, longest);
     for (int i = 1; i <= most; ++i) {
-        std::string name = folder + "/before-saving-" + std::to_string(i) + "-" + last;
+        std::string name = folder + "/before-saving-";
+        name.append(std::to_string(i)).append("-").append(last);
         struct stat found {};
         if (::lstat(name.c_str(), &found) != 0) return name;
     }

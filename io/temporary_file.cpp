@@ -107,7 +107,8 @@ void removeTemporariesOnSignals() {
 void removeOldTemporaries(const std::string& folder) {
     constexpr std::time_t day = 24 * 60 * 60;
     for (const std::string& name : namesIn(folder)) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         struct stat status {};
         if (!isOurName(name) || ::lstat(path.c_str(), &status) != 0) continue;
         const bool old = S_ISREG(status.st_mode) && status.st_mtime < std::time(nullptr) - day;
