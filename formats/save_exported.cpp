@@ -90,14 +90,18 @@ bool redirect(std::string& text, const Reference& row, const std::string& from,
     return true;
 }
 
-/// A name for a while that nothing in the folder has; "" when there is none.
-fs::path passingName(const fs::path& path) {
-    constexpr int most = 100;
+/// How the names begin that a file has for a while.
+std::string passingStart(const fs::path& path) {
     constexpr std::size_t longest = 200;
-    const std::string stem = path.stem().string().substr(0, longest);
+    return path.stem().string().substr(0, longest) + ".polyfab-new-";
+}
+
+/// Such a name that nothing in the folder has; "" when there is none.
+fs::path passingName(const fs::path& path) {
+    constexpr int most = 1000;
     for (int i = 1; i <= most; ++i) {
         fs::path name = path.parent_path();
-        name /= stem + ".new-" + std::to_string(i) + path.extension().string();
+        name /= passingStart(path) + std::to_string(i) + path.extension().string();
         std::error_code none;
         if (fs::symlink_status(name, none).type() == fs::file_type::not_found) return name;
     }
@@ -126,18 +130,31 @@ std::string passingText(std::vector<Beside>& beside, const fs::path& main, const
     return text;
 }
 
-/// Puts the passing files in place, then the text that refers to them.
+/// Puts the passing files in place, then the text that refers to them. False, and nothing changed.
 bool putPassing(const std::vector<Beside>& beside, const std::string& text,
                 const fs::path& target) {
-    return std::all_of(beside.begin(), beside.end(),
-                       [](const Beside& file) { return copyTo(file.passing, file.written); })
-           && copyTo(target, text);
+    const bool put =
+        std::all_of(beside.begin(), beside.end(),
+                    [](const Beside& file) { return copyTo(file.passing, file.written); })
+        && copyTo(target, text);
+    std::error_code ignored;
+    for (const Beside& file : beside) {
+        if (!put) fs::remove(file.passing, ignored);
+    }
+    return put;
 }
 
+/// Removes the files with passing names, also those of exports that were killed: the target refers
+/// to none of them.
 void removePassing(const std::vector<Beside>& beside) {
     std::error_code ignored;
     for (const Beside& file : beside) {
-        if (!file.passing.empty()) fs::remove(file.passing, ignored);
+        const fs::path folder = file.name.parent_path();
+        for (const std::string& name : namesIn(folder.empty() ? "." : folder.string())) {
+            const bool passing = name.starts_with(passingStart(file.name))
+                                 && name.ends_with(file.name.extension().native());
+            if (passing) fs::remove(folder / name, ignored);
+        }
     }
 }
 
@@ -206,10 +223,7 @@ std::string saveExported(const fs::path& folder, const fs::path& target, SaveFil
     std::error_code none;
     const bool replaces = !beside.empty() && fs::exists(target, none);
     const std::string text = replaces ? passingText(beside, main, target) : "";
-    if (!text.empty() && !putPassing(beside, text, target)) {
-        removePassing(beside);
-        return cannotWrite;
-    }
+    if (!text.empty() && !putPassing(beside, text, target)) return cannotWrite;
     const bool done =
         std::all_of(files.begin(), files.end(), [](SaveFile& f) { return f.commit(); })
         && file.commit();

@@ -216,6 +216,27 @@ TEST_F(ImportMesh, ExportsWhatItImports) {
     }
 }
 
+TEST_F(ImportMesh, AnExportOverAPairLeavesThatPairAlone) {
+    const std::string path = folder.path("a.gltf");
+    const auto files = [&] {
+        return std::distance(std::filesystem::directory_iterator(folder.path("")), {});
+    };
+    test::addCube();
+    EXPECT_EQ(exportTo(path), "");
+    const std::string cube = folder.read("a.gltf");
+    folder.write("a.polyfab-new-1.bin", "what a killed export has left");
+    test::addCube();
+    shown.choices = {Choice::no};
+    EXPECT_EQ(exportTo(path), folder.path("a.bin") + " was to be kept");
+    EXPECT_EQ(folder.read("a.gltf"), cube);
+    EXPECT_EQ(files(), 3);
+    shown.choices = {Choice::yes};
+    EXPECT_EQ(exportTo(path), "");
+    EXPECT_EQ(files(), 2);
+    EXPECT_EQ(import(path), "");
+    EXPECT_EQ(OB->nf, 24);
+}
+
 TEST_F(ImportMesh, AFailedExportLeavesTheOldFile) {
     const std::string temporary = std::filesystem::temp_directory_path();
     const test::TempFolder scratch;
