@@ -39,6 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string path = folder + "/mesh" + suffixes[data[0] % std::size(suffixes)];
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(data) + 1, static_cast<std::streamsize>(size - 1));
+    shown.escapeAfter = 200; // looks: ten seconds. The library does loop on some files
     importNamedMesh(path, false);
     std::filesystem::remove(path);
     const char* const fault = check(*OB);
