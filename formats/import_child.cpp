@@ -3,6 +3,7 @@
 
 #include "formats/assimp_library.h"
 #include "formats/child_locks.h"
+#include "formats/dxf_scene.h"
 #include "formats/import_stream.h"
 #include "formats/scenes.h"
 
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <strings.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -50,6 +52,11 @@ void prepareProcess(bool imports) {
     imports ? allowMemoryFor(0) : static_cast<void>(limitMemory(~std::uint64_t{0}));
 }
 
+std::string tooMuch() {
+    return "it takes more than " + std::to_string(allowed / 1'000'000)
+           + " MB of memory, which is too much for such a file";
+}
+
 /// Standard output for the stream alone: what a library prints goes nowhere.
 int takeStandardOutput() {
     const int stream = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
@@ -74,15 +81,29 @@ StreamTables failure(const std::string& reason) {
     return tables;
 }
 
-StreamTables import(const AssimpLibrary& assimp, const std::string& path) {
+/// Why this is no file that can be imported; "" when it may be one.
+std::string faultOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return "there is no such file";
+    if (S_ISDIR(status.st_mode)) return "it is a folder";
+    if (!S_ISREG(status.st_mode)) return "it is no regular file";
+    allowMemoryFor(static_cast<std::uint64_t>(status.st_size));
+    return "";
+}
+
+/// What the library reads of these files is less than they have.
+bool isDxf(const std::string& path) {
+    const std::string suffix = std::filesystem::path(path).extension();
+    return suffix.size() == 4 && ::strcasecmp(suffix.c_str(), ".dxf") == 0;
+}
+
+/// Without the library for files that are read by ourselves.
+StreamTables import(const AssimpLibrary* assimp, const std::string& path) {
     const std::string folder = std::filesystem::path(path).parent_path();
     lockIn({{folder.empty() ? "." : folder, path}, ""});
-    StreamTables tables = importScene(assimp, path, allowMemoryFor);
-    if (wantedMore && !tables.failure.empty()) {
-        tables.failure = "it takes more than " + std::to_string(allowed / 1'000'000)
-                         + " MB of memory, which is too much for such a file";
-    }
-    return tables;
+    const std::string fault = faultOf(path);
+    if (!fault.empty()) return failure(fault);
+    return assimp == nullptr ? importDxf(path) : importScene(*assimp, path, allowMemoryFor);
 }
 
 std::string exportTo(const AssimpLibrary& assimp, const std::string& path) {
@@ -94,12 +115,17 @@ std::string exportTo(const AssimpLibrary& assimp, const std::string& path) {
 
 StreamTables carryOut(const std::vector<std::string>& args) try {
     if (args.size() != 2) return failure("it was started wrongly");
-    prepareProcess(args[0] == "import");
-    const AssimpLibrary* const assimp = openAssimp();
-    if (assimp == nullptr) return failure(noLibrary);
-    return args[0] == "import" ? import(*assimp, args[1]) : failure(exportTo(*assimp, args[1]));
+    const bool imports = args[0] == "import";
+    prepareProcess(imports);
+    const bool byLibrary = !imports || !isDxf(args[1]);
+    const AssimpLibrary* const assimp = byLibrary ? openAssimp() : nullptr;
+    if (byLibrary && assimp == nullptr) return failure(noLibrary);
+    if (!imports) return failure(exportTo(*assimp, args[1]));
+    StreamTables tables = import(assimp, args[1]);
+    if (wantedMore && !tables.failure.empty()) tables.failure = tooMuch();
+    return tables;
 } catch (const std::bad_alloc&) {
-    return failure("there is not enough memory");
+    return failure(args[0] == "import" ? tooMuch() : "there is not enough memory");
 } catch (const std::exception& caught) {
     return failure(caught.what());
 }

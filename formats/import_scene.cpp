@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <sys/stat.h>
 
 namespace polyfab {
 
@@ -209,19 +208,9 @@ class SceneReader {
 
 } // namespace
 
-/// Why this is no file that can be imported; "" when it may be one.
-static std::string faultOf(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) return "there is no such file";
-    if (S_ISDIR(status.st_mode)) return "it is a folder";
-    return S_ISREG(status.st_mode) ? "" : "it is no regular file";
-}
-
 StreamTables importScene(const AssimpLibrary& assimp, const std::string& path,
                          void (*reads)(std::uint64_t bytes)) {
     StreamTables tables;
-    tables.failure = faultOf(path);
-    if (!tables.failure.empty()) return tables;
     aiPropertyStore* const settings = assimp.aiCreatePropertyStore();
     // Otherwise each FBX pivot is a node more, with a name that nobody gave it.
     assimp.aiSetImportPropertyInteger(settings, AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, 0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
+#include "formats/dxf_scene.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "mesh/check.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fcntl.h>
+#include <iomanip>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -99,6 +101,72 @@ TEST_F(ImportMesh, KeepsWhatTheFileHas) {
     EXPECT_EQ(import(path, Choice::yes), "");
     EXPECT_EQ(OB->nmat, materials + 1);
     EXPECT_EQ(check(*OB), nullptr);
+}
+
+// One pair a word: "code:value".
+std::string dxfText(const std::string& pairs) {
+    std::istringstream words(pairs);
+    std::string text;
+    for (std::string word; words >> word;) {
+        text += word.replace(word.find(':'), 1, "\n") + "\n";
+    }
+    return text;
+}
+
+TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
+    const std::string box =
+        "0:SECTION 2:BLOCKS 0:BLOCK 2:tile 10:1 20:1 30:0 0:3DFACE 8:0 62:0 10:1 20:1 "
+        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:loop "
+        "0:ENDBLK 0:ENDSEC 0:SECTION 2:ENTITIES ";
+    const std::string vertexes = "0:VERTEX 70:192 10:0 0:VERTEX 70:192 10:1 0:VERTEX 70:192 20:1 ";
+    const std::string square = "0:VERTEX 10:0 0:VERTEX 20:1 0:VERTEX 10:1 0:VERTEX 10:1 20:1 ";
+    const struct {
+        std::string pairs;
+        const char* faces; ///< group, material, colour and corners of each
+        const char* note;
+    } rows[] = {
+        {"0:3DFACE 8:a 62:1 10:0 11:1 12:1 22:1 13:1 23:1", "default a ff0000 0,0,0 1,0,0 1,1,0; ",
+         ""},
+        {"0:LAYER 2:a 420:1122867 0:SOLID 8:a 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
+         "0:LINE",
+         "default a 112233 0,0,0 1,0,0 1,1,0 0,1,0; ", "left out as no surface: 2 LINE, 1 TEXT"},
+        {"0:POLYLINE 70:64 " + vertexes
+             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2",
+         "default 0 ffffff 0,0,0 1,0,0 0,1,0; ", "left out as no surface: 1 face without area"},
+        {"0:POLYLINE 70:16 71:2 72:2 " + square, "default 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ", ""},
+        {"0:POLYLINE 70:16 71:3 72:2 " + square + "0:3DFACE 10:5 11:6 22:7",
+         "default 0 ffffff 5,0,0 6,0,0 0,7,0; ", "left out as no surface: 1 POLYLINE"},
+        {"0:MESH 92:3 10:0 10:1 10:1 20:1 93:8 90:3 90:0 90:1 90:2 90:3 90:0 90:1 90:9 94:1 90:3 "
+         "90:3 90:0",
+         "default 0 ffffff 0,0,0 1,0,0 1,1,0; ", "left out as no surface: 1 face of a MESH"},
+        {box
+             + "0:INSERT 8:b 62:3 2:tile 10:5 41:2 50:90 70:2 44:-10 0:INSERT 2:none 0:INSERT "
+               "2:loop",
+         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
+         "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
+        {box + "0:INSERT 2:tile 43:-1 42:-1 210:0 220:0 230:-1",
+         "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
+    };
+    for (const auto& row : rows) {
+        const std::string text = dxfText(row.pairs);
+        const StreamTables tables = dxfTables(text);
+        std::ostringstream faces;
+        const StreamCorner* corner = tables.corners.data();
+        for (const StreamFace& face : tables.faces) {
+            faces << tables.groups[face.group] << ' ' << tables.materials[face.material] << ' '
+                  << std::hex << std::setw(6) << std::setfill('0') << tables.colors[face.material];
+            for (int k = 0; k < face.corners; ++k, ++corner) {
+                const Vec3& p = tables.points[corner->point];
+                faces << ' ' << std::round(p.x) << ',' << std::round(p.y) << ',' << std::round(p.z);
+            }
+            faces << "; ";
+        }
+        const std::string note = tables.notes.empty() ? "" : tables.notes[0];
+        EXPECT_EQ(faces.str() + note + tables.failure, row.faces + std::string(row.note));
+    }
+    const std::string path = folder.write("a.dxf", dxfText(rows[1].pairs));
+    EXPECT_EQ(import(path), "");
+    EXPECT_EQ(std::tuple(OB->nf, OB->np, OB->materials[0].color), std::tuple(1, 4, 0x112233U));
 }
 
 TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
