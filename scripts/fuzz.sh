@@ -21,7 +21,7 @@ for target in "${targets[@]}"; do
     seeds=()
     if [[ -d fuzz/corpus/${target%_fuzz} ]]; then seeds=("fuzz/corpus/${target%_fuzz}"); fi
     echo "== fuzzing: $target for $seconds s"
-    if ! "build/fuzz/fuzz/$target" "-max_total_time=$seconds" -timeout=20 -max_len=4096 \
+    if ! "build/fuzz/fuzz/$target" "-max_total_time=$seconds" -timeout=60 -max_len=1048576 \
         -print_final_stats=1 "-artifact_prefix=build/fuzz/$target-" \
         "$corpus" "${seeds[@]}" >"$scratch/log" 2>&1; then
         tail -n 100 "$scratch/log"
