@@ -5,6 +5,7 @@
 #include "mesh/mesh.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace polyfab {
 
@@ -32,7 +33,7 @@ struct DisplayOptions {
     bool renderedEdgesChosen = false;
     double lightFromRight = 30; ///< 335: degrees by which the light comes from beside the viewer
     double lightFromAbove = 40;
-    std::uint32_t renderBackground = 0xFFFAFAF7; ///< 355
+    std::optional<std::uint32_t> renderBackground{}; ///< 355; none: that of the wires
 };
 
 inline DisplayOptions displayOptions;

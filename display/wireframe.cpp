@@ -210,7 +210,8 @@ void drawMarkedEdges(const Mesh& mesh, const Pane& pane) {
 }
 
 void drawSolid(const Mesh& mesh, const Pane& pane) {
-    const std::uint32_t color = 0xFF000000 | displayOptions.renderBackground;
+    const std::uint32_t color =
+        0xFF000000 | displayOptions.renderBackground.value_or(look.background);
     fillRectangle(pane.picture, pane.start, 0, {pane.canvas.width, pane.canvas.height}, color);
     drawGrid(pane);
     drawShaded(mesh, pane);

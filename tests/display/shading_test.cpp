@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/cut_face.h"
+#include "display/look.h"
 #include "display/shading.h"
 #include "picture/workers.h"
 #include "tests/display/pane_fixture.h"
@@ -97,7 +98,7 @@ TEST_F(Shading, ABallHasTheBrightnessThatItsNormalsGiveIt) {
                                  + near * std::cos(M_PI / 6) * std::cos(M_PI / 4.5);
             const int grey = int(std::floor(128 * (0.25 + 0.75 * std::max(light, 0.0)) + 0.5));
             const std::uint32_t pixel = at(picture, (left ? 0 : panes.rightStart) + x, y);
-            if ((pixel != displayOptions.renderBackground) != (square >= 0)) {
+            if ((pixel != look.background) != (square >= 0)) {
                 ++differ;
             } else if (square >= 0) {
                 ASSERT_NEAR(int(pixel & 255), grey, 1) << x << ' ' << y;
