@@ -179,8 +179,9 @@ void findCosines(const Vec3& light) {
 
 std::uint32_t pixelOf(const Color& color, double cosine) {
     const float bright = 0.25F + 0.75F * static_cast<float>(cosine > 0 ? cosine : 0);
+    constexpr float half = 0.5F; // to the nearest, as nothing is below 0
     const auto channel = [&](std::size_t i) {
-        return static_cast<std::uint32_t>(color[i] * bright + 0.5F);
+        return static_cast<std::uint32_t>(color[i] * bright + half);
     };
     return 0xFF000000 | channel(0) << 16 | channel(1) << 8 | channel(2);
 }

@@ -373,7 +373,7 @@ Shape cut(const Shape& shape, double Flat::*u, double bound) {
 }
 
 Shape withinReach(const ScreenCorner (&corner)[3]) {
-    constexpr double bound = RasterPoint::reach / one;
+    constexpr double bound = RasterPoint::reach / double{one};
     Shape shape;
     for (const ScreenCorner& c : corner) shape.add({c.x, c.y});
     for (double Flat::*const u : {&Flat::x, &Flat::y}) shape = cut(cut(shape, u, bound), u, -bound);
