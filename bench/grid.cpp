@@ -3,9 +3,14 @@
 
 #include "mesh/mesh.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
+#include <numeric>
+#include <random>
+#include <vector>
 
 namespace polyfab::bench {
 namespace {
@@ -95,6 +100,20 @@ void buildGridMesh(std::int64_t triangles) {
         }
         OB->addFaceByCorners(corners, 3);
     });
+}
+
+void shuffleMesh(Mesh& mesh) {
+    std::mt19937 random(1);
+    std::vector<std::size_t> place(static_cast<std::size_t>(mesh.np));
+    std::iota(place.begin(), place.end(), 0);
+    std::shuffle(place.begin(), place.end(), random);
+    const std::vector<Point> points(mesh.points, mesh.points + mesh.np);
+    for (std::size_t i = 0; i < place.size(); ++i) mesh.points[place[i]] = points[i];
+    for (int k = 0; k < mesh.nq; ++k) {
+        Point*& point = mesh.corners[k].p;
+        point = mesh.points + place[static_cast<std::size_t>(point - mesh.points)];
+    }
+    std::shuffle(mesh.faces, mesh.faces + mesh.nf, random);
 }
 
 } // namespace polyfab::bench

@@ -3,6 +3,8 @@
 // texture coordinates and normals, one of each for every point.
 #pragma once
 
+#include "mesh/mesh.h"
+
 #include <cstdint>
 #include <string>
 
@@ -17,5 +19,8 @@ namespace polyfab::bench {
 
 /// Makes OB the grid, in place of what it held.
 void buildGridMesh(std::int64_t triangles);
+
+/// Puts points and faces in random order: the worst that a file can do.
+void shuffleMesh(Mesh& mesh);
 
 } // namespace polyfab::bench

@@ -11,12 +11,6 @@
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <numeric>
-#include <random>
-#include <vector>
-
 namespace polyfab::bench {
 namespace {
 
@@ -27,20 +21,6 @@ void showGrid(std::int64_t triangles) {
     resizeView(client);
     fitView(*OB);
     stale = Stale();
-}
-
-void shuffleMesh(Mesh& mesh) {
-    std::mt19937 random(1);
-    std::vector<std::size_t> place(static_cast<std::size_t>(mesh.np));
-    std::iota(place.begin(), place.end(), 0);
-    std::shuffle(place.begin(), place.end(), random);
-    const std::vector<Point> points(mesh.points, mesh.points + mesh.np);
-    for (std::size_t i = 0; i < place.size(); ++i) mesh.points[place[i]] = points[i];
-    for (int k = 0; k < mesh.nq; ++k) {
-        Point*& point = mesh.corners[k].p;
-        point = mesh.points + place[static_cast<std::size_t>(point - mesh.points)];
-    }
-    std::shuffle(mesh.faces, mesh.faces + mesh.nf, random);
 }
 
 void transform(benchmark::State& state) {

@@ -26,6 +26,7 @@ struct Markers {
     PaneRectangle rectangle{};
     std::span<const std::int32_t> corners{}; ///< points of a face that is not made yet
     std::span<const Segment> preview{};      ///< of what is about to be made
+    bool dragging = false;                   ///< pictures follow each other as the mouse moves
 };
 
 } // namespace polyfab

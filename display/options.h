@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the wireframe shows: the switches of the display menu.
+// What the panes show: the switches of the display menu and the settings of the rendering menu.
 #pragma once
 
 #include "mesh/mesh.h"
+
+#include <cstdint>
+#include <optional>
 
 namespace polyfab {
 
@@ -22,9 +25,22 @@ struct DisplayOptions {
     bool numbers = false;          ///< 1033: of faces and vertexes
     bool smoothLines = true;       ///< 2005: where there are not too many
     bool paneNames = true;         ///< 2006: name and attitude in the corners of the panes
+    bool renderLeft = false;       ///< 330: the pane is shaded, not a wireframe
+    bool renderRight = false;      ///< 331
+    bool renderChosen = false;     ///< the user has said which panes are
+    bool renderSmooth = true;      ///< 333, or else flat: 332
+    bool renderedEdges = true;     ///< 2004: the edges of faces on shaded panes
+    bool renderedEdgesChosen = false;
+    double lightFromRight = 30; ///< 335: degrees by which the light comes from beside the viewer
+    double lightFromAbove = 40;
+    std::optional<std::uint32_t> renderBackground{}; ///< 355; none: that of the wires
 };
 
 inline DisplayOptions displayOptions;
+
+[[nodiscard]] inline bool isRendered(bool leftPane) {
+    return leftPane ? displayOptions.renderLeft : displayOptions.renderRight;
+}
 
 /// Area in square pixels that the face takes in the pane, negative for one that runs anticlockwise
 /// there.

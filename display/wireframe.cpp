@@ -8,6 +8,9 @@
 #include "display/options.h"
 #include "display/overlay.h"
 #include "display/pane.h"
+#include "display/pane_images.h"
+#include "display/shaded_edges.h"
+#include "display/shading.h"
 #include "display/view.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
@@ -33,10 +36,16 @@ constexpr unsigned ofLeft = 1;  ///< not in the left pane
 constexpr unsigned ofRight = 2; ///< not in the right one
 constexpr unsigned tooFar = 4;  ///< the pixels are not where the point is
 
+/// What is up to date in the list of edges: panes that are all shaded leave it as it is.
+enum class Listed : std::uint8_t { nothing, edges, all };
+
 struct Wireframe {
     Bitmap picture;
     DrawnEdges edges;
+    Listed listed = Listed::nothing;
     std::vector<PanePoint> points;
+    bool isDraft = false;
+    double fullSeconds = 0; ///< what the last picture with shaded panes took that was no draft
 };
 
 Wireframe wireframe;
@@ -185,22 +194,79 @@ void clearPicture(Bitmap& picture, const Panes& panes) {
     }
 }
 
+/// Of the edges, those that are marked show through no face.
+void drawMarkedEdges(const Mesh& mesh, const Pane& pane) {
+    const unsigned shown = pane.left ? edgemark::inLeft : edgemark::inRight;
+    const auto draw = [&](const Stroke& stroke, unsigned mark, unsigned value) {
+        const Layer layer{stroke, shown | mark, shown | value};
+        if (!wireframe.edges.has(layer.mask, layer.value)) return;
+        forEachInView(pane, layer, [&](std::uint32_t from, std::uint32_t to) {
+            drawSeenLine(pane, mesh.points[from], mesh.points[to], stroke);
+            return true;
+        });
+    };
+    if (displayOptions.looseEdges) draw(look.loose, edgemark::shared, 0);
+    if (displayOptions.badEdges) draw(look.bad, edgemark::bad, edgemark::bad);
+}
+
+void drawSolid(const Mesh& mesh, const Pane& pane) {
+    const std::uint32_t color =
+        0xFF000000 | displayOptions.renderBackground.value_or(look.background);
+    fillRectangle(pane.picture, pane.start, 0, {pane.canvas.width, pane.canvas.height}, color);
+    drawGrid(pane);
+    drawShaded(mesh, pane);
+    if (displayOptions.renderedEdges) drawFaceEdges(mesh, pane);
+    drawTint(mesh, pane);
+    drawMarkedEdges(mesh, pane);
+}
+
+void drawWires(const Mesh& mesh, const Pane& pane) {
+    drawGrid(pane);
+    drawTint(mesh, pane);
+    drawLayers(mesh, pane);
+}
+
+bool needsEdges() {
+    const DisplayOptions& options = displayOptions;
+    return !options.renderLeft || !options.renderRight || options.badEdges || options.looseEdges;
+}
+
 void draw(Mesh& mesh, const Markers& markers) {
     const Panes panes = panesOf(view.client);
     clearPicture(wireframe.picture, panes);
     if (wireframe.picture.pixels.empty()) return;
-    wireframe.points.resize(static_cast<std::size_t>(mesh.np));
-    std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
-                   [&](const Point& p) { return panePoint(p, panes); });
+    if (needsEdges()) {
+        wireframe.points.resize(static_cast<std::size_t>(mesh.np));
+        std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
+                       [&](const Point& p) { return panePoint(p, panes); });
+    }
     for (const bool left : {true, false}) {
         Pane pane = makePane(wireframe.picture, left);
-        pane.smooth = displayOptions.smoothLines && !hasTooManyEdges(pane);
-        drawGrid(pane);
-        drawTint(mesh, pane);
-        drawLayers(mesh, pane);
+        const bool solid = isRendered(left);
+        pane.smooth = displayOptions.smoothLines && (solid || !hasTooManyEdges(pane));
+        solid ? drawSolid(mesh, pane) : drawWires(mesh, pane);
         drawOverlay(mesh, pane, markers);
         drawPaneNames(mesh, pane);
     }
+}
+
+/// Makes ready what shaded panes need; without any it gives back what they had.
+void refreshShading(const Mesh& mesh, const Markers& markers) {
+    constexpr double slow = 0.05; // seconds
+    const bool shades = isRendered(true) || isRendered(false);
+    wireframe.isDraft = shades && markers.dragging && wireframe.fullSeconds > slow;
+    if (shades) {
+        prepareShading(mesh, stale, wireframe.isDraft);
+    } else {
+        forgetShading();
+    }
+}
+
+void refreshEdges(const Mesh& mesh) {
+    if (wireframe.listed == Listed::all) return;
+    wireframe.listed == Listed::edges ? markSelected(mesh, wireframe.edges)
+                                      : listEdges(mesh, wireframe.edges);
+    wireframe.listed = Listed::all;
 }
 
 /// Brings everything up to date. A list of edges made for another number of points would lead
@@ -212,13 +278,26 @@ void refresh(Mesh& mesh, Size client, const Markers& markers) {
     if (stale.points) transformPoints(mesh);
     stale.edges |= stale.points && displayOptions.hideFacingAway;
     if (stale.edges || wireframe.edges.first.size() != static_cast<std::size_t>(mesh.np) + 1) {
-        listEdges(mesh, wireframe.edges);
-    } else if (stale.selection) {
-        markSelected(mesh, wireframe.edges);
+        wireframe.listed = Listed::nothing;
+    } else if (stale.selection && wireframe.listed == Listed::all) {
+        wireframe.listed = Listed::edges;
     }
+    if (needsEdges()) refreshEdges(mesh);
     updateLook();
+    const double start = platform().workSeconds();
+    refreshShading(mesh, markers);
     draw(mesh, markers);
+    if (!wireframe.isDraft) wireframe.fullSeconds = platform().workSeconds() - start;
     stale = {false, false, false, false};
+}
+
+/// Without memory for shaded panes there are wires.
+bool giveUpShading() {
+    if (!isRendered(true) && !isRendered(false)) return false;
+    displayOptions.renderLeft = displayOptions.renderRight = false;
+    forgetShading();
+    platform().note("I can't get enough memory to render");
+    return true;
 }
 
 } // namespace
@@ -231,10 +310,13 @@ const Bitmap& drawPanes(Mesh& mesh, Size client, const Markers& markers) {
     try {
         refresh(mesh, client, markers);
     } catch (const std::bad_alloc&) {
-        wireframe.picture = Bitmap();
         stale = Stale();
+        if (giveUpShading()) return drawPanes(mesh, client, markers);
+        wireframe.picture = Bitmap();
     }
     return wireframe.picture;
 }
+
+bool pictureIsDraft() { return wireframe.isDraft; }
 
 } // namespace polyfab

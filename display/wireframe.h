@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The wireframe picture of the mesh in both panes.
+// The picture of the mesh in both panes, wireframe or shaded.
 #pragma once
 
 #include "display/markers.h"
@@ -12,7 +12,11 @@ namespace polyfab {
 /// layout when the size is another one), lowers the flags and draws; with nothing stale it only
 /// returns the picture it has. What it shows besides is for displayOptions to say; whoever changes
 /// that or the markers raises a flag too. The picture is valid until the next call. When memory
-/// runs out it is empty and the flags stay raised.
+/// runs out it is empty and the flags stay raised; if that was for shaded panes, a note says so and
+/// they are wireframes from then on. While the mouse drags, shaded panes that take long are drafts.
 [[nodiscard]] const Bitmap& drawPanes(Mesh& mesh, Size client, const Markers& markers = {});
+
+/// Whether the last picture is a draft, to be drawn anew when the mouse rests.
+[[nodiscard]] bool pictureIsDraft();
 
 } // namespace polyfab

@@ -7,6 +7,7 @@
 #include "editor/commands/face.h"
 #include "editor/commands/make.h"
 #include "editor/commands/recent.h"
+#include "editor/commands/rendering.h"
 #include "editor/commands/selection.h"
 #include "editor/commands/split_by_box.h"
 #include "editor/commands/transform_by.h"
@@ -386,13 +387,15 @@ constexpr auto table = std::to_array<Command>({
      [] { navigateByKey(key::fullStop); }},
     {1034, display, "show the pane backgroun&ds", later},
 
-    {330, rendering, "&render the left pane", later},
-    {331, rendering, "render the r&ight pane", later},
-    {332, rendering, "render &flat", later},
-    {333, rendering, "render &smooth", later},
+    {330, rendering, "&render the left pane", toggleRendered<true>, paneIsRendered<true>, "F5"},
+    {331, rendering, "render the r&ight pane", toggleRendered<false>, paneIsRendered<false>, "F6"},
+    {332, rendering, "render &flat", renderFlat, rendersFlat},
+    {333, rendering, "render &smooth", renderSmooth, rendersSmooth},
+    {2004, rendering, "show the &edges on rendered panes", toggleRenderedEdges,
+     renderedEdgesAreShown},
     {334, rendering, "render with &texture maps", later},
-    {335, rendering, "set the &light", later},
-    {355, rendering, "set the background &colour", later},
+    {335, rendering, "set the &light", setLight},
+    {355, rendering, "set the background &colour", setRenderBackground},
     {410, rendering, "read &background image of left pane", later},
     {345, rendering, "read background image of right &pane", later},
     {336, rendering, "select texture map &0", later},

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/report.h"
 
+#include "display/options.h"
 #include "editor/command_table.h"
+#include "editor/commands/rendering.h"
 #include "editor/commands/selection.h"
 #include "editor/editor_state.h"
 #include "editor/json_pieces.h"
@@ -128,6 +130,8 @@ std::string stateJson() {
     state["history"] = editor.buttons;
     state["mouse"] = vector(editor.mouse);
     state["checks"] = commandsChecked();
+    state["light"] = {displayOptions.lightFromRight, displayOptions.lightFromAbove};
+    state["background"] = renderBackground();
     state["storeBlocks"] = storeBlocks();
     return line(state);
 }

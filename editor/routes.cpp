@@ -72,17 +72,21 @@ void onLookChange(const Event&) {
     platform().requestPaint();
 }
 
-void onKeysLost(const Event&) { clearKeys(); }
-
 void onMenuOpening(const Event&) {
     clearKeys();
     updateGreying();
 }
 
+bool mouseDrags() { return dragRuns() || drags.ofMiddle != nullptr; }
+
 void onPaint(const Event&) {
-    const Markers markers{workbench.currentEdgeFace, workbench.currentEdgeCorner,
-                          workbench.settable,        editorState.rectangle,
-                          editorState.newFace,       workbench.preview};
+    const Markers markers{workbench.currentEdgeFace,
+                          workbench.currentEdgeCorner,
+                          workbench.settable,
+                          editorState.rectangle,
+                          editorState.newFace,
+                          workbench.preview,
+                          mouseDrags()};
     platform().present(drawPanes(*OB, platform().clientSize(), markers));
 }
 
@@ -98,7 +102,13 @@ void onKeyUp(const Event& event) {
 }
 
 void repaintIfStale() {
+    stale.picture |= pictureIsDraft() && !mouseDrags();
     if (stale.points || stale.edges || stale.picture) platform().requestPaint();
+}
+
+void onKeysLost(const Event&) {
+    clearKeys();
+    repaintIfStale();
 }
 
 /// What Escape does: a drag that runs is taken back before the corners of a new face are.

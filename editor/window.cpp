@@ -5,6 +5,7 @@
 
 #include "editor/command_table.h"
 #include "editor/commands/recent.h"
+#include "editor/commands/rendering.h"
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/menus.h"
@@ -109,13 +110,15 @@ bool mayChangeMesh(const Event& event) {
     return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
 }
 
+bool readsMesh(const Event& event) {
+    const Command* const command = commandOf(event);
+    return command != nullptr
+           && (command->escape == Escape::stopsReading || command->id == commandid::importMesh);
+}
+
 /// Most who read a mesh look at it first, and some do no more.
 Snap snapAfter(const Event& event) {
-    const Command* const command = commandOf(event);
-    if (command == nullptr) return Snap::now;
-    const bool reads =
-        command->escape == Escape::stopsReading || command->id == commandid::importMesh;
-    return reads ? Snap::beforeTheNextChange : Snap::now;
+    return readsMesh(event) ? Snap::beforeTheNextChange : Snap::now;
 }
 
 /// What may have become another in the mesh by this, or by the drag or in the list that it ends.
@@ -230,7 +233,10 @@ void handleEvent(const Event& event) {
         recordStep(step.empty() ? named : std::string(step), snapAfter(event),
                    changedBy(event, listed));
     }
-    if (ended || movesInHistory(event)) countFaces();
+    if (ended || movesInHistory(event)) {
+        countFaces();
+        suitRendering(readsMesh(event));
+    }
     if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
     teller.tell(altered);
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();

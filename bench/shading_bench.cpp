@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Shading the mesh in the panes of a window of 1920x1000 pixels while it turns: the left pane,
+// both, and after an edit, when the triangles are listed anew. On one thread but for the rows that
+// say otherwise.
+#include "bench/grid.h"
+#include "bench/growth.h"
+#include "display/options.h"
+#include "display/pane.h"
+#include "display/shading.h"
+#include "display/wireframe.h"
+#include "mesh/screen_positions.h"
+#include "mesh/stale.h"
+#include "picture/workers.h"
+
+namespace polyfab::bench {
+namespace {
+
+constexpr Size client{1920, 1000};
+
+struct Scene {
+    bool smooth = true;
+    bool shuffled = false;
+    int threads = 1;
+};
+
+/// The mesh at a slant.
+void showGrid(std::int64_t triangles, const Scene& scene) {
+    setWorkers(scene.threads);
+    displayOptions = {.renderLeft = true, .renderRight = true, .renderSmooth = scene.smooth};
+    displayOptions.renderedEdges = false;
+    buildGridMesh(triangles);
+    if (scene.shuffled) shuffleMesh(*OB);
+    view.client = client;
+    resetView();
+    turnView(1, 0.6, true);
+    turnView(0, 0.5, true);
+    fitView(*OB);
+    stale = Stale();
+    benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+}
+
+void endScene(benchmark::State& state) {
+    showRate(state, "triangles", OB->nf);
+    displayOptions = {};
+    setWorkers(0);
+}
+
+void drawLeft(Bitmap& picture) {
+    turnView(1, 0.001, true);
+    transformPoints(*OB);
+    prepareShading(*OB, {.points = true, .edges = false, .picture = false}, false);
+    drawShaded(*OB, makePane(picture, true));
+}
+
+template <bool smooth, bool shuffled>
+void onePane(benchmark::State& state) {
+    showGrid(state.range(0), {smooth, shuffled});
+    Bitmap picture{client.width, client.height, {}};
+    picture.pixels.resize(std::size_t(client.width) * std::size_t(client.height));
+    for (auto _ : state) drawLeft(picture);
+    endScene(state);
+}
+
+template <bool smooth, int threads>
+void bothPanes(benchmark::State& state) {
+    showGrid(state.range(0), {smooth, false, threads});
+    for (auto _ : state) {
+        turnView(1, 0.001, true);
+        benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    }
+    endScene(state);
+}
+
+/// The next picture after faces have changed.
+template <bool shuffled>
+void edited(benchmark::State& state) {
+    showGrid(state.range(0), {true, shuffled});
+    for (auto _ : state) {
+        forgetShading();
+        stale.edges = true;
+        benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
+    }
+    endScene(state);
+}
+
+} // namespace
+} // namespace polyfab::bench
+
+int main(int argc, char** argv) {
+    using namespace polyfab::bench;
+    constexpr std::int64_t quarter = 250'632; // 1,002,528 in the larger one
+    addGrowth("one pane flat", onePane<false, false>, quarter);
+    addGrowth("one pane smooth", onePane<true, false>, quarter);
+    addGrowth("one pane flat, shuffled mesh", onePane<false, true>, quarter);
+    addGrowth("one pane smooth, shuffled mesh", onePane<true, true>, quarter);
+    addGrowth("both panes flat", bothPanes<false, 1>, quarter);
+    addGrowth("both panes smooth", bothPanes<true, 1>, quarter);
+    addGrowth("both panes smooth, two threads", bothPanes<true, 2>, quarter);
+    addGrowth("both panes smooth, after an edit", edited<false>, quarter);
+    addGrowth("both panes smooth, after an edit, shuffled mesh", edited<true>, quarter);
+    return runGrowth(argc, argv);
+}

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/commands/rendering.h"
+
+#include "display/look.h"
+#include "display/options.h"
+#include "editor/editor_state.h"
+#include "editor/menus.h"
+#include "io/print_number.h"
+#include "mesh/stale.h"
+#include "platform/platform.h"
+#include "workbench/notes.h"
+#include "workbench/prompts.h"
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+std::string shortly(double number) {
+    char text[numberRoom];
+    return {text, printG6(text, number, 0)};
+}
+
+void setSmooth(bool smooth) {
+    displayOptions.renderSmooth = smooth;
+    stale.picture = true;
+}
+
+void refuse(const char* title, const char* why) {
+    platform().message(title, why, Icon::exclamation);
+}
+
+} // namespace
+
+template <bool left>
+void toggleRendered() {
+    bool& rendered = left ? displayOptions.renderLeft : displayOptions.renderRight;
+    rendered = !rendered;
+    displayOptions.renderChosen = true;
+    stale.picture = true;
+}
+template void toggleRendered<true>();
+template void toggleRendered<false>();
+
+template <bool left>
+bool paneIsRendered() {
+    return isRendered(left);
+}
+template bool paneIsRendered<true>();
+template bool paneIsRendered<false>();
+
+void renderFlat() { setSmooth(false); }
+void renderSmooth() { setSmooth(true); }
+bool rendersFlat() { return !displayOptions.renderSmooth; }
+bool rendersSmooth() { return displayOptions.renderSmooth; }
+
+void toggleRenderedEdges() {
+    displayOptions.renderedEdges = !displayOptions.renderedEdges;
+    displayOptions.renderedEdgesChosen = true;
+    stale.picture = true;
+}
+bool renderedEdgesAreShown() { return displayOptions.renderedEdges; }
+
+void setLight() {
+    double right = displayOptions.lightFromRight, above = displayOptions.lightFromAbove;
+    const bool answered =
+        askNumbers2("how many degrees from the right does the light come?", shortly(right), right,
+                    "how many degrees from above?", shortly(above), above)
+        != 0;
+    if (prompts.cancelled) return;
+    if (!answered || !(std::abs(right) <= 180 && std::abs(above) <= 90)) {
+        return refuse("light", "I need angles from -180 to 180 and from -90 to 90");
+    }
+    displayOptions.lightFromRight = right;
+    displayOptions.lightFromAbove = above;
+    stale.picture = true;
+}
+
+std::string renderBackground() {
+    char digits[16];
+    const std::uint32_t color = displayOptions.renderBackground.value_or(look.background);
+    std::snprintf(digits, sizeof digits, "%06X", color & 0xFFFFFFU);
+    return digits;
+}
+
+void setRenderBackground() {
+    askText("background colour of rendered panes? (RRGGBB)", renderBackground());
+    if (prompts.cancelled) return;
+    const std::string answer = prompts.answer[0];
+    if (answer.size() != 6
+        || answer.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+        return refuse("background colour", "I need six hexadecimal digits, such as FAFAF7");
+    }
+    displayOptions.renderBackground = static_cast<std::uint32_t>(std::stoul(answer, nullptr, 16));
+    stale.picture = true;
+}
+
+void suitRendering(bool wasRead) {
+    constexpr std::int64_t mostWithEdges = 50'000, mostAsWires = 100'000;
+    const std::int64_t faces = editorState.faces.live;
+    DisplayOptions& options = displayOptions;
+    const DisplayOptions before = options;
+    if (!options.renderedEdgesChosen) options.renderedEdges = faces <= mostWithEdges;
+    const bool solid = wasRead && faces > mostAsWires && !options.renderChosen;
+    if (solid && !(options.renderLeft && options.renderRight)) {
+        options.renderLeft = options.renderRight = true;
+        note("rendered, as wires would be one solid patch: F5 and F6 change that");
+    }
+    if (options.renderLeft == before.renderLeft && options.renderedEdges == before.renderedEdges) {
+        return;
+    }
+    stale.picture = true;
+    updateCheckMarks();
+    platform().requestPaint();
+}
+
+} // namespace polyfab

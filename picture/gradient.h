@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A value that runs evenly over a triangle of the screen.
+#pragma once
+
+#include <algorithm>
+
+namespace polyfab {
+
+/// A corner as the picture has it, in pixels; whole numbers are pixel middles.
+struct ScreenCorner {
+    double x, y;
+    double depth; ///< the lower, the nearer to the viewer
+};
+
+/// The value at a pixel. Between the corners it can't leave the range of theirs; what rounding
+/// makes of a sliver is brought back into it.
+struct Gradient {
+    double base, right, down; ///< at (0, 0), and what is added for each pixel
+    double low, high;
+
+    double inRow(double y) const { return base + down * y; }
+    double at(double x, double row) const {
+        const double value = row + right * x;
+        return value < low ? low : value > high ? high : value;
+    }
+};
+
+/// The gradient of these values at the corners, whose area must not be 0. The corners count in
+/// this order: with another one the last digits may differ.
+[[nodiscard]] inline Gradient gradientOver(const ScreenCorner (&c)[3], double v0, double v1,
+                                           double v2) {
+    const double x1 = c[1].x - c[0].x, y1 = c[1].y - c[0].y;
+    const double x2 = c[2].x - c[0].x, y2 = c[2].y - c[0].y;
+    const double share = 1 / (x1 * y2 - x2 * y1);
+    const double right = ((v1 - v0) * y2 - (v2 - v0) * y1) * share;
+    const double down = ((v2 - v0) * x1 - (v1 - v0) * x2) * share;
+    return {v0 - right * c[0].x - down * c[0].y, right, down, std::min({v0, v1, v2}),
+            std::max({v0, v1, v2})};
+}
+
+} // namespace polyfab
