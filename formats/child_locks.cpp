@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <linux/audit.h>
+#include <linux/capability.h>
 #include <linux/filter.h>
 #include <linux/landlock.h>
 #include <linux/seccomp.h>
@@ -213,6 +214,19 @@ bool callsCanBeLocked() {
     return machine != 0 && ::syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
 }
 
+// Privileges.
+
+/// Root keeps what reads the files of all users, and loses what would lift limits, mount and trace.
+void dropPrivileges() {
+    constexpr unsigned kept = 1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH;
+    __user_cap_header_struct head = {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
+    if (::syscall(SYS_capget, &head, sets) != 0) return;
+    sets[0] = {sets[0].effective & kept, sets[0].permitted & kept, 0};
+    sets[1] = {};
+    ::syscall(SYS_capset, &head, sets);
+}
+
 // Limits.
 
 void limit(int resource, rlim_t value) {
@@ -238,6 +252,7 @@ std::uint64_t mostMemory() {
 
 void lockIn(const Reach& reach) {
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    dropPrivileges();
     lockFiles(reach);
     lockCalls();
 }
@@ -248,7 +263,10 @@ std::uint64_t limitMemory(std::uint64_t bytes) {
     static const std::uint64_t most = mostMemory();
     bytes = std::min(bytes, most);
 #if !defined(POLYFAB_SANITIZE) // whose shadow memory is larger than any limit
-    const rlimit both = {present + bytes, present + most};
+    rlimit both{};
+    static_cast<void>(::getrlimit(RLIMIT_AS, &both));
+    both.rlim_max = std::min<rlim_t>(both.rlim_max, present + most);
+    both.rlim_cur = std::min<rlim_t>(both.rlim_max, present + bytes);
     static_cast<void>(::setrlimit(RLIMIT_AS, &both));
 #endif
     return bytes;
@@ -271,7 +289,7 @@ std::string locksHere() {
            "  files: "
            + files + "\n  system calls: "
            + (callsCanBeLocked() ? "seccomp, with a list of those allowed" : "not locked")
-           + "\n  no new privileges; limits for memory, time, file size and open files\n";
+           + "\n  no privileges; limits for memory, time, file size and open files\n";
 }
 
 } // namespace polyfab

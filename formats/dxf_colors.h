@@ -20,7 +20,8 @@ namespace polyfab {
     if (number < 0 || number > 255) return named[7];
     if (number < 10) return named[number];
     if (number >= 250) return greys[number - 250];
-    const double hue = (number - 10) / 10 * 0.25; // of the six sides of the circle
+    const int step = (number - 10) / 10;
+    const double hue = step * 0.25; // of the six sides of the circle
     const double brightness = brightnesses[number % 10 / 2];
     std::uint32_t color = 0;
     for (const double middle : {0.0, 2.0, 4.0}) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -40,14 +41,21 @@ bool runsProgram() {
     return false;
 }
 
+bool raisesLimit(__rlimit_resource resource) {
+    const rlimit both = {RLIM_INFINITY, RLIM_INFINITY};
+    return ::setrlimit(resource, &both) == 0;
+}
+
 TEST(ChildLocks, NothingIsReachedButTheOwnFolder) {
     const test::TempFolder folder;
     for (const char* const name : {"own", "own/below", "scratch"}) {
         ::mkdir(folder.path(name).c_str(), 0700);
     }
     const std::string named = folder.write("named", "x");
-    for (const char* const name : {"outside", "own/file", "own/below/file"})
+    for (const char* const name : {"outside", "own/file", "own/below/file", "own/others"})
         folder.write(name, "x");
+    const std::string others = folder.path("own/others");
+    const bool isOthers = ::chown(others.c_str(), 1, 1) == 0;
     ASSERT_EQ(::symlink("../outside", folder.path("own/link").c_str()), 0);
     const Reach reach = {{folder.path("own"), named}, folder.path("scratch")};
     const struct {
@@ -56,6 +64,7 @@ TEST(ChildLocks, NothingIsReachedButTheOwnFolder) {
         bool allowed;
     } files[] = {{"own/file", O_RDONLY, true},
                  {"own/below/file", O_RDONLY, true},
+                 {"own/others", O_RDONLY, true},
                  {"named", O_RDONLY, true},
                  {"scratch/new", O_RDWR | O_CREAT, true},
                  {"outside", O_RDONLY, false},
@@ -69,6 +78,8 @@ TEST(ChildLocks, NothingIsReachedButTheOwnFolder) {
         const auto attempt = [&] { return opens(folder.path(row.name), row.flags); };
         EXPECT_EQ(succeeds(reach, attempt), row.allowed || !lock) << row.name << ' ' << row.flags;
     }
+    // Root reads it all the same, but has no rights of its owner.
+    EXPECT_EQ(succeeds(reach, [&] { return opens(others, O_RDONLY | O_NOATIME); }), !isOthers);
     if (locksHere().find("seccomp") == std::string::npos) return;
     bool (*const attempts[])() = {runsProgram,
                                   [] { return ::socket(AF_INET, SOCK_STREAM, 0) >= 0; },
@@ -77,6 +88,7 @@ TEST(ChildLocks, NothingIsReachedButTheOwnFolder) {
                                   [] { return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0; },
                                   [] { return ::kill(::getppid(), 0) == 0; },
                                   [] { return ::chdir("/") == 0; },
+                                  [] { return raisesLimit(RLIMIT_FSIZE); },
                                   [] { return ::memfd_create("code", 0) >= 0; },
                                   [] {
                                       void* const page =

@@ -3,7 +3,8 @@
 //   POLYFAB_FAULT=CALL:N          the N-th (1 on) malloc, open, write, fsync, rename or close fails
 //   POLYFAB_FAULT=CALL:N:kill     the process is killed before it
 //   POLYFAB_FAULT_FILE=PATH       made when that has happened
-// Calls count from the moment when main ignores SIGPIPE: what libraries do before that is not ours.
+//   POLYFAB_FAULT_FROM=PATH       calls count from the moment when this file has been saved
+// Otherwise they count from when main ignores SIGPIPE: what libraries do before that is not ours.
 // Only this process counts, not those that it starts.
 #include <atomic>
 #include <cerrno>
@@ -32,6 +33,8 @@ std::atomic<long> left{-1}; ///< calls until the one that fails; below 0: none w
 char call[16];
 bool kills = false;
 const char* mark = nullptr;
+const char* from = nullptr;
+long first = -1;
 
 void begin() {
     const char* const fault = std::getenv("POLYFAB_FAULT");
@@ -40,7 +43,9 @@ void begin() {
     std::memcpy(call, fault, static_cast<std::size_t>(colon - fault));
     kills = std::strstr(colon, ":kill") != nullptr;
     mark = std::getenv("POLYFAB_FAULT_FILE");
-    left = std::strtol(colon + 1, nullptr, 10) - 1;
+    from = std::getenv("POLYFAB_FAULT_FROM");
+    first = std::strtol(colon + 1, nullptr, 10) - 1;
+    if (from == nullptr) left = first;
     ::unsetenv("POLYFAB_FAULT");
 }
 
@@ -106,9 +111,11 @@ ssize_t write(int file, const void* bytes, std::size_t size) {
 
 int fsync(int file) { return fails("fsync", EIO) ? -1 : int(::syscall(SYS_fsync, file)); }
 
-int rename(const char* from, const char* to) noexcept {
+int rename(const char* old, const char* to) noexcept {
     if (fails("rename", EACCES)) return -1;
-    return static_cast<int>(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+    const long renamed = ::syscall(SYS_renameat2, AT_FDCWD, old, AT_FDCWD, to, 0);
+    if (from != nullptr && std::strcmp(to, from) == 0) left = first;
+    return static_cast<int>(renamed);
 }
 
 /// Fails after it has closed, as the system does.
