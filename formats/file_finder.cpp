@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/file_finder.h"
 
+#include "io/names_in.h"
+
 #include <algorithm>
 #include <cctype>
 #include <system_error>
@@ -76,11 +78,7 @@ fs::path FileFinder::withOwnCase(const fs::path& folder, const fs::path& name) {
 const FileFinder::Names& FileFinder::namesIn(const fs::path& folder) {
     const auto [entry, isNew] = listed.try_emplace(folder.string());
     if (!isNew) return entry->second;
-    std::error_code failure;
-    for (fs::directory_iterator file(folder, failure), end; !failure && file != end;
-         file.increment(failure)) {
-        entry->second.push_back(file->path().filename());
-    }
+    entry->second = polyfab::namesIn(folder.string());
     std::sort(entry->second.begin(), entry->second.end());
     return entry->second;
 }
