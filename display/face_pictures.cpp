@@ -42,6 +42,16 @@ void setMaterialLooks(LooksRef looks) {
     noteChange();
 }
 
+void keepLook(std::string_view name, std::string_view newName) {
+    if (looksOfOB == nullptr) return;
+    const auto found = looksOfOB->byName.find(name);
+    if (found == looksOfOB->byName.end()) return;
+    MaterialLooks looks = *looksOfOB;
+    if (looks.byName.emplace(newName, found->second).second) {
+        setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
+    }
+}
+
 const TextureSlots& textureSlots() { return slots; }
 
 void setTextureSlot(int number, TextureSlot slot) {
@@ -58,8 +68,8 @@ FacePictures::FacePictures(const Mesh& of) : mesh(of) {
     looks.resize(static_cast<std::size_t>(mesh.nmat));
     ofMaterials.resize(looks.size());
     for (std::size_t i = 0; i < looks.size() && looksOfOB != nullptr; ++i) {
-        const auto found = looksOfOB->find(std::string_view(mesh.materials[i].name));
-        if (found != looksOfOB->end() && found->second.picture != nullptr) {
+        const auto found = looksOfOB->byName.find(std::string_view(mesh.materials[i].name));
+        if (found != looksOfOB->byName.end() && found->second.picture != nullptr) {
             looks[i] = &found->second;
         }
     }

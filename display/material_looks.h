@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace polyfab {
 
@@ -19,9 +20,23 @@ struct PicturePlacing {
 struct MaterialLook {
     std::shared_ptr<PictureSource> picture{}; ///< or null
     PicturePlacing placing{};
+    double opacity = 1;
 };
 
-using MaterialLooks = std::map<std::string, MaterialLook, std::less<>>;
+/// A file that looks were read from.
+struct MaterialLibrary {
+    std::string line; ///< of the mesh file, which named it
+    std::string name; ///< its own in that line
+    std::string path;
+    std::string meshFolder; ///< of that mesh file
+    std::string text;
+};
+
+struct MaterialLooks {
+    std::map<std::string, MaterialLook, std::less<>> byName;
+    std::vector<std::shared_ptr<const MaterialLibrary>> libraries;
+};
+
 using LooksRef = std::shared_ptr<const MaterialLooks>; ///< null: there are none
 
 /// Of the mesh as it is now.
@@ -29,5 +44,8 @@ using LooksRef = std::shared_ptr<const MaterialLooks>; ///< null: there are none
 
 /// Puts these in place of those; the panes have to be drawn anew.
 void setMaterialLooks(LooksRef looks);
+
+/// A material gets another name, and takes its look along unless that name has one.
+void keepLook(std::string_view name, std::string_view newName);
 
 } // namespace polyfab

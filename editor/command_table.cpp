@@ -10,6 +10,7 @@
 #include "editor/commands/rendering.h"
 #include "editor/commands/selection.h"
 #include "editor/commands/split_by_box.h"
+#include "editor/commands/texture_maps.h"
 #include "editor/commands/transform_by.h"
 #include "editor/commands/view.h"
 #include "editor/commands/volume.h"
@@ -35,6 +36,7 @@
 #include "tools/delete_faces.h"
 #include "tools/detriangularize.h"
 #include "tools/distance.h"
+#include "tools/draw_texture_map.h"
 #include "tools/duplicate.h"
 #include "tools/fill_holes.h"
 #include "tools/find_areas.h"
@@ -143,6 +145,15 @@ constexpr Command recentRow(const char* label) {
     constexpr auto shown = [] { return shownRecentFile(number); };
     return stoppable({commandid::firstRecentFile + number, file, label, open, nullptr, "", shown},
                      Escape::stopsReading);
+}
+
+template <int number>
+constexpr Command textureMapRow(const char* label) {
+    constexpr int first = 336;
+    constexpr auto choose = [] { chooseTextureMap(number); };
+    constexpr auto isChosen = [] { return textureMapIsChosen(number); };
+    constexpr auto shown = [] { return shownTextureMap(number); };
+    return {first + number, rendering, label, choose, isChosen, "", shown};
 }
 
 constexpr auto table = std::to_array<Command>({
@@ -329,7 +340,8 @@ constexpr auto table = std::to_array<Command>({
     {517, texture, "new texture map: cylinder with &ends", later},
     {276, texture, "&select texture map areas by menu", openList<subview::textureMapAreas>},
     {380, texture, "go to select-texture-map-areas-by-c&licking mode", goTo<380>},
-    {265, texture, "make texture map of selected faces on &file", later},
+    slow({265, texture, "make texture map of selected faces on &file",
+          [] { drawTextureMap(*OB, workbench.fileName); }}),
     {273, texture, "&weld equal texture map coords of selected faces", later},
     {288, texture, "&unweld texture map coords of selected from unselected faces", later},
     {272, texture, "reverse texture map u of selected faces: &1", later},
@@ -398,16 +410,16 @@ constexpr auto table = std::to_array<Command>({
     {355, rendering, "set the background &colour", setRenderBackground},
     {410, rendering, "read &background image of left pane", later},
     {345, rendering, "read background image of right &pane", later},
-    {336, rendering, "select texture map &0", later},
-    {337, rendering, "select texture map &1", later},
-    {338, rendering, "select texture map &2", later},
-    {339, rendering, "select texture map &3", later},
-    {340, rendering, "select texture map &4", later},
-    {341, rendering, "select texture map &5", later},
-    {342, rendering, "select texture map &6", later},
-    {343, rendering, "select texture map &7", later},
-    {383, rendering, "read te&xture map image", later},
-    {384, rendering, "&write texture map image", later},
+    textureMapRow<0>("select texture map &0"),
+    textureMapRow<1>("select texture map &1"),
+    textureMapRow<2>("select texture map &2"),
+    textureMapRow<3>("select texture map &3"),
+    textureMapRow<4>("select texture map &4"),
+    textureMapRow<5>("select texture map &5"),
+    textureMapRow<6>("select texture map &6"),
+    textureMapRow<7>("select texture map &7"),
+    {383, rendering, "read te&xture map image", readTextureMap},
+    slow({384, rendering, "&write texture map image", writeTextureMap}),
     {1069, rendering, "put the rendered picture on the clipb&oard", later},
 
     {282, makeObject, "&cube", [] { makeAndShow(askAndMakeBlock); }},

@@ -2,6 +2,7 @@
 #include "editor/report.h"
 
 #include "display/options.h"
+#include "display/texture_slots.h"
 #include "editor/command_table.h"
 #include "editor/commands/rendering.h"
 #include "editor/commands/selection.h"
@@ -43,6 +44,21 @@ Json commandsChecked() {
         if (command.checked != nullptr && command.checked()) ids.push_back(command.id);
     }
     return ids;
+}
+
+/// Of each texture map its picture, or null.
+Json texturePictures() {
+    Json pictures = Json::array();
+    for (const TextureSlot& slot : textureSlots()) {
+        if (slot.image == nullptr) {
+            pictures.push_back(nullptr);
+        } else {
+            pictures.push_back({{"file", slot.path},
+                                {"width", slot.image->width},
+                                {"height", slot.image->height}});
+        }
+    }
+    return pictures;
 }
 
 void addCounts(Json& state) {
@@ -132,6 +148,8 @@ std::string stateJson() {
     state["checks"] = commandsChecked();
     state["light"] = {displayOptions.lightFromRight, displayOptions.lightFromAbove};
     state["background"] = renderBackground();
+    state["textureMap"] = workbench.textureNumber;
+    state["textureMaps"] = texturePictures();
     state["storeBlocks"] = storeBlocks();
     return line(state);
 }

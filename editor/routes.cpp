@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/routes.h"
 
+#include "display/material_looks.h"
 #include "display/pane_images.h"
+#include "display/texture_slots.h"
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "editor/command_table.h"
@@ -40,6 +42,8 @@ void onCreate(const Event&) {
     if (OB == nullptr) throw std::bad_alloc();
     offerSavingInPlace();
     paneImages = PaneImages();
+    resetTextureSlots();
+    setMaterialLooks(nullptr);
     resetDrags();
     resizeView(platform().clientSize());
     startHistory();

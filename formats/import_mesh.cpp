@@ -5,6 +5,7 @@
 #include "formats/import_offer.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
+#include "formats/material_library.h"
 #include "formats/only_selected.h"
 #include "formats/save_exported.h"
 #include "formats/stream_mesh.h"
@@ -160,6 +161,7 @@ void importNamedMesh(const std::string& path, bool append) {
     Mesh& mesh = *OB;
     if (!meshIsSound(mesh, "mesh fault before reading")) return;
     const ReadNote readNote(mesh);
+    const int materials = append ? mesh.nmat : 0;
     const std::string reason = importFile(mesh, path, append);
     if (!reason.empty()) {
         explain("I tried to read this file but it didn't work", path, reason);
@@ -170,6 +172,10 @@ void importNamedMesh(const std::string& path, bool append) {
     noteRecentFile(path, true);
     resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
+    const bool named = hasSuffixOf("*.OBJ", path);
+    const std::string looks = readMaterialLibraries(
+        mesh, path, named ? librariesNamedIn(path) : std::vector<std::string>(), materials);
+    if (!looks.empty()) note(looks);
     updateTitle();
 }
 

@@ -2,11 +2,13 @@
 // Everything around a read that does not depend on the format.
 #include "formats/mesh_files.h"
 
+#include "display/material_looks.h"
 #include "display/options.h"
 #include "formats/file_command.h"
 #include "formats/import_mesh.h"
 #include "formats/import_offer.h"
 #include "formats/left_out.h"
+#include "formats/material_library.h"
 #include "formats/mesh_formats.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
@@ -113,10 +115,19 @@ void noteRead(const Mesh& mesh, const Source& source) {
     workbench.home = {source.path, std::string(source.format->suffix), leftOut.held};
 }
 
+/// Gives the materials from `firstNew` on their looks, once the reader is done. Returns a note.
+std::string readLooks(Mesh& mesh, const Source& source, Outcome outcome, int firstNew) {
+    const bool byName = outcome == Outcome::read && source.format == &objFormat;
+    if (byName) return readMaterialLibraries(mesh, source.path, namedLibraries, firstNew);
+    if (!source.append) setMaterialLooks(nullptr);
+    return "";
+}
+
 /// The reading itself, and what it leaves. Whether import is to go on with the file.
 bool readInto(Mesh& mesh, Source& source) {
     const BeforeAppend before(mesh);
     const ReadNote readNote(mesh);
+    const int materials = mesh.nmat;
     Busy busy("HANG ON WHILE I READ THE FILE IN");
     const Outcome outcome = dispatchRead(mesh, source, busy);
     if (outcome == Outcome::refused || outcome == Outcome::forImport) {
@@ -133,11 +144,13 @@ bool readInto(Mesh& mesh, Source& source) {
     } else if (failed) {
         emptyMesh(mesh);
     }
+    const std::string looks = readLooks(mesh, source, outcome, source.append ? materials : 0);
     tidyAll(mesh);
     resetForNewMesh(mesh, !source.append);
     if (meshIsSound(mesh, "mesh fault after reading") && !failed) {
         readNote.tell(source.path, source.append);
     }
+    if (!looks.empty()) note(looks);
     if (!failed && !source.append) noteRead(mesh, source);
     return import;
 }
@@ -150,6 +163,7 @@ void readFile(Mesh& mesh, const std::string& path, bool append) {
     forgetCurrentEdge(); // faces and corners have other numbers, also when nothing is read
     stale.edges = true;
     leftOut = {};
+    namedLibraries.clear();
     Source source{path, append, formatOf(path)};
     if (readInto(mesh, source)) importNamedMesh(path, source.append);
 }

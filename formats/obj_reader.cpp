@@ -8,6 +8,7 @@
 
 #include "formats/file_command.h"
 #include "formats/left_out.h"
+#include "formats/material_library.h"
 #include "formats/obj_writer.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
@@ -410,8 +411,9 @@ const char* Reader::face() {
 
 const char* Reader::library() {
     static_assert(sizeof mesh.mtllib > maxObjLine);
-    if (mesh.mtllib[0] != '\0') return nullptr;
     const std::string name = line.rest(1);
+    noteLibrary(name);
+    if (mesh.mtllib[0] != '\0') return nullptr;
     name.copy(mesh.mtllib, name.size());
     mesh.mtllib[name.size()] = '\0';
     return nullptr;

@@ -34,13 +34,13 @@ Reading& readingOf(j_common_ptr jpeg) { return *static_cast<Reading*>(jpeg->clie
 [[noreturn]] void leave(j_common_ptr jpeg) {
     Reading& reading = readingOf(jpeg);
     reading.errors.format_message(jpeg, reading.fault);
-    std::longjmp(reading.out, 1); // NOLINT(cert-err52-cpp): libjpeg's way
+    std::longjmp(reading.out, 1);
 }
 
 void leaveBecause(j_common_ptr jpeg, const char* fault) {
     Reading& reading = readingOf(jpeg);
     std::snprintf(reading.fault, sizeof reading.fault, "%s", fault);
-    std::longjmp(reading.out, 1); // NOLINT(cert-err52-cpp)
+    std::longjmp(reading.out, 1);
 }
 
 /// Pictures of slightly damaged files show; those of files that end early would be half grey.
@@ -56,7 +56,7 @@ void countScans(j_common_ptr jpeg) {
 
 /// False when it left by a jump.
 bool guarded(Reading& reading, void (*act)(Reading&)) {
-    if (setjmp(reading.out) != 0) return false; // NOLINT(cert-err52-cpp)
+    if (setjmp(reading.out) != 0) return false;
     act(reading);
     return true;
 }

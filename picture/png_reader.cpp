@@ -46,7 +46,7 @@ void ignore(png_structp, png_const_charp) {}
 
 /// False when it left by a jump.
 bool guarded(Reading& reading, void (*act)(Reading&)) {
-    if (setjmp(png_jmpbuf(reading.png)) != 0) return false; // NOLINT(cert-err52-cpp): libpng's way
+    if (setjmp(png_jmpbuf(reading.png)) != 0) return false;
     act(reading);
     return true;
 }

@@ -75,15 +75,38 @@ void draw(const Canvas& canvas, const Run& run, const Stroke& stroke) {
     }
 }
 
-/// The columns between the crossings of a row, pair by pair.
-void tintRow(std::uint32_t* row, int width, std::vector<double>& crossings, std::uint32_t color,
-             unsigned share) {
+/// Calls put(pixel) for the columns between the crossings of a row, pair by pair.
+template <typename Put>
+void fillRow(std::uint32_t* row, int width, std::vector<double>& crossings, Put put) {
     std::sort(crossings.begin(), crossings.end());
     for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
         const double most = width;
         const int first = static_cast<int>(std::ceil(std::clamp(crossings[i], 0.0, most)));
         const int end = static_cast<int>(std::ceil(std::clamp(crossings[i + 1], 0.0, most)));
-        for (int x = first; x < end; ++x) row[x] = blended(row[x], color, share);
+        for (int x = first; x < end; ++x) put(row[x]);
+    }
+}
+
+/// Calls put(pixel) for the pixels whose middles lie in the polygon.
+template <typename Put>
+void eachInside(const Canvas& canvas, std::span<const Place> corners, Put put) {
+    double low = canvas.height, high = -1;
+    for (const Place& corner : corners) {
+        if (!std::isfinite(corner.x) || !std::isfinite(corner.y)) return;
+        low = std::min(low, corner.y);
+        high = std::max(high, corner.y);
+    }
+    std::vector<double> crossings;
+    const int last = static_cast<int>(std::min(high, canvas.height - 1.0));
+    for (int y = static_cast<int>(std::max(std::ceil(low), 0.0)); y <= last; ++y) {
+        crossings.clear();
+        for (std::size_t i = 0; i < corners.size(); ++i) {
+            const Place& a = corners[i];
+            const Place& b = corners[(i + 1) % corners.size()];
+            if ((a.y <= y) == (b.y <= y)) continue;
+            crossings.push_back(a.x + (b.x - a.x) * ((y - a.y) / (b.y - a.y)));
+        }
+        fillRow(canvas.pixels + y * canvas.stride, canvas.width, crossings, put);
     }
 }
 
@@ -112,24 +135,12 @@ void drawSmoothLine(const Canvas& canvas, Place from, Place to, const Stroke& st
 
 void tintPolygon(const Canvas& canvas, std::span<const Place> corners, std::uint32_t color,
                  unsigned share) {
-    double low = canvas.height, high = -1;
-    for (const Place& corner : corners) {
-        if (!std::isfinite(corner.x) || !std::isfinite(corner.y)) return;
-        low = std::min(low, corner.y);
-        high = std::max(high, corner.y);
-    }
-    std::vector<double> crossings;
-    const int last = static_cast<int>(std::min(high, canvas.height - 1.0));
-    for (int y = static_cast<int>(std::max(std::ceil(low), 0.0)); y <= last; ++y) {
-        crossings.clear();
-        for (std::size_t i = 0; i < corners.size(); ++i) {
-            const Place& a = corners[i];
-            const Place& b = corners[(i + 1) % corners.size()];
-            if ((a.y <= y) == (b.y <= y)) continue;
-            crossings.push_back(a.x + (b.x - a.x) * ((y - a.y) / (b.y - a.y)));
-        }
-        tintRow(canvas.pixels + y * canvas.stride, canvas.width, crossings, color, share);
-    }
+    eachInside(canvas, corners,
+               [=](std::uint32_t& pixel) { pixel = blended(pixel, color, share); });
+}
+
+void fillPolygon(const Canvas& canvas, std::span<const Place> corners, std::uint32_t value) {
+    eachInside(canvas, corners, [=](std::uint32_t& pixel) { pixel = value; });
 }
 
 } // namespace polyfab

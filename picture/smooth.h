@@ -36,4 +36,7 @@ void drawSmoothLine(const Canvas& canvas, Place from, Place to, const Stroke& st
 void tintPolygon(const Canvas& canvas, std::span<const Place> corners, std::uint32_t color,
                  unsigned share);
 
+/// The same pixels get just this value, whatever its top byte is.
+void fillPolygon(const Canvas& canvas, std::span<const Place> corners, std::uint32_t value);
+
 } // namespace polyfab

@@ -32,7 +32,8 @@ bool readHead(ByteReader& in, Head& head) {
     head.firstColor = in.fixed(2);
     head.colorCount = in.fixed(2);
     head.colorBits = in.byte();
-    in.fixed(4); // where on a screen it stood
+    if (map == 0) head.colorCount = 0; // what stands there then means nothing
+    in.fixed(4);                       // where on a screen it stood
     head.width = static_cast<int>(in.fixed(2));
     head.height = static_cast<int>(in.fixed(2));
     head.bits = in.byte();

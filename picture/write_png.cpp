@@ -57,7 +57,7 @@ void writeAll(Writing& writing) {
 
 /// False when it left by a jump.
 bool guarded(Writing& writing) {
-    if (setjmp(png_jmpbuf(writing.png)) != 0) return false; // NOLINT(cert-err52-cpp): libpng's way
+    if (setjmp(png_jmpbuf(writing.png)) != 0) return false;
     writeAll(writing);
     return true;
 }

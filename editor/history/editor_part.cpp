@@ -14,11 +14,13 @@ EditorPart presentPart() {
             bench.currentEdgeCorner,
             bench.fileName,
             bench.lastChosen,
-            bench.home};
+            bench.home,
+            materialLooks()};
 }
 
 void restorePicks(const EditorPart& part) {
     workbench.settable = part.settable;
+    setMaterialLooks(part.looks);
     workbench.currentEdgeFace = part.edgeFace;
     workbench.currentEdgeCorner = part.edgeCorner;
 }

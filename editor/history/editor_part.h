@@ -3,6 +3,7 @@
 #pragma once
 
 #include "display/box.h"
+#include "display/material_looks.h"
 #include "display/view.h"
 #include "geometry/vec3.h"
 #include "workbench/state.h"
@@ -19,12 +20,14 @@ struct EditorPart {
     int edgeFace = -1, edgeCorner = -1; ///< the current edge, as the workbench has it
     std::string fileName, lastChosen;
     HomeFile home{};
+    LooksRef looks{};
 };
 
 /// As it is now.
 [[nodiscard]] EditorPart presentPart();
 
-/// Brings back the settable points and the current edge, which must be one of OB, or none.
+/// Brings back the settable points, the looks of the materials and the current edge, which must be
+/// one of OB, or none.
 void restorePicks(const EditorPart& part);
 
 /// Brings back the file name, and where saving goes to.

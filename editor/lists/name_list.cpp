@@ -3,6 +3,7 @@
 // closes the list does so last: there is no row to ask afterwards.
 #include "editor/lists/name_list.h"
 
+#include "display/material_looks.h"
 #include "display/view.h"
 #include "editor/command_table.h"
 #include "editor/editor_state.h"
@@ -92,6 +93,7 @@ void rename(const List& list, int entry) {
     // The buffer holds what was typed, or after cancel the name itself.
     const std::string_view kept = storedName(prompts.answer[0]);
     char* const name = list.name(entry);
+    if (list.subview == subview::materials) keepLook(name, kept);
     std::fill_n(std::copy(kept.begin(), kept.end(), name), nameSize - kept.size(), '\0');
 }
 

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/commands/texture_maps.h"
+
+#include "display/texture_slots.h"
+#include "picture/read_image.h"
+#include "picture/write_png.h"
+#include "platform/platform.h"
+#include "workbench/notes.h"
+#include "workbench/state.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+const TextureSlot& slotOf(int number) { return textureSlots()[static_cast<std::size_t>(number)]; }
+
+std::string nameOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+/// The file of a slot, so that no letter of it becomes the menu's.
+std::string asLabel(const std::string& name) {
+    std::string label;
+    for (const char letter : name) label += letter == '&' ? "&&" : std::string(1, letter);
+    return label;
+}
+
+void refuse(const char* what, const std::string& reason, const std::string& path) {
+    platform().message(what + reason, path, Icon::exclamation);
+}
+
+} // namespace
+
+void chooseTextureMap(int number) { workbench.textureNumber = number; }
+
+bool textureMapIsChosen(int number) { return workbench.textureNumber == number; }
+
+Shown shownTextureMap(int number) {
+    const std::string& path = slotOf(number).path;
+    return {"select texture map &" + std::to_string(number)
+            + (path.empty() ? "" : " (" + asLabel(nameOf(path)) + ")")};
+}
+
+std::vector<FileFilter> pictureFilters() {
+    return {{"pictures", "*.PNG;*.JPG;*.JPEG;*.TGA;*.BMP;*.PPM;*.PGM"}, {"all files", "*"}};
+}
+
+void readTextureMap() {
+    const int number = workbench.textureNumber;
+    const auto path =
+        platform().fileDialog({false, "picture for texture map " + std::to_string(number) + "?",
+                               pictureFilters(), nameOf(slotOf(number).path)});
+    if (!path) return;
+    Image image;
+    const std::string reason = readImage(*path, image);
+    if (!reason.empty()) return refuse("I can't read this picture: ", reason, *path);
+    note("texture map " + std::to_string(number) + " is " + std::to_string(image.width) + " x "
+         + std::to_string(image.height));
+    setTextureSlot(number, {*path, std::make_shared<const Image>(std::move(image))});
+}
+
+void writeTextureMap() {
+    const int number = workbench.textureNumber;
+    const TextureSlot slot = slotOf(number);
+    const std::string name = "texture map " + std::to_string(number);
+    if (slot.image == nullptr) return note("there is no picture in " + name);
+    const std::string file = nameOf(slot.path);
+    const auto path = platform().fileDialog({true,
+                                             "file to write " + name + " to?",
+                                             {{"PNG pictures", "*.PNG"}},
+                                             file.substr(0, file.find_last_of('.')) + ".png",
+                                             {},
+                                             {},
+                                             ".png"});
+    if (!path) return;
+    const std::string reason = writePngFile(*slot.image, *path);
+    if (!reason.empty()) return refuse("I can't write this picture: ", reason, *path);
+    note("wrote " + name + " to " + nameOf(*path));
+}
+
+} // namespace polyfab

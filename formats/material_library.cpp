@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/material_library.h"
+
+#include "display/material_looks.h"
+#include "formats/file_finder.h"
+#include "formats/material_lines.h"
+#include "formats/obj_lines.h"
+#include "io/print_number.h"
+#include "io/read_file.h"
+#include "io/save_file.h"
+#include "mesh/mesh.h"
+#include "mesh/names.h"
+#include "workbench/notes.h"
+
+#include <algorithm>
+#include <map>
+#include <new>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A library of a hundred thousand materials has some ten million.
+constexpr std::int64_t maxLibraryBytes = 1 << 26;
+
+/// The whole file; nothing where it can't be read or is too large.
+std::optional<std::string> textOf(const std::string& path) {
+    PieceReader file(path);
+    if (!file.isOpen() || file.size() > maxLibraryBytes) return std::nullopt;
+    std::string text;
+    for (std::string_view piece; file.next(0, piece) && file.bytesRead() <= maxLibraryBytes;) {
+        text += piece;
+    }
+    if (file.failed()) return std::nullopt;
+    return text;
+}
+
+using Libraries = std::vector<std::shared_ptr<const MaterialLibrary>>;
+
+/// Adds the library of that name in the line, if there is one.
+bool addLibrary(Libraries& libraries, const std::string& meshFolder, const std::string& line,
+                std::string_view name) {
+    std::string path = FileFinder({meshFolder}).find(fileNameIn(name));
+    if (path.empty()) return false;
+    std::optional<std::string> text = textOf(path);
+    if (!text) return false;
+    libraries.push_back(std::make_shared<const MaterialLibrary>(
+        MaterialLibrary{line, fileNameIn(name), std::move(path), meshFolder, std::move(*text)}));
+    return true;
+}
+
+FileFinder finderOf(const MaterialLibrary& library) {
+    return FileFinder({folderOf(library.path), library.meshFolder});
+}
+
+/// What follows "mtllib" is one name or, where no such file is, several.
+Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines) {
+    Libraries libraries;
+    const std::string folder = folderOf(path);
+    for (const std::string& named : lines) {
+        const std::string line(trimTrailingBlanks(named));
+        if (addLibrary(libraries, folder, line, line)) continue;
+        std::istringstream words(line);
+        for (std::string word; words >> word;) addLibrary(libraries, folder, line, word);
+    }
+    return libraries;
+}
+
+/// The pictures of one read: those of one file are one.
+class Pictures {
+  public:
+    std::shared_ptr<PictureSource> find(const std::string& name, FileFinder& finder) {
+        const auto [entry, isNew] = named.try_emplace(name);
+        if (!isNew) return entry->second;
+        const std::string path = finder.find(name);
+        if (path.empty()) {
+            missing.push_back(name);
+        } else {
+            auto& picture = inFiles[path];
+            if (picture == nullptr) picture = std::make_shared<PictureSource>(path);
+            entry->second = picture;
+        }
+        return entry->second;
+    }
+
+    /// On those that are not there.
+    std::string note() const {
+        if (missing.empty()) return "";
+        constexpr std::size_t shown = 5;
+        std::string text = "I can't find " + counted(std::ssize(missing)) + " of the "
+                           + counted(std::ssize(named)) + " pictures of the materials:";
+        for (std::size_t i = 0; i < std::min(shown, missing.size()); ++i) {
+            text += (i > 0 ? ", " : " ") + missing[i];
+        }
+        return text + (missing.size() > shown ? " …" : "");
+    }
+
+  private:
+    std::map<std::string, std::shared_ptr<PictureSource>> named, inFiles;
+    std::vector<std::string> missing;
+};
+
+/// Gives the materials of the mesh from `firstNew` on what the library says of them.
+class LooksReader {
+  public:
+    LooksReader(Mesh& to, int firstNew) : mesh(to) {
+        for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
+    }
+
+    void read(const MaterialLibrary& library, MaterialLooks& looks) {
+        FileFinder finder = finderOf(library);
+        for (const LibraryMaterial& material : readLibraryText(library.text)) {
+            const auto found = wanted.find(material.name);
+            if (found == wanted.end()) continue;
+            for (const int i : found->second) {
+                if (material.color) mesh.materials[i].color = *material.color;
+            }
+            wanted.erase(found); // of several of one name the first counts
+            MaterialLook look{nullptr, material.placing, material.opacity};
+            if (!material.picture.empty()) look.picture = pictures.find(material.picture, finder);
+            looks.byName.insert_or_assign(material.name, std::move(look));
+        }
+    }
+
+    std::string note() const { return pictures.note(); }
+
+  private:
+    Mesh& mesh;
+    std::map<std::string, std::vector<int>, std::less<>> wanted;
+    Pictures pictures;
+};
+
+// Writing.
+
+/// The path as it is from the folder.
+std::string pathFrom(const fs::path& folder, const std::string& path) {
+    std::error_code failure;
+    const fs::path from = fs::canonical(folder, failure);
+    return failure ? path : fs::path(path).lexically_relative(from).string();
+}
+
+/// The library's text with the pictures that are found named from another folder.
+std::string movedText(const MaterialLibrary& library, const fs::path& folder) {
+    FileFinder finder = finderOf(library);
+    std::string moved;
+    const char* copied = library.text.data();
+    eachLine(library.text, [&](std::string_view line) {
+        const std::optional<MapLine> map = readMapLine(line);
+        const std::string path = map ? finder.find(fileNameIn(map->name)) : "";
+        if (path.empty()) return;
+        moved.append(copied, map->name.data());
+        moved += pathFrom(folder, path);
+        copied = map->name.data() + map->name.size();
+    });
+    moved.append(copied, library.text.data() + library.text.size());
+    if (!moved.ends_with('\n')) moved += '\n';
+    return moved;
+}
+
+void addNumbers(std::string& text, const char* keyword, std::initializer_list<double> values) {
+    text += keyword;
+    for (const double value : values) {
+        char digits[numberRoom];
+        text += " " + std::string(digits, printG6(digits, value, 6));
+    }
+    text += "\n";
+}
+
+/// What there is to say of a material in a library of that folder.
+std::string sectionOf(const Material& material, const MaterialLook* look, const fs::path& folder) {
+    std::string text = std::string("\nnewmtl ") + material.name + "\n";
+    const auto channel = [&](int shift) { return (material.color >> shift & 0xFF) / 255.0; };
+    addNumbers(text, "Kd", {channel(16), channel(8), channel(0)});
+    if (look == nullptr) return text;
+    if (look->opacity != 1) addNumbers(text, "d", {look->opacity});
+    if (look->picture == nullptr || !look->picture->bytes().empty()) return text;
+    text += "map_Kd";
+    const PicturePlacing& placing = look->placing;
+    if (placing.uScale != 1 || placing.vScale != 1) {
+        addNumbers(text, " -s", {placing.uScale, placing.vScale, 1});
+        text.pop_back();
+    }
+    if (placing.uOffset != 0 || placing.vOffset != 0) {
+        addNumbers(text, " -o", {placing.uOffset, placing.vOffset, 0});
+        text.pop_back();
+    }
+    return text + " " + pathFrom(folder, look->picture->path()) + "\n";
+}
+
+/// The materials of the mesh that none of these libraries has.
+std::string missingSections(const Mesh& mesh, const Libraries& libraries, const fs::path& folder) {
+    std::set<std::string, std::less<>> known;
+    for (const auto& library : libraries) {
+        for (const LibraryMaterial& m : readLibraryText(library->text)) known.insert(m.name);
+    }
+    std::string text;
+    for (const Material* m = mesh.materials; m != mesh.materials + mesh.nmat; ++m) {
+        if (!known.insert(m->name).second) continue;
+        const auto look = materialLooks()->byName.find(std::string_view(m->name));
+        const bool has = look != materialLooks()->byName.end();
+        text += sectionOf(*m, has ? &look->second : nullptr, folder);
+    }
+    return text;
+}
+
+/// Where the library comes to lie: a folder of its own must be there.
+fs::path placeFor(const std::string& name, const fs::path& folder) {
+    const fs::path below = fs::path(name).lexically_normal();
+    std::error_code failure;
+    const bool inside = !below.is_absolute() && *below.begin() != "..";
+    return inside && fs::is_directory((folder / below).parent_path(), failure)
+               ? folder / below
+               : folder / below.filename();
+}
+
+void writeOne(const fs::path& path, const std::string& text) {
+    SaveFile file;
+    bool written = file.open(path);
+    if (written) file.append(text);
+    written = written && file.commit();
+    note((written ? "wrote the materials to " : "I can't write the materials to ")
+         + path.filename().string());
+}
+
+} // namespace
+
+void noteLibrary(const std::string& line) {
+    constexpr std::size_t most = 100;
+    auto& all = namedLibraries;
+    if (all.size() < most && std::find(all.begin(), all.end(), line) == all.end()) {
+        all.push_back(line);
+    }
+}
+
+std::vector<std::string> librariesNamedIn(const std::string& path) {
+    std::vector<std::string> lines;
+    PieceReader file(path);
+    ObjLine line;
+    std::string_view text;
+    for (std::size_t kept = 0; file.isOpen() && file.next(kept, text); kept = text.size()) {
+        for (std::size_t used = line.take(text); used > 0; used = line.take(text)) {
+            if (!line.empty() && sameKeyword(line.keyword(), "mtllib") && line.arguments() > 0) {
+                lines.push_back(line.rest(1));
+            }
+            text.remove_prefix(used);
+        }
+    }
+    return lines;
+}
+
+std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
+                                  const std::vector<std::string>& lines, int firstNew) try {
+    Libraries libraries = librariesOf(path, lines);
+    const bool alone = firstNew == 0 || materialLooks() == nullptr;
+    if (libraries.empty()) {
+        if (firstNew == 0) setMaterialLooks(nullptr);
+        return "";
+    }
+    MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
+    LooksReader reader(mesh, firstNew);
+    for (const auto& library : libraries) {
+        reader.read(*library, looks);
+        looks.libraries.push_back(library);
+    }
+    setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
+    return reader.note();
+} catch (const std::bad_alloc&) {
+    return "there is not enough memory for the materials";
+}
+
+void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
+    const std::string line(trimTrailingBlanks(mesh.mtllib));
+    if (line.empty() || materialLooks() == nullptr) return;
+    Libraries libraries = materialLooks()->libraries;
+    std::erase_if(libraries, [&](const auto& library) { return library->line != line; });
+    const fs::path folder = folderOf(path);
+    FileFinder finder({folder});
+    std::string added = missingSections(mesh, libraries, folder);
+    for (const auto& library : libraries) {
+        if (!finder.find(library->name).empty()) continue;
+        const std::string text = movedText(*library, folder);
+        writeOne(placeFor(library->name, folder), text + std::exchange(added, ""));
+    }
+} catch (const std::bad_alloc&) {
+    note("there is not enough memory to write the materials");
+}
+
+} // namespace polyfab

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The material libraries of OBJ files: colours and pictures of the materials that a file names.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace polyfab {
+
+struct Mesh;
+
+/// What stands behind each "mtllib" of the OBJ file that was read last. The reader adds to it;
+/// whoever begins to read resets it.
+inline std::vector<std::string> namedLibraries;
+
+/// Adds one, unless it is there or there are far too many.
+void noteLibrary(const std::string& line);
+
+/// The same of an OBJ file that somebody else reads.
+[[nodiscard]] std::vector<std::string> librariesNamedIn(const std::string& path);
+
+/// Reads the libraries that an OBJ file names into the looks of the mesh, for its materials from
+/// `firstNew` on: they also get the libraries' colours. With `firstNew` 0 there are no other looks.
+/// Returns a note on pictures that are not there, or "".
+[[nodiscard]] std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
+                                                const std::vector<std::string>& lines,
+                                                int firstNew);
+
+/// Writes the library that the mesh names beside an OBJ file that was written, unless there is one
+/// or none was read: as it was, but with the pictures' paths as they are from there, and with
+/// the materials that it does not have. A note tells.
+void writeMaterialLibrary(const Mesh& mesh, const std::string& path);
+
+} // namespace polyfab
