@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/face_pictures.h"
+
+#include "display/texture_slots.h"
+#include "mesh/stale.h"
+#include "platform/platform.h"
+
+#include <cstddef>
+#include <span>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+LooksRef looksOfOB;
+TextureSlots slots;
+std::uint64_t version = 0;
+
+void noteChange() {
+    ++version;
+    stale.picture = true;
+}
+
+/// The picture of the look, decoded by now.
+const Image* imageOf(const std::string& material, PictureSource& picture) {
+    const bool known = !picture.reason().empty();
+    const Image* const image = picture.image();
+    if (image == nullptr && !known) {
+        platform().note("I can't read the picture of the material " + material + ": "
+                        + picture.reason());
+    }
+    return image;
+}
+
+} // namespace
+
+const LooksRef& materialLooks() { return looksOfOB; }
+
+void setMaterialLooks(LooksRef looks) {
+    if (looks == looksOfOB) return;
+    looksOfOB = std::move(looks);
+    noteChange();
+}
+
+const TextureSlots& textureSlots() { return slots; }
+
+void setTextureSlot(int number, TextureSlot slot) {
+    slots[static_cast<std::size_t>(number)] = std::move(slot);
+    noteChange();
+}
+
+void resetTextureSlots() {
+    slots = {};
+    noteChange();
+}
+
+FacePictures::FacePictures(const Mesh& of) : mesh(of) {
+    looks.resize(static_cast<std::size_t>(mesh.nmat));
+    ofMaterials.resize(looks.size());
+    for (std::size_t i = 0; i < looks.size() && looksOfOB != nullptr; ++i) {
+        const auto found = looksOfOB->find(std::string_view(mesh.materials[i].name));
+        if (found != looksOfOB->end() && found->second.picture != nullptr) {
+            looks[i] = &found->second;
+        }
+    }
+    for (std::size_t i = 0; i < ofSlots.size(); ++i) ofSlots[i].image = slots[i].image.get();
+}
+
+const FacePicture& FacePictures::of(const Face& face) {
+    static constexpr FacePicture none;
+    const auto material = static_cast<std::size_t>(face.mat);
+    if (face.mat >= 0 && material < looks.size()) {
+        if (const MaterialLook* const look = std::exchange(looks[material], nullptr)) {
+            const Image* const image = imageOf(mesh.materials[material].name, *look->picture);
+            ofMaterials[material] = {image, look->placing};
+        }
+        if (ofMaterials[material].image != nullptr) return ofMaterials[material];
+    }
+    if (face.g < 0 || face.g >= mesh.ng) return none;
+    return ofSlots[mesh.groups[face.g].texture % ofSlots.size()];
+}
+
+const Image* pictureOf(const Face& face) { return FacePictures(*OB).of(face).image; }
+
+std::uint64_t pictureVersion() { return version; }
+
+} // namespace polyfab
