@@ -14,10 +14,26 @@ namespace polyfab {
 /// Makes room for the pixels, all 0, unless the size is refused.
 [[nodiscard]] std::string makeRoom(Image& image, std::int64_t width, std::int64_t height);
 
+[[nodiscard]] std::string decodePng(std::string_view bytes, Image& image);
+[[nodiscard]] std::string decodeJpeg(std::string_view bytes, Image& image);
+[[nodiscard]] std::string decodeBmp(std::string_view bytes, Image& image);
 [[nodiscard]] std::string decodePpm(std::string_view bytes, Image& image);
+/// Nothing tells such a file from any other: all that make no sense as one are of an unknown kind.
+[[nodiscard]] std::string decodeTga(std::string_view bytes, Image& image);
+
+inline constexpr const char* unknownImage = "I don't know this kind of file";
 
 /// What readers say of a file that ends before its pixels do.
 inline constexpr const char* imageEndsEarly = "the file ends too early";
+
+/// A sample of so many bits, 1 to 16, as one of 8.
+[[nodiscard]] constexpr std::uint32_t toByte(std::uint32_t sample, unsigned bits) {
+    const std::uint32_t highest = (1U << bits) - 1;
+    return (sample * 255 + highest / 2) / highest;
+}
+
+/// Makes a picture opaque that would not show at all: many writers leave alpha at 0.
+void dropEmptyAlpha(Image& image);
 
 [[nodiscard]] constexpr std::uint32_t opaque(std::uint32_t red, std::uint32_t green,
                                              std::uint32_t blue) {

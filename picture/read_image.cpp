@@ -11,21 +11,20 @@ namespace polyfab {
 namespace {
 
 struct Reader {
-    /// What such a file begins with; a "?" stands for any character.
-    std::string_view head;
+    std::string_view head; ///< what such a file begins with
     std::string (*decode)(std::string_view bytes, Image& image);
 };
 
 constexpr Reader readers[] = {
-    {"P6", decodePpm}, {"P5", decodePpm}, {"P3", decodePpm}, {"P2", decodePpm}};
-
-bool beginsWith(std::string_view bytes, std::string_view head) {
-    if (bytes.size() < head.size()) return false;
-    for (std::size_t i = 0; i < head.size(); ++i) {
-        if (head[i] != '?' && head[i] != bytes[i]) return false;
-    }
-    return true;
-}
+    {"\x89PNG\r\n\x1a\n", decodePng},
+    {"\xFF\xD8\xFF", decodeJpeg},
+    {"BM", decodeBmp},
+    {"P6", decodePpm},
+    {"P5", decodePpm},
+    {"P3", decodePpm},
+    {"P2", decodePpm},
+    {"", decodeTga},
+};
 
 /// As many bytes as the largest picture takes where none is packed.
 constexpr std::int64_t maxFileBytes = 8 * maxImagePixels + (1 << 20);
@@ -54,15 +53,22 @@ std::string makeRoom(Image& image, std::int64_t width, std::int64_t height) {
     return "";
 }
 
+void dropEmptyAlpha(Image& image) {
+    for (const std::uint32_t pixel : image.pixels) {
+        if (pixel >> 24 != 0) return;
+    }
+    for (std::uint32_t& pixel : image.pixels) pixel |= 0xFF000000;
+}
+
 std::string decodeImage(std::string_view bytes, Image& image) try {
     for (const Reader& reader : readers) {
-        if (!beginsWith(bytes, reader.head)) continue;
+        if (!bytes.starts_with(reader.head)) continue;
         Image read;
         std::string reason = reader.decode(bytes, read);
         if (reason.empty()) image = std::move(read);
         return reason;
     }
-    return "I don't know this kind of file";
+    return unknownImage;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
