@@ -7,6 +7,7 @@
 #include "display/options.h"
 #include "display/pane.h"
 #include "display/shading.h"
+#include "display/texture_slots.h"
 #include "display/wireframe.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
@@ -19,9 +20,20 @@ constexpr Size client{1920, 1000};
 
 struct Scene {
     bool smooth = true;
+    bool textured = false;
     bool shuffled = false;
     int threads = 1;
 };
+
+/// A picture of 1024 x 1024 pixels.
+std::shared_ptr<const Image> noise() {
+    auto image = std::make_shared<Image>();
+    image->width = image->height = 1024;
+    for (std::uint32_t i = 0; i < 1024 * 1024; ++i) {
+        image->pixels.push_back(0xFF000000 | (i * 2654435761U >> 8));
+    }
+    return image;
+}
 
 /// The mesh at a slant.
 void showGrid(std::int64_t triangles, const Scene& scene) {
@@ -35,6 +47,7 @@ void showGrid(std::int64_t triangles, const Scene& scene) {
     turnView(1, 0.6, true);
     turnView(0, 0.5, true);
     fitView(*OB);
+    if (scene.textured) setTextureSlot(0, {"noise", noise()});
     stale = Stale();
     benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
 }
@@ -42,6 +55,7 @@ void showGrid(std::int64_t triangles, const Scene& scene) {
 void endScene(benchmark::State& state) {
     showRate(state, "triangles", OB->nf);
     displayOptions = {};
+    resetTextureSlots();
     setWorkers(0);
 }
 
@@ -52,18 +66,18 @@ void drawLeft(Bitmap& picture) {
     drawShaded(*OB, makePane(picture, true));
 }
 
-template <bool smooth, bool shuffled>
+template <bool smooth, bool textured, bool shuffled>
 void onePane(benchmark::State& state) {
-    showGrid(state.range(0), {smooth, shuffled});
+    showGrid(state.range(0), {smooth, textured, shuffled});
     Bitmap picture{client.width, client.height, {}};
     picture.pixels.resize(std::size_t(client.width) * std::size_t(client.height));
     for (auto _ : state) drawLeft(picture);
     endScene(state);
 }
 
-template <bool smooth, int threads>
+template <bool smooth, bool textured, int threads>
 void bothPanes(benchmark::State& state) {
-    showGrid(state.range(0), {smooth, false, threads});
+    showGrid(state.range(0), {smooth, textured, false, threads});
     for (auto _ : state) {
         turnView(1, 0.001, true);
         benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
@@ -74,7 +88,7 @@ void bothPanes(benchmark::State& state) {
 /// The next picture after faces have changed.
 template <bool shuffled>
 void edited(benchmark::State& state) {
-    showGrid(state.range(0), {true, shuffled});
+    showGrid(state.range(0), {true, false, shuffled});
     for (auto _ : state) {
         forgetShading();
         stale.edges = true;
@@ -89,13 +103,16 @@ void edited(benchmark::State& state) {
 int main(int argc, char** argv) {
     using namespace polyfab::bench;
     constexpr std::int64_t quarter = 250'632; // 1,002,528 in the larger one
-    addGrowth("one pane flat", onePane<false, false>, quarter);
-    addGrowth("one pane smooth", onePane<true, false>, quarter);
-    addGrowth("one pane flat, shuffled mesh", onePane<false, true>, quarter);
-    addGrowth("one pane smooth, shuffled mesh", onePane<true, true>, quarter);
-    addGrowth("both panes flat", bothPanes<false, 1>, quarter);
-    addGrowth("both panes smooth", bothPanes<true, 1>, quarter);
-    addGrowth("both panes smooth, two threads", bothPanes<true, 2>, quarter);
+    addGrowth("one pane flat", onePane<false, false, false>, quarter);
+    addGrowth("one pane smooth", onePane<true, false, false>, quarter);
+    addGrowth("one pane textured", onePane<true, true, false>, quarter);
+    addGrowth("one pane flat, shuffled mesh", onePane<false, false, true>, quarter);
+    addGrowth("one pane smooth, shuffled mesh", onePane<true, false, true>, quarter);
+    addGrowth("one pane textured, shuffled mesh", onePane<true, true, true>, quarter);
+    addGrowth("both panes flat", bothPanes<false, false, 1>, quarter);
+    addGrowth("both panes smooth", bothPanes<true, false, 1>, quarter);
+    addGrowth("both panes textured", bothPanes<true, true, 1>, quarter);
+    addGrowth("both panes smooth, two threads", bothPanes<true, false, 2>, quarter);
     addGrowth("both panes smooth, after an edit", edited<false>, quarter);
     addGrowth("both panes smooth, after an edit, shuffled mesh", edited<true>, quarter);
     return runGrowth(argc, argv);

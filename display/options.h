@@ -31,6 +31,8 @@ struct DisplayOptions {
     bool renderSmooth = true;      ///< 333, or else flat: 332
     bool renderedEdges = true;     ///< 2004: the edges of faces on shaded panes
     bool renderedEdgesChosen = false;
+    bool renderTextures = true; ///< 334: pictures instead of colours
+    bool mixTexels = false;     ///< 2008: a pixel shows a mixture of the four texels around it
     double lightFromRight = 30; ///< 335: degrees by which the light comes from beside the viewer
     double lightFromAbove = 40;
     std::optional<std::uint32_t> renderBackground{}; ///< 355; none: that of the wires

@@ -144,15 +144,16 @@ bool takeOwnNormals(const Mesh& mesh, TriangleList& list, ShadeNormals& normals)
         const Normal& normal = mesh.normals[index];
         normals.smooth.push_back(packed({normal.x, normal.y, normal.z}));
     }
-    const auto isUsable = [&](std::uint32_t place) {
-        if (place >= normals.smooth.size()) return false;
+    const auto isZero = [&](std::uint32_t place) {
         const PackedNormal& n = normals.smooth[place];
-        return n.x != 0 || n.y != 0 || n.z != 0;
+        return n.x == 0 && n.y == 0 && n.z == 0;
     };
     bool all = true;
-    for (TriangleList::Normals& its : list.normals) {
+    for (TriangleList::Corners& its : list.normals) {
         for (std::uint32_t& place : its.corner) {
-            if (isUsable(place)) continue;
+            const bool isOwn = place < normals.smooth.size();
+            if (isOwn && !isZero(place)) continue;
+            normals.lostSome |= isOwn;
             place = TriangleList::none;
             all = false;
         }

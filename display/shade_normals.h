@@ -19,6 +19,7 @@ struct PackedNormal {
 struct ShadeNormals {
     std::vector<PackedNormal> flat;   ///< per triangle, that of its face
     std::vector<PackedNormal> smooth; ///< those of the mesh, then those that it lacks
+    bool lostSome = false;            ///< corners whose normals in the mesh had no direction
 };
 
 /// Works out `flat`: the normal of the face, zero where it has none. May throw std::bad_alloc.

@@ -5,7 +5,9 @@
 #include "display/look.h"
 #include "display/options.h"
 #include "display/shade_normals.h"
+#include "display/surface_looks.h"
 #include "display/triangle_list.h"
+#include "display/triangle_textures.h"
 #include "mesh/face_angle.h"
 #include "mesh/faces.h"
 #include "picture/triangles.h"
@@ -25,31 +27,29 @@ namespace {
 
 constexpr std::size_t pieceSize = 1 << 14;
 
-/// Red, green and blue, not rounded.
-using Color = std::array<float, 3>;
-
 /// What is kept from picture to picture, and what is made anew for each.
 struct Shading {
     TriangleList list;
     ShadeNormals normals;
-    /// Per triangle, its place in `colors`, from the front; from behind it is the next one.
-    std::vector<std::uint32_t> looks;
+    SurfaceLooks looks;
+    TriangleTextures textures; ///< while some face shows a picture
     std::optional<std::uint64_t> faces, positions,
         directions; ///< prints of what those were made of
     bool hasFlat = false, hasSmooth = false;
-    int grain = 1; ///< pixels to a side of what is shaded as one: 2 in drafts
+    bool isTextured = false; ///< the list has texture coordinates
+    int grain = 1;           ///< pixels to a side of what is shaded as one: 2 in drafts
     std::vector<RasterPoint> points;
     std::vector<float> cosines; ///< per smooth normal, of its angle with the light
-    std::vector<Color> colors;
     DepthTiles tiles;
 };
 
 Shading shading;
 
 std::uint64_t printOfVector(std::uint64_t place, double x, double y, double z) {
-    return printOf(3 * place, std::bit_cast<std::uint64_t>(x))
-           + printOf(3 * place + 1, std::bit_cast<std::uint64_t>(y))
-           + printOf(3 * place + 2, std::bit_cast<std::uint64_t>(z));
+    const auto a = std::bit_cast<std::uint64_t>(x), b = std::bit_cast<std::uint64_t>(y),
+               c = std::bit_cast<std::uint64_t>(z);
+    return printOf(place, a * 0x9FB21C651E98DF25U ^ std::rotl(b * 0xC2B2AE3D27D4EB4FU, 21)
+                              ^ std::rotl(c * 0x165667B19E3779F9U, 42));
 }
 
 /// The sum of print(i, element) over the elements of an array that have these numbers.
@@ -84,25 +84,37 @@ std::uint64_t printOfNormals(const Mesh& mesh) {
     });
 }
 
-void updateList(const Mesh& mesh) {
-    const std::uint64_t faces = printOfFaces(mesh);
-    if (shading.faces == faces) return;
+/// Whether a list that has lost corners' normals, as these had no direction, may need them by now.
+bool needsLostNormals(const Mesh& mesh) {
+    return shading.normals.lostSome && shading.directions != printOfNormals(mesh);
+}
+
+/// Whether the triangles are listed anew, perhaps in another order. The faces are looked at when
+/// they may have changed.
+bool updateList(const Mesh& mesh, bool mayHaveChanged) {
+    const bool textured = shading.looks.hasPictures();
+    const std::uint64_t faces = mayHaveChanged ? printOfFaces(mesh) : *shading.faces;
+    if (shading.faces == faces && shading.isTextured == textured && !needsLostNormals(mesh)) {
+        return false;
+    }
     shading.faces.reset(); // the list may be left half made
-    listTriangles(mesh, shading.list);
+    listTriangles(mesh, shading.list, textured);
+    shading.normals.lostSome = false;
+    shading.isTextured = textured;
+    shading.textures = {};
     shading.faces = faces;
     shading.positions.reset();
     shading.directions.reset();
+    return true;
 }
 
-void updateNormals(const Mesh& mesh, std::uint64_t positions) {
-    const std::uint64_t directions = printOfNormals(mesh);
-    if (shading.positions != positions || shading.directions != directions) {
-        shading.hasFlat = shading.hasSmooth = false;
-    }
+/// Normals do not turn while nothing else in the mesh changes.
+void updateNormals(const Mesh& mesh, std::uint64_t positions, bool mayHaveTurned) {
+    const bool moved = shading.positions != positions;
+    const std::uint64_t directions =
+        moved || mayHaveTurned ? printOfNormals(mesh) : *shading.directions;
+    if (moved || shading.directions != directions) shading.hasFlat = shading.hasSmooth = false;
     if (shading.hasSmooth || (shading.hasFlat && !displayOptions.renderSmooth)) return;
-    if (shading.directions && shading.directions != directions) {
-        listTriangles(mesh, shading.list); // which corners have usable normals
-    }
     shading.positions.reset();
     findFlatNormals(mesh, shading.list, shading.normals);
     if (displayOptions.renderSmooth) findSmoothNormals(mesh, shading.list, shading.normals);
@@ -110,43 +122,6 @@ void updateNormals(const Mesh& mesh, std::uint64_t positions) {
     shading.directions = directions;
     shading.hasFlat = true;
     shading.hasSmooth = displayOptions.renderSmooth;
-}
-
-Color colorOf(std::uint32_t color) {
-    return {static_cast<float>(color >> 16 & 255), static_cast<float>(color >> 8 & 255),
-            static_cast<float>(color & 255)};
-}
-
-Color average(const Color& a, const Color& b) {
-    return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
-}
-
-/// Four of each material: selected or not, each from the front and from behind. The first ones are
-/// of faces whose material is not there.
-void findColors(const Mesh& mesh) {
-    shading.colors.clear();
-    for (int i = -1; i < mesh.nmat; ++i) {
-        const Color front = colorOf(i < 0 ? defaultColor : mesh.materials[i].color);
-        const Color behind = average(front, colorOf(behindColor));
-        for (const Color& color : {front, behind}) shading.colors.push_back(color);
-        for (const Color& color : {front, behind}) {
-            shading.colors.push_back(average(color, colorOf(unselectedColor)));
-        }
-    }
-}
-
-void findLooks(const Mesh& mesh) {
-    const std::vector<RasterTriangle>& triangles = shading.list.triangles;
-    shading.looks.resize(triangles.size());
-    inPieces(triangles.size(), pieceSize, [&](std::size_t from, std::size_t to) {
-        for (std::size_t t = from; t < to; ++t) {
-            __builtin_prefetch(&mesh.faces[triangles[std::min(t + 16, to - 1)].face]);
-            const Face& face = mesh.faces[triangles[t].face];
-            const int material = face.mat >= 0 && face.mat < mesh.nmat ? face.mat + 1 : 0;
-            shading.looks[t] =
-                static_cast<std::uint32_t>(4 * material + (face.selected != 0 ? 0 : 2));
-        }
-    });
 }
 
 /// The way to the light in the world, as the pane has it.
@@ -186,11 +161,59 @@ std::uint32_t pixelOf(const Color& color, double cosine) {
     return 0xFF000000 | channel(0) << 16 | channel(1) << 8 | channel(2);
 }
 
+/// Lays the pictures of triangles on them as a pane shows them.
+class PictureLayer {
+  public:
+    PictureLayer(const TriangleSet& shown, bool left)
+        : set(shown), unitsPerPixel(shading.grain / view.scale) {
+        const auto& row = projection.toScreen.row[left ? 2 : 0];
+        toViewer = Vec3{row[0], row[1], row[2]} * (1 / view.scale);
+    }
+
+    /// False when the triangle shows none.
+    bool lay(std::uint32_t triangle, LaidTexture& to) const {
+        const ShownPicture& picture = shading.looks.picture(triangle);
+        if (picture.texture == nullptr) return false;
+        TexturePlace place[3];
+        for (int k = 0; k < 3; ++k) {
+            const std::uint32_t number = shading.list.texCoords[triangle].corner[k];
+            if (number >= shading.textures.places.size()) return false;
+            const TexturePlace& at = shading.textures.places[number];
+            const PicturePlacing& placing = picture.placing;
+            place[k] = {at.u * placing.uScale + placing.uOffset,
+                        at.v * placing.vScale + placing.vOffset};
+        }
+        ScreenCorner corner[3];
+        set.corners(triangle, corner);
+        return to.lay(corner, place, picture.texture->levelFor(texels(triangle, picture)));
+    }
+    bool hasHoles(std::uint32_t triangle) const {
+        const Texture* const texture = shading.looks.picture(triangle).texture;
+        return texture != nullptr && texture->hasHoles();
+    }
+
+  private:
+    /// Those of the picture that a pixel shows.
+    double texels(std::uint32_t triangle, const ShownPicture& picture) const {
+        const Image& image = picture.texture->image();
+        const double inPicture =
+            std::abs(picture.placing.uScale * picture.placing.vScale) * image.width * image.height;
+        const double slant = std::abs(cosineOf(shading.normals.flat[triangle], toViewer));
+        return shading.textures.densities[triangle] * inPicture * unitsPerPixel * unitsPerPixel
+               / std::max(slant, 1e-6);
+    }
+
+    const TriangleSet& set;
+    double unitsPerPixel;
+    Vec3 toViewer;
+};
+
 /// Shades what is seen in one tile.
 class TileShader {
   public:
-    TileShader(const TriangleSet& shaded, const Vec3& wayToLight, const Canvas& onto)
-        : set(shaded), light(wayToLight), canvas(onto) {}
+    TileShader(const TriangleSet& shaded, const PictureLayer* pictures, const Vec3& wayToLight,
+               const Canvas& onto)
+        : set(shaded), layer(pictures), light(wayToLight), canvas(onto) {}
 
     void shade(int column, int row) {
         const Tile& tile = shading.tiles.tile(column, row);
@@ -202,7 +225,7 @@ class TileShader {
             for (int x = 0; x < width; ++x) {
                 if (seen[x] == Seen::nothing) continue;
                 if (seen[x] != code) take(seen[x]);
-                put(left + x, top + y);
+                put(left + x, top + y, pixelAt(left + x, top + y));
             }
         }
     }
@@ -211,24 +234,35 @@ class TileShader {
     void take(std::uint32_t triangleSeen) {
         code = triangleSeen;
         const std::uint32_t t = Seen::triangle(code);
-        const bool behind = (code & Seen::behind) != 0;
-        color = &shading.colors[shading.looks[t] + (behind ? 1 : 0)];
-        side = behind ? -1 : 1;
-        if (!displayOptions.renderSmooth) {
-            flat = pixelOf(*color, side * cosineOf(shading.normals.flat[t], light));
-            return;
+        isBehind = (code & Seen::behind) != 0;
+        side = isBehind ? -1 : 1;
+        color = &shading.looks.color(t, isBehind);
+        hasPicture = layer != nullptr && layer->lay(t, picture);
+        if (displayOptions.renderSmooth) {
+            ScreenCorner corner[3];
+            set.corners(t, corner);
+            const auto& normal = shading.list.normals[t].corner;
+            const std::vector<float>& cosines = shading.cosines;
+            cosine =
+                gradientOver(corner, cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]);
+        } else {
+            flatCosine = side * cosineOf(shading.normals.flat[t], light);
+            flat = pixelOf(*color, flatCosine);
         }
-        ScreenCorner corner[3];
-        set.corners(t, corner);
-        const auto& normal = shading.list.normals[t].corner;
-        const std::vector<float>& cosines = shading.cosines;
-        cosine = gradientOver(corner, cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]);
     }
 
-    void put(int x, int y) {
-        const std::uint32_t pixel = displayOptions.renderSmooth
-                                        ? pixelOf(*color, side * cosine.at(x, cosine.inRow(y)))
-                                        : flat;
+    std::uint32_t pixelAt(int x, int y) const {
+        const bool smooth = displayOptions.renderSmooth;
+        if (!hasPicture && !smooth) return flat;
+        const double bright = smooth ? side * cosine.at(x, cosine.inRow(y)) : flatCosine;
+        if (!hasPicture) return pixelOf(*color, bright);
+        const std::uint32_t texel =
+            displayOptions.mixTexels ? picture.mixed(x, y) : picture.nearest(x, y);
+        const bool selected = shading.looks.isSelected(Seen::triangle(code));
+        return pixelOf(tinted(colorOf(texel), selected, isBehind), bright);
+    }
+
+    void put(int x, int y, std::uint32_t pixel) const {
         if (shading.grain == 1) {
             canvas.pixels[y * canvas.stride + x] = pixel;
             return;
@@ -242,13 +276,17 @@ class TileShader {
     }
 
     const TriangleSet& set;
+    const PictureLayer* layer; ///< or null
     Vec3 light;
     Canvas canvas;
     std::uint32_t code = Seen::nothing;
     const Color* color = nullptr;
+    bool isBehind = false, hasPicture = false;
     double side = 1; ///< -1: seen from behind
+    double flatCosine = 0;
     std::uint32_t flat = 0;
     Gradient cosine{};
+    LaidTexture picture;
 };
 
 /// The points as the right pane has them.
@@ -265,28 +303,44 @@ void turnPoints() {
 
 void prepareShading(const Mesh& mesh, const Stale& changed, bool draft) {
     shading.grain = draft ? 2 : 1;
-    if (changed.edges || !shading.faces) updateList(mesh);
-    updateNormals(mesh, placePoints(mesh));
-    const bool looksChanged = changed.edges || changed.picture;
-    if (looksChanged || shading.looks.size() != shading.list.triangles.size()) findLooks(mesh);
-    findColors(mesh);
+    bool looksChanged = changed.edges || changed.picture || !shading.faces;
+    if (looksChanged) shading.looks.findPictures(mesh);
+    looksChanged |= updateList(mesh, changed.edges || !shading.faces);
+    const std::uint64_t positions = placePoints(mesh);
+    const bool moved = shading.positions != positions;
+    updateNormals(mesh, positions, looksChanged);
+    if (shading.isTextured && (moved || looksChanged)) {
+        findTextures(mesh, shading.list, shading.textures);
+    }
+    if (looksChanged || !shading.looks.fit(mesh, shading.list)) {
+        shading.looks.findTriangles(mesh, shading.list);
+    }
+    shading.looks.findColors(mesh);
 }
 
 void drawShaded(const Mesh& mesh, const Pane& pane) {
     if (!pane.left) turnPoints();
-    const TriangleSet set{shading.points, shading.list.triangles,
-                          [&mesh, &pane](std::uint32_t point) {
-                              return placeInShaded(mesh.points[shading.list.pointOf[point]],
-                                                   pane.left);
-                          },
-                          displayOptions.hideFacingAway};
+    TriangleSet set{shading.points,
+                    shading.list.triangles,
+                    [&mesh, &pane](std::uint32_t point) {
+                        return placeInShaded(mesh.points[shading.list.pointOf[point]], pane.left);
+                    },
+                    {},
+                    displayOptions.hideFacingAway};
+    const PictureLayer layer(set, pane.left);
+    if (shading.isTextured && shading.looks.hasHoles()) {
+        set.layWithHoles = [&layer](std::uint32_t triangle, LaidTexture& to) {
+            return layer.hasHoles(triangle) && layer.lay(triangle, to);
+        };
+    }
     const auto grains = [](int pixels) { return (pixels + shading.grain - 1) / shading.grain; };
     shading.tiles.draw(grains(pane.canvas.width), grains(pane.canvas.height), set);
     const Vec3 light = wayToLight(pane.left);
     if (displayOptions.renderSmooth) findCosines(light);
     const int columns = shading.tiles.columns();
     inParallel(columns * shading.tiles.rows(), [&](int tile) {
-        TileShader(set, light, pane.canvas).shade(tile % columns, tile / columns);
+        TileShader(set, shading.isTextured ? &layer : nullptr, light, pane.canvas)
+            .shade(tile % columns, tile / columns);
     });
 }
 

@@ -120,11 +120,16 @@ class Renumbering {
     std::vector<std::uint32_t>& given;
 };
 
+/// Where the address lies, counted from the start of the array.
+std::uint64_t offset(const void* array, const void* address) {
+    return reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(array);
+}
+
 class Lister {
   public:
-    Lister(const Mesh& listed, TriangleList& into)
-        : mesh(listed), list(into), points(mesh.np, list.pointOf), normals(mesh.nd, list.normalOf) {
-    }
+    Lister(const Mesh& listed, TriangleList& into, bool texCoordsToo)
+        : mesh(listed), list(into), withTexCoords(texCoordsToo), points(mesh.np, list.pointOf),
+          normals(mesh.nd, list.normalOf), texCoords(texCoordsToo ? mesh.nt : 0, list.texCoordOf) {}
 
     void add(std::uint32_t index) {
         const Face& face = mesh.faces[index];
@@ -153,37 +158,36 @@ class Lister {
             turned = !turned;
         }
         RasterTriangle added{{}, index & 0x7FFFFFFF, turned ? 1U : 0U};
-        TriangleList::Normals its{};
+        TriangleList::Corners its{}, shown{};
         for (int k = 0; k < 3; ++k) {
             added.corner[k] = points(static_cast<std::size_t>(pointOf(mesh, *corner[k])));
-            its.corner[k] = numberOf(corner[k]->d);
+            its.corner[k] = numberOf(mesh.normals, mesh.nd, corner[k]->d, normals);
+            if (!withTexCoords) continue;
+            shown.corner[k] = numberOf(mesh.texcoords, mesh.nt, corner[k]->t, texCoords);
         }
         list.triangles.push_back(added);
         list.normals.push_back(its);
+        if (withTexCoords) list.texCoords.push_back(shown);
     }
 
-    std::uint32_t numberOf(const Normal* normal) {
-        const auto index = reinterpret_cast<std::uintptr_t>(normal)
-                           - reinterpret_cast<std::uintptr_t>(mesh.normals);
-        const std::size_t place = index / sizeof(Normal);
-        return place < static_cast<std::size_t>(mesh.nd) ? normals(place) : TriangleList::none;
+    template <typename T>
+    static std::uint32_t numberOf(const T* array, std::int32_t count, const T* element,
+                                  Renumbering& numbers) {
+        const std::size_t place = offset(array, element) / sizeof(T);
+        return place < static_cast<std::size_t>(count) ? numbers(place) : TriangleList::none;
     }
 
     const Mesh& mesh;
     TriangleList& list;
-    Renumbering points, normals;
+    bool withTexCoords;
+    Renumbering points, normals, texCoords;
     PolygonCutter cutter;
     std::vector<Vec3> places;
 };
 
-/// Where the address lies, counted from the start of the array.
-std::uint64_t offset(const void* array, const void* address) {
-    return reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(array);
-}
-
 } // namespace
 
-void listTriangles(const Mesh& mesh, TriangleList& list) {
+void listTriangles(const Mesh& mesh, TriangleList& list, bool withTexCoords) {
     const std::vector<Placed> faces = placedFaces(mesh);
     std::size_t count = 0;
     for (const Placed& entry : faces) {
@@ -191,9 +195,11 @@ void listTriangles(const Mesh& mesh, TriangleList& list) {
     }
     list.triangles.clear();
     list.normals.clear();
+    list.texCoords = {};
     list.triangles.reserve(count);
     list.normals.reserve(count);
-    Lister lister(mesh, list);
+    list.texCoords.reserve(withTexCoords ? count : 0);
+    Lister lister(mesh, list, withTexCoords);
     for (std::size_t i = 0; i < faces.size(); ++i) {
         // In a mesh of no order the next faces are far apart; they are called for in time.
         if (i + 16 < faces.size()) __builtin_prefetch(&mesh.faces[faces[i + 16].face]);
@@ -213,7 +219,8 @@ std::uint64_t printOfFaces(const Mesh& mesh) {
             std::uint64_t place = i;
             for (const FaceCorner& corner : corners(face)) {
                 place = printOf(place, offset(mesh.points, corner.p))
-                        + printOf(place + 1, offset(mesh.normals, corner.d));
+                        + printOf(place + 1, offset(mesh.normals, corner.d))
+                        + printOf(place + 2, offset(mesh.texcoords, corner.t));
             }
             print += printOf(i, place);
         }

@@ -14,20 +14,23 @@ namespace polyfab {
 
 struct TriangleList {
     static constexpr std::uint32_t none = 0xFFFFFFFF;
-    /// Per corner of a triangle, a place in normalOf, or none where the mesh has no normal; until
-    /// findSmoothNormals puts others there.
-    struct Normals {
+    struct Corners {
         std::uint32_t corner[3];
     };
 
     std::vector<RasterTriangle> triangles;
-    std::vector<Normals> normals;        ///< per triangle
-    std::vector<std::uint32_t> pointOf;  ///< the mesh's points by the triangles' numbers
-    std::vector<std::uint32_t> normalOf; ///< the mesh's normals that corners have
+    /// Per triangle, places in normalOf, or none where the mesh has no normal; until
+    /// findSmoothNormals puts others there.
+    std::vector<Corners> normals;
+    /// Per triangle, places in texCoordOf, or none; empty when they are not wanted.
+    std::vector<Corners> texCoords;
+    std::vector<std::uint32_t> pointOf;    ///< the mesh's points by the triangles' numbers
+    std::vector<std::uint32_t> normalOf;   ///< the mesh's normals that corners have
+    std::vector<std::uint32_t> texCoordOf; ///< its texture coordinates that corners have
 };
 
 /// Lists the sound faces of three and more corners. May throw std::bad_alloc.
-void listTriangles(const Mesh& mesh, TriangleList& list);
+void listTriangles(const Mesh& mesh, TriangleList& list, bool withTexCoords);
 
 /// A number that changes with the corners of the faces: of lists with the same one, all but the
 /// positions is the same.

@@ -174,6 +174,8 @@ constexpr AdviceRow rows[] = {
     {333,
      "lets shades run over what is round on rendered panes, by normals or else up to 45 degrees"},
     {2004, "draws the edges of the faces that are seen on rendered panes"},
+    {334, "shows the pictures of materials and texture maps on rendered panes instead of colours"},
+    {2008, "blurs pictures where they are larger than their pixels on rendered panes"},
     {335, "says by two angles where the light comes from on rendered panes"},
     {355, "chooses the colour behind the faces on rendered panes"},
     {336, "chooses texture map 0: T in the list of groups gives it to groups"},

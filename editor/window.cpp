@@ -235,7 +235,7 @@ void handleEvent(const Event& event) {
     }
     if (ended || movesInHistory(event)) {
         countFaces();
-        suitRendering(readsMesh(event));
+        suitRendering(readsMesh(event), altered);
     }
     if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
     teller.tell(altered);

@@ -167,6 +167,7 @@ class TilePainter {
         const RasterPoint& third = area > 0 ? c : b;
         code = triangle << 1 | (behind ? Seen::behind : 0);
         depth.reset();
+        holed = set.layWithHoles && set.layWithHoles(triangle, picture);
         if (isSmall) {
             drawSmall(a, second, third, across, down);
         } else {
@@ -236,13 +237,17 @@ class TilePainter {
         const Gradient& gradient = depthNow();
         const auto near = static_cast<float>(gradient.at(x, gradient.inRow(y)));
         const int at = (y - top) * Tile::width + x - left;
-        if (near < tile.depth[at] || (near == tile.depth[at] && isBefore(tile.seen[at]))) {
-            tile.depth[at] = near;
-            tile.seen[at] = code;
-        }
+        if (near > tile.depth[at] || (near == tile.depth[at] && !isBefore(tile.seen[at]))) return;
+        if (holed && Texture::isHole(picture.nearest(x, y))) return;
+        tile.depth[at] = near;
+        tile.seen[at] = code;
     }
 
     void drawRow(int from, int to, int y) {
+        if (holed) {
+            for (int x = from; x <= to; ++x) drawPixel(x, y);
+            return;
+        }
         const Gradient gradient = depthNow();
         const double row = gradient.inRow(y);
         const int count = to - from + 1;
@@ -277,6 +282,8 @@ class TilePainter {
     int left, top, right, bottom; ///< pixels of the tile, all of them included
     std::uint32_t code = 0;
     std::optional<Gradient> depth; ///< worked out for the first pixel
+    bool holed = false;
+    LaidTexture picture; ///< of one that is holed
 };
 
 /// Sorts triangles into the bins of one worker.

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "picture/gradient.h"
+#include "picture/texture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,6 +69,9 @@ struct TriangleSet {
     std::span<const RasterTriangle> triangles;
     /// Where a corner is that `points` holds too coarsely.
     std::function<ScreenCorner(std::uint32_t point)> exact;
+    /// Lays the picture of a triangle that may have holes. False when it has none. Empty: no one
+    /// has any.
+    std::function<bool(std::uint32_t triangle, LaidTexture& to)> layWithHoles{};
     bool frontOnly = false; ///< those seen clockwise are left out
 
     /// The corners of a triangle in its own order.

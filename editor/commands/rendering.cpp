@@ -98,7 +98,7 @@ void setRenderBackground() {
     stale.picture = true;
 }
 
-void suitRendering(bool wasRead) {
+void suitRendering(bool wasRead, bool altered) {
     constexpr std::int64_t mostWithEdges = 50'000, mostAsWires = 100'000;
     const std::int64_t faces = editorState.faces.live;
     DisplayOptions& options = displayOptions;
@@ -109,11 +109,12 @@ void suitRendering(bool wasRead) {
         options.renderLeft = options.renderRight = true;
         note("rendered, as wires would be one solid patch: F5 and F6 change that");
     }
-    if (options.renderLeft == before.renderLeft && options.renderedEdges == before.renderedEdges) {
-        return;
-    }
+    const bool changed =
+        options.renderLeft != before.renderLeft || options.renderedEdges != before.renderedEdges;
+    if (changed) updateCheckMarks();
+    // Of what was altered wires may show nothing, such as materials.
+    if (!changed && !(altered && (options.renderLeft || options.renderRight))) return;
     stale.picture = true;
-    updateCheckMarks();
     platform().requestPaint();
 }
 

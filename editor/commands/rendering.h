@@ -30,7 +30,8 @@ void setRenderBackground();
 
 /// Settings that nobody has chosen follow the number of faces: of more than 50,000 the edges would
 /// cover rendered panes. After a read of more than 100,000, which are a solid patch of wires, both
-/// panes are rendered, and a note says so. To be called when the faces are counted.
-void suitRendering(bool wasRead);
+/// panes are rendered, and a note says so. To be called when the faces are counted. What was
+/// altered shows in rendered panes.
+void suitRendering(bool wasRead, bool altered);
 
 } // namespace polyfab

@@ -20,6 +20,17 @@ std::string text(const Json& json) {
 
 std::string eventLine(const char* name) { return text({{"event", name}}); }
 
+/// FNV-1a over red, green and blue of each pixel, rows from the top, in 16 hexadecimal digits.
+std::string pixelHash(const Bitmap& picture) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const std::uint32_t pixel : picture.pixels) {
+        for (const int shift : {16, 8, 0}) hash = (hash ^ (pixel >> shift & 255)) * 0x100000001B3U;
+    }
+    char digits[20];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+    return digits;
+}
+
 struct ChoiceRow {
     const char* word;
     Choice choice;
@@ -282,6 +293,14 @@ void BatchPlatform::openHelp(const std::string&) { print(eventLine("help")); }
 
 void BatchPlatform::showPage(const std::string& pageTitle, const std::string& page) {
     print(text({{"event", "page"}, {"title", pageTitle}, {"text", page}}));
+}
+
+void BatchPlatform::copyToClipboard(const Bitmap& copied) {
+    clipboard = copied;
+    print(text({{"event", "clipboard"},
+                {"width", copied.width},
+                {"height", copied.height},
+                {"hash", pixelHash(copied)}}));
 }
 
 void BatchPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& shown,

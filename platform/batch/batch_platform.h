@@ -84,7 +84,8 @@ class BatchPlatform : public Platform {
     bool escapeDown() override;
     void openHelp(const std::string& chapter) override;
     void showPage(const std::string& pageTitle, const std::string& page) override;
-    std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+    std::optional<Bitmap> clipboardBitmap() const override { return clipboard; }
+    void copyToClipboard(const Bitmap& copied) override;
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
     int desktopTextHeight() const override { return 0; }
@@ -101,6 +102,7 @@ class BatchPlatform : public Platform {
     MenuBar bar;
     StatusLine status;
     Bitmap picture;
+    std::optional<Bitmap> clipboard; ///< that of the desktop is left alone
     std::deque<Answer> answers;
     std::optional<int> abortAfter; ///< looks at Escape until it is down
     bool escapeKey = false;        ///< as the last key event of it has it

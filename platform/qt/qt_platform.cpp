@@ -354,6 +354,12 @@ std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
     return copy;
 }
 
+void QtPlatform::copyToClipboard(const Bitmap& copied) {
+    const QImage shared(reinterpret_cast<const uchar*>(copied.pixels.data()), copied.width,
+                        copied.height, 4 * copied.width, QImage::Format_RGB32);
+    QApplication::clipboard()->setImage(shared.copy());
+}
+
 void QtPlatform::drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                           std::uint32_t color) {
     paintText(drawn, x, y, text, font, color);

@@ -71,6 +71,7 @@ class QtPlatform : public Platform {
     void openHelp(const std::string& chapter) override;
     void showPage(const std::string& pageTitle, const std::string& text) override;
     std::optional<Bitmap> clipboardBitmap() const override;
+    void copyToClipboard(const Bitmap& copied) override;
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
     int desktopTextHeight() const override;

@@ -65,6 +65,15 @@ TEST_P(Contract, PictureIsShownPixelForPixelAndDrawnOnlyWhenDue) {
     EXPECT_EQ(driver->pixel(399, 299), toyColor(399, 299));
 }
 
+TEST_P(Contract, TheClipboardGivesBackThePictureThatItGot) {
+    const Bitmap picture{3, 2, {0xFF000000, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF, 0xFF123456, ~0U}};
+    platform().copyToClipboard(picture);
+    const std::optional<Bitmap> found = platform().clipboardBitmap();
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->width, 3);
+    EXPECT_EQ(found->pixels, picture.pixels);
+}
+
 TEST_P(Contract, TheStatusLineStandsBelowTheClientArea) {
     driver->resize({400, 300});
     const auto says = [&](const char* left) {

@@ -47,6 +47,7 @@ class FakePlatform : public Platform {
     bool statusShown = true;
     bool watched = false;
     Bitmap picture; ///< what was presented last
+    std::optional<Bitmap> clipboard;
     int paintRequests = 0;
 
     struct Text {
@@ -90,7 +91,8 @@ class FakePlatform : public Platform {
     void showPage(const std::string& title, const std::string& text) override {
         log.push_back("page|" + title + "|" + text);
     }
-    std::optional<Bitmap> clipboardBitmap() const override { return std::nullopt; }
+    std::optional<Bitmap> clipboardBitmap() const override { return clipboard; }
+    void copyToClipboard(const Bitmap& copied) override { clipboard = copied; }
     void drawText(Bitmap& drawn, int x, int y, const std::string& text, const Font& font,
                   std::uint32_t color) override;
     int desktopTextHeight() const override { return desktopText; }
