@@ -28,6 +28,7 @@ const AssimpLibrary* openAssimp() {
         && found("aiGetErrorString", assimp.aiGetErrorString)
         && found("aiGetMaterialString", assimp.aiGetMaterialString)
         && found("aiGetMaterialColor", assimp.aiGetMaterialColor)
+        && found("aiGetMaterialFloatArray", assimp.aiGetMaterialFloatArray)
         && found("aiGetExportFormatCount", assimp.aiGetExportFormatCount)
         && found("aiGetExportFormatDescription", assimp.aiGetExportFormatDescription)
         && found("aiExportSceneEx", assimp.aiExportSceneEx);

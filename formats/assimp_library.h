@@ -18,6 +18,7 @@ struct AssimpLibrary {
     decltype(&::aiGetErrorString) aiGetErrorString;
     decltype(&::aiGetMaterialString) aiGetMaterialString;
     decltype(&::aiGetMaterialColor) aiGetMaterialColor;
+    decltype(&::aiGetMaterialFloatArray) aiGetMaterialFloatArray;
     decltype(&::aiGetExportFormatCount) aiGetExportFormatCount;
     decltype(&::aiGetExportFormatDescription) aiGetExportFormatDescription;
     decltype(&::aiExportSceneEx) aiExportSceneEx;

@@ -50,10 +50,12 @@ aiVector3D vector(const Vec3& v) {
     return {static_cast<ai_real>(v.x), static_cast<ai_real>(v.y), static_cast<ai_real>(v.z)};
 }
 
-aiMaterialProperty* property(const char* key, aiPropertyTypeInfo type, std::string_view data) {
+aiMaterialProperty* property(const char* key, aiPropertyTypeInfo type, std::string_view data,
+                             aiTextureType ofTexture = aiTextureType_NONE) {
     auto* const made = zeroed<aiMaterialProperty>();
     set(made->mKey, key);
     made->mType = type;
+    made->mSemantic = ofTexture;
     made->mDataLength = countOf(data);
     made->mData = zeroed<char>(data.size());
     data.copy(made->mData, data.size());
@@ -64,17 +66,42 @@ std::string_view bytesOf(const auto& record) {
     return {reinterpret_cast<const char*>(&record), sizeof record};
 }
 
-aiMaterial* material(std::string_view name, std::uint32_t color) {
+/// A text as a property has it: its length before it, a NUL behind.
+std::string textData(std::string_view text) {
+    const std::uint32_t length = countOf(text);
+    return std::string(bytesOf(length)) + std::string(text) + '\0';
+}
+
+/// `picture` is its file, or "*" and the number of a texture of the scene; "": none.
+aiMaterial* material(std::string_view name, std::uint32_t color, double opacity,
+                     std::string_view picture) {
     const auto part = [&](int shift) { return static_cast<float>((color >> shift) & 0xFF) / 255; };
     const float diffuse[4] = {part(16), part(8), part(0), 1};
-    const std::uint32_t length = countOf(name); // before the text, which ends in NUL
-    const std::string text = std::string(bytesOf(length)) + std::string(name) + '\0';
+    const auto share = static_cast<float>(opacity);
+    std::vector<aiMaterialProperty*> properties = {
+        property("?mat.name", aiPTI_String, textData(name)),
+        property("$clr.diffuse", aiPTI_Float, bytesOf(diffuse)),
+        property("$clr.base", aiPTI_Float, bytesOf(diffuse))};
+    if (opacity != 1) properties.push_back(property("$mat.opacity", aiPTI_Float, bytesOf(share)));
+    if (!picture.empty()) {
+        properties.push_back(
+            property("$tex.file", aiPTI_String, textData(picture), aiTextureType_DIFFUSE));
+    }
     auto* const made = zeroed<aiMaterial>();
-    made->mProperties =
-        copied<aiMaterialProperty*>({property("?mat.name", aiPTI_String, text),
-                                     property("$clr.diffuse", aiPTI_Float, bytesOf(diffuse)),
-                                     property("$clr.base", aiPTI_Float, bytesOf(diffuse))});
-    made->mNumProperties = made->mNumAllocated = 3;
+    made->mProperties = copied(properties);
+    made->mNumProperties = made->mNumAllocated = countOf(properties);
+    return made;
+}
+
+/// A picture file in the scene.
+aiTexture* texture(std::string_view bytes) {
+    auto* const made = zeroed<aiTexture>();
+    made->mWidth = countOf(bytes);
+    auto* const data = zeroed<char>(bytes.size() + sizeof(aiTexel));
+    bytes.copy(data, bytes.size());
+    made->pcData = reinterpret_cast<aiTexel*>(data);
+    const std::string_view kind = bytes.starts_with("\xFF\xD8") ? "jpg" : "png";
+    kind.copy(made->achFormatHint, kind.size());
     return made;
 }
 
@@ -104,8 +131,13 @@ class SceneMaker {
         root->mNumChildren = countOf(nodes);
         std::vector<aiMaterial*> materials;
         for (std::size_t i = 0; i < mesh.materials.size(); ++i) {
-            materials.push_back(material(mesh.materials[i], mesh.colors[i]));
+            const StreamLook& look = mesh.looks[i];
+            const std::string picture = look.embedded < 0 ? std::string(mesh.pictures[i])
+                                                          : "*" + std::to_string(look.embedded);
+            materials.push_back(material(mesh.materials[i], mesh.colors[i], look.opacity, picture));
         }
+        std::vector<aiTexture*> textures;
+        for (const std::string_view bytes : mesh.embedded) textures.push_back(texture(bytes));
         auto* const scene = zeroed<aiScene>();
         scene->mRootNode = root;
         scene->mMetaData = zeroed<aiMetadata>(); // some exporters look without asking
@@ -113,6 +145,8 @@ class SceneMaker {
         scene->mNumMeshes = countOf(meshes);
         scene->mMaterials = copied(materials);
         scene->mNumMaterials = countOf(materials);
+        scene->mTextures = copied(textures);
+        scene->mNumTextures = countOf(textures);
         return scene;
     }
 

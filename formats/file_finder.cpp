@@ -30,7 +30,7 @@ bool sameButCase(std::string_view a, std::string_view b) {
     });
 }
 
-FileFinder::FileFinder(std::vector<fs::path> searched) {
+FileFinder::FileFinder(const std::vector<fs::path>& searched) {
     for (const fs::path& folder : searched) {
         std::error_code failure;
         const fs::path known = fs::canonical(folder, failure);

@@ -13,7 +13,7 @@ namespace polyfab {
 
 class FileFinder {
   public:
-    explicit FileFinder(std::vector<std::filesystem::path> searched);
+    explicit FileFinder(const std::vector<std::filesystem::path>& searched);
 
     /// The regular file of this name (as fileNameIn gives it) in the first folder that has one;
     /// else by its bare name; else so again without regard to case. "": there is none in them.

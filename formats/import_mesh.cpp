@@ -8,6 +8,7 @@
 #include "formats/material_library.h"
 #include "formats/only_selected.h"
 #include "formats/save_exported.h"
+#include "formats/stream_looks.h"
 #include "formats/stream_mesh.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
@@ -48,9 +49,15 @@ void tellNotes(const StreamView& view) {
     }
 }
 
+/// Gives the materials from `firstNew` on their looks, those of OBJ files from their libraries.
+std::string looksOf(Mesh& mesh, const StreamView& view, const std::string& path, int firstNew) {
+    if (!hasSuffixOf("*.OBJ", path)) return takeLooks(mesh, view, path, firstNew);
+    return readMaterialLibraries(mesh, path, librariesNamedIn(path), firstNew);
+}
+
 /// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
-/// it grew.
-std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
+/// it grew. `looks` becomes a note on the looks of its materials.
+std::string importFile(Mesh& mesh, const std::string& path, bool append, std::string& looks) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"import", path}, -1, bytes);
@@ -60,7 +67,10 @@ std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
     tellNotes(view);
     if (!view.failure.empty()) return std::string(view.failure);
-    return takeStream(mesh, view, append);
+    const int materials = append ? mesh.nmat : 0;
+    reason = takeStream(mesh, view, append);
+    if (reason.empty()) looks = looksOf(mesh, view, path, materials);
+    return reason;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
@@ -113,23 +123,27 @@ StreamTables tablesOf(const Mesh& mesh, bool onlySelected) {
 }
 
 /// A file in memory with the mesh in it, for the child to read; -1 when that fails.
-int streamFile(const Mesh& mesh, bool onlySelected) {
+int streamFile(const StreamTables& tables) {
     const int file = ::memfd_create("mesh", MFD_CLOEXEC);
     if (file < 0) return -1;
-    const StreamTables tables = tablesOf(mesh, onlySelected);
     moveProgress();
     if (writeStream(file, tables)) return file;
     ::close(file);
     return -1;
 }
 
+constexpr const char* noRoom = "there is no room for temporary files";
+
 /// Returns "" or why the old file is as it was.
 std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
                        SaveFile& file) try {
     const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
     const ScratchFolder folder;
-    const int input = folder.path.empty() ? -1 : streamFile(mesh, onlySelected);
-    if (input < 0) return "there is no room for temporary files";
+    if (folder.path.empty()) return noRoom;
+    StreamTables tables = tablesOf(mesh, onlySelected);
+    giveLooks(mesh, tables, path, folder.path);
+    const int input = streamFile(tables);
+    if (input < 0) return noRoom;
     const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"export", written}, input, bytes);
@@ -161,8 +175,8 @@ void importNamedMesh(const std::string& path, bool append) {
     Mesh& mesh = *OB;
     if (!meshIsSound(mesh, "mesh fault before reading")) return;
     const ReadNote readNote(mesh);
-    const int materials = append ? mesh.nmat : 0;
-    const std::string reason = importFile(mesh, path, append);
+    std::string looks;
+    const std::string reason = importFile(mesh, path, append, looks);
     if (!reason.empty()) {
         explain("I tried to read this file but it didn't work", path, reason);
         return;
@@ -172,9 +186,6 @@ void importNamedMesh(const std::string& path, bool append) {
     noteRecentFile(path, true);
     resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
-    const bool named = hasSuffixOf("*.OBJ", path);
-    const std::string looks = readMaterialLibraries(
-        mesh, path, named ? librariesNamedIn(path) : std::vector<std::string>(), materials);
     if (!looks.empty()) note(looks);
     updateTitle();
 }

@@ -76,7 +76,8 @@ struct NormalMap {
 class SceneReader {
   public:
     SceneReader(const AssimpLibrary& library, const aiScene& source)
-        : assimp(library), scene(source), materialOf(source.mNumMaterials, -1) {}
+        : assimp(library), scene(source), materialOf(source.mNumMaterials, -1),
+          embeddedOf(source.mNumTextures, -1) {}
 
     /// Goes over the tree of nodes, parents first.
     StreamTables read() {
@@ -176,7 +177,82 @@ class SceneReader {
         const bool colored = assimp.aiGetMaterialColor(&material, AI_MATKEY_COLOR_DIFFUSE, &color)
                              == aiReturn_SUCCESS;
         index = addMaterial(name.C_Str(), colored ? packed(color) : defaultColor);
+        readLook(material);
         return index;
+    }
+
+    /// The look of the material that was added last.
+    void readLook(const aiMaterial& material) {
+        StreamLook& look = tables.looks.back();
+        ai_real opacity = 1;
+        unsigned one = 1;
+        if (assimp.aiGetMaterialFloatArray(&material, AI_MATKEY_OPACITY, &opacity, &one)
+            == aiReturn_SUCCESS) {
+            look.opacity = finite(opacity);
+        }
+        for (const auto kind : {aiTextureType_BASE_COLOR, aiTextureType_DIFFUSE}) {
+            aiString path;
+            static_cast<void>(
+                assimp.aiGetMaterialString(&material, AI_MATKEY_TEXTURE(kind, 0), &path));
+            if (path.length == 0) continue;
+            look.embedded = embeddedIndex(path.C_Str());
+            tables.pictures.back() = look.embedded < 0 ? path.C_Str() : nameOf(path.C_Str());
+            return readPlacing(material, kind, look);
+        }
+    }
+
+    /// Moved and stretched; a picture that is turned is not.
+    void readPlacing(const aiMaterial& material, aiTextureType kind, StreamLook& look) {
+        ai_real numbers[5] = {0, 0, 1, 1, 0};
+        unsigned count = 5;
+        static_cast<void>(assimp.aiGetMaterialFloatArray(&material, AI_MATKEY_UVTRANSFORM(kind, 0),
+                                                         numbers, &count));
+        look.uOffset = numbers[0];
+        look.vOffset = numbers[1];
+        look.uScale = numbers[2];
+        look.vScale = numbers[3];
+    }
+
+    /// The number of the texture that is in the scene, or that it has under this name; else the
+    /// count of them.
+    unsigned textureNumber(const std::string& path) const {
+        if (path[0] == '*') return static_cast<unsigned>(std::atoi(path.c_str() + 1));
+        unsigned number = 0;
+        while (number < scene.mNumTextures
+               && nameOf(scene.mTextures[number]->mFilename.C_Str()) != nameOf(path)) {
+            ++number;
+        }
+        return number;
+    }
+
+    /// Its place among the embedded ones, entered when it is met first; -1: it is none of them.
+    std::int64_t embeddedIndex(const std::string& path) {
+        const unsigned number = textureNumber(path);
+        if (number >= scene.mNumTextures) return -1;
+        std::int64_t& index = embeddedOf[number];
+        if (index < 0) {
+            index = std::ssize(tables.embedded);
+            tables.embedded.push_back(fileOf(*scene.mTextures[number]));
+        }
+        return index;
+    }
+
+    static std::string nameOf(const std::string& path) {
+        return path.substr(path.find_last_of("/\\") + 1);
+    }
+
+    /// As a picture file. Plain pixels become a TGA file, which has them as they are.
+    static std::string fileOf(const aiTexture& texture) {
+        const char* const bytes = reinterpret_cast<const char*>(texture.pcData);
+        if (texture.mHeight == 0) return {bytes, texture.mWidth};
+        constexpr unsigned most = 0xFFFF;
+        if (texture.mWidth > most || texture.mHeight > most) return "";
+        std::string file("\0\0\2\0\0\0\0\0\0\0\0\0", 12);
+        for (const unsigned side : {texture.mWidth, texture.mHeight}) {
+            file += {static_cast<char>(side), static_cast<char>(side >> 8)};
+        }
+        file += "\x20\x28"; // 32 bits, eight of them alpha, rows from the top
+        return file.append(bytes, sizeof(aiTexel) * texture.mWidth * texture.mHeight);
     }
 
     std::int32_t defaultMaterial() {
@@ -187,6 +263,8 @@ class SceneReader {
     std::int32_t addMaterial(const std::string& name, std::uint32_t color) {
         tables.materials.push_back(name);
         tables.colors.push_back(color);
+        tables.looks.emplace_back();
+        tables.pictures.emplace_back();
         return static_cast<std::int32_t>(tables.materials.size()) - 1;
     }
 
@@ -203,6 +281,7 @@ class SceneReader {
     const aiScene& scene;
     StreamTables tables;
     std::vector<std::int32_t> materialOf; ///< the scene's material -> the table's, -1: not met yet
+    std::vector<std::int64_t> embeddedOf; ///< the same of textures and embedded pictures
     std::int32_t noMaterial = -1;
 };
 

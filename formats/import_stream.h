@@ -29,6 +29,13 @@ struct StreamFace {
     std::int32_t material = 0;
 };
 
+/// What a material has besides its colour.
+struct StreamLook {
+    double uScale = 1, vScale = 1, uOffset = 0, vOffset = 0; ///< of its picture
+    double opacity = 1;
+    std::int64_t embedded = -1; ///< index of its picture among those in the stream; -1: none
+};
+
 /// What one end writes.
 struct StreamTables {
     std::vector<Vec3> points;
@@ -39,8 +46,11 @@ struct StreamTables {
     std::vector<std::uint32_t> colors; ///< of the materials, 0xRRGGBB
     std::vector<std::string> groups;   ///< names
     std::vector<std::string> materials;
-    std::vector<std::string> notes; ///< for the user to read
-    std::string failure;            ///< why there is no mesh; "": there is one
+    std::vector<StreamLook> looks;     ///< of the materials, or of none
+    std::vector<std::string> pictures; ///< of the materials the file of the picture, or of none
+    std::vector<std::string> embedded; ///< picture files
+    std::vector<std::string> notes;    ///< for the user to read
+    std::string failure;               ///< why there is no mesh; "": there is one
 };
 
 /// What the other end reads: the tables where they lie in the bytes.
@@ -53,6 +63,9 @@ struct StreamView {
     std::span<const std::uint32_t> colors;
     std::vector<std::string_view> groups;
     std::vector<std::string_view> materials;
+    std::span<const StreamLook> looks; ///< of each material
+    std::vector<std::string_view> pictures;
+    std::vector<std::string_view> embedded;
     std::vector<std::string_view> notes;
     std::string_view failure;
 };
@@ -62,7 +75,7 @@ struct StreamView {
 
 /// Reads a whole stream; `bytes` must be aligned as the heap is and outlive `view`. True: every
 /// reference in the tables is in range, every face has its corners, three at least, and every
-/// material its colour. Coordinates and names may still be anything.
+/// material its colour and its look. Coordinates and names may still be anything.
 [[nodiscard]] bool readStream(std::span<const char> bytes, StreamView& view);
 
 } // namespace polyfab

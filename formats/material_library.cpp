@@ -3,6 +3,7 @@
 
 #include "display/material_looks.h"
 #include "formats/file_finder.h"
+#include "formats/found_pictures.h"
 #include "formats/material_lines.h"
 #include "formats/obj_lines.h"
 #include "io/print_number.h"
@@ -72,40 +73,6 @@ Libraries librariesOf(const std::string& path, const std::vector<std::string>& l
     return libraries;
 }
 
-/// The pictures of one read: those of one file are one.
-class Pictures {
-  public:
-    std::shared_ptr<PictureSource> find(const std::string& name, FileFinder& finder) {
-        const auto [entry, isNew] = named.try_emplace(name);
-        if (!isNew) return entry->second;
-        const std::string path = finder.find(name);
-        if (path.empty()) {
-            missing.push_back(name);
-        } else {
-            auto& picture = inFiles[path];
-            if (picture == nullptr) picture = std::make_shared<PictureSource>(path);
-            entry->second = picture;
-        }
-        return entry->second;
-    }
-
-    /// On those that are not there.
-    std::string note() const {
-        if (missing.empty()) return "";
-        constexpr std::size_t shown = 5;
-        std::string text = "I can't find " + counted(std::ssize(missing)) + " of the "
-                           + counted(std::ssize(named)) + " pictures of the materials:";
-        for (std::size_t i = 0; i < std::min(shown, missing.size()); ++i) {
-            text += (i > 0 ? ", " : " ") + missing[i];
-        }
-        return text + (missing.size() > shown ? " …" : "");
-    }
-
-  private:
-    std::map<std::string, std::shared_ptr<PictureSource>> named, inFiles;
-    std::vector<std::string> missing;
-};
-
 /// Gives the materials of the mesh from `firstNew` on what the library says of them.
 class LooksReader {
   public:
@@ -133,7 +100,7 @@ class LooksReader {
   private:
     Mesh& mesh;
     std::map<std::string, std::vector<int>, std::less<>> wanted;
-    Pictures pictures;
+    FoundPictures pictures;
 };
 
 // Writing.

@@ -115,19 +115,23 @@ struct Beside {
     fs::path passing; ///< that it has until the target is in place
 };
 
-/// Names the passing files, and makes the target's text refer to them. Empty when the format's way
-/// to refer is not known.
+/// Names the passing files, and makes the target's text refer to them. Those that it does not refer
+/// to, as a picture may be one, need no such name. Empty when it is so with all, or the format's
+/// way to refer is not known.
 std::string passingText(std::vector<Beside>& beside, const fs::path& main, const fs::path& target) {
     const auto row = std::find_if(std::begin(references), std::end(references),
                                   [&](const auto& r) { return r.suffix == lowerSuffix(target); });
     if (row == std::end(references)) return "";
     std::string text = whole(main);
+    bool any = false;
     for (Beside& file : beside) {
-        file.passing = passingName(file.name);
-        const std::string passing = file.passing.filename();
-        if (passing.empty() || !redirect(text, *row, file.name.filename(), passing)) return "";
+        const fs::path passing = passingName(file.name);
+        if (passing.empty()) return "";
+        if (!redirect(text, *row, file.name.filename(), passing.filename())) continue;
+        file.passing = passing;
+        any = true;
     }
-    return text;
+    return any ? text : "";
 }
 
 /// Puts the passing files in place, then the text that refers to them. False, and nothing changed.
@@ -135,11 +139,13 @@ bool putPassing(const std::vector<Beside>& beside, const std::string& text,
                 const fs::path& target) {
     const bool put =
         std::all_of(beside.begin(), beside.end(),
-                    [](const Beside& file) { return copyTo(file.passing, file.written); })
+                    [](const Beside& file) {
+                        return file.passing.empty() || copyTo(file.passing, file.written);
+                    })
         && copyTo(target, text);
     std::error_code ignored;
     for (const Beside& file : beside) {
-        if (!put) fs::remove(file.passing, ignored);
+        if (!put && !file.passing.empty()) fs::remove(file.passing, ignored);
     }
     return put;
 }

@@ -19,12 +19,6 @@ namespace {
 
 double finite(double value) { return std::isfinite(value) ? value : 0; }
 
-/// Names end up in files with one name a line.
-std::string cleanName(std::string_view name) {
-    const std::string clean = withoutControls(storedName(name));
-    return clean.empty() ? "default" : clean;
-}
-
 /// Why the mesh cannot take these tables up; "" when it can.
 std::string refusal(const Mesh& mesh, const StreamView& view, bool append) {
     const auto tooMany = [append](std::int64_t present, std::size_t added, std::int64_t limit) {
@@ -118,6 +112,11 @@ std::string withoutControls(std::string_view text) {
         clean.begin(), clean.end(),
         [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
     return clean;
+}
+
+std::string cleanName(std::string_view name) {
+    const std::string clean = withoutControls(storedName(name));
+    return clean.empty() ? "default" : clean;
 }
 
 std::string takeStream(Mesh& mesh, const StreamView& view, bool append) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What comes from the child process. Bit 0 of the first byte takes it up a second time, added; with
 // bit 1 the rest is no stream but says what tables to make one of. The mesh must pass the check.
+#include "display/material_looks.h"
 #include "formats/import_stream.h"
+#include "formats/stream_looks.h"
 #include "formats/stream_mesh.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
@@ -29,6 +31,11 @@ StreamTables tablesOf(const std::uint8_t* next, const std::uint8_t* end) {
         tables.groups.push_back(std::string(std::size_t(take()) * 3, char(take())));
         tables.materials.push_back(std::string(std::size_t(take()), char(take())));
         tables.colors.push_back(std::uint32_t(take()) << 20);
+        tables.pictures.push_back(std::string(std::size_t(take() % 9), char(take())));
+        tables.looks.emplace_back().embedded = take() % 4 - 1;
+    }
+    for (int i = take() % 4; i > 0; --i) {
+        tables.embedded.push_back(std::string(std::size_t(take()), char(take())));
     }
     while (next != end) {
         const int corners = 3 + take() % 6;
@@ -65,9 +72,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             const std::string reason = takeStream(*OB, view, times == 1);
             const char* const fault = check(*OB);
             demand(fault == nullptr, fault);
+            if (reason.empty()) static_cast<void>(takeLooks(*OB, view, "/nowhere/mesh.x", 0));
         }
     }
     fuzz::emptyMesh();
+    setMaterialLooks(nullptr);
     demand(storeBlocks() == 1, "blocks stay behind");
     shown.log.clear();
     return 0;

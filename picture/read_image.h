@@ -13,7 +13,7 @@ namespace polyfab {
 /// Pixels to a side, and in all, that a picture may have; with more it is refused before any memory
 /// is taken.
 inline constexpr std::int64_t maxImageSide = 16384;
-inline constexpr std::int64_t maxImagePixels = 64'000'000;
+inline constexpr std::int64_t maxImagePixels = std::int64_t{64} << 20; ///< 8192 x 8192
 
 /// Reads the picture in the file, which must be a regular one. Returns "", or why it can't be read;
 /// `image` is then as it was. Never throws.

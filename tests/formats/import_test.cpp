@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
+#include "display/material_looks.h"
 #include "formats/dxf_scene.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "mesh/check.h"
+#include "picture/write_png.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 #include "workbench/state.h"
@@ -101,6 +103,56 @@ TEST_F(ImportMesh, KeepsWhatTheFileHas) {
     EXPECT_EQ(import(path, Choice::yes), "");
     EXPECT_EQ(OB->nmat, materials + 1);
     EXPECT_EQ(check(*OB), nullptr);
+}
+
+/// Of each material its colour, and of its picture the first pixel; what notes tell.
+std::string seenLooks(const std::string& noted) {
+    std::ostringstream text;
+    for (int i = 0; i < OB->nmat; ++i) {
+        text << std::hex << OB->materials[i].color << ' ';
+        if (materialLooks() == nullptr) continue;
+        const auto look = materialLooks()->byName.find(std::string_view(OB->materials[i].name));
+        if (look == materialLooks()->byName.end() || look->second.picture == nullptr) continue;
+        const Image* const image = look->second.picture->image();
+        text << (image != nullptr ? image->pixels[0] : 0) << ' ';
+    }
+    return text.str() + (noted.find("pictures") != std::string::npos ? noted : "");
+}
+
+TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
+    std::filesystem::create_directories(folder.path("src/tex"));
+    ASSERT_EQ(writePngFile({1, 1, {0xFF010203}}, folder.path("src/tex/a b.png")), "");
+    folder.write("src/t.ppm", "P6 1 1 255 xyz");
+    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nd 0.5\nmap_Kd -s 2 2 -o 0 1 tex\\a b.png\n"
+                              "newmtl b\nKd 0 1 0\nmap_Kd t.ppm\nnewmtl c\nKd 0 0 1\n");
+    const std::string corners = "f 1/1 2/2 3/3\n";
+    const std::string mesh = folder.write(
+        "src/m.obj", "mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nvt 1 0\nvt 1 1\nusemtl a\n"
+                         + corners + "usemtl b\n" + corners + "usemtl c\n" + corners);
+    for (const std::string suffix : {"glb", "gltf", "dae", "obj", "fbx", "3ds"}) {
+        SCOPED_TRACE(suffix);
+        ASSERT_EQ(import(mesh), "");
+        EXPECT_EQ(seenLooks(noted), "ffffff ff010203 ff00 ff78797a ff ");
+        // Out of a file, and out of what that holds or names.
+        for (const std::string place : {"once", "twice"}) {
+            std::filesystem::create_directories(folder.path(place));
+            const std::string file = folder.path(place + "/" + suffix + "." + suffix);
+            EXPECT_EQ(exportTo(file), "");
+            EXPECT_EQ(import(file), "");
+            // Collada has the picture in place of the colour.
+            const std::string green = suffix == "dae" ? "ffffff" : "ff00";
+            EXPECT_EQ(seenLooks(noted), "ffffff ff010203 " + green + " ff78797a ff ");
+            double most = 0;
+            for (int i = 0; i < OB->nt; ++i) most = std::max(most, OB->texcoords[i].v);
+            EXPECT_NEAR(most, 3, 1e-6);
+        }
+    }
+    // A name that leads out of the folder finds nothing there.
+    folder.write("src/out.gltf", folder.read("once/gltf.gltf"));
+    folder.write("src/gltf.bin", folder.read("once/gltf.bin"));
+    EXPECT_EQ(import(folder.path("src/out.gltf")), "");
+    EXPECT_NE(noted.find("of the 2 pictures of the materials: "), std::string::npos) << noted;
+    setMaterialLooks(nullptr);
 }
 
 // One pair a word: "code:value".
@@ -340,6 +392,7 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
     good.materials = {"red"};
     good.colors = {0xFF0000};
     good.notes = {"it is small"};
+    good.embedded = {"picture"};
     const test::TempFolder folder;
     const auto bytesOf = [&](const StreamTables& tables) {
         const int file = ::open(folder.path("stream").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -360,13 +413,20 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
         damaged[i] = '\xFF'; // a count, even a huge one, or what it is a count of
         static_cast<void>(readStream(damaged, part));
     }
-    void (*const faults[])(StreamTables&) = {
-        [](auto& t) { t.corners[0].point = 3; },      [](auto& t) { t.corners[0].point = -1; },
-        [](auto& t) { t.corners[0].texcoord = 1; },   [](auto& t) { t.corners[0].normal = -2; },
-        [](auto& t) { t.faces[0].corners = 4; },      [](auto& t) { t.faces[0].corners = 2; },
-        [](auto& t) { t.faces[0].group = 2; },        [](auto& t) { t.faces[0].material = -1; },
-        [](auto& t) { t.colors.push_back(0); },       [](auto& t) { t.faces[0].corners = -3; },
-        [](auto& t) { t.faces.push_back({0, 0, 0}); }};
+    void (*const faults[])(StreamTables&) = {[](auto& t) { t.corners[0].point = 3; },
+                                             [](auto& t) { t.corners[0].point = -1; },
+                                             [](auto& t) { t.corners[0].texcoord = 1; },
+                                             [](auto& t) { t.corners[0].normal = -2; },
+                                             [](auto& t) { t.faces[0].corners = 4; },
+                                             [](auto& t) { t.faces[0].corners = 2; },
+                                             [](auto& t) { t.faces[0].group = 2; },
+                                             [](auto& t) { t.faces[0].material = -1; },
+                                             [](auto& t) { t.colors.push_back(0); },
+                                             [](auto& t) { t.faces[0].corners = -3; },
+                                             [](auto& t) {
+                                                 t.faces.push_back({0, 0, 0});
+                                             },
+                                             [](auto& t) { t.looks.emplace_back().embedded = 1; }};
     for (const auto& fault : faults) {
         StreamTables tables = good;
         fault(tables);

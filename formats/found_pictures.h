@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The pictures that the materials of one file name, and which of them are not there.
+#pragma once
+
+#include "formats/file_finder.h"
+#include "picture/picture_source.h"
+#include "workbench/notes.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace polyfab {
+
+class FoundPictures {
+  public:
+    /// Null when there is none. Two names of one file give one picture.
+    std::shared_ptr<PictureSource> find(const std::string& name, FileFinder& finder) {
+        const auto [entry, isNew] = named.try_emplace(name);
+        if (!isNew) return entry->second;
+        const std::string path = finder.find(name);
+        if (path.empty()) {
+            missing.push_back(name);
+        } else {
+            auto& picture = inFiles[path];
+            if (picture == nullptr) picture = std::make_shared<PictureSource>(path);
+            entry->second = picture;
+        }
+        return entry->second;
+    }
+
+    /// On those that are not there; "": all are.
+    [[nodiscard]] std::string note() const {
+        if (missing.empty()) return "";
+        constexpr std::size_t shown = 5;
+        std::string text = "I can't find " + counted(std::ssize(missing)) + " of the "
+                           + counted(std::ssize(named)) + " pictures of the materials:";
+        for (std::size_t i = 0; i < std::min(shown, missing.size()); ++i) {
+            text += (i > 0 ? ", " : " ") + missing[i];
+        }
+        return text + (missing.size() > shown ? " …" : "");
+    }
+
+  private:
+    std::map<std::string, std::shared_ptr<PictureSource>> named, inFiles;
+    std::vector<std::string> missing;
+};
+
+} // namespace polyfab

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The looks of materials on their way through the stream: pictures in files beside the mesh, or
+// in the stream itself.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace polyfab {
+
+struct Mesh;
+struct StreamTables;
+struct StreamView;
+
+/// Gives the materials of the mesh from `firstNew` on the looks that the stream of this file has
+/// for them; with 0 there are no others. Returns a note on pictures that are not there, or "".
+[[nodiscard]] std::string takeLooks(const Mesh& mesh, const StreamView& view,
+                                    const std::string& path, int firstNew);
+
+/// Adds the looks of the materials to the tables of an export. A picture goes into the stream where
+/// the target's format holds it; else the file names it where it lies in the target's folder, or
+/// a copy of it that is made in `scratch`, to come beside the target. Formats without pictures get
+/// none. May throw std::bad_alloc.
+void giveLooks(const Mesh& mesh, StreamTables& tables, const std::filesystem::path& target,
+               const std::filesystem::path& scratch);
+
+} // namespace polyfab
