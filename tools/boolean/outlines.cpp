@@ -27,6 +27,7 @@ class JoinFinder {
 
     std::vector<Join> find(const std::vector<Fate>& fates) {
         EdgeSides edges;
+        edges.reserve(3 * cells.size());
         for (std::int32_t i = 0; i < sizeOf(cells); ++i) {
             if (nth(fates, i) == Fate::removed) continue;
             const auto& [a, b, c] = nth(cells, i).at;

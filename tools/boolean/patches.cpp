@@ -29,6 +29,7 @@ class Pieces {
   public:
     Pieces(const Mesh& mesh, const Soup& owner) : soup(owner), sets(owner.polygons.size()) {
         EdgeSides sides;
+        sides.reserve(3 * soup.triangles.size());
         for (std::int32_t p = 0; p < sizeOf(soup.polygons); ++p) {
             for (const auto& [from, to] : polyfab::sides(mesh.faces[nth(soup.polygons, p).face])) {
                 sides.add(pointOf(mesh, from), pointOf(mesh, to), p);
