@@ -43,6 +43,7 @@ void addSphere(int rings, double x, double y, double z) {
 template <char keep>
 void run(benchmark::State& state) {
     auto& platform = static_cast<polyfab::test::FakePlatform&>(polyfab::platform());
+    double records = 0;
     for (auto _ : state) {
         state.PauseTiming();
         OB->clear(true);
@@ -51,10 +52,12 @@ void run(benchmark::State& state) {
         addSphere(rings, 0.7, 0.3, 0.2);
         platform.dialogAnswers = {{std::string(1, keep)}};
         platform.log.clear();
+        records = bench::recordBytes();
         state.ResumeTiming();
         polyfab::weldIntersecting(*OB);
     }
     bench::showRate(state, "faces/s", static_cast<double>(state.range(0)));
+    bench::showPeak(state, records);
 }
 
 } // namespace

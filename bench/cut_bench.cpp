@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The tools that cut, close and thin: over the grid, over a grid full of holes, around one hole of
-// very many edges, and over faces that bend inwards. Peak memory is that of the process, so each
-// row is best run alone (--benchmark_filter).
+// very many edges, and over faces that bend inwards.
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "mesh/mesh.h"
@@ -12,10 +11,10 @@
 #include "tools/split_by_planes.h"
 #include "tools/thin_out.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -69,18 +68,19 @@ void buildStars(std::int64_t count) {
 template <void (*build)(std::int64_t), void (*tool)(Mesh&)>
 void run(benchmark::State& state) {
     auto& platform = static_cast<polyfab::test::FakePlatform&>(polyfab::platform());
+    double records = 0;
     for (auto _ : state) {
         state.PauseTiming();
         build(state.range(0));
         platform.dialogAnswers.assign(2, {}); // as they stand
         platform.log.clear();
+        records = bench::recordBytes();
         state.ResumeTiming();
         tool(*OB);
+        records = std::max(records, bench::recordBytes());
     }
     bench::showRate(state, "faces/s", static_cast<double>(state.range(0)));
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    state.counters["peak MB"] = static_cast<double>(usage.ru_maxrss) / 1024;
+    bench::showPeak(state, records);
 }
 
 void splitOnce(Mesh& mesh) { polyfab::splitByPlanes(mesh, {{1, 0.01, 0}, 0, {0.0123}}); }

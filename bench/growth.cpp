@@ -6,6 +6,7 @@
 
 #include <map>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace polyfab::bench {
@@ -40,6 +41,20 @@ void addGrowth(const char* name, void (*run)(benchmark::State&), std::int64_t n)
 void showRate(benchmark::State& state, const char* name, double perRun) {
     state.counters[name] =
         benchmark::Counter(perRun, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+double recordBytes() {
+    const auto bytes = [](auto* array, int n) { return static_cast<double>(sizeof(*array)) * n; };
+    return bytes(OB->points, OB->np) + bytes(OB->corners, OB->nq) + bytes(OB->faces, OB->nf)
+           + bytes(OB->texcoords, OB->nt) + bytes(OB->normals, OB->nd);
+}
+
+void showPeak(benchmark::State& state, double bytes) {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const double peak = static_cast<double>(usage.ru_maxrss) * 1024;
+    state.counters["peak MB"] = peak / (1024 * 1024);
+    state.counters["of records"] = peak / bytes;
 }
 
 int runGrowth(int argc, char** argv) {

@@ -25,6 +25,13 @@ void addGrowth(const char* name, void (*run)(benchmark::State&), std::int64_t n)
 /// column of that name.
 void showRate(benchmark::State& state, const char* name, double perRun);
 
+/// Bytes of the records of OB.
+[[nodiscard]] double recordBytes();
+
+/// Prints the most memory that the process has had, and how many times these bytes that is. What
+/// ran before in the process counts, so such a row is best run alone (--benchmark_filter).
+void showPeak(benchmark::State& state, double bytes);
+
 /// Makes OB and a platform that shows nothing, runs what was entered (the arguments are those of
 /// the library), and prints the table. The result is the program's exit code.
 int runGrowth(int argc, char** argv);

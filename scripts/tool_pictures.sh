@@ -100,6 +100,7 @@ picture thin-out samples/shell.obj "" -- --command 329 --answer 30 --answer 0
 picture thicken "$scratch/quads.obj" "$patch" -- \
     --command 372 --answer .3 --answer .1 --answer 30 --answer no --answer cancel
 picture smoothing "$scratch/rough.obj" "" -- --command 371 --command 371 --command 371
+picture noise "$scratch/quads.obj" "$patch" -- --command 1085 --answer .06
 picture parts samples/gear.obj "" -- --command 279 --answer yes --answer 30 \
     --command 381 --mouse 100,60,left --mouse 100,60
 picture block samples/shell.obj "" -- --command 282 --answer -1 --answer 1 --answer -6.3 --answer -6 \

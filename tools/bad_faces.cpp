@@ -4,6 +4,7 @@
 // are paired off round by round, so that they grow evenly.
 #include "tools/bad_faces.h"
 
+#include "mesh/face_angle.h"
 #include "mesh/faces.h"
 #include "mesh/stale.h"
 #include "tools/asking.h"
@@ -40,6 +41,10 @@ class Pieces {
     Pieces(const std::vector<Vec3>& all, double angle, const std::vector<Piece>& triangles,
            bool backwards)
         : places(all), degrees(angle), pieces(triangles) {
+        for (const Piece& piece : pieces) {
+            const Vec3& tip = placeOf(piece[0]);
+            areas.push_back(cross(placeOf(piece[1]) - tip, placeOf(piece[2]) - tip));
+        }
         findDiagonals();
         if (backwards) std::reverse(diagonals.begin(), diagonals.end());
     }
@@ -57,6 +62,10 @@ class Pieces {
         std::size_t a, b;          ///< the pieces at it
         std::size_t triedWith = 0; ///< the corners of both when they could not be joined
     };
+
+    [[nodiscard]] const Vec3& placeOf(std::int32_t corner) const {
+        return places[static_cast<std::size_t>(corner)];
+    }
 
     void findDiagonals() {
         for (std::size_t i = 0; i < pieces.size(); ++i) {
@@ -105,21 +114,43 @@ class Pieces {
         const std::size_t together = pieces[a].size() + pieces[b].size();
         if (diagonal.triedWith == together) return false;
         diagonal.triedWith = together;
+        const Vec3 area = areas[a] + areas[b];
+        if (turnsBack(diagonal.from, diagonal.to, pieces[a], pieces[b], area)
+            || turnsBack(diagonal.to, diagonal.from, pieces[a], pieces[b], area)) {
+            return false;
+        }
         Piece whole;
         std::set_union(pieces[a].begin(), pieces[a].end(), pieces[b].begin(), pieces[b].end(),
                        std::back_inserter(whole));
         std::vector<Vec3> polygon;
-        for (const std::int32_t k : whole) polygon.push_back(places[static_cast<std::size_t>(k)]);
+        for (const std::int32_t k : whole) polygon.push_back(placeOf(k));
         if (isBadPolygon(polygon, degrees)) return false;
         pieces[a] = std::move(whole);
+        areas[a] = area;
         pieces[b].clear();
         into[b] = a;
         return true;
     }
 
+    /// Whether two pieces would have a corner that turns against their normal at this end of their
+    /// diagonal: a quick look before the thorough one, which goes all around them.
+    [[nodiscard]] bool turnsBack(std::int32_t end, std::int32_t other, const Piece& a,
+                                 const Piece& b, const Vec3& area) const {
+        std::int32_t before = end, after = end;
+        for (const Piece* piece : {&a, &b}) {
+            const auto at = std::lower_bound(piece->begin(), piece->end(), end);
+            const std::int32_t last = at == piece->begin() ? piece->back() : at[-1];
+            const std::int32_t next = at + 1 == piece->end() ? piece->front() : at[1];
+            last == other ? after = next : before = last;
+        }
+        const Vec3 corner = triangleNormal(placeOf(before), placeOf(end), placeOf(after));
+        return !isZero(corner) && dot(corner, area) < 0;
+    }
+
     const std::vector<Vec3>& places;
     double degrees;
     std::vector<Piece> pieces;
+    std::vector<Vec3> areas; ///< twice those of the pieces
     std::vector<Diagonal> diagonals;
     std::vector<std::size_t> into; ///< of each piece: the one it went into, or itself
 };

@@ -5,12 +5,15 @@
 #include "geometry/vec3.h"
 #include "mesh/face_angle.h"
 #include "mesh/faces.h"
+#include "mesh/hash_slots.h"
 #include "mesh/table.h"
 #include "tools/edge_numbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <numeric>
 
 namespace polyfab {
 namespace {
@@ -114,23 +117,44 @@ class RimWalk {
     std::vector<std::size_t> way;
 };
 
+/// Of an edge, whichever way it is run: some others hardly ever come to the same.
+std::uint64_t markOf(std::int32_t from, std::int32_t to) {
+    return hashOfNumbers(std::min(from, to), std::max(from, to));
+}
+
+/// Leaves those whose edge no other one has, in their order.
+void dropShared(std::vector<Loose>& sides) {
+    const auto edgeOf = [&](std::size_t i) { return std::minmax(sides[i].from, sides[i].to); };
+    std::vector<std::size_t> order(sides.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return edgeOf(a) < edgeOf(b); });
+    for (std::size_t i = 0, end = 0; i < order.size(); i = end) {
+        while (end < order.size() && edgeOf(order[end]) == edgeOf(order[i])) ++end;
+        for (std::size_t k = i; k < end; ++k) sides[order[k]].used = end - i > 1;
+    }
+    std::erase_if(sides, [](const Loose& side) { return side.used; });
+}
+
 } // namespace
 
 bool findRims(const Mesh& mesh, Rims& rims) {
-    std::vector<Loose> found;
-    {
-        const EdgeNumbers edges(mesh);
-        Table<std::uint8_t> uses(edges.count(), 0); // counted to two
-        if (!edges || !uses) return false;
-        for (std::int32_t c = 0; c < mesh.nq; ++c) {
-            if (edges.at(c) >= 0 && uses[edges.at(c)] < 2) ++uses[edges.at(c)];
-        }
-        eachSideWithPoints(mesh, [&](const Face& face, int k, std::int32_t from, std::int32_t to) {
-            if (uses[edges.at(indexIn(mesh.corners, face.q) + k)] != 1) return;
-            found.push_back({{indexIn(mesh.faces, &face), k}, from, to});
-        });
-    }
-    return RimWalk(mesh, found, rims).walkAll();
+    // Each side leaves its mark at both ends, and two sides of an edge take theirs away again: what
+    // is left tells the points at loose edges, few of most meshes, from all others.
+    Table<std::uint64_t> marks(mesh.np, 0);
+    if (!marks) return false;
+    eachSideWithPoints(mesh, [&](const Face&, int, std::int32_t from, std::int32_t to) {
+        const std::uint64_t mark = markOf(from, to);
+        marks[from] ^= mark;
+        marks[to] ^= mark;
+    });
+    std::vector<Loose> sides;
+    eachSideWithPoints(mesh, [&](const Face& face, int k, std::int32_t from, std::int32_t to) {
+        if (marks[from] != 0 && marks[to] != 0)
+            sides.push_back({{indexIn(mesh.faces, &face), k}, from, to});
+    });
+    dropShared(sides);
+    return RimWalk(mesh, sides, rims).walkAll();
 }
 
 } // namespace polyfab

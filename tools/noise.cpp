@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -47,7 +48,7 @@ void addNoise(Mesh& mesh) {
     std::int64_t moved = 0, stayed = 0;
     for (const Face& face : selectedFaces(mesh)) {
         for (const FaceCorner& corner : corners(face)) {
-            if (seen[pointOf(mesh, corner)]++ != 0) continue;
+            if (std::exchange(seen[pointOf(mesh, corner)], std::uint8_t{1}) != 0) continue;
             const Vec3 at = worldPosition(*corner.p);
             ++(isFinite(*corner.p) ? moved : stayed);
             if (isFinite(*corner.p)) moveTo(*corner.p, at + placeInBall(at) * most);

@@ -79,8 +79,9 @@ class RandomUser {
         handleEvent({.kind = EventKind::mouse, .x = at.x, .y = at.y, .buttons = buttons});
     }
     void prepareAnswers() {
-        static const std::vector<std::string> words{
-            "1", "0.5", "0", "-1", "90", "2", "nan", "inf", "x", "Y", "", "1e300", "a name"};
+        static const std::vector<std::string> words{"1", "0.5",   "0",      "-1", "90",
+                                                    "2", "nan",   "inf",    "x",  "Y",
+                                                    "",  "1e300", "a name", "u",  "d"};
         for (int i = 0; i < 5; ++i) {
             if (!files.empty()) shown.files.push_back(any(files));
             shown.choices.push_back(Choice(below(3) - 1));

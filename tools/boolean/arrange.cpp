@@ -6,7 +6,6 @@
 #include "tools/boolean/arrange.h"
 
 #include "workbench/long_work.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <exception>
@@ -16,6 +15,10 @@
 
 namespace polyfab::boolean {
 namespace {
+
+// What a point where stretches cross comes to, with its triangles, and a cell with what is made of
+// it.
+constexpr std::int64_t bytesOfCrossing = 1500, bytesOfCell = 300;
 
 /// A stretch of a line between points of a view, or a point alone.
 struct Stretch {
@@ -29,7 +32,7 @@ struct Stretch {
 /// Splits stretches where they cross and touch each other.
 class Splitter {
   public:
-    explicit Splitter(FlatView& points) : view(points) {}
+    Splitter(FlatView& points, Effort& work) : view(points), effort(work) {}
 
     void add(std::int32_t from, std::int32_t to) {
         const auto [a, b] = std::minmax(from, to);
@@ -50,6 +53,7 @@ class Splitter {
         for (std::size_t i = 0; i < stretches.size(); ++i) {
             const auto& box = stretches[i].box;
             std::erase_if(open, [&](std::size_t k) { return stretches[k].box[1] < box[0]; });
+            if (!effort.goesOn(std::ssize(open))) return;
             for (const std::size_t k : open) {
                 const auto& other = stretches[k].box;
                 if (box[2] <= other[3] && other[2] <= box[3]) cross(stretches[k], stretches[i]);
@@ -63,6 +67,7 @@ class Splitter {
         for (Stretch& stretch : stretches) {
             if (stretch.isPoint()) continue;
             auto& cuts = stretch.cuts;
+            if (!effort.goesOn(std::ssize(cuts) * Effort::exactly)) break;
             cuts.insert(cuts.end(), {stretch.from, stretch.to});
             std::sort(cuts.begin(), cuts.end(),
                       [&](std::int32_t a, std::int32_t b) { return view.isBefore(a, b); });
@@ -88,6 +93,7 @@ class Splitter {
     }
 
     void cross(Stretch& a, Stretch& b) {
+        if (!effort.goesOn(Effort::exactly)) return;
         if (a.isPoint() || b.isPoint()) {
             if (!a.isPoint() && turn(a, b.from) == 0) cutAt(a, b.from);
             if (!b.isPoint() && turn(b, a.from) == 0) cutAt(b, a.from);
@@ -99,6 +105,7 @@ class Splitter {
         if (fromOfA * toOfA > 0) return;
         if (fromOfB * toOfB * fromOfA * toOfA != 0) {
             const std::int32_t point = view.crossing(a.from, a.to, b.from, b.to);
+            effort.make(bytesOfCrossing);
             a.cuts.push_back(point);
             b.cuts.push_back(point);
             return;
@@ -110,6 +117,7 @@ class Splitter {
     }
 
     FlatView& view;
+    Effort& effort;
     std::unordered_map<std::int64_t, std::int32_t> known;
     std::vector<Stretch> stretches;
 };
@@ -160,8 +168,8 @@ struct Cluster {
 class Arranger {
   public:
     Arranger(const Soup& s, const CutEdges& edges, const std::vector<std::int32_t>& meetings,
-             ExactPoints& exact, Arrangement& out)
-        : soup(s), cuts(edges), idOf(meetings), points(exact), result(out) {}
+             ExactPoints& exact, Effort& work, Arrangement& out)
+        : soup(s), cuts(edges), idOf(meetings), points(exact), effort(work), result(out) {}
 
     /// A triangle that nothing meets is a cell.
     void addWhole(std::int32_t triangle) {
@@ -176,13 +184,16 @@ class Arranger {
         for (const std::int32_t t : cluster.triangles)
             outlines.push_back(outlineOf(view, nth(soup.triangles, t)));
         const std::vector<IdPair> segments = split(view, cluster, outlines);
-        const std::vector<Ids> triangles = view.triangulate(segments);
+        const std::vector<Ids> triangles = view.triangulate(segments, effort);
         const std::int32_t firstSheet = result.sheets;
         result.sheets += sizeOf(triangles);
         std::vector<bool> seen(triangles.size());
         const Sides sides(triangles);
         for (std::size_t i = 0; i < outlines.size(); ++i) {
-            for (const std::int32_t cell : sides.within(outlines[i])) {
+            const std::vector<std::int32_t> within = sides.within(outlines[i]);
+            effort.make(std::ssize(within) * bytesOfCell);
+            if (!effort.goesOn(std::ssize(within))) return;
+            for (const std::int32_t cell : within) {
                 const std::int32_t number = cluster.triangles[i];
                 const bool turned = nth(soup.triangles, number).isTurned;
                 addCell(view, nth(triangles, cell), number, firstSheet + cell, turned);
@@ -214,7 +225,7 @@ class Arranger {
     [[nodiscard]] std::vector<IdPair>
     split(FlatView& view, const Cluster& cluster,
           const std::vector<std::vector<IdPair>>& outlines) const {
-        Splitter splitter(view);
+        Splitter splitter(view, effort);
         for (const Trace& trace : cluster.traces) {
             const std::int32_t from = view.add(nth(idOf, trace.from));
             splitter.add(from, trace.to < 0 ? from : view.add(nth(idOf, trace.to)));
@@ -242,6 +253,7 @@ class Arranger {
     const CutEdges& cuts;
     const std::vector<std::int32_t>& idOf;
     ExactPoints& points;
+    Effort& effort;
     Arrangement& result;
 };
 
@@ -268,12 +280,11 @@ Work findWork(const Soup& soup, const Contacts& contacts, const CutEdges& cuts, 
         work.polygons[static_cast<std::size_t>(soup.triangles[t].piece)] = true;
     };
     for (const Trace& trace : contacts.traces) mark(trace.triangle, true);
-    for (const auto& [a, b] : contacts.overlaps) mark(a, true), mark(b, true);
-    for (const auto& [a, b] : contacts.onInner) mark(a, false), mark(b, false);
     for (std::int32_t t = 0; t < sizeOf(soup.triangles); ++t) {
         const Triangle& triangle = nth(soup.triangles, t);
         if (triangle.axis >= 0 && hasCutEdge(triangle, cuts)) mark(t, true);
-        if (nth(contacts.met, t)) mark(t, false);
+        if (nth(contacts.overlapping, t)) mark(t, true);
+        if (nth(contacts.met, t) || nth(contacts.onInner, t)) mark(t, false);
     }
     return work;
 }
@@ -292,11 +303,10 @@ void order(const Soup& soup, Arrangement& result) {
 struct Clusters {
     std::vector<std::int32_t> triangles;
     std::vector<Trace> traces;
-    Sets sets;
+    Sets& sets;
 
-    Clusters(const Contacts& contacts, const Work& work)
-        : traces(contacts.traces), sets(work.triangles.size()) {
-        for (const auto& [a, b] : contacts.overlaps) sets.join(a, b);
+    Clusters(Contacts& contacts, const Work& work)
+        : traces(std::move(contacts.traces)), sets(contacts.overlaps) {
         for (std::size_t t = 0; t < work.triangles.size(); ++t) {
             if (work.triangles[t]) triangles.push_back(static_cast<std::int32_t>(t));
         }
@@ -311,7 +321,7 @@ struct Clusters {
 
     /// Calls use(cluster) until it gives false.
     template <typename Use>
-    bool each(Use use) {
+    void each(Use use) {
         const std::span<const Trace> all(traces);
         std::size_t trace = 0;
         for (std::size_t i = 0, end = 0; i < triangles.size(); i = end) {
@@ -321,17 +331,16 @@ struct Clusters {
             while (trace < traces.size() && sets.find(traces[trace].triangle) == set) ++trace;
             if (!use(Cluster{std::span(triangles).subspan(i, end - i),
                              all.subspan(firstTrace, trace - firstTrace)})) {
-                return false;
+                return;
             }
         }
-        return true;
     }
 };
 
 } // namespace
 
 CutEdges::CutEdges(const Contacts& contacts, const std::vector<std::int32_t>& idOf,
-                   const ExactPoints& points)
+                   const ExactPoints& points, Effort& effort)
     : ends(static_cast<std::size_t>(points.count())) {
     const auto& all = contacts.onEdges;
     slots.reset(4 * all.size() + 16);
@@ -341,6 +350,7 @@ CutEdges::CutEdges(const Contacts& contacts, const std::vector<std::int32_t>& id
         for (; end < all.size() && all[end].low == low && all[end].high == high; ++end) {
             ids.push_back(nth(idOf, all[end].meeting));
         }
+        if (!effort.goesOn(static_cast<std::int64_t>(end - i) * Effort::exactly)) return;
         const auto start = ids.begin() + static_cast<std::ptrdiff_t>(first);
         std::sort(start, ids.end());
         ids.erase(std::unique(start, ids.end()), ids.end());
@@ -370,13 +380,16 @@ std::span<const std::int32_t> CutEdges::on(std::int32_t low, std::int32_t high) 
 
 bool CutEdges::startsAt(std::int32_t place) const { return ends[static_cast<std::size_t>(place)]; }
 
-std::vector<std::int32_t> resolve(const Soup& soup, const Contacts& contacts, ExactPoints& points) {
+std::vector<std::int32_t> resolve(const Soup& soup, const Contacts& contacts, ExactPoints& points,
+                                  Effort& effort) {
     for (std::int32_t t = 0; t < sizeOf(soup.triangles); ++t) {
         if (!nth(contacts.met, t)) continue;
+        if (!effort.goesOn(Effort::exactly)) break;
         for (const std::int32_t place : nth(soup.triangles, t).at) points.enter(place);
     }
     std::vector<std::int32_t> ids;
     for (std::int32_t i = 0; i < sizeOf(contacts.meetings); ++i) {
+        if (!effort.goesOn(Effort::exactly)) break;
         const Meeting& meeting = nth(contacts.meetings, i);
         const Recipe& recipe = nth(contacts.recipes, i);
         ids.push_back(
@@ -388,20 +401,19 @@ std::vector<std::int32_t> resolve(const Soup& soup, const Contacts& contacts, Ex
     return ids;
 }
 
-bool arrange(const Soup& soup, const Contacts& contacts, const CutEdges& cuts,
-             const std::vector<std::int32_t>& idOf, bool allPolygons, ExactPoints& points,
-             Arrangement& result) {
+Arrangement arrange(const Soup& soup, Contacts& contacts, const CutEdges& cuts,
+                    const std::vector<std::int32_t>& idOf, bool allPolygons, ExactPoints& points,
+                    Effort& effort) {
     const Work work = findWork(soup, contacts, cuts, allPolygons);
-    Arranger arranger(soup, cuts, idOf, points, result);
+    Arrangement result;
+    Arranger arranger(soup, cuts, idOf, points, effort, result);
     Clusters clusters(contacts, work);
     LoopProgress progress(sizeOf(clusters.triangles));
-    if (!clusters.each([&](const Cluster& cluster) {
-            progress.step();
-            arranger.add(cluster);
-            return !abortRequested();
-        })) {
-        return false;
-    }
+    clusters.each([&](const Cluster& cluster) {
+        progress.step();
+        arranger.add(cluster);
+        return effort.goesOn(Effort::exactly);
+    });
     for (std::int32_t t = 0; t < sizeOf(soup.triangles); ++t) {
         const Triangle& triangle = nth(soup.triangles, t);
         const bool isWhole = !work.triangles[static_cast<std::size_t>(t)] && triangle.axis >= 0;
@@ -409,10 +421,10 @@ bool arrange(const Soup& soup, const Contacts& contacts, const CutEdges& cuts,
             arranger.addWhole(t);
     }
     order(soup, result);
-    return true;
+    return result;
 }
 
-std::vector<Ids> fillOutline(std::span<const Vec3> outline, int axis) try {
+std::vector<Ids> fillOutline(std::span<const Vec3> outline, int axis, Effort& effort) try {
     ExactPoints points(outline);
     FlatView view(points, axis);
     const auto n = static_cast<std::int32_t>(outline.size());
@@ -421,7 +433,7 @@ std::vector<Ids> fillOutline(std::span<const Vec3> outline, int axis) try {
         points.enter(i);
         border.push_back({view.add(i), (i + 1) % n});
     }
-    const std::vector<Ids> triangles = view.triangulate(border);
+    const std::vector<Ids> triangles = view.triangulate(border, effort);
     std::vector<Ids> filled;
     for (const std::int32_t t : Sides(triangles).within(border))
         filled.push_back(nth(triangles, t));

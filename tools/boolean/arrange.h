@@ -4,6 +4,7 @@
 
 #include "mesh/hash_slots.h"
 #include "tools/boolean/contacts.h"
+#include "tools/boolean/effort.h"
 #include "tools/boolean/exact.h"
 #include "tools/boolean/soup.h"
 
@@ -26,7 +27,7 @@ struct Cell {
 class CutEdges {
   public:
     CutEdges(const Contacts& contacts, const std::vector<std::int32_t>& idOf,
-             const ExactPoints& points);
+             const ExactPoints& points, Effort& effort);
     /// None, or those on the edge from its lower place on.
     [[nodiscard]] std::span<const std::int32_t> on(std::int32_t low, std::int32_t high) const;
     /// Whether some edge at this place has any.
@@ -51,18 +52,17 @@ struct Arrangement {
     std::int32_t sheets = 0;
 };
 
-/// Cells of all polygons that others meet, or of all there are. False when the user wants it to
-/// stop. May throw std::exception.
-[[nodiscard]] bool arrange(const Soup& soup, const Contacts& contacts, const CutEdges& cuts,
-                           const std::vector<std::int32_t>& idOf, bool allPolygons,
-                           ExactPoints& points, Arrangement& result);
+/// Cells of all polygons that others meet, or of all there are. May throw std::exception.
+[[nodiscard]] Arrangement arrange(const Soup& soup, Contacts& contacts, const CutEdges& cuts,
+                                  const std::vector<std::int32_t>& idOf, bool allPolygons,
+                                  ExactPoints& points, Effort& effort);
 
 /// The points of all meetings; corners of what meets are entered first, so that they are found.
 [[nodiscard]] std::vector<std::int32_t> resolve(const Soup& soup, const Contacts& contacts,
-                                                ExactPoints& points);
+                                                ExactPoints& points, Effort& effort);
 
 /// Triangles that fill an outline which runs anticlockwise seen along this axis, by places in it.
 /// None when it passes a position twice or crosses itself.
-[[nodiscard]] std::vector<Ids> fillOutline(std::span<const Vec3> outline, int axis);
+[[nodiscard]] std::vector<Ids> fillOutline(std::span<const Vec3> outline, int axis, Effort& effort);
 
 } // namespace polyfab::boolean

@@ -7,6 +7,7 @@
 #include "tools/asking.h"
 #include "tools/boolean/arrange.h"
 #include "tools/boolean/contacts.h"
+#include "tools/boolean/effort.h"
 #include "tools/boolean/install.h"
 #include "tools/boolean/outlines.h"
 #include "tools/boolean/patches.h"
@@ -58,29 +59,42 @@ void tell(const Tally& tally, const Soup& soup) {
     }
 }
 
+/// Looks at the Escape key, however little was done. Of too much a box tells.
+bool mayGoOn(Effort& effort) {
+    effort.look();
+    if (effort.isTooMuch()) {
+        platform().message("", "these faces meet in too many places: nothing has changed",
+                           Icon::exclamation);
+    }
+    return !effort.isOver();
+}
+
 void weld(Mesh& mesh, Want want) {
-    const Soup soup = makeSoup(mesh);
+    Effort effort;
+    const Soup soup = makeSoup(mesh, effort);
     const std::int32_t current = want == Want::difference ? polygonOf(soup, mesh.curface) : none;
     if (want == Want::difference && current == none) {
         return platform().message("", "click a selected face of the part first", Icon::exclamation);
     }
     const BoxTree tree = treeOf(soup);
-    Contacts contacts;
-    if (!findContacts(soup, tree, contacts)) return;
+    Contacts contacts = findContacts(soup, tree, effort);
+    if (!mayGoOn(effort)) return;
     ExactPoints points(soup.places);
-    const std::vector<std::int32_t> idOf = resolve(soup, contacts, points);
-    const CutEdges cuts(contacts, idOf, points);
-    Arrangement arrangement;
-    if (!arrange(soup, contacts, cuts, idOf, want != Want::all, points, arrangement)) return;
+    const std::vector<std::int32_t> idOf = resolve(soup, contacts, points, effort);
+    const CutEdges cuts(contacts, idOf, points, effort);
+    if (!mayGoOn(effort)) return;
+    const Arrangement arrangement =
+        arrange(soup, contacts, cuts, idOf, want != Want::all, points, effort);
+    if (!mayGoOn(effort)) return;
     std::vector<Fate> fates(arrangement.cells.size(), Fate::kept);
     Outcome outcome = Outcome::chosen;
     if (want != Want::all) {
-        outcome = chooseCells(mesh, soup, tree, points, arrangement, want, current, fates);
+        outcome = chooseCells(mesh, soup, tree, points, arrangement, want, current, fates, effort);
     }
-    if (outcome == Outcome::stopped) return;
-    const Outlines outlines(soup, arrangement, fates, points);
+    if (!mayGoOn(effort)) return;
+    const Outlines outlines(soup, arrangement, fates, points, effort);
     Tally tally;
-    if (!install(mesh, soup, arrangement, fates, outlines, cuts, points, tally)) return;
+    if (!install(mesh, soup, arrangement, fates, outlines, cuts, points, effort, tally)) return;
     if (outcome == Outcome::notClosed) {
         platform().message("", "these faces do not enclose a volume: I have only welded them",
                            Icon::none);

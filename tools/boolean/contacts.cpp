@@ -6,8 +6,6 @@
 #include "tools/boolean/contacts.h"
 
 #include "mesh/hash_slots.h"
-#include "workbench/long_work.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -21,6 +19,10 @@ namespace {
 enum Feature : int { within = 6, outside = 7 };
 bool isCorner(int feature) { return feature < 3; }
 bool isOnEdge(int feature) { return feature >= 3 && feature < within; }
+
+// What a meeting comes to, with the exact point that it becomes and the faces there, and a place
+// of one on an edge or in a triangle.
+constexpr std::int64_t bytesOfMeeting = 1500, bytesOfPlace = 100;
 
 /// By the signs of the sides that it lies on, 1: inwards.
 int featureOf(const std::array<int, 3>& signs) {
@@ -56,8 +58,11 @@ struct Spot {
 
 class ContactFinder {
   public:
-    ContactFinder(const Soup& triangles, Contacts& list) : soup(triangles), found(list) {
-        found.met.assign(soup.triangles.size(), 0);
+    ContactFinder(const Soup& triangles, Contacts& list, Effort& work)
+        : soup(triangles), found(list), effort(work) {
+        for (auto* marks : {&found.met, &found.onInner, &found.overlapping})
+            marks->assign(soup.triangles.size(), 0);
+        found.overlaps = Sets(soup.triangles.size());
     }
 
     void test(std::int32_t first, std::int32_t second) {
@@ -120,15 +125,18 @@ class ContactFinder {
     }
 
     void overlap() {
-        found.overlaps.push_back({numberA, numberB});
-        noteMet();
+        found.overlaps.join(numberA, numberB);
+        mark(found.overlapping);
+        mark(found.met);
     }
 
-    void noteMet() { nth(found.met, numberA) = nth(found.met, numberB) = 1; }
+    void mark(std::vector<std::uint8_t>& what) const {
+        nth(what, numberA) = nth(what, numberB) = 1;
+    }
 
     void testNeighbours(int apartA, int apartB) {
         const int edgeA = (apartA + 1) % 3, edgeB = (apartB + 1) % 3;
-        if ((a.inner >> edgeA | b.inner >> edgeB) & 1) found.onInner.push_back({numberA, numberB});
+        if ((a.inner >> edgeA | b.inner >> edgeB) & 1) mark(found.onInner);
         const Vec3 &low = soup.corner(a, edgeA), &high = soup.corner(a, (edgeA + 1) % 3);
         const Vec3 &ofA = soup.corner(a, apartA), &ofB = soup.corner(b, apartB);
         if (side(low, high, ofA, ofB) != 0) return;
@@ -140,6 +148,7 @@ class ContactFinder {
     std::int32_t enter(const Meeting& meeting, const Recipe& recipe) {
         const auto [entry, isNew] = numberOf.try_emplace(meeting, sizeOf(found.meetings));
         if (isNew) {
+            effort.make(bytesOfMeeting);
             found.meetings.push_back(meeting);
             found.recipes.push_back(recipe);
         }
@@ -157,13 +166,14 @@ class ContactFinder {
     void noteOn(const Triangle& t, int feature, std::int32_t meeting) {
         if (!isOnEdge(feature)) return;
         const auto [low, high] = edgeOf(t, feature - 3);
+        effort.make(bytesOfPlace);
         found.onEdges.push_back({low, high, meeting});
     }
 
     void note(const Spot& spot) {
         noteOn(a, spot.inA, spot.meeting);
         noteOn(b, spot.inB, spot.meeting);
-        noteMet();
+        mark(found.met);
     }
 
     // Triangles of one plane.
@@ -278,17 +288,23 @@ class ContactFinder {
     void addTrace(std::int32_t triangle, int Spot::*in) {
         const Spot &first = spots.front(), &last = spots.back();
         if (spots.size() == 1) {
-            if (first.*in == within) found.traces.push_back({triangle, first.meeting, -1});
+            if (first.*in == within) push({triangle, first.meeting, -1});
             return;
         }
         for (int edge = 0; edge < 3; ++edge) {
             if (areOnEdge(edge, first.*in, last.*in)) return;
         }
-        found.traces.push_back({triangle, first.meeting, last.meeting});
+        push({triangle, first.meeting, last.meeting});
+    }
+
+    void push(const Trace& trace) {
+        effort.make(bytesOfPlace);
+        found.traces.push_back(trace);
     }
 
     const Soup& soup;
     Contacts& found;
+    Effort& effort;
     std::unordered_map<Meeting, std::int32_t, MeetingHash> numberOf;
     std::int32_t numberA = 0, numberB = 0;
     Triangle a{}, b{};
@@ -306,19 +322,17 @@ BoxTree treeOf(const Soup& soup) {
     return BoxTree(boxes);
 }
 
-bool findContacts(const Soup& soup, const BoxTree& tree, Contacts& found) {
-    ContactFinder finder(soup, found);
-    StepCounter pairs;
-    bool stopped = false;
+Contacts findContacts(const Soup& soup, const BoxTree& tree, Effort& effort) {
+    Contacts found;
+    ContactFinder finder(soup, found, effort);
     tree.eachPair([&](std::int32_t a, std::int32_t b) {
         finder.test(a, b);
-        if (pairs.step()) stopped = abortRequested();
-        return !stopped;
+        return effort.goesOn();
     });
     std::sort(found.onEdges.begin(), found.onEdges.end());
     found.onEdges.erase(std::unique(found.onEdges.begin(), found.onEdges.end()),
                         found.onEdges.end());
-    return !stopped;
+    return found;
 }
 
 } // namespace polyfab::boolean

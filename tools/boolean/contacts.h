@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tools/boolean/boxes.h"
+#include "tools/boolean/effort.h"
 #include "tools/boolean/soup.h"
 
 #include <array>
@@ -45,14 +46,15 @@ struct Contacts {
     std::vector<std::uint8_t> met; ///< of each triangle: whether another one touches it anywhere
     std::vector<OnEdge> onEdges;   ///< sorted, each once
     std::vector<Trace> traces;     ///< not along edges of the triangle, and no mere points on them
-    std::vector<IdPair> overlaps;  ///< triangles of one plane that cover each other in part
-    /// Triangles of different polygons that share an edge which runs through one of the polygons.
-    std::vector<IdPair> onInner;
+    /// Of each triangle: whether it shares an edge with a triangle of another polygon, and the edge
+    /// runs through one of the polygons.
+    std::vector<std::uint8_t> onInner;
+    Sets overlaps{0}; ///< triangles of one plane that cover each other in part, and what they cover
+    std::vector<std::uint8_t> overlapping; ///< of each triangle: whether there are such
 };
 
 /// All contacts of triangles of different polygons, but that neighbours share edges and corners.
-/// False when the user wants it to stop.
-[[nodiscard]] bool findContacts(const Soup& soup, const BoxTree& tree, Contacts& found);
+[[nodiscard]] Contacts findContacts(const Soup& soup, const BoxTree& tree, Effort& effort);
 
 /// A tree of the triangles that have an area.
 [[nodiscard]] BoxTree treeOf(const Soup& soup);

@@ -184,18 +184,21 @@ std::array<double, 4> FlatView::bounds(std::int32_t point) const {
     return {box.xmin(), box.xmax(), box.ymin(), box.ymax()};
 }
 
-std::vector<Ids> FlatView::triangulate(std::span<const IdPair> segments) const {
+std::vector<Ids> FlatView::triangulate(std::span<const IdPair> segments, Effort& effort) const {
     Triangulation all;
     std::vector<Triangulation::Vertex_handle> corners;
     Triangulation::Face_handle near;
     for (std::int32_t i = 0; i < count(); ++i) {
+        if (!effort.goesOn(Effort::exactly)) return {};
         corners.push_back(all.insert(flat->at(i), near));
         corners.back()->info() = i;
         near = corners.back()->face();
     }
     if (all.dimension() < 2 || all.number_of_vertices() != corners.size()) return {};
-    for (const auto& [from, to] : segments)
+    for (const auto& [from, to] : segments) {
+        if (!effort.goesOn(Effort::exactly)) return {};
         all.insert_constraint(corners[place(from)], corners[place(to)]);
+    }
     std::vector<Ids> triangles;
     for (const auto& face : all.finite_face_handles()) {
         triangles.push_back(

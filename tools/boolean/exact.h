@@ -5,6 +5,7 @@
 #pragma once
 
 #include "geometry/vec3.h"
+#include "tools/boolean/effort.h"
 
 #include <array>
 #include <cstdint>
@@ -76,7 +77,8 @@ class FlatView {
     /// Triangles, anticlockwise here, that fill the convex hull of all points and have the
     /// segments, none of which crosses another or passes a point, among their sides. None when all
     /// points lie in a line.
-    [[nodiscard]] std::vector<Ids> triangulate(std::span<const IdPair> segments) const;
+    [[nodiscard]] std::vector<Ids> triangulate(std::span<const IdPair> segments,
+                                               Effort& effort) const;
 
   private:
     struct Flat;

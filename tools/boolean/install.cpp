@@ -152,13 +152,18 @@ class Installer {
           edges(draft), numbers(draft, s, exact), makeCorner(draft, s, numbers),
           used(static_cast<std::size_t>(exact.count())) {}
 
-    void draw(Tally& tally) {
+    /// False when the effort is over.
+    bool draw(Effort& effort, Tally& tally) {
         findUsed();
-        for (const Face& face : liveFaces(std::as_const(mesh))) cutEdges(face);
+        for (const Face& face : liveFaces(std::as_const(mesh))) {
+            if (!effort.goesOn(face.n)) return false;
+            cutEdges(face);
+        }
         edges.sort();
         std::vector<bool> isPolygon(static_cast<std::size_t>(mesh.nf));
         for (std::int32_t p = 0; p < sizeOf(soup.polygons); ++p) {
             if (!hasCells(p)) continue;
+            if (!effort.goesOn(Effort::exactly)) return false;
             isPolygon[static_cast<std::size_t>(nth(soup.polygons, p).face)] = true;
             drawPolygon(p, tally);
         }
@@ -171,6 +176,7 @@ class Installer {
         }
         tally.added = draft.newPoints();
         tally.removed = std::ssize(doomed);
+        return true;
     }
 
     bool install() {
@@ -317,10 +323,9 @@ class Installer {
 
 bool install(Mesh& mesh, const Soup& soup, const Arrangement& arrangement,
              const std::vector<Fate>& fates, const Outlines& outlines, const CutEdges& cuts,
-             const ExactPoints& points, Tally& tally) {
+             const ExactPoints& points, Effort& effort, Tally& tally) {
     Installer installer(mesh, soup, arrangement, fates, outlines, cuts, points);
-    installer.draw(tally);
-    return installer.install();
+    return installer.draw(effort, tally) && installer.install();
 }
 
 } // namespace polyfab::boolean

@@ -27,6 +27,7 @@ class JoinFinder {
 
     std::vector<Join> find(const std::vector<Fate>& fates) {
         EdgeSides edges;
+        edges.reserve(3 * cells.size());
         for (std::int32_t i = 0; i < sizeOf(cells); ++i) {
             if (nth(fates, i) == Fate::removed) continue;
             const auto& [a, b, c] = nth(cells, i).at;
@@ -247,7 +248,7 @@ class Joiner {
 } // namespace
 
 Outlines::Outlines(const Soup& soup, const Arrangement& arrangement, const std::vector<Fate>& fates,
-                   const ExactPoints& points) {
+                   const ExactPoints& points, Effort& effort) {
     JoinFinder finder(soup, arrangement.cells, points.count());
     const std::vector<Join> joins = finder.find(fates);
     auto join = joins.begin();
@@ -258,6 +259,7 @@ Outlines::Outlines(const Soup& soup, const Arrangement& arrangement, const std::
         const std::int32_t first = nth(arrangement.firstOf, p),
                            end = nth(arrangement.firstOf, p + 1);
         if (first == end || (first + 1 == end && nth(fates, first) == Fate::removed)) continue;
+        if (!effort.goesOn(end - first)) return;
         joiner.start(first, end, fates);
         for (; join != joins.end() && join->polygon == p; ++join) joiner.join(*join);
         joiner.eachOutline([&](const std::vector<OutlineCorner>& outline) {
@@ -266,13 +268,14 @@ Outlines::Outlines(const Soup& soup, const Arrangement& arrangement, const std::
         });
     }
     firstOf.push_back(sizeOf(starts) - 1);
-    straighten(finder.bends, sizeOf(soup.places), points);
+    straighten(finder.bends, sizeOf(soup.places), points, effort);
 }
 
 void Outlines::straighten(const std::vector<Bend>& bends, std::int32_t made,
-                          const ExactPoints& points) {
+                          const ExactPoints& points, Effort& effort) {
     std::vector<bool> goes(bends.size());
     for (std::size_t i = 0; i < bends.size(); ++i) {
+        if (!effort.goesOn(Effort::exactly)) return;
         const auto [from, to] = bends[i].ends;
         goes[i] =
             bends[i].lines == 2 && points.areInLine(from, made + static_cast<std::int32_t>(i), to);

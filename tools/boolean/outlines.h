@@ -32,7 +32,7 @@ class Outlines {
     /// Joins cells of one polygon where no other kept cell touches their common edge. No outline
     /// passes a point twice. Made points at which nothing ends or bends go.
     Outlines(const Soup& soup, const Arrangement& arrangement, const std::vector<Fate>& fates,
-             const ExactPoints& points);
+             const ExactPoints& points, Effort& effort);
 
     [[nodiscard]] std::int32_t count(std::int32_t polygon) const {
         return nth(firstOf, polygon + 1) - nth(firstOf, polygon);
@@ -46,7 +46,8 @@ class Outlines {
 
   private:
     /// Takes made points out in which two lines go on straight.
-    void straighten(const std::vector<Bend>& bends, std::int32_t made, const ExactPoints& points);
+    void straighten(const std::vector<Bend>& bends, std::int32_t made, const ExactPoints& points,
+                    Effort& effort);
 
     std::vector<std::int32_t> firstOf; ///< of each polygon and behind the last: its first outline
     std::vector<std::size_t> starts;   ///< of each outline and behind the last: its first corner

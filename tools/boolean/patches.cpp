@@ -9,7 +9,6 @@
 #include "mesh/faces.h"
 #include "tools/boolean/edge_sides.h"
 #include "workbench/long_work.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <map>
@@ -30,6 +29,7 @@ class Pieces {
   public:
     Pieces(const Mesh& mesh, const Soup& owner) : soup(owner), sets(owner.polygons.size()) {
         EdgeSides sides;
+        sides.reserve(3 * soup.triangles.size());
         for (std::int32_t p = 0; p < sizeOf(soup.polygons); ++p) {
             for (const auto& [from, to] : polyfab::sides(mesh.faces[nth(soup.polygons, p).face])) {
                 sides.add(pointOf(mesh, from), pointOf(mesh, to), p);
@@ -137,8 +137,8 @@ class Bodies {
 class Chooser {
   public:
     Chooser(const Soup& s, const BoxTree& t, const ExactPoints& p, const Arrangement& a,
-            Pieces& all)
-        : soup(s), tree(t), points(p), cells(a.cells), pieces(all),
+            Pieces& all, Effort& work)
+        : soup(s), tree(t), points(p), cells(a.cells), pieces(all), effort(work),
           patches(static_cast<std::size_t>(a.sheets)),
           firstOn(static_cast<std::size_t>(a.sheets), none), next(a.cells.size(), none) {
         for (std::int32_t i = sizeOf(cells) - 1; i >= 0; --i) {
@@ -173,7 +173,7 @@ class Chooser {
         way.high[0] = Box::infinite;
         Windings windings;
         tree.eachMeeting(way, [&](std::int32_t t) {
-            if (isOnSheet(nth(cells, cell).sheet, t)) return;
+            if (!effort.goesOn(Effort::exactly) || isOnSheet(nth(cells, cell).sheet, t)) return;
             const Triangle& triangle = nth(soup.triangles, t);
             const int leaves = ray.leavesThrough(soup.corner(triangle, 0), soup.corner(triangle, 1),
                                                  soup.corner(triangle, 2));
@@ -184,8 +184,7 @@ class Chooser {
 
     [[nodiscard]] Ray rayFrom(std::int32_t cell) const { return {points, nth(cells, cell).at}; }
 
-    /// False when the user wants it to stop.
-    bool choose(Bodies& bodies, Want want, std::int32_t firstPiece, std::vector<Fate>& fates) {
+    void choose(Bodies& bodies, Want want, std::int32_t firstPiece, std::vector<Fate>& fates) {
         struct Around {
             bool known, inFront, inBack;
         };
@@ -196,14 +195,13 @@ class Chooser {
             if (nth(leader, sheet) == none) continue;
             Around& found = nth(around, patches.find(sheet));
             if (!found.known) {
-                if (abortRequested()) return false;
+                if (effort.isOver()) return;
                 const auto [front, back] = lookAround(sheet);
                 found = {true, bodies.isIn(front, want, firstPiece),
                          bodies.isIn(back, want, firstPiece)};
             }
             if (found.inFront != found.inBack) keepOne(sheet, found.inFront, fates);
         }
-        return true;
     }
 
   private:
@@ -284,6 +282,7 @@ class Chooser {
     const ExactPoints& points;
     const std::vector<Cell>& cells;
     Pieces& pieces;
+    Effort& effort;
     mutable Sets patches;              ///< of sheets
     std::vector<std::int32_t> firstOn; ///< of each sheet: its first cell
     std::vector<std::int32_t> next;    ///< of each cell: the next one of its sheet
@@ -295,7 +294,7 @@ class Chooser {
 
 Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
                     const ExactPoints& points, const Arrangement& arrangement, Want want,
-                    std::int32_t polygon, std::vector<Fate>& fates) {
+                    std::int32_t polygon, std::vector<Fate>& fates, Effort& effort) {
     const std::vector<Cell>& cells = arrangement.cells;
     if (cells.empty()) return Outcome::notClosed;
     Pieces pieces(mesh, soup);
@@ -308,7 +307,7 @@ Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
         edges.add(c, a, i);
     }
     if (!pieces.close(cells, edges)) return Outcome::notClosed;
-    Chooser chooser(soup, tree, points, arrangement, pieces);
+    Chooser chooser(soup, tree, points, arrangement, pieces, effort);
     chooser.joinPatches(edges);
     Bodies bodies(soup, pieces);
     std::map<std::int32_t, std::int32_t> cellOf;
@@ -320,7 +319,8 @@ Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
     });
     fates.assign(cells.size(), Fate::removed);
     const std::int32_t firstPiece = polygon == none ? none : pieces.ofPolygon(polygon);
-    return chooser.choose(bodies, want, firstPiece, fates) ? Outcome::chosen : Outcome::stopped;
+    chooser.choose(bodies, want, firstPiece, fates);
+    return Outcome::chosen;
 }
 
 } // namespace polyfab::boolean

@@ -19,7 +19,7 @@ constexpr double infinite = std::numeric_limits<double>::infinity();
 
 class SoupMaker {
   public:
-    SoupMaker(const Mesh& owner, Soup& made) : mesh(owner), soup(made) {
+    SoupMaker(const Mesh& owner, Soup& made, Effort& work) : mesh(owner), soup(made), effort(work) {
         soup.placeOf.assign(static_cast<std::size_t>(mesh.np), -1);
         slots.reset(2 * static_cast<std::size_t>(mesh.np) + 16);
     }
@@ -110,6 +110,7 @@ class SoupMaker {
         best.assign(n * n, {infinite, 0});
         for (std::size_t span = 2; span < n; ++span) {
             for (std::size_t i = 0; i + span < n; ++i) chooseTip(i, i + span, axis);
+            effort.goesOn(static_cast<std::int64_t>(span * (n - span)));
         }
         if (best[n - 1].shape < 0) return false;
         addBest(0, n - 1);
@@ -144,7 +145,7 @@ class SoupMaker {
         std::vector<Vec3> outline;
         for (std::size_t k = 0; k < list.size(); ++k) outline.push_back(at(k));
         if (sign < 0) std::reverse(outline.begin(), outline.end());
-        const std::vector<Ids> pieces = fillOutline(outline, axis);
+        const std::vector<Ids> pieces = fillOutline(outline, axis, effort);
         const auto numberOf = [&](std::int32_t k) {
             const auto number = static_cast<std::size_t>(k);
             return sign < 0 ? list.size() - 1 - number : number;
@@ -182,6 +183,7 @@ class SoupMaker {
 
     const Mesh& mesh;
     Soup& soup;
+    Effort& effort;
     HashSlots slots;                ///< places
     std::vector<std::int32_t> list; ///< corners of the polygon, places
     std::vector<Chain> best;        ///< of each chain of its corners
@@ -190,13 +192,14 @@ class SoupMaker {
 
 } // namespace
 
-Soup makeSoup(const Mesh& mesh) {
+Soup makeSoup(const Mesh& mesh, Effort& effort) {
     Soup soup;
-    SoupMaker maker(mesh, soup);
+    SoupMaker maker(mesh, soup, effort);
     LoopProgress progress(mesh.nf);
     for (const Face& face : selectedFaces(mesh)) {
         progress.step();
         maker.add(face);
+        if (!effort.goesOn(face.n)) break;
     }
     return soup;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "mesh/mesh.h"
+#include "tools/boolean/effort.h"
 #include "tools/boolean/exact.h"
 
 #include <algorithm>
@@ -75,6 +76,6 @@ struct Soup {
 
 /// The live selected faces of at least three corners, all of them finite, cut without new points.
 /// Where sides cross each other that fails, and they become fans.
-[[nodiscard]] Soup makeSoup(const Mesh& mesh);
+[[nodiscard]] Soup makeSoup(const Mesh& mesh, Effort& effort);
 
 } // namespace polyfab::boolean
