@@ -74,6 +74,12 @@ bool movesInHistory(const Event& event) {
            && (event.command == undoCommand || event.command == redoCommand);
 }
 
+/// A command that is no step of the history, as the keys that fit are none.
+bool onlyViews(const Event& event) {
+    const Command* const command = commandOf(event);
+    return command != nullptr && command->views;
+}
+
 /// The drag that runs ends and is a step, before something else begins.
 void recordDrag() {
     beginEvent(true);
@@ -93,7 +99,7 @@ void trackWork(const Event& event, std::optional<LongWork>& work) {
 /// Whether there may be something new to come back from, outside drags and lists. Most keys only
 /// change the view, and the box with it; a press that is no drag sets a settable point.
 bool mayChange(const Event& event) {
-    if (event.kind == EventKind::command) return !movesInHistory(event);
+    if (event.kind == EventKind::command) return !movesInHistory(event) && !onlyViews(event);
     if (event.kind == EventKind::mouse) return leftPressed();
     if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return readsFile(event);
@@ -104,7 +110,8 @@ bool mayChangeMesh(const Event& event) {
     if (editorState.subview != 0) return true;
     const Command* const command = commandOf(event);
     if (command != nullptr) {
-        return command->checked == nullptr && !entersMode(command->id) && !movesInHistory(event);
+        return command->checked == nullptr && !command->views && !entersMode(command->id)
+               && !movesInHistory(event);
     }
     if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
