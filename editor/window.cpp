@@ -25,6 +25,7 @@
 #include "mesh/store.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
+#include "workbench/prompts.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -235,10 +236,11 @@ void handleEvent(const Event& event) {
     moveProgress();
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
+    bool isStep = false;
     if (editorState.subview != 0 ? listed && altered : ended) {
         const std::string named = dragged ? dragStep() : label;
-        recordStep(step.empty() ? named : std::string(step), snapAfter(event),
-                   changedBy(event, listed));
+        isStep = recordStep(step.empty() ? named : std::string(step), snapAfter(event),
+                            changedBy(event, listed));
     }
     if (ended || movesInHistory(event)) {
         countFaces();
@@ -246,6 +248,7 @@ void handleEvent(const Event& event) {
     }
     if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
     teller.tell(altered);
+    tellWhatCancelDid(isStep);
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }
 
