@@ -149,9 +149,18 @@ void giveBackAfterRest() {
     if (now - restsSince >= untilRested) giveBackMemory();
 }
 
-void noteAct() {
+/// Whether the user begins with something else than what the notes tell of: the way of the mouse
+/// from a press to the release is one act with them.
+bool beginsAct(const Event& event) {
+    if (event.kind != EventKind::mouse) return true;
+    const unsigned held =
+        (editorState.buttons & anyButton) | (drags.ofMiddle ? button::middle : 0U);
+    return (event.buttons & ~held) != 0;
+}
+
+void noteAct(const Event& event) {
     restsSince = -1;
-    if (Handling::depth == 1) forgetNotes();
+    if (Handling::depth == 1 && beginsAct(event)) forgetNotes();
     noteUser();
 }
 
@@ -204,9 +213,10 @@ struct StatusLineAfter {
 void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
-    if (isUsersAct(event)) noteAct();
+    if (isUsersAct(event)) noteAct(event);
     const StatusLineAfter status;
     if (Handling::depth > 1) { // a part of the event outside
+        if (event.kind == EventKind::paint) noteUncounted();
         dispatch(event, true);
         return;
     }
@@ -228,7 +238,10 @@ void handleEvent(const Event& event) {
     if (OB != nullptr) OB->settleLostArrays();
     const bool altered = endEvent();
     if (workbench.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
-    if (dragRuns()) return;
+    if (dragRuns()) {
+        if (!dragged) countFaces(); // a press may select
+        return;
+    }
     // Its corners are numbers of points.
     if (commandOf(event) != nullptr && (altered || movesInHistory(event))) dropNewFace();
     // To remember a large mesh takes long by itself.
