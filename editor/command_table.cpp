@@ -129,6 +129,12 @@ constexpr Command selecting(Command row) {
     return row;
 }
 
+/// One that changes only what is seen: no step of the history.
+constexpr Command viewing(Command row) {
+    row.views = true;
+    return row;
+}
+
 Shown shownStep(const char* label, const std::string& step) {
     return {step.empty() ? label : label + (" " + step), !step.empty()};
 }
@@ -216,7 +222,7 @@ constexpr auto table = std::to_array<Command>({
     {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
      rotationComesAfter},
     {297, tools, "rotate &view", letRotationTurnView, rotationTurnsView},
-    {281, tools, "reset a&ttitude", showUpright, nullptr, "Ctrl+R"},
+    viewing({281, tools, "reset a&ttitude", showUpright, nullptr, "Ctrl+R"}),
     {298, tools, "rotate &objects", letRotationTurnObjects, rotationTurnsObjects},
     {324, tools, "contro&l smoothing", askSmoothingAxis},
     slow({371, tools, "s&moothing", smooth}),
@@ -244,7 +250,7 @@ constexpr auto table = std::to_array<Command>({
     {1082, tools, "say absolute range of box in x and y and z", tellBoxRange},
     slow({1067, tools, "unselect all selected duplicated faces: &0",
           onMesh<unselectFacesOnSamePoints>}),
-    {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
+    viewing({1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin}),
     {1085, tools, "noise", onMesh<addNoise>},
     slow({1037, tools, "special", onMesh<tellFacts>}),
 
@@ -394,9 +400,10 @@ constexpr auto table = std::to_array<Command>({
     {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
     {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,
      isOn<&Show::paneNames>},
-    {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }},
-    {fitSelectedCommand, display, "fit the selected faces: &1",
-     [] { navigateByKey(key::fullStop); }},
+    viewing(
+        {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }}),
+    viewing({fitSelectedCommand, display, "fit the selected faces: &1",
+             [] { navigateByKey(key::fullStop); }}),
     {1034, display, "show the pane backgroun&ds", later},
 
     {330, rendering, "&render the left pane", toggleRendered<true>, paneIsRendered<true>, "F5"},

@@ -31,6 +31,7 @@ struct Command {
     Escape escape = Escape::stopsNothing; ///< what the Escape key does while it runs
     bool takesLong = false;               ///< with a large mesh
     bool selects = false;                 ///< of the mesh it changes no more than the selection
+    bool views = false;                   ///< it changes only the view, and the box with it
 };
 
 /// Heading of what stands only in the menu bars of name lists.

@@ -49,6 +49,7 @@ struct EditorState {
     Vec3 mouse;               ///< pane position; a right-button drag feeds z in place of x
     NameListState nameList;
     FaceCounts faces;       ///< as the status line tells them
+    bool uncounted = true;  ///< they may be others by now
     bool statusLine = true; ///< it is shown
     bool toolBar = true;    ///< it is shown
     RightPress rightPress;

@@ -8,8 +8,11 @@
 #include "editor/modes/modes.h"
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
+#include "mesh/stale.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
+
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -36,7 +39,13 @@ std::string right() {
 
 } // namespace
 
+void noteUncounted() {
+    editorState.uncounted = editorState.uncounted || stale.edges || stale.selection;
+}
+
 void countFaces() {
+    noteUncounted();
+    if (!std::exchange(editorState.uncounted, false)) return;
     FaceCounts& faces = editorState.faces;
     faces = {};
     if (OB == nullptr) return;

@@ -5,8 +5,11 @@
 
 namespace polyfab {
 
-/// Counts the faces anew. To be called when some may have been added, deleted or selected.
+/// Counts the faces anew if some may have been added, deleted or selected, as `stale` has it.
 void countFaces();
+
+/// To be called before a picture is drawn within an event, which lowers the flags of `stale`.
+void noteUncounted();
 
 /// Says all of it anew.
 void updateStatusLine();

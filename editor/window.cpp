@@ -25,6 +25,7 @@
 #include "mesh/store.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
+#include "workbench/prompts.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -74,6 +75,12 @@ bool movesInHistory(const Event& event) {
            && (event.command == undoCommand || event.command == redoCommand);
 }
 
+/// A command that is no step of the history, as the keys that fit are none.
+bool onlyViews(const Event& event) {
+    const Command* const command = commandOf(event);
+    return command != nullptr && command->views;
+}
+
 /// The drag that runs ends and is a step, before something else begins.
 void recordDrag() {
     beginEvent(true);
@@ -93,7 +100,7 @@ void trackWork(const Event& event, std::optional<LongWork>& work) {
 /// Whether there may be something new to come back from, outside drags and lists. Most keys only
 /// change the view, and the box with it; a press that is no drag sets a settable point.
 bool mayChange(const Event& event) {
-    if (event.kind == EventKind::command) return !movesInHistory(event);
+    if (event.kind == EventKind::command) return !movesInHistory(event) && !onlyViews(event);
     if (event.kind == EventKind::mouse) return leftPressed();
     if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return readsFile(event);
@@ -104,7 +111,8 @@ bool mayChangeMesh(const Event& event) {
     if (editorState.subview != 0) return true;
     const Command* const command = commandOf(event);
     if (command != nullptr) {
-        return command->checked == nullptr && !entersMode(command->id) && !movesInHistory(event);
+        return command->checked == nullptr && !command->views && !entersMode(command->id)
+               && !movesInHistory(event);
     }
     if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
@@ -141,9 +149,18 @@ void giveBackAfterRest() {
     if (now - restsSince >= untilRested) giveBackMemory();
 }
 
-void noteAct() {
+/// Whether the user begins with something else than what the notes tell of: the way of the mouse
+/// from a press to the release is one act with them.
+bool beginsAct(const Event& event) {
+    if (event.kind != EventKind::mouse) return true;
+    const unsigned held =
+        (editorState.buttons & anyButton) | (drags.ofMiddle ? button::middle : 0U);
+    return (event.buttons & ~held) != 0;
+}
+
+void noteAct(const Event& event) {
     restsSince = -1;
-    if (Handling::depth == 1) forgetNotes();
+    if (Handling::depth == 1 && beginsAct(event)) forgetNotes();
     noteUser();
 }
 
@@ -196,9 +213,10 @@ struct StatusLineAfter {
 void handleEvent(const Event& event) {
     const Handling handling;
     if (handledApart(event)) return;
-    if (isUsersAct(event)) noteAct();
+    if (isUsersAct(event)) noteAct(event);
     const StatusLineAfter status;
     if (Handling::depth > 1) { // a part of the event outside
+        if (event.kind == EventKind::paint) noteUncounted();
         dispatch(event, true);
         return;
     }
@@ -220,7 +238,10 @@ void handleEvent(const Event& event) {
     if (OB != nullptr) OB->settleLostArrays();
     const bool altered = endEvent();
     if (workbench.wholeMeshWritten && OB != nullptr && OB->changed == 0) dropRecovery();
-    if (dragRuns()) return;
+    if (dragRuns()) {
+        if (!dragged) countFaces(); // a press may select
+        return;
+    }
     // Its corners are numbers of points.
     if (commandOf(event) != nullptr && (altered || movesInHistory(event))) dropNewFace();
     // To remember a large mesh takes long by itself.
@@ -228,10 +249,11 @@ void handleEvent(const Event& event) {
     moveProgress();
     // What alters the mesh in an open list is a step of its own; what was picked, when it closes.
     const bool ended = dragged || listed || mayChange(event);
+    bool isStep = false;
     if (editorState.subview != 0 ? listed && altered : ended) {
         const std::string named = dragged ? dragStep() : label;
-        recordStep(step.empty() ? named : std::string(step), snapAfter(event),
-                   changedBy(event, listed));
+        isStep = recordStep(step.empty() ? named : std::string(step), snapAfter(event),
+                            changedBy(event, listed));
     }
     if (ended || movesInHistory(event)) {
         countFaces();
@@ -239,6 +261,7 @@ void handleEvent(const Event& event) {
     }
     if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
     teller.tell(altered);
+    tellWhatCancelDid(isStep);
     if (editorState.subview == 0 && (ended || movesInHistory(event))) refreshMenuBar();
 }
 

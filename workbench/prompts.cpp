@@ -10,9 +10,13 @@
 #include <initializer_list>
 #include <locale.h>
 #include <string_view>
+#include <utility>
 
 namespace polyfab {
 namespace {
+
+/// The numbers that commands went on with after cancel, and that no note has told yet.
+std::string wentOnWith;
 
 void store(char (&buffer)[promptSize], std::string_view text) {
     const std::string_view kept = fittingAnswer(text);
@@ -64,7 +68,10 @@ std::string_view fittingAnswer(std::string_view text) {
     return text.substr(0, end);
 }
 
-void resetPrompts() { prompts = {}; }
+void resetPrompts() {
+    prompts = {};
+    wentOnWith.clear();
+}
 
 DialogResult runDialog(Dialog& dialog) {
     dialog.onKey = noteKey;
@@ -110,9 +117,15 @@ bool askNumberOrCancel(const std::string& question, const std::string& defaultAn
 double askNumber(const std::string& question, const std::string& defaultAnswer) {
     double number = 0;
     if (!askNumberOrCancel(question, defaultAnswer, number)) {
-        note("cancel went on with the suggested " + defaultAnswer + "; Ctrl+Z takes it back");
+        wentOnWith += (wentOnWith.empty() ? "" : ", ") + defaultAnswer;
     }
     return number;
+}
+
+void tellWhatCancelDid(bool isStep) {
+    if (wentOnWith.empty()) return;
+    note("cancel went on with the suggested " + std::exchange(wentOnWith, "")
+         + (isStep ? "; Ctrl+Z takes it back" : ""));
 }
 
 int askNumbers2(const std::string& question1, const std::string& default1, double& number1,

@@ -50,8 +50,12 @@ bool parseNumber(const char* text, double& number);
 bool askNumberOrCancel(const std::string& question, const std::string& defaultAnswer,
                        double& number);
 
-/// The same for commands that go on with the default then, which a note tells.
+/// The same for commands that go on with the default then, which tellWhatCancelDid tells.
 double askNumber(const std::string& question, const std::string& defaultAnswer);
+
+/// A note after a command of the numbers that it went on with, if any. `isStep`: it did something
+/// that undo takes back.
+void tellWhatCancelDid(bool isStep);
 
 /// 1 when the user accepted and every answer begins with a number, which is then stored. 0 when
 /// cancelled, or from the first answer on that is no number: those before it are stored.

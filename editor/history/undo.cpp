@@ -168,32 +168,39 @@ Step stepTo(const EditorPart& now, bool content, const std::string& label) {
             before.fileName != now.fileName || before.home != now.home};
 }
 
+struct Entered {
+    bool step = false;
+    bool content = false; ///< of which the mesh is another
+};
+
 /// The step, if it is one, that leads from the present state to this mesh; null: to one that holds
 /// certainly other elements, and of which the snapshot is due.
-bool enterStep(SnapshotRef mesh, const EditorPart& now, const std::string& label) {
+Entered enterStep(SnapshotRef mesh, const EditorPart& now, const std::string& label) {
     State& present = history.states[history.at];
     const bool content =
         mesh == nullptr || differenceOf(*mesh, *present.mesh) == Difference::content;
-    if (content || differ(history.before, now)) {
+    const bool step = content || differ(history.before, now);
+    if (step) {
         push(std::move(mesh), stepTo(now, content, label));
     } else {
         present.mesh = std::move(mesh);
     }
-    return content;
+    return {step, content};
 }
 
-void record(const std::string& label, Snap snap, Changed changed) {
+bool record(const std::string& label, Snap snap, Changed changed) {
     const EditorPart now = presentPart();
-    bool content = false;
+    Entered entered;
     // As long as a snapshot is due the mesh is what it was.
     if (history.states[history.at].mesh != nullptr || differ(history.before, now)) {
         takeDueSnapshot();
         const SnapshotRef before = history.states[history.at].mesh;
         const bool waits = snap == Snap::beforeTheNextChange && countsDiffer(*OB, *before);
-        content = enterStep(waits ? nullptr : takeSnapshot(*OB, before, changed), now, label);
+        entered = enterStep(waits ? nullptr : takeSnapshot(*OB, before, changed), now, label);
     }
-    settleMarks(content);
+    settleMarks(entered.content);
     history.before = now;
+    return entered.step;
 }
 
 /// Does this, which takes memory, with fewer and fewer steps, or starts anew.
@@ -282,10 +289,15 @@ bool endEvent() {
     return altered;
 }
 
-void recordStep(const std::string& label, Snap snap, Changed changed) {
-    if (OB == nullptr) return;
-    if (history.states.empty()) return startHistory();
-    inMemory([&] { record(label, snap, changed); });
+bool recordStep(const std::string& label, Snap snap, Changed changed) {
+    if (OB == nullptr) return false;
+    bool isStep = false;
+    if (history.states.empty()) {
+        startHistory();
+    } else {
+        inMemory([&] { isStep = record(label, snap, changed); });
+    }
+    return isStep;
 }
 
 void completeNewestStep() {

@@ -52,8 +52,8 @@ enum class Snap { now, beforeTheNextChange };
 /// The mesh and the editor as they are now become the newest step, unless they are as they were.
 /// What could have been redone is then gone. When memory is short the older half of the steps is
 /// dropped, again and again; where that does not help the history starts anew, and a box says so.
-/// `changed`: what may be other than in the newest step.
-void recordStep(const std::string& label, Snap snap, Changed changed = Changed::anything);
+/// `changed`: what may be other than in the newest step. Whether it is a step.
+bool recordStep(const std::string& label, Snap snap, Changed changed = Changed::anything);
 
 /// To be called before something may change the mesh: takes the snapshot that waits for that.
 void completeNewestStep();

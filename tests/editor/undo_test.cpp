@@ -266,6 +266,7 @@ TEST_F(Undo, AStepIsNamedByTheActWhichTellsHowFarItMovedWhat) {
     EXPECT_EQ(undoLabel(), "delete face");
     undo();
     key(key::home); // fits the box, too
+    command(2073);
     EXPECT_EQ(redoLabel(), "delete face");
 }
 

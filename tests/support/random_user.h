@@ -32,7 +32,7 @@ class RandomUser {
     }
 
     std::vector<std::string> files; ///< that file dialogs are answered with; none: cancel
-    bool fitted = false; ///< the last act fitted view and box to the mesh, which is no step
+    bool fitted = false; ///< the last act fitted view and box, which is no step
     std::function<void()> beforeListIsClosed; ///< called when something was done in a list
 
     /// A drag, a turn of the wheel, a key or a command, with whatever answers.
@@ -69,7 +69,10 @@ class RandomUser {
     const T& any(const std::vector<T>& list) {
         return list[static_cast<std::size_t>(below(static_cast<int>(list.size())))];
     }
-    static void command(int id) { handleEvent({.kind = EventKind::command, .command = id}); }
+    void command(int id) {
+        fitted = findCommand(id)->views;
+        handleEvent({.kind = EventKind::command, .command = id});
+    }
     void press(int code) {
         fitted = code == key::home;
         handleEvent({.kind = EventKind::keyDown, .key = code});
