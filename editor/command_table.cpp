@@ -400,8 +400,8 @@ constexpr auto table = std::to_array<Command>({
     {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
     {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,
      isOn<&Show::paneNames>},
-    viewing(
-        {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }}),
+    viewing({fitCommand, display, "fit everything in both panes: &0",
+             [] { navigateByKey(key::home); }}),
     viewing({fitSelectedCommand, display, "fit the selected faces: &1",
              [] { navigateByKey(key::fullStop); }}),
     {1034, display, "show the pane backgroun&ds", later},

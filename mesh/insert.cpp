@@ -85,6 +85,7 @@ Face* Mesh::newFace(int n) {
     if (nmat == 0) addMaterial(defaultColor, "default");
     if (ntma == 0) addTextureMapArea();
     if (nprt == 0) addPart();
+    if (ng == 0 || nmat == 0 || ntma == 0 || nprt == 0) return nullptr; // no memory for one
     if (!growCorners(std::int64_t{nq} + n, false) || !growFaces(std::int64_t{nf} + 1, false)) {
         return nullptr;
     }
