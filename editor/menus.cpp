@@ -176,7 +176,7 @@ void updateGreying() {
     findMissingRecentFiles();
     for (const Command& command : commandTable()) {
         if (command.shown == nullptr) continue;
-        platform().setMenuItem(command.id, command.shown().enabled, false);
+        platform().setMenuItem(command.id, command.shown().enabled, isChecked(command));
     }
 }
 

@@ -190,7 +190,8 @@ class PictureGiver {
                        const std::string& suffix) {
         std::string name = stem + suffix;
         for (int i = 2; name == target.filename() || !names.insert(name).second; ++i) {
-            name = stem + "-" + std::to_string(i) + suffix;
+            name = stem;
+            name.append("-").append(std::to_string(i)).append(suffix);
         }
         if (wholeFile(folderOf(target) / name) == bytes) return name;
         return save(scratch / name, bytes) ? name : "";

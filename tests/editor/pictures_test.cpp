@@ -86,7 +86,9 @@ TEST_F(Pictures, ATextureMapIsReadWrittenAndKeptWhenAFileIsBad) {
     EXPECT_EQ(readImage(folder.path("copy.png"), copy), "");
     EXPECT_EQ(copy.pixels, textureSlots()[0].image->pixels);
     EXPECT_NE(stateJson().find(R"("width":2,"height":1},null)"), std::string::npos);
+    send(EventKind::menuOpening);
     EXPECT_EQ(findItem(shown.bar, 336)->label, "select texture map &0 (two.png)");
+    EXPECT_TRUE(findItem(shown.bar, 336)->checked);
 }
 
 TEST_F(Pictures, TheTextureMapIsDrawn) {
