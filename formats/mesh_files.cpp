@@ -63,8 +63,11 @@ Outcome dispatchRead(Mesh& mesh, Source& source, Busy& busy) {
 /// Whether import shall make more of the file than was made of it.
 bool wantsImport(const Source& source, Outcome outcome) {
     const std::string& path = source.path;
-    if (leftOut.lines > 0 && outcome == Outcome::read) {
-        return !isBinary(path) && offerImport(path, "I left out " + counted(leftOut.lines, "line"));
+    if (leftOut.badLine) return !isBinary(path) && offerImport(path, "");
+    if (!leftOut.lines.empty() && outcome == Outcome::read) {
+        std::string why;
+        for (const std::string& line : leftOut.lines) why += (why.empty() ? "" : "; ") + line;
+        return !isBinary(path) && offerImport(path, why);
     }
     const bool ordinary3ds =
         outcome == Outcome::failed && source.format == &threeDsFormat && isOrdinary3ds(path);
@@ -111,7 +114,7 @@ void tidyAll(Mesh& mesh) {
 /// reader has it or because it says otherwise, saving does not go there.
 void noteRead(const Mesh& mesh, const Source& source) {
     workbench.meshRead = true;
-    if (leftOut.lines > 0 || leftOut.elsewhere || mesh.np == 0) return;
+    if (!leftOut.lines.empty() || leftOut.elsewhere || mesh.np == 0) return;
     workbench.home = {source.path, std::string(source.format->suffix), leftOut.held};
 }
 

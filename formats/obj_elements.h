@@ -2,6 +2,8 @@
 // The elements of a mesh in the lines of an OBJ file.
 #pragma once
 
+#include "formats/obj_reading.h"
+
 #include <cstdint>
 
 namespace polyfab {
@@ -21,13 +23,6 @@ using Bases = CornerNumbers;
 
 [[nodiscard]] Bases currentCounts(const Mesh& mesh);
 
-/// Sets the references of a corner. Null, or the reason why there is no such corner, which is then
-/// unchanged.
-[[nodiscard]] const char* setCorner(const Mesh& mesh, FaceCorner& corner,
-                                    const CornerNumbers& numbers, const Bases& bases);
-
-[[nodiscard]] double sensibleTexCoord(double value);
-
 /// What stands in lines that are read, behind what is.
 struct Surplus {
     std::int64_t colors = 0, weights = 0, depths = 0;
@@ -46,9 +41,29 @@ struct Surplus {
     }
 };
 
+/// A file on its way into the mesh.
+struct ObjInput {
+    Mesh& mesh;
+    ObjReading how;
+    Bases bases = currentCounts(mesh);
+    Surplus surplus = {};
+};
+
+/// Numbers of a corner that name nothing.
+struct VainNumbers {
+    std::int64_t texcoords = 0, normals = 0;
+};
+
+/// Sets the references of a corner and counts those in vain. Null, or the reason why there is no
+/// such corner, which is then unchanged.
+[[nodiscard]] const char* setCorner(const ObjInput& input, FaceCorner& corner,
+                                    const CornerNumbers& numbers, VainNumbers& vain);
+
+/// Whether this is not to be a texture coordinate.
+[[nodiscard]] bool isBeyondTexture(double value);
+
 /// Reads a line of `v`, `vt`, `vn` or `f` with nothing odd about it, which has a line end ahead.
 /// Where it ends; null when it declines, and the mesh is then as it was.
-[[nodiscard]] const char* plainLine(Mesh& mesh, const char* line, const Bases& bases,
-                                    Surplus& surplus);
+[[nodiscard]] const char* plainLine(ObjInput& input, const char* line);
 
 } // namespace polyfab
