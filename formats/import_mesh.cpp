@@ -5,8 +5,11 @@
 #include "formats/import_offer.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
+#include "formats/left_out.h"
 #include "formats/material_library.h"
+#include "formats/mesh_formats.h"
 #include "formats/only_selected.h"
+#include "formats/own_exchange.h"
 #include "formats/save_exported.h"
 #include "formats/stream_mesh.h"
 #include "io/save_file.h"
@@ -52,6 +55,7 @@ void tellNotes(const StreamView& view) {
 /// it grew.
 std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
+    if (importsItself(path)) return importOwn(mesh, path, append);
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"import", path}, -1, bytes);
     tellTooLateToStop();
@@ -123,14 +127,10 @@ int streamFile(const Mesh& mesh, bool onlySelected) {
     return -1;
 }
 
-/// Returns "" or why the old file is as it was.
-std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
-                       SaveFile& file) try {
-    const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
-    const ScratchFolder folder;
-    const int input = folder.path.empty() ? -1 : streamFile(mesh, onlySelected);
+/// Has the child write the file. Returns "" or why it did not.
+std::string exportByChild(const Mesh& mesh, const fs::path& written, bool onlySelected) {
+    const int input = streamFile(mesh, onlySelected);
     if (input < 0) return "there is no room for temporary files";
-    const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"export", written}, input, bytes);
     tellTooLateToStop();
@@ -138,8 +138,19 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     if (!reason.empty()) return reason;
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the exporter makes no sense";
-    if (!view.failure.empty()) return std::string(view.failure);
-    return saveExported(folder.path, path, file);
+    return std::string(view.failure);
+}
+
+/// Returns "" or why the old file is as it was.
+std::string exportFile(const Mesh& mesh, const std::string& chosen, const fs::path& path,
+                       bool onlySelected, SaveFile& file) try {
+    const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
+    const ScratchFolder folder;
+    if (folder.path.empty()) return "there is no room for temporary files";
+    const std::string reason =
+        exportsItself(chosen) ? exportOwn(mesh, chosen, folder.path, onlySelected)
+                              : exportByChild(mesh, folder.path / path.filename(), onlySelected);
+    return reason.empty() ? saveExported(folder.path, path, file) : reason;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
@@ -160,6 +171,8 @@ void importOtherMesh() {
 void importNamedMesh(const std::string& path, bool append) {
     Mesh& mesh = *OB;
     if (!meshIsSound(mesh, "mesh fault before reading")) return;
+    leftOut = {};
+    namedLibraries.clear();
     const ReadNote readNote(mesh);
     const int materials = append ? mesh.nmat : 0;
     const std::string reason = importFile(mesh, path, append);
@@ -172,31 +185,32 @@ void importNamedMesh(const std::string& path, bool append) {
     noteRecentFile(path, true);
     resetForNewMesh(mesh, !append);
     if (meshIsSound(mesh, "mesh fault after reading")) readNote.tell(path, append);
-    const bool named = hasSuffixOf("*.OBJ", path);
-    const std::string looks = readMaterialLibraries(
-        mesh, path, named ? librariesNamedIn(path) : std::vector<std::string>(), materials);
+    const std::string looks = readMaterialLibraries(mesh, path, namedLibraries, materials);
     if (!looks.empty()) note(looks);
     updateTitle();
 }
 
 void exportOtherMesh() {
-    const auto path =
+    const auto chosen =
         platform().fileDialog({true,
                                "file to export mesh to?",
                                {{"common mesh files", commonFormats}, {"all files", "*"}},
                                workbench.lastChosen,
-                               {},
+                               objFileOf,
                                workbench.fileName});
     const Mesh& mesh = *OB;
-    if (!path || !meshIsSound(mesh, "mesh fault before writing")) return;
+    if (!chosen || !meshIsSound(mesh, "mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";
+    const std::string path = objFileOf(*chosen);
     SaveFile file;
-    if (!file.open(*path)) return explain(failed, *path, "can't open file");
+    if (!file.open(path)) return explain(failed, path, "can't open file");
     const bool onlySelected = askOnlySelected(mesh, false);
-    const std::string reason = exportFile(mesh, *path, onlySelected, file);
-    if (!reason.empty()) return explain(failed, *path, reason);
-    noteSaved(*path, countFaces(mesh, onlySelected));
-    if (hasSuffixOf(commonFormats, *path)) noteRecentFile(*path, true);
+    const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file);
+    if (!reason.empty()) return explain(failed, path, reason);
+    noteSaved(path, countFaces(mesh, onlySelected));
+    const bool hasLibrary = endsIn(path, ".obj") && libraryHasColors(mesh, path);
+    if (hasLibrary) writeMaterialLibrary(mesh, path);
+    if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 
 } // namespace polyfab

@@ -4,6 +4,7 @@
 
 #include "display/material_looks.h"
 #include "display/options.h"
+#include "formats/before_append.h"
 #include "formats/file_command.h"
 #include "formats/import_mesh.h"
 #include "formats/import_offer.h"
@@ -18,9 +19,6 @@
 #include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
-
-#include <cstddef>
-#include <iterator>
 
 namespace polyfab {
 namespace {
@@ -79,27 +77,6 @@ void emptyMesh(Mesh& mesh) {
     mesh.np = mesh.nq = mesh.nf = 0;
     mesh.settleLostArrays();
 }
-
-/// Takes what was appended since it was made off the mesh again.
-class BeforeAppend {
-  public:
-    explicit BeforeAppend(const Mesh& mesh)
-        : counts{mesh.np, mesh.nq, mesh.nf, mesh.nt, mesh.nd, mesh.ng, mesh.nmat},
-          group(mesh.curgroup), material(mesh.curmat) {}
-
-    void restore(Mesh& mesh) const {
-        int* const fields[] = {&mesh.np, &mesh.nq, &mesh.nf,  &mesh.nt,
-                               &mesh.nd, &mesh.ng, &mesh.nmat};
-        for (std::size_t i = 0; i < std::size(fields); ++i) *fields[i] = counts[i];
-        mesh.curgroup = group;
-        mesh.curmat = material;
-        mesh.settleLostArrays();
-    }
-
-  private:
-    int counts[7];
-    std::int16_t group, material;
-};
 
 void tidyAll(Mesh& mesh) {
     // A split appends a face, which is tidied in its turn.

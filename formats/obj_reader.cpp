@@ -382,7 +382,8 @@ const char* Reader::goodFace() {
 std::string Reader::name(int k) {
     std::string text = line.rest(k);
     if (trimTrailingBlanks(text).size() >= nameSize) changes.longNames.insert(text);
-    return text;
+    // What is cut may end in a blank, which the next file with it would not have.
+    return input.how.keepsNames ? std::string(trimTrailingBlanks(storedName(text))) : text;
 }
 
 const char* Reader::library() {
