@@ -43,7 +43,7 @@ class Walk {
             if (const char* fault = readChunk()) return fault;
             while (!open.empty() && at >= open.back().end) open.pop_back();
         } while (!open.empty());
-        leftOut.add("chunk of another kind", skipped);
+        leftOut.add("other chunk", skipped);
         return nullptr;
     }
 

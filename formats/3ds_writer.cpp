@@ -6,26 +6,31 @@
 #include "formats/face_order.h"
 #include "formats/file_command.h"
 #include "io/save_file.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <new>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace polyfab {
 namespace {
 
 constexpr std::size_t maxOutput = std::size_t{16} << 20;
+constexpr std::size_t maxLength = 0xFFFFFFFF; ///< what a chunk's length can say
 constexpr std::size_t maxCount = 65535;
 constexpr unsigned formatVersion = 3;
 constexpr unsigned allEdgesVisible = 7;
@@ -41,7 +46,7 @@ class Output {
     void name(std::string_view text) { bytes.append(text).push_back('\0'); }
 
     [[nodiscard]] std::string_view text() const { return bytes; }
-    [[nodiscard]] bool tooLong() const { return bytes.size() > maxOutput; }
+    [[nodiscard]] std::size_t size() const { return bytes.size(); }
 
   private:
     friend class Chunk;
@@ -69,17 +74,25 @@ class Chunk {
     std::size_t start;
 };
 
+/// What the reader of the file will not find as it was.
+struct Losses {
+    std::int64_t rounded = 0; ///< numbers
+    std::int64_t cut = 0;     ///< faces
+};
+
 /// Builds the file; the first thing that does not fit ends it.
 class Writer {
   public:
-    Writer(const Mesh& from, bool selectedOnly, bool allGroups)
-        : mesh(from), onlySelected(selectedOnly), everything(allGroups),
+    /// `forAll`: for all programs.
+    Writer(const Mesh& from, bool selectedOnly, bool allGroups, bool forAll)
+        : mesh(from), onlySelected(selectedOnly), everything(allGroups), ordinary(forAll),
           progress(4 * std::int64_t{from.nf}) {}
 
     /// "", or what the file can't hold.
     std::string write();
 
     Output out;
+    Losses losses;
     int leftOut = 0; ///< faces that were wanted, in groups without a selected face
 
   private:
@@ -89,6 +102,7 @@ class Writer {
     [[nodiscard]] std::span<const FaceCorner> cornersOf(int face) const {
         return {mesh.faces[face].q, static_cast<std::size_t>(mesh.faces[face].n)};
     }
+    [[nodiscard]] bool fits() const { return out.size() <= (ordinary ? maxLength : maxOutput); }
     [[nodiscard]] std::size_t triangleCount(std::span<const int> faces) const;
 
     void writeMaterials();
@@ -98,17 +112,25 @@ class Writer {
     std::string refuse(std::span<const int> faces) const;
     void listPoints(std::span<const int> faces);
     void addPointsOf(std::span<const int> faces, bool selected);
+    void listVertices(std::span<const int> faces);
+    [[nodiscard]] std::uint64_t keyOf(const FaceCorner& corner) const;
+    [[nodiscard]] std::uint16_t numberOf(const FaceCorner& corner) const;
     void writePoints();
+    void writeTexture();
     void writeTriangles(std::span<const int> faces);
     void writeMaterialGroups();
 
     const Mesh& mesh;
     bool onlySelected;
     bool everything;       ///< also the groups without a selected face
+    bool ordinary;         ///< the file is for other programs
     LoopProgress progress; ///< each face is looked at four times
     // Of the group that is being written.
     std::vector<int> points; ///< indices into mesh.points, in the order of their new numbers
     std::vector<std::vector<std::uint16_t>> uses; ///< for each material, the triangles that have it
+    // The same with texture coordinates, in the order in which they are met.
+    std::vector<int> texcoords;
+    std::unordered_map<std::uint64_t, std::uint16_t> numberOfKey;
     // Of each point of the mesh.
     std::vector<int> listedFor; ///< the last group that listed it
     std::vector<std::uint16_t> number;
@@ -148,6 +170,11 @@ void Writer::writeMaterials() {
 
 void Writer::writeColor(std::uint32_t color) {
     const Chunk diffuse(out, 0xA020);
+    if (ordinary) {
+        const Chunk value(out, 0x0011);
+        for (const unsigned shift : {16U, 8U, 0U}) out.value(color >> shift, 1);
+        return;
+    }
     for (const unsigned id : {0x0011U, 0x0012U}) {
         const Chunk value(out, id);
         out.value(color, 3);
@@ -161,10 +188,11 @@ std::string Writer::writeGroups() {
     FaceList faces;
     for (int i = 0; i < mesh.nf; ++i) {
         progress.step();
-        if (isSelected(i) || !onlySelected) faces.push_back(i);
+        const bool has = isLive(mesh.faces[i]) && mesh.faces[i].n >= 3;
+        if (has && (isSelected(i) || !onlySelected)) faces.push_back(i);
     }
     faces = sortedBy(faces, mesh.ng, [&](int face) { return mesh.faces[face].g; });
-    for (auto first = faces.begin(); first != faces.end() && !out.tooLong();) {
+    for (auto first = faces.begin(); first != faces.end() && fits();) {
         const int group = mesh.faces[*first].g;
         const auto last =
             std::find_if(first, faces.end(), [&](int face) { return mesh.faces[face].g != group; });
@@ -172,7 +200,8 @@ std::string Writer::writeGroups() {
         if (!fault.empty()) return fault;
         first = last;
     }
-    return out.tooLong() ? "a 3DS file can hold at most 16 MiB" : "";
+    if (fits()) return "";
+    return ordinary ? "a 3DS file can hold at most 4 GB" : "a 3DS file can hold at most 16 MiB";
 }
 
 std::string Writer::writeGroup(std::span<const int> faces) {
@@ -180,15 +209,21 @@ std::string Writer::writeGroup(std::span<const int> faces) {
         leftOut += static_cast<int>(faces.size());
         return "";
     }
-    listPoints(faces);
+    ordinary ? listVertices(faces) : listPoints(faces);
+    const bool large = points.size() > maxCount || triangleCount(faces) > maxCount;
+    if (ordinary && large && faces.size() > 1) {
+        std::string fault = writeGroup(faces.first(faces.size() / 2));
+        return fault.empty() ? writeGroup(faces.subspan(faces.size() / 2)) : fault;
+    }
     std::string fault = refuse(faces);
     if (!fault.empty()) return fault;
     const Chunk object(out, 0x4000);
     out.name(mesh.groups[mesh.faces[faces.front()].g].name);
     const Chunk triangles(out, 0x4100);
     writePoints();
+    writeTexture();
     writeTriangles(faces);
-    writeMaterialGroups();
+    if (!ordinary) writeMaterialGroups();
     return "";
 }
 
@@ -238,34 +273,75 @@ void Writer::addPointsOf(std::span<const int> faces, bool selected) {
     std::sort(points.begin() + before, points.end());
 }
 
+std::uint64_t Writer::keyOf(const FaceCorner& corner) const {
+    const int texcoord = corner.t == nullptr ? -1 : indexIn(mesh.texcoords, corner.t);
+    const auto point = static_cast<std::uint32_t>(indexIn(mesh.points, corner.p));
+    return std::uint64_t{point} << 32 | static_cast<std::uint32_t>(texcoord);
+}
+
+/// A vertex of such a file has one texture coordinate: points are there once for each of theirs.
+void Writer::listVertices(std::span<const int> faces) {
+    points.clear();
+    texcoords.clear();
+    numberOfKey.clear();
+    for (const int face : faces) {
+        progress.step();
+        for (const FaceCorner& corner : cornersOf(face)) {
+            const std::uint64_t key = keyOf(corner);
+            const auto next = static_cast<std::uint16_t>(points.size());
+            if (!numberOfKey.try_emplace(key, next).second) continue;
+            points.push_back(indexIn(mesh.points, corner.p));
+            texcoords.push_back(static_cast<std::int32_t>(key));
+        }
+    }
+}
+
+std::uint16_t Writer::numberOf(const FaceCorner& corner) const {
+    if (ordinary) return numberOfKey.at(keyOf(corner));
+    return number[static_cast<std::size_t>(indexIn(mesh.points, corner.p))];
+}
+
 void Writer::writePoints() {
     const Chunk list(out, 0x4110);
     out.word(points.size());
     for (const int i : points) {
         const Point& point = mesh.points[i];
-        for (const double value : {point.x, point.y, point.z}) out.real(value);
+        for (const double value : {point.x, point.y, point.z}) {
+            out.real(value);
+            losses.rounded += static_cast<double>(static_cast<float>(value)) != value;
+        }
+    }
+}
+
+void Writer::writeTexture() {
+    const auto isThere = [](int texcoord) { return texcoord >= 0; };
+    if (!ordinary || std::none_of(texcoords.begin(), texcoords.end(), isThere)) return;
+    const Chunk list(out, 0x4140);
+    out.word(texcoords.size());
+    for (const int i : texcoords) {
+        out.real(i < 0 ? 0 : mesh.texcoords[i].u);
+        out.real(i < 0 ? 0 : mesh.texcoords[i].v);
     }
 }
 
 /// Each face is a fan around its first corner.
 void Writer::writeTriangles(std::span<const int> faces) {
     for (auto& triangles : uses) triangles.clear();
-    const auto writeNumber = [&](const FaceCorner& corner) {
-        out.word(number[static_cast<std::size_t>(indexIn(mesh.points, corner.p))]);
-    };
     const Chunk list(out, 0x4120);
     out.word(triangleCount(faces));
     std::uint16_t triangle = 0;
     for (const int face : faces) {
         progress.step();
         const auto corners = cornersOf(face);
+        losses.cut += corners.size() > 3;
         auto& triangles = uses[static_cast<std::size_t>(mesh.faces[face].mat)];
         for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
-            for (const std::size_t k : {std::size_t{0}, i, i + 1}) writeNumber(corners[k]);
+            for (const std::size_t k : {std::size_t{0}, i, i + 1}) out.word(numberOf(corners[k]));
             out.word(allEdgesVisible);
             triangles.push_back(triangle++);
         }
     }
+    if (ordinary) writeMaterialGroups(); // where others look for them
 }
 
 void Writer::writeMaterialGroups() {
@@ -274,6 +350,21 @@ void Writer::writeMaterialGroups() {
         out.name(mesh.materials[i].name);
         out.word(uses[i].size());
         for (const std::uint16_t triangle : uses[i]) out.word(triangle);
+    }
+}
+
+void noteLosses(const Mesh& mesh, const Losses& losses, bool ordinary) {
+    const struct {
+        std::int64_t count;
+        const char* pattern;
+    } rows[] = {
+        {losses.rounded, "{number} {has} more digits than a 3DS file keeps"},
+        {losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles"},
+        {ordinary ? 0 : mesh.nt, "{texture coordinate} {was} left out: export keeps them"},
+        {mesh.nd, "{normal} {was} left out: a 3DS file has none"},
+    };
+    for (const auto& [count, pattern] : rows) {
+        if (count > 0) note(sentence(count, pattern));
     }
 }
 
@@ -290,7 +381,7 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     forgetCurrentEdge();
     stale.edges = true;
     const bool onlySelected = askOnlySelected(mesh, true, wanted);
-    Writer writer(mesh, onlySelected, wanted == Wanted::all);
+    Writer writer(mesh, onlySelected, wanted == Wanted::all, false);
     const std::string fault = writer.write();
     if (!fault.empty()) return fail(fault, path);
     SaveFile file;
@@ -299,6 +390,7 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     if (!file.commit()) return fail("can't open file", path);
     workbench.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
     noteSaved(path, countFaces(mesh, onlySelected) - writer.leftOut);
+    noteLosses(mesh, writer.losses, false);
     if (writer.leftOut > 0) {
         fail(std::to_string(writer.leftOut)
                  + " faces were not written: their groups have no selected face",
@@ -307,6 +399,15 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     return 1;
 } catch (const std::bad_alloc&) {
     return fail("I can't get enough memory", path);
+}
+
+std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected) {
+    Writer writer(mesh, onlySelected, !onlySelected, true);
+    std::string fault = writer.write();
+    if (!fault.empty()) return fault;
+    file.append(writer.out.text());
+    noteLosses(mesh, writer.losses, true);
+    return fault;
 }
 
 } // namespace polyfab

@@ -8,6 +8,7 @@
 
 namespace polyfab {
 
+class SaveFile;
 struct Mesh;
 
 /// Collects the garbage of the mesh and writes it to `path`: the materials, then an object for each
@@ -19,7 +20,12 @@ struct Mesh;
 /// were wanted, but are in a group without a selected one, are counted in a message. 0 after a
 /// message when the mesh is faulty, the file cannot be created or written, or the mesh is more than
 /// a file can hold: 65,535 points or triangles in a group, a coordinate beyond the range of a
-/// float, 16 MiB in all. An old file is then as it was.
+/// float, 16 MiB in all. An old file is then as it was. Notes count what the file does not keep.
 [[nodiscard]] int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted = Wanted::asked);
+
+/// Appends the live faces, or the selected ones, as all programs read them: colours with red first,
+/// also texture coordinates, large groups as several objects of one name, and files of any size.
+/// Returns "" or what the file can't hold; notes count what is lost all the same.
+[[nodiscard]] std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected);
 
 } // namespace polyfab

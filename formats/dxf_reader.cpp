@@ -216,10 +216,10 @@ struct Counts {
     }
 
     void tellLeftOut(std::int64_t read, bool noFace) const {
-        leftOut.add("comment", comments);
+        if (comments > 0) leftOut.hold(counted(comments, "comment"));
         for (std::size_t i = 0; i < std::size(drawn); ++i) {
             const std::int64_t left = i == 0 ? of[i] - read : of[i];
-            if (left > 0) leftOut.name(counted(left) + " " + std::string(drawn[i]));
+            if (left > 0) leftOut.miss(counted(left) + " " + std::string(drawn[i]));
         }
         leftOut.elsewhere =
             noFace && std::any_of(of, of + makeFaces, [](std::int64_t count) { return count > 0; });
@@ -271,7 +271,7 @@ int readDxfFile(Mesh& mesh, const std::string& path, bool append) {
     const bool fine = std::any_of(mesh.points, mesh.points + mesh.np, [](const Point& point) {
         return isFine(point.x) || isFine(point.y) || isFine(point.z);
     });
-    if (fine) leftOut.name("decimals behind the third");
+    if (fine) leftOut.hold("decimals behind the third");
     stale.edges = true;
     platform().setTitle(title);
     mesh.highlightPoint(-1);

@@ -3,6 +3,7 @@
 
 #include "display/box.h"
 #include "display/view.h"
+#include "formats/left_out.h"
 #include "io/read_file.h"
 #include "mesh/check.h"
 #include "mesh/faces.h"
@@ -49,6 +50,12 @@ void ReadNote::tell(const std::string& path, bool added) const {
     note((added ? "added " : "read ") + nameOf(path) + ": "
          + counted(mesh.np - (added ? points : 0), "point") + ", "
          + counted(countFaces(mesh, false) - (added ? faces : 0), "face") + time);
+    tellLeftOut();
+}
+
+void tellLeftOut() {
+    if (!leftOut.missing.empty()) note("left out: " + leftOut.missing);
+    for (const std::string& change : leftOut.changed) note(change);
 }
 
 void noteSaved(const std::string& path, std::int64_t faces) {

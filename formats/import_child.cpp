@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_child.h"
 
+#include "formats/3ds_scene.h"
 #include "formats/assimp_library.h"
 #include "formats/child_locks.h"
 #include "formats/dxf_scene.h"
@@ -14,6 +15,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <new>
 #include <strings.h>
 #include <sys/mman.h>
@@ -91,10 +93,20 @@ std::string faultOf(const std::string& path) {
     return "";
 }
 
-/// What the library reads of these files is less than they have.
-bool isDxf(const std::string& path) {
+/// What the library reads of these files is less than they have, or turned.
+struct OwnReader {
+    const char* suffix;
+    StreamTables (*import)(const std::string& path);
+};
+constexpr OwnReader ownReaders[] = {{".dxf", importDxf}, {".3ds", import3ds}};
+
+const OwnReader* ownReader(const std::string& path) {
     const std::string suffix = std::filesystem::path(path).extension();
-    return suffix.size() == 4 && ::strcasecmp(suffix.c_str(), ".dxf") == 0;
+    const auto* const row =
+        std::find_if(std::begin(ownReaders), std::end(ownReaders), [&](const auto& reader) {
+            return ::strcasecmp(suffix.c_str(), reader.suffix) == 0;
+        });
+    return row == std::end(ownReaders) ? nullptr : row;
 }
 
 /// Without the library for files that are read by ourselves.
@@ -103,7 +115,8 @@ StreamTables import(const AssimpLibrary* assimp, const std::string& path) {
     lockIn({{folder.empty() ? "." : folder, path}, ""});
     const std::string fault = faultOf(path);
     if (!fault.empty()) return failure(fault);
-    return assimp == nullptr ? importDxf(path) : importScene(*assimp, path, allowMemoryFor);
+    const OwnReader* const own = ownReader(path);
+    return own != nullptr ? own->import(path) : importScene(*assimp, path, allowMemoryFor);
 }
 
 std::string exportTo(const AssimpLibrary& assimp, const std::string& path) {
@@ -117,7 +130,7 @@ StreamTables carryOut(const std::vector<std::string>& args) try {
     if (args.size() != 2) return failure("it was started wrongly");
     const bool imports = args[0] == "import";
     prepareProcess(imports);
-    const bool byLibrary = !imports || !isDxf(args[1]);
+    const bool byLibrary = !imports || ownReader(args[1]) == nullptr;
     const AssimpLibrary* const assimp = byLibrary ? openAssimp() : nullptr;
     if (byLibrary && assimp == nullptr) return failure(noLibrary);
     if (!imports) return failure(exportTo(*assimp, args[1]));

@@ -5,8 +5,11 @@
 #include "formats/import_offer.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
+#include "formats/left_out.h"
 #include "formats/material_library.h"
+#include "formats/mesh_formats.h"
 #include "formats/only_selected.h"
+#include "formats/own_exchange.h"
 #include "formats/save_exported.h"
 #include "formats/stream_looks.h"
 #include "formats/stream_mesh.h"
@@ -49,16 +52,16 @@ void tellNotes(const StreamView& view) {
     }
 }
 
-/// Gives the materials from `firstNew` on their looks, those of OBJ files from their libraries.
-std::string looksOf(Mesh& mesh, const StreamView& view, const std::string& path, int firstNew) {
-    if (!hasSuffixOf("*.OBJ", path)) return takeLooks(mesh, view, path, firstNew);
-    return readMaterialLibraries(mesh, path, librariesNamedIn(path), firstNew);
-}
-
 /// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
 /// it grew. `looks` becomes a note on the looks of its materials.
 std::string importFile(Mesh& mesh, const std::string& path, bool append, std::string& looks) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
+    const int materials = append ? mesh.nmat : 0;
+    if (importsItself(path)) {
+        std::string reason = importOwn(mesh, path, append);
+        if (reason.empty()) looks = readMaterialLibraries(mesh, path, namedLibraries, materials);
+        return reason;
+    }
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"import", path}, -1, bytes);
     tellTooLateToStop();
@@ -67,9 +70,8 @@ std::string importFile(Mesh& mesh, const std::string& path, bool append, std::st
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
     tellNotes(view);
     if (!view.failure.empty()) return std::string(view.failure);
-    const int materials = append ? mesh.nmat : 0;
     reason = takeStream(mesh, view, append);
-    if (reason.empty()) looks = looksOf(mesh, view, path, materials);
+    if (reason.empty()) looks = takeLooks(mesh, view, path, materials);
     return reason;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
@@ -134,17 +136,14 @@ int streamFile(const StreamTables& tables) {
 
 constexpr const char* noRoom = "there is no room for temporary files";
 
-/// Returns "" or why the old file is as it was.
-std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
-                       SaveFile& file) try {
-    const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
-    const ScratchFolder folder;
-    if (folder.path.empty()) return noRoom;
+/// Has the child write the file, in a folder of its own, that is to be at `target`. Returns "" or
+/// why it did not.
+std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::path& target,
+                          bool onlySelected) {
     StreamTables tables = tablesOf(mesh, onlySelected);
-    giveLooks(mesh, tables, path, folder.path);
+    giveLooks(mesh, tables, target, written.parent_path());
     const int input = streamFile(tables);
     if (input < 0) return noRoom;
-    const fs::path written = folder.path / fs::path(path).filename();
     std::vector<char> bytes;
     std::string reason = runExchangeProcess({"export", written}, input, bytes);
     tellTooLateToStop();
@@ -152,8 +151,20 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     if (!reason.empty()) return reason;
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the exporter makes no sense";
-    if (!view.failure.empty()) return std::string(view.failure);
-    return saveExported(folder.path, path, file);
+    return std::string(view.failure);
+}
+
+/// Returns "" or why the old file is as it was.
+std::string exportFile(const Mesh& mesh, const std::string& chosen, const fs::path& path,
+                       bool onlySelected, SaveFile& file) try {
+    const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
+    const ScratchFolder folder;
+    if (folder.path.empty()) return noRoom;
+    const std::string reason =
+        exportsItself(chosen)
+            ? exportOwn(mesh, chosen, folder.path, onlySelected)
+            : exportByChild(mesh, folder.path / path.filename(), path, onlySelected);
+    return reason.empty() ? saveExported(folder.path, path, file) : reason;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
@@ -174,6 +185,8 @@ void importOtherMesh() {
 void importNamedMesh(const std::string& path, bool append) {
     Mesh& mesh = *OB;
     if (!meshIsSound(mesh, "mesh fault before reading")) return;
+    leftOut = {};
+    namedLibraries.clear();
     const ReadNote readNote(mesh);
     std::string looks;
     const std::string reason = importFile(mesh, path, append, looks);
@@ -191,23 +204,26 @@ void importNamedMesh(const std::string& path, bool append) {
 }
 
 void exportOtherMesh() {
-    const auto path =
+    const auto chosen =
         platform().fileDialog({true,
                                "file to export mesh to?",
                                {{"common mesh files", commonFormats}, {"all files", "*"}},
                                workbench.lastChosen,
-                               {},
+                               objFileOf,
                                workbench.fileName});
     const Mesh& mesh = *OB;
-    if (!path || !meshIsSound(mesh, "mesh fault before writing")) return;
+    if (!chosen || !meshIsSound(mesh, "mesh fault before writing")) return;
     constexpr const char* failed = "I tried to write to this file but it didn't work";
+    const std::string path = objFileOf(*chosen);
     SaveFile file;
-    if (!file.open(*path)) return explain(failed, *path, "can't open file");
+    if (!file.open(path)) return explain(failed, path, "can't open file");
     const bool onlySelected = askOnlySelected(mesh, false);
-    const std::string reason = exportFile(mesh, *path, onlySelected, file);
-    if (!reason.empty()) return explain(failed, *path, reason);
-    noteSaved(*path, countFaces(mesh, onlySelected));
-    if (hasSuffixOf(commonFormats, *path)) noteRecentFile(*path, true);
+    const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file);
+    if (!reason.empty()) return explain(failed, path, reason);
+    noteSaved(path, countFaces(mesh, onlySelected));
+    const bool hasLibrary = endsIn(path, ".obj") && libraryHasLooks(mesh, path);
+    if (hasLibrary) writeMaterialLibrary(mesh, path);
+    if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 
 } // namespace polyfab

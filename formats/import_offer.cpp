@@ -15,7 +15,7 @@ namespace {
 
 /// What the import library reads besides the common ones and holds surfaces.
 constexpr const char* otherFormats =
-    "*.AC;*.AMF;*.ASE;*.B3D;*.BLEND;*.COB;*.DXF;*.IFC;*.IQM;*.LWO;*.LWS;*.LXO;*.MD2;*.MD3;"
+    "*.AC;*.AMF;*.ASE;*.B3D;*.BLEND;*.COB;*.IFC;*.IQM;*.LWO;*.LWS;*.LXO;*.MD2;*.MD3;"
     "*.MD5MESH;*.MS3D;*.NFF;*.OFF;*.OGEX;*.PMX;*.SMD;*.X3DB;*.XGL;*.ZGL";
 
 std::string importable() { return std::string(commonFormats) + ";" + otherFormats; }

@@ -12,7 +12,7 @@ namespace polyfab {
 
 /// The formats of other programs that are met most.
 inline constexpr const char* commonFormats =
-    "*.STL;*.PLY;*.GLTF;*.GLB;*.DAE;*.FBX;*.OBJ;*.3DS;*.X;*.X3D;*.3MF";
+    "*.STL;*.PLY;*.GLTF;*.GLB;*.DAE;*.DXF;*.FBX;*.OBJ;*.3DS;*.X;*.X3D;*.3MF";
 
 /// Whether the pattern has the suffix of the file, in capitals or not.
 [[nodiscard]] bool hasSuffixOf(const std::string& pattern, const std::string& path);

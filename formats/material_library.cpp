@@ -139,14 +139,15 @@ void addNumbers(std::string& text, const char* keyword, std::initializer_list<do
     text += "\n";
 }
 
-/// What there is to say of a material in a library of that folder.
-std::string sectionOf(const Material& material, const MaterialLook* look, const fs::path& folder) {
+/// What there is to say of a material whose picture has this name from where the library lies.
+std::string sectionOf(const Material& material, const MaterialLook* look,
+                      const std::string& picture) {
     std::string text = std::string("\nnewmtl ") + material.name + "\n";
     const auto channel = [&](int shift) { return (material.color >> shift & 0xFF) / 255.0; };
     addNumbers(text, "Kd", {channel(16), channel(8), channel(0)});
     if (look == nullptr) return text;
     if (look->opacity != 1) addNumbers(text, "d", {look->opacity});
-    if (look->picture == nullptr || !look->picture->bytes().empty()) return text;
+    if (picture.empty()) return text;
     text += "map_Kd";
     const PicturePlacing& placing = look->placing;
     if (placing.uScale != 1 || placing.vScale != 1) {
@@ -157,7 +158,23 @@ std::string sectionOf(const Material& material, const MaterialLook* look, const 
         addNumbers(text, " -o", {placing.uOffset, placing.vOffset, 0});
         text.pop_back();
     }
-    return text + " " + pathFrom(folder, look->picture->path()) + "\n";
+    return text + " " + picture + "\n";
+}
+
+/// Null: it has none.
+const MaterialLook* lookOf(std::string_view name) {
+    const auto& looks = materialLooks();
+    if (looks == nullptr) return nullptr;
+    const auto look = looks->byName.find(name);
+    return look != looks->byName.end() ? &look->second : nullptr;
+}
+
+/// The libraries of this name that were read with the mesh.
+Libraries librariesRead(const std::string& line) {
+    Libraries libraries;
+    if (materialLooks() != nullptr) libraries = materialLooks()->libraries;
+    std::erase_if(libraries, [&](const auto& library) { return library->line != line; });
+    return libraries;
 }
 
 /// The materials of the mesh that none of these libraries has.
@@ -169,9 +186,10 @@ std::string missingSections(const Mesh& mesh, const Libraries& libraries, const 
     std::string text;
     for (const Material* m = mesh.materials; m != mesh.materials + mesh.nmat; ++m) {
         if (!known.insert(m->name).second) continue;
-        const auto look = materialLooks()->byName.find(std::string_view(m->name));
-        const bool has = look != materialLooks()->byName.end();
-        text += sectionOf(*m, has ? &look->second : nullptr, folder);
+        const MaterialLook* const look = lookOf(m->name);
+        const bool inFile =
+            look != nullptr && look->picture != nullptr && look->picture->bytes().empty();
+        text += sectionOf(*m, look, inFile ? pathFrom(folder, look->picture->path()) : "");
     }
     return text;
 }
@@ -205,20 +223,13 @@ void noteLibrary(const std::string& line) {
     }
 }
 
-std::vector<std::string> librariesNamedIn(const std::string& path) {
-    std::vector<std::string> lines;
-    PieceReader file(path);
-    ObjLine line;
-    std::string_view text;
-    for (std::size_t kept = 0; file.isOpen() && file.next(kept, text); kept = text.size()) {
-        for (std::size_t used = line.take(text); used > 0; used = line.take(text)) {
-            if (!line.empty() && sameKeyword(line.keyword(), "mtllib") && line.arguments() > 0) {
-                lines.push_back(line.rest(1));
-            }
-            text.remove_prefix(used);
-        }
+std::vector<std::string> missingLibraries(const std::string& path,
+                                          const std::vector<std::string>& lines) {
+    std::vector<std::string> missing;
+    for (const std::string& line : lines) {
+        if (librariesOf(path, {line}).empty()) missing.emplace_back(trimTrailingBlanks(line));
     }
-    return lines;
+    return missing;
 }
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
@@ -244,8 +255,7 @@ std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
 void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
     const std::string line(trimTrailingBlanks(mesh.mtllib));
     if (line.empty() || materialLooks() == nullptr) return;
-    Libraries libraries = materialLooks()->libraries;
-    std::erase_if(libraries, [&](const auto& library) { return library->line != line; });
+    const Libraries libraries = librariesRead(line);
     const fs::path folder = folderOf(path);
     FileFinder finder({folder});
     std::string added = missingSections(mesh, libraries, folder);
@@ -256,6 +266,39 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
     }
 } catch (const std::bad_alloc&) {
     note("there is not enough memory to write the materials");
+}
+
+bool libraryHasLooks(const Mesh& mesh, const std::string& path) {
+    const std::string line(trimTrailingBlanks(mesh.mtllib));
+    Libraries libraries;
+    if (!line.empty()) libraries = librariesOf(path, {line});
+    const bool completed = libraries.empty(); // with the materials that it lacks
+    if (completed && !line.empty()) libraries = librariesRead(line);
+    std::map<std::string, std::uint32_t, std::less<>> colors;
+    for (const auto& library : libraries) {
+        for (const LibraryMaterial& m : readLibraryText(library->text)) {
+            colors.try_emplace(m.name, m.color.value_or(defaultColor));
+        }
+    }
+    return std::all_of(mesh.materials, mesh.materials + mesh.nmat, [&](const Material& material) {
+        const MaterialLook* const look = lookOf(material.name);
+        if (completed && look != nullptr && look->picture != nullptr) return false;
+        if (material.color == defaultColor) return true;
+        const auto known = colors.find(std::string_view(material.name));
+        if (known == colors.end()) return completed && !libraries.empty();
+        return known->second == (material.color & 0xFFFFFF);
+    });
+}
+
+std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures) {
+    std::set<std::string, std::less<>> known;
+    std::string text;
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        const Material& material = mesh.materials[i];
+        if (!known.insert(material.name).second) continue;
+        text += sectionOf(material, lookOf(material.name), pictures[i]);
+    }
+    return text;
 }
 
 } // namespace polyfab

@@ -16,8 +16,9 @@ inline std::vector<std::string> namedLibraries;
 /// Adds one, unless it is there or there are far too many.
 void noteLibrary(const std::string& line);
 
-/// The same of an OBJ file that somebody else reads.
-[[nodiscard]] std::vector<std::string> librariesNamedIn(const std::string& path);
+/// Those that name no library that could be read for the OBJ file.
+[[nodiscard]] std::vector<std::string> missingLibraries(const std::string& path,
+                                                        const std::vector<std::string>& lines);
 
 /// Reads the libraries that an OBJ file names into the looks of the mesh, for its materials from
 /// `firstNew` on: they also get the libraries' colours. With `firstNew` 0 there are no other looks.
@@ -30,5 +31,13 @@ void noteLibrary(const std::string& line);
 /// or none was read: as it was, but with the pictures' paths as they are from there, and with
 /// the materials that it does not have. A note tells.
 void writeMaterialLibrary(const Mesh& mesh, const std::string& path);
+
+/// Whether the library that the mesh names gives all materials their looks in an OBJ file there:
+/// the one that is there, or else the one that writeMaterialLibrary would write, unless pictures
+/// would have to come along. Without a name only when no material has a look.
+[[nodiscard]] bool libraryHasLooks(const Mesh& mesh, const std::string& path);
+
+/// What a new library says of all materials of the mesh, whose pictures have these names.
+[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures);
 
 } // namespace polyfab

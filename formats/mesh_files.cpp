@@ -4,6 +4,7 @@
 
 #include "display/material_looks.h"
 #include "display/options.h"
+#include "formats/before_append.h"
 #include "formats/file_command.h"
 #include "formats/import_mesh.h"
 #include "formats/import_offer.h"
@@ -18,9 +19,6 @@
 #include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
-
-#include <cstddef>
-#include <iterator>
 
 namespace polyfab {
 namespace {
@@ -63,8 +61,11 @@ Outcome dispatchRead(Mesh& mesh, Source& source, Busy& busy) {
 /// Whether import shall make more of the file than was made of it.
 bool wantsImport(const Source& source, Outcome outcome) {
     const std::string& path = source.path;
-    if (leftOut.lines > 0 && outcome == Outcome::read) {
-        return !isBinary(path) && offerImport(path, "I left out " + counted(leftOut.lines, "line"));
+    if (leftOut.badLine) return !isBinary(path) && offerImport(path, "");
+    if (!leftOut.lines.empty() && outcome == Outcome::read) {
+        std::string why;
+        for (const std::string& line : leftOut.lines) why += (why.empty() ? "" : "; ") + line;
+        return !isBinary(path) && offerImport(path, why);
     }
     const bool ordinary3ds =
         outcome == Outcome::failed && source.format == &threeDsFormat && isOrdinary3ds(path);
@@ -76,27 +77,6 @@ void emptyMesh(Mesh& mesh) {
     mesh.np = mesh.nq = mesh.nf = 0;
     mesh.settleLostArrays();
 }
-
-/// Takes what was appended since it was made off the mesh again.
-class BeforeAppend {
-  public:
-    explicit BeforeAppend(const Mesh& mesh)
-        : counts{mesh.np, mesh.nq, mesh.nf, mesh.nt, mesh.nd, mesh.ng, mesh.nmat},
-          group(mesh.curgroup), material(mesh.curmat) {}
-
-    void restore(Mesh& mesh) const {
-        int* const fields[] = {&mesh.np, &mesh.nq, &mesh.nf,  &mesh.nt,
-                               &mesh.nd, &mesh.ng, &mesh.nmat};
-        for (std::size_t i = 0; i < std::size(fields); ++i) *fields[i] = counts[i];
-        mesh.curgroup = group;
-        mesh.curmat = material;
-        mesh.settleLostArrays();
-    }
-
-  private:
-    int counts[7];
-    std::int16_t group, material;
-};
 
 void tidyAll(Mesh& mesh) {
     // A split appends a face, which is tidied in its turn.
@@ -111,7 +91,7 @@ void tidyAll(Mesh& mesh) {
 /// reader has it or because it says otherwise, saving does not go there.
 void noteRead(const Mesh& mesh, const Source& source) {
     workbench.meshRead = true;
-    if (leftOut.lines > 0 || leftOut.elsewhere || mesh.np == 0) return;
+    if (!leftOut.lines.empty() || leftOut.elsewhere || mesh.np == 0) return;
     workbench.home = {source.path, std::string(source.format->suffix), leftOut.held};
 }
 

@@ -18,7 +18,7 @@ namespace {
 
 Written outcomeOf(int written) { return written != 0 ? Written::yes : Written::no; }
 
-/// `digits` is objPlain or objExact.
+/// `digits` is objPlain or objLossless.
 template <unsigned digits>
 Written writeObjVariant(Mesh& mesh, const std::string& chosen) {
     const std::string path = objFileOf(chosen);
@@ -69,9 +69,9 @@ constexpr Format objFormat = {.suffix = ".obj",
                               .pattern = "*.OBJ",
                               .read = readObjFile,
                               .write = writeObjVariant<objPlain>,
-                              .saveAs = writeObjVariant<objExact>,
+                              .saveAs = writeObjVariant<objLossless>,
                               .save = [](Mesh& mesh, const std::string& path) {
-                                  return writeObjFile(mesh, path, objExact, Wanted::all);
+                                  return writeObjFile(mesh, path, objLossless, Wanted::all);
                               }};
 
 const Format* formatOf(std::string_view path) {

@@ -127,19 +127,28 @@ std::size_t countObjLines(std::string_view text, ObjCounts& counts) {
 std::size_t ObjLine::take(std::string_view from) {
     const std::string_view most = from.substr(0, maxObjLine);
     const auto end = std::find_if(most.begin(), most.end(), isLineEnd);
-    length = static_cast<std::size_t>(end - most.begin());
+    const auto length = static_cast<std::size_t>(end - most.begin());
     if (end == most.end() && length < maxObjLine) return 0;
-    count = 0;
-    bool inWord = false;
-    for (std::size_t i = 0; i < length; ++i) {
-        const bool blank = isBlank(most[i]);
-        if (!blank && !inWord)
-            starts[static_cast<std::size_t>(count++)] = static_cast<std::uint16_t>(i);
-        inWord = !blank;
-        text[i] = blank ? '\0' : most[i];
-    }
-    text[length] = '\0';
+    set(most.substr(0, length));
     return length + (length < maxObjLine);
+}
+
+void ObjLine::set(std::string_view line) {
+    text = line;
+    starts.clear();
+    bool inWord = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool blank = isBlank(text[i]);
+        if (!blank && !inWord) starts.push_back(i);
+        inWord = !blank;
+        if (blank) text[i] = '\0';
+    }
+}
+
+void ObjLine::dropComment() {
+    const auto begins = [&](std::size_t start) { return text[start] == '#'; };
+    if (starts.empty()) return;
+    starts.erase(std::find_if(starts.begin() + 1, starts.end(), begins), starts.end());
 }
 
 std::string_view ObjLine::word(int k) const { return &text[starts[static_cast<std::size_t>(k)]]; }
@@ -149,7 +158,7 @@ std::string ObjLine::rest(int k) const { return from(starts[static_cast<std::siz
 std::string ObjLine::whole() const { return from(0); }
 
 std::string ObjLine::from(std::size_t start) const {
-    std::string result(&text[start], length - start);
+    std::string result = text.substr(start);
     std::replace(result.begin(), result.end(), '\0', ' ');
     return result;
 }

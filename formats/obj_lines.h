@@ -6,11 +6,11 @@
 // end is no line. All characters up to the blank part words; a word may hold any other.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace polyfab {
 
@@ -45,11 +45,15 @@ class ObjLine {
     /// Takes the line at the start of `text` and returns how many characters that used up, its end
     /// included; 0 when the text holds no complete line.
     [[nodiscard]] std::size_t take(std::string_view text);
+    /// Takes all of it as one line, however long.
+    void set(std::string_view line);
+    /// Forgets the words from the first behind the keyword on that begins with "#".
+    void dropComment();
 
     /// A line without any word.
-    [[nodiscard]] bool empty() const { return count == 0; }
+    [[nodiscard]] bool empty() const { return starts.empty(); }
     /// The words behind the keyword.
-    [[nodiscard]] int arguments() const { return count - 1; }
+    [[nodiscard]] int arguments() const { return static_cast<int>(starts.size()) - 1; }
     [[nodiscard]] std::string_view keyword() const { return word(0); }
     /// Word k, followed by a NUL; word 0 is the keyword.
     [[nodiscard]] std::string_view word(int k) const;
@@ -61,10 +65,8 @@ class ObjLine {
   private:
     [[nodiscard]] std::string from(std::size_t start) const;
 
-    std::array<char, maxObjLine + 1> text; ///< blanks are NUL
-    std::size_t length = 0;
-    std::array<std::uint16_t, (maxObjLine + 1) / 2> starts; ///< of the words
-    int count = 0;
+    std::string text;                ///< blanks are NUL
+    std::vector<std::size_t> starts; ///< of the words
 };
 
 } // namespace polyfab

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Two passes over the file: one counts, so that the arrays are made once and in their size, one
-// reads. The reading pass knows each line in two ways. The Plain... functions parse the lines that
-// make up nearly all of a file (v, vt, vn and f, nothing odd about them) where they stand in the
-// buffer; they change the mesh only when the whole line is good, and decline otherwise. The Reader
-// then cuts the line into words and applies the rules in full. Both do the same to the mesh.
+// reads. The reading pass knows each line in two ways: plainLine parses the lines that make up
+// nearly all of a file where they stand in the buffer, or declines. The Reader then cuts the line
+// into words and applies the rules in full. Both do the same to the mesh.
 #include "formats/obj_reader.h"
 
 #include "formats/file_command.h"
 #include "formats/left_out.h"
 #include "formats/material_library.h"
+#include "formats/obj_elements.h"
 #include "formats/obj_writer.h"
 #include "io/parse_number.h"
 #include "io/read_file.h"
@@ -19,165 +19,14 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <new>
 #include <optional>
+#include <set>
+#include <utility>
+#include <vector>
 
 namespace polyfab {
 namespace {
-
-constexpr double maxTexCoord = 100000.0;
-
-/// The numbers of a face corner: of its point, texture coordinate and normal; 0 is none.
-struct CornerNumbers {
-    std::int64_t point = 0;
-    std::int64_t texcoord = 0;
-    std::int64_t normal = 0;
-};
-
-/// Elements that were there before the section of the file that numbers count from.
-using Bases = CornerNumbers;
-
-Bases currentCounts(const Mesh& mesh) { return {mesh.np, mesh.nt, mesh.nd}; }
-
-/// A number of the file as a 1-based number of the mesh: negative ones count back from the last.
-std::int64_t absolute(std::int64_t number, std::int64_t base, std::int64_t count) {
-    return number < 0 ? number + count + 1 : number + base;
-}
-
-/// Sets the references of a corner. Null, or the reason why there is no such corner, which is then
-/// unchanged.
-const char* setCorner(const Mesh& mesh, FaceCorner& corner, const CornerNumbers& numbers,
-                      const Bases& bases) {
-    const std::int64_t point = absolute(numbers.point, bases.point, mesh.np);
-    if (point < 1 || point > mesh.np) return "no such vertex";
-    // An absent number (0) also gets the base, here and below: with a base it names an element.
-    std::int64_t texcoord = absolute(numbers.texcoord, bases.texcoord, mesh.nt);
-    if (texcoord < 0 || texcoord > mesh.nt) texcoord = mesh.nt > 0 ? 1 : 0;
-    const std::int64_t normal = absolute(numbers.normal, bases.normal, mesh.nd);
-    if (normal < 0 || normal > mesh.nd) return "no such normal";
-    corner.p = mesh.points + (point - 1);
-    corner.t = texcoord > 0 ? mesh.texcoords + (texcoord - 1) : nullptr;
-    corner.d = normal > 0 ? mesh.normals + (normal - 1) : nullptr;
-    return nullptr;
-}
-
-void cannot(const std::string& what, const std::string& path) {
-    platform().message("I can't " + what + " this file", path, Icon::exclamation);
-}
-
-double sensibleTexCoord(double value) { return std::fabs(value) > maxTexCoord ? 0 : value; }
-
-/// What stands in lines that are read, behind what is.
-struct Surplus {
-    std::int64_t colors = 0, weights = 0, depths = 0;
-
-    /// Of a point: a weight, or a colour with or without one.
-    void behindPoint(int words, double first) {
-        if (words >= 3) {
-            ++colors;
-        } else if (words > 0 && first != 1) {
-            ++weights;
-        }
-    }
-    /// Of a texture coordinate. Many files give all of them the third one, as 0.
-    void behindTexCoord(int words, double first) {
-        if (words > 0 && first != 0) ++depths;
-    }
-};
-
-// The plain lines. Each function takes the text behind the keyword, which has a line end ahead, and
-// returns where the line ends, or null when it declines. A line that ends behind `limit` is long.
-
-const char* skipBlanks(const char* p) {
-    while (isBlank(*p) && !isLineEnd(*p)) ++p;
-    return p;
-}
-
-const char* lineEnd(const char* p) {
-    while (!isLineEnd(*p)) ++p;
-    return p;
-}
-
-/// Where the words behind the numbers begin, or the line's end; null when the numbers are odd.
-template <int count>
-const char* plainNumbers(const char* p, double (&values)[count]) {
-    for (double& value : values) {
-        p = skipBlanks(p);
-        if (!parseDecimal(p, value) || !isBlank(*p)) return nullptr;
-    }
-    return skipBlanks(p);
-}
-
-/// Tells of the words between p and the end of the line, which is given back.
-const char* plainRest(const char* p, const char* limit, Surplus& surplus,
-                      void (Surplus::*tell)(int words, double first)) {
-    const char* const end = lineEnd(p);
-    if (end > limit) return nullptr;
-    if (p == end) return end;
-    double first = 0;
-    const char* number = p;
-    parseDecimal(number, first);
-    int words = 0;
-    for (; p != end; p = skipBlanks(p), ++words) {
-        while (!isBlank(*p)) ++p;
-    }
-    (surplus.*tell)(words, first);
-    return end;
-}
-
-const char* plainPoint(Mesh& mesh, const char* p, const char* limit, Surplus& surplus) {
-    double xyz[3];
-    p = plainNumbers(p, xyz);
-    if (p != nullptr) p = plainRest(p, limit, surplus, &Surplus::behindPoint);
-    if (p != nullptr) mesh.addPoint(xyz[0], xyz[1], xyz[2], false);
-    return p;
-}
-
-const char* plainNormal(Mesh& mesh, const char* p, const char* limit) {
-    double xyz[3];
-    p = plainNumbers(p, xyz);
-    if (p != nullptr) p = lineEnd(p);
-    if (p == nullptr || p > limit) return nullptr;
-    mesh.addNormal(xyz[0], xyz[1], xyz[2]);
-    return p;
-}
-
-const char* plainTexCoord(Mesh& mesh, const char* p, const char* limit, Surplus& surplus) {
-    double uv[2];
-    p = plainNumbers(p, uv);
-    if (p != nullptr) p = plainRest(p, limit, surplus, &Surplus::behindTexCoord);
-    if (p != nullptr) mesh.addTexCoord(sensibleTexCoord(uv[0]), sensibleTexCoord(uv[1]));
-    return p;
-}
-
-const char* plainFace(Mesh& mesh, const char* p, const char* limit, const Bases& bases) {
-    FaceCorner corners[32];
-    int n = 0;
-    for (p = skipBlanks(p); !isLineEnd(*p); p = skipBlanks(p)) {
-        CornerNumbers numbers;
-        if (n == std::ssize(corners) || !parseInteger(p, numbers.point)) return nullptr;
-        if (*p == '/') {
-            parseInteger(++p, numbers.texcoord);
-            if (*p == '/') parseInteger(++p, numbers.normal);
-        }
-        FaceCorner& corner = corners[n++];
-        if (!isBlank(*p) || setCorner(mesh, corner, numbers, bases) != nullptr) return nullptr;
-        corner.edgeuse = 2;
-        corner.mark = 0;
-    }
-    if (n == 0 || p > limit) return nullptr;
-    mesh.addFaceByCorners(corners, n);
-    return p;
-}
-
-const char* plainLine(Mesh& mesh, const char* line, const Bases& bases, Surplus& surplus) {
-    const char* const limit = line + maxObjLine;
-    if (line[0] == 'f' && line[1] == ' ') return plainFace(mesh, line + 2, limit, bases);
-    if (line[0] != 'v') return nullptr;
-    if (line[1] == ' ') return plainPoint(mesh, line + 2, limit, surplus);
-    if (line[1] == 't' && line[2] == ' ') return plainTexCoord(mesh, line + 3, limit, surplus);
-    if (line[1] == 'n' && line[2] == ' ') return plainNormal(mesh, line + 3, limit);
-    return nullptr;
-}
 
 /// Lines that nothing is read from, by their keyword; the last row is any other.
 struct Unread {
@@ -194,13 +43,25 @@ bool isOwnComment(std::string_view text) {
                        [&](std::string_view row) { return text.starts_with(row); });
 }
 
+/// Why reading ended.
+enum class End : std::uint8_t { whole, stopped, unopened, unreadable, badLine, noRoom, manyNames };
+
+/// What was read otherwise than it stands there.
+struct Changes {
+    std::int64_t cutLines = 0, brokenLines = 0;
+    std::int64_t badFaces = 0, smallFaces = 0, wideFaces = 0;
+    std::int64_t fewNumbers = 0, beyondTexture = 0, infinite = 0;
+    VainNumbers vain;
+    std::set<std::string> longNames, colonNames;
+};
+
 /// The reading pass.
 class Reader {
   public:
-    explicit Reader(Mesh& to) : mesh(to) {}
+    Reader(Mesh& to, const ObjReading& how) : input{to, how}, mesh(to) {}
 
-    /// 1; or 0, after a message unless the user stopped it.
-    int read(PieceReader& file, const std::string& path);
+    /// A message tells of a bad line.
+    End read(PieceReader& file);
 
   private:
     /// What a line does; null or the reason why it is bad.
@@ -208,80 +69,85 @@ class Reader {
     struct Keyword {
         std::string_view word;
         Handler handler;
+        bool hasNumbers = false;
     };
     static const Keyword keywords[];
 
     [[nodiscard]] std::size_t readLines(std::string_view text);
+    [[nodiscard]] std::size_t takeLine(std::string_view text);
+    [[nodiscard]] std::size_t joinLine(std::string_view text);
     void readLine();
     void noteUnread();
     void noteCut(std::string_view text, std::size_t used);
-    void tellLeftOut(std::string_view end) const;
+    void noteChanges(std::string_view end) const;
     void enterGroup(std::string_view name);
-    [[nodiscard]] double decimal(int k) const;
+    [[nodiscard]] std::string name(int k);
+    [[nodiscard]] double decimal(int k);
+    [[nodiscard]] double texture(int k);
+    [[nodiscard]] bool hasNumbers(int count);
     [[nodiscard]] std::optional<CornerNumbers> cornerNumbers(int k) const;
 
     const char* point();
     const char* texcoord();
     const char* normal();
     const char* face();
+    const char* goodFace();
     const char* library();
+    const char* object();
     const char* group();
     const char* actor();
     const char* prop();
     const char* section();
     const char* material();
 
+    ObjInput input;
     Mesh& mesh;
-    Bases bases = currentCounts(mesh);
     ObjLine line;
+    std::string pending;          ///< a line that goes on
+    bool skipsFeed = false;       ///< of the line end behind a backslash the second half
     std::int64_t lineNumber = 0;  ///< lines with a word so far
     const char* reason = nullptr; ///< why the line is bad
     // Made at the first name: a face before that may have made the default group or material.
     std::optional<NameTable> groups;
     std::optional<NameTable> materials;
-    Surplus surplus;
+    std::vector<FaceCorner> corners; ///< of a face that may be bad
+    Changes changes;
     std::int64_t unread[std::size(unreadLines)] = {};
-    std::int64_t cutLines = 0;
+    bool noRoom = false;
     bool cut = false; ///< the line before went on where it was cut
 };
 
 const Reader::Keyword Reader::keywords[] = {
-    {"v", &Reader::point},
-    {"vt", &Reader::texcoord},
-    {"vn", &Reader::normal},
-    {"f", &Reader::face},
-    {"fo", &Reader::face},
-    {"g", &Reader::group},
-    {"usemtl", &Reader::material},
-    {"mtllib", &Reader::library},
-    {"actor", &Reader::actor},
-    {"prop", &Reader::prop},
-    {"geomcustom", &Reader::section},
+    {"v", &Reader::point, true}, {"vt", &Reader::texcoord, true}, {"vn", &Reader::normal, true},
+    {"f", &Reader::face, true},  {"fo", &Reader::face, true},     {"o", &Reader::object},
+    {"g", &Reader::group},       {"usemtl", &Reader::material},   {"mtllib", &Reader::library},
+    {"actor", &Reader::actor},   {"prop", &Reader::prop},         {"geomcustom", &Reader::section},
 };
 
-int Reader::read(PieceReader& file, const std::string& path) {
+End Reader::read(PieceReader& file) {
     std::string_view text;
     std::size_t kept = 0;
-    while (reason == nullptr && file.next(kept, text)) {
-        if (!readsOn(file, Pass::reading)) return 0;
+    while (reason == nullptr && !noRoom && file.next(kept, text)) {
+        if (!readsOn(file, Pass::reading)) return End::stopped;
         kept = text.size() - readLines(text);
     }
     if (reason != nullptr) {
+        leftOut.badLine = true;
         platform().message("line " + std::to_string(lineNumber) + " is bad: " + reason,
                            line.whole(), Icon::exclamation);
-        return 0;
+        return End::badLine;
     }
-    if (file.failed()) {
-        cannot("read", path);
-        return 0;
-    }
+    if (file.failed()) return End::unreadable;
+    if (!pending.empty()) static_cast<void>(joinLine("\n"));
+    if (noRoom) return End::noRoom;
     mesh.highlightPoint(-1);
-    tellLeftOut(text);
-    return 1;
+    noteChanges(text);
+    const bool full = (groups && groups->isFull()) || (materials && materials->isFull());
+    return full && input.how.forgives ? End::manyNames : End::whole;
 }
 
 /// Reads the complete lines at the start of `text` and returns how many characters they take; stops
-/// at a bad one.
+/// at a bad one. Where lines are joined it takes all.
 std::size_t Reader::readLines(std::string_view text) {
     const char* const begin = text.data();
     const char* const end = begin + text.size();
@@ -289,11 +155,11 @@ std::size_t Reader::readLines(std::string_view text) {
     const char* plainEnd = end;
     while (plainEnd != begin && !isLineEnd(plainEnd[-1])) --plainEnd;
     const char* p = begin;
-    while (reason == nullptr) {
+    while (reason == nullptr && !noRoom) {
         // What is left of a split line goes by the full rules at once, lest the parsers look
         // through all of an endless line from each of its splits.
-        if (p < plainEnd && (p == begin || isLineEnd(p[-1]))) {
-            const char* const after = plainLine(mesh, p, bases, surplus);
+        if (p < plainEnd && pending.empty() && (p == begin || isLineEnd(p[-1]))) {
+            const char* const after = plainLine(input, p);
             if (after != nullptr) {
                 ++lineNumber;
                 cut = false;
@@ -301,13 +167,40 @@ std::size_t Reader::readLines(std::string_view text) {
                 continue;
             }
         }
-        const std::size_t used = line.take({p, static_cast<std::size_t>(end - p)});
+        const std::string_view rest{p, static_cast<std::size_t>(end - p)};
+        const std::size_t used = input.how.joinsLines ? joinLine(rest) : takeLine(rest);
         if (used == 0) break;
-        noteCut({p, static_cast<std::size_t>(end - p)}, used);
         p += used;
-        if (!line.empty()) readLine();
     }
     return static_cast<std::size_t>(p - begin);
+}
+
+/// Reads the line at the start of the text and returns how much that used up; 0 when the text holds
+/// no complete line.
+std::size_t Reader::takeLine(std::string_view text) {
+    const std::size_t used = line.take(text);
+    if (used == 0) return 0;
+    noteCut(text, used);
+    if (!line.empty()) readLine();
+    return used;
+}
+
+/// The same for a line that may go on behind a backslash and in the next text.
+std::size_t Reader::joinLine(std::string_view text) {
+    const bool isFeed = std::exchange(skipsFeed, false) && text.starts_with('\n');
+    if (isFeed || text.empty()) return text.empty() ? 0 : 1;
+    const auto end = std::find_if(text.begin(), text.end(), isLineEnd);
+    pending.append(text.begin(), end);
+    if (end == text.end()) return text.size();
+    if (pending.ends_with('\\')) {
+        pending.back() = ' ';
+        skipsFeed = *end == '\r';
+    } else {
+        line.set(pending);
+        pending.clear();
+        if (!line.empty()) readLine();
+    }
+    return static_cast<std::size_t>(end - text.begin()) + 1;
 }
 
 void Reader::readLine() {
@@ -316,6 +209,7 @@ void Reader::readLine() {
     if (line.arguments() < 1) return;
     for (const Keyword& row : keywords) {
         if (!sameKeyword(line.keyword(), row.word)) continue;
+        if (row.hasNumbers && input.how.hasComments) line.dropComment();
         reason = (this->*row.handler)();
         return;
     }
@@ -338,45 +232,94 @@ void Reader::noteUnread() {
 void Reader::noteCut(std::string_view text, std::size_t used) {
     const bool goesOn = used == maxObjLine && !isLineEnd(text[used - 1]) && text.size() > used
                         && !isLineEnd(text[used]);
-    if (goesOn && !cut && text[0] != '#') ++cutLines;
+    if (goesOn && !cut && text[0] != '#') ++changes.cutLines;
     cut = goesOn;
 }
 
+struct Sentence {
+    std::int64_t count;
+    const char* pattern;
+};
+
 /// `end`: what stands behind the last line end.
-void Reader::tellLeftOut(std::string_view end) const {
+void Reader::noteChanges(std::string_view end) const {
     const auto* const word = std::find_if_not(end.begin(), end.end(), isBlank);
-    leftOut.lines += cutLines + (word != end.end() && *word != '#' ? 1 : 0);
-    for (std::size_t i = 0; i < std::size(unreadLines); ++i) {
-        leftOut.add(unreadLines[i].what, unread[i]);
+    if (!input.how.joinsLines && word != end.end() && *word != '#') {
+        leftOut.lines.emplace_back("the last line has no line end and was left out");
     }
-    leftOut.add("vertex colour", surplus.colors);
-    leftOut.add("vertex weight", surplus.weights);
-    leftOut.add("third texture coordinate", surplus.depths);
+    const Sentence lines[] = {{changes.cutLines, "{line} {is} longer than 1,023 characters"},
+                              {changes.brokenLines, "{line} {was} cut at the backslash"}};
+    for (const auto& [count, pattern] : lines) {
+        if (count > 0) leftOut.lines.push_back(sentence(count, pattern));
+    }
+    for (std::size_t i = 0; i < std::size(unreadLines); ++i) {
+        if (i == 0 && unread[i] > 0) leftOut.hold(counted(unread[i], unreadLines[i].what));
+        if (i > 0) leftOut.add(unreadLines[i].what, unread[i]);
+    }
+    leftOut.add("vertex colour", input.surplus.colors);
+    leftOut.add("vertex weight", input.surplus.weights);
+    leftOut.add("third texture coordinate", input.surplus.depths);
+    const Sentence sentences[] = {
+        {changes.badFaces, "{face} {was} left out: there is no vertex of a corner's number"},
+        {changes.smallFaces, "{face} of fewer than 3 corners {was} left out"},
+        {changes.wideFaces, "{face} of more than 32,767 corners {was} left out"},
+        {changes.fewNumbers, "{line} {has} too few numbers; they count as 0"},
+        {changes.infinite, "{number} beyond all bounds {was} read as 0"},
+        {changes.beyondTexture, "{texture coordinate} beyond 100,000 {was} read as 0"},
+        {changes.vain.normals,
+         "{corner} {has} the number of a normal that is not there, and got none"},
+        {changes.vain.texcoords,
+         input.how.forgives || mesh.nt == 0
+             ? "{corner} {has} the number of a texture coordinate that is not there, and got none"
+             : "{corner} {has} the number of a texture coordinate that is not there, and got the "
+               "first"},
+        {std::ssize(changes.longNames), "{name} {is} longer than 63 characters and {was} cut"},
+        {std::ssize(changes.colonNames), "{group name} {was} cut at a colon"},
+    };
+    for (const auto& [count, pattern] : sentences) leftOut.change(count, pattern);
 }
 
-double Reader::decimal(int k) const {
+/// What argument k begins with; 0 when it is not there.
+double Reader::decimal(int k) {
+    if (k > line.arguments()) return 0;
     const char* text = line.word(k).data();
     double value = 0;
     parseDecimal(text, value);
-    return value;
+    if (!input.how.keepsValues || std::isfinite(value)) return value;
+    ++changes.infinite;
+    return 0;
+}
+
+double Reader::texture(int k) {
+    const double value = decimal(k);
+    if (input.how.keepsValues || !isBeyondTexture(value)) return value;
+    ++changes.beyondTexture;
+    return 0;
+}
+
+/// Whether there are so many arguments, or may be fewer.
+bool Reader::hasNumbers(int count) {
+    if (line.arguments() >= count) return true;
+    if (input.how.forgives) ++changes.fewNumbers;
+    return input.how.forgives;
 }
 
 const char* Reader::point() {
-    if (line.arguments() < 3) return "<3 args";
+    if (!hasNumbers(3)) return "<3 args";
     mesh.addPoint(decimal(1), decimal(2), decimal(3), false);
-    surplus.behindPoint(line.arguments() - 3, line.arguments() > 3 ? decimal(4) : 0);
+    input.surplus.behindPoint(line.arguments() - 3, line.arguments() > 3 ? decimal(4) : 0);
     return nullptr;
 }
 
 const char* Reader::texcoord() {
-    if (line.arguments() < 2) return "<2 args";
-    mesh.addTexCoord(sensibleTexCoord(decimal(1)), sensibleTexCoord(decimal(2)));
-    surplus.behindTexCoord(line.arguments() - 2, line.arguments() > 2 ? decimal(3) : 0);
+    if (!hasNumbers(input.how.forgives ? 1 : 2)) return "<2 args";
+    mesh.addTexCoord(texture(1), texture(2));
+    input.surplus.behindTexCoord(line.arguments() - 2, line.arguments() > 2 ? decimal(3) : 0);
     return nullptr;
 }
 
 const char* Reader::normal() {
-    if (line.arguments() < 3) return "<3 args";
+    if (!hasNumbers(3)) return "<3 args";
     mesh.addNormal(decimal(1), decimal(2), decimal(3));
     return nullptr;
 }
@@ -399,39 +342,83 @@ std::optional<CornerNumbers> Reader::cornerNumbers(int k) const {
 }
 
 const char* Reader::face() {
+    if (input.how.forgives) return goodFace();
     Face* const added = mesh.addFaceByPoints(nullptr, line.arguments(), false);
     if (added == nullptr) return nullptr;
     for (int k = 0; k < added->n; ++k) {
         const std::optional<CornerNumbers> numbers = cornerNumbers(k + 1);
         if (!numbers) return "no such vertex";
-        if (const char* bad = setCorner(mesh, added->q[k], *numbers, bases)) return bad;
+        const char* const bad = setCorner(input, added->q[k], *numbers, changes.vain);
+        if (bad != nullptr) return bad;
     }
+    changes.brokenLines += line.word(line.arguments()).ends_with('\\');
     return nullptr;
+}
+
+/// Adds the face unless something is wrong with it.
+const char* Reader::goodFace() {
+    const int n = line.arguments();
+    if (n < 3 || n > maxIndexed) {
+        ++(n < 3 ? changes.smallFaces : changes.wideFaces);
+        return nullptr;
+    }
+    corners.assign(static_cast<std::size_t>(n), {});
+    VainNumbers vain;
+    for (int k = 0; k < n; ++k) {
+        FaceCorner& corner = corners[static_cast<std::size_t>(k)];
+        const std::optional<CornerNumbers> numbers = cornerNumbers(k + 1);
+        corner.edgeuse = 2;
+        if (numbers && setCorner(input, corner, *numbers, vain) == nullptr) continue;
+        ++changes.badFaces;
+        return nullptr;
+    }
+    changes.vain.texcoords += vain.texcoords;
+    changes.vain.normals += vain.normals;
+    noRoom = mesh.addFaceByCorners(corners.data(), n) == nullptr;
+    return nullptr;
+}
+
+/// The rest of the line from word k on, a name.
+std::string Reader::name(int k) {
+    std::string text = line.rest(k);
+    if (trimTrailingBlanks(text).size() >= nameSize) changes.longNames.insert(text);
+    // What is cut may end in a blank, which the next file with it would not have.
+    return input.how.keepsNames ? std::string(trimTrailingBlanks(storedName(text))) : text;
 }
 
 const char* Reader::library() {
-    static_assert(sizeof mesh.mtllib > maxObjLine);
-    const std::string name = line.rest(1);
-    noteLibrary(name);
+    std::string named = line.rest(1);
+    noteLibrary(named);
     if (mesh.mtllib[0] != '\0') return nullptr;
-    name.copy(mesh.mtllib, name.size());
-    mesh.mtllib[name.size()] = '\0';
+    named.resize(std::min(named.size(), sizeof mesh.mtllib - 1));
+    named.copy(mesh.mtllib, named.size());
+    mesh.mtllib[named.size()] = '\0';
     return nullptr;
 }
 
-/// Makes the group of this name, which ends before a colon, the current one.
+/// Makes the group of this name the current one.
 void Reader::enterGroup(std::string_view name) {
     if (!groups) groups.emplace(mesh, NameTable::Kind::groups);
-    mesh.curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, name.find(':'))));
+    const std::size_t colon = input.how.keepsNames ? name.npos : name.find(':');
+    if (colon != name.npos) changes.colonNames.emplace(name);
+    mesh.curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, colon)));
+}
+
+const char* Reader::object() {
+    if (!input.how.keepsNames) {
+        noteUnread();
+        return nullptr;
+    }
+    return group();
 }
 
 const char* Reader::group() {
-    enterGroup(line.rest(1));
+    enterGroup(name(1));
     return nullptr;
 }
 
 const char* Reader::actor() {
-    enterGroup(line.rest(1));
+    enterGroup(name(1));
     return section();
 }
 
@@ -441,13 +428,13 @@ const char* Reader::prop() {
 }
 
 const char* Reader::section() {
-    bases = currentCounts(mesh);
+    input.bases = currentCounts(mesh);
     return nullptr;
 }
 
 const char* Reader::material() {
     if (!materials) materials.emplace(mesh, NameTable::Kind::materials);
-    mesh.curmat = static_cast<std::int16_t>(materials->findOrAdd(line.rest(1)));
+    mesh.curmat = static_cast<std::int16_t>(materials->findOrAdd(name(1)));
     return nullptr;
 }
 
@@ -471,41 +458,73 @@ void trim(Mesh& mesh) {
     static_cast<void>(trimmed);
 }
 
-} // namespace
-
-int countObjFile(const std::string& path, ObjCounts& counts) {
+/// Adds what the lines of the file announce to `counts`.
+End countLines(const std::string& path, ObjCounts& counts) {
     PieceReader file(path);
-    if (!file.isOpen()) {
-        cannot("open", path);
-        return 0;
-    }
+    if (!file.isOpen()) return End::unopened;
     std::string_view text;
     std::size_t kept = 0;
     while (file.next(kept, text)) {
-        if (!readsOn(file, Pass::counting)) return -1;
+        if (!readsOn(file, Pass::counting)) return End::stopped;
         kept = text.size() - countObjLines(text, counts);
     }
-    if (file.failed()) cannot("read", path);
-    return file.failed() ? 0 : 1;
+    return file.failed() ? End::unreadable : End::whole;
+}
+
+/// The second pass.
+End readCounted(Mesh& mesh, const std::string& path, const ObjCounts& counts,
+                const ObjReading& how) try {
+    PieceReader file(path);
+    if (!file.isOpen()) return End::unopened;
+    if (!reserve(mesh, counts)) return End::noRoom;
+    const End end = Reader(mesh, how).read(file);
+    trim(mesh);
+    return end;
+} catch (const std::bad_alloc&) { // a long line, or names
+    return End::noRoom;
+}
+
+ObjCounts countsOf(const Mesh& mesh) {
+    return {mesh.nf, mesh.nq, mesh.np, mesh.nt, mesh.nd, mesh.ng, mesh.nmat};
+}
+
+/// What the read commands tell by a message; the others have been told, or need not be.
+End complained(End end, const std::string& path) {
+    if (end == End::unopened) complain("I can't open this file", path);
+    if (end == End::unreadable) complain("I can't read this file", path);
+    return end;
+}
+
+} // namespace
+
+int countObjFile(const std::string& path, ObjCounts& counts) {
+    const End end = complained(countLines(path, counts), path);
+    return end == End::stopped ? -1 : end == End::whole ? 1 : 0;
 }
 
 int readObjFile(Mesh& mesh, const std::string& path, bool append) {
     if (!append) mesh.clear(true);
-    ObjCounts counts{mesh.nf, mesh.nq, mesh.np, mesh.nt, mesh.nd, mesh.ng, mesh.nmat};
+    ObjCounts counts = countsOf(mesh);
     platform().showBusy("I am counting the vertexes etc in the file");
     // When it fails, reading fails in the same way, and that is what counts.
     const bool stopped = countObjFile(path, counts) < 0;
     platform().showBusy("");
     if (stopped) return 0;
-    PieceReader file(path);
-    if (!file.isOpen()) {
-        cannot("open", path);
-        return 0;
-    }
-    if (!reserve(mesh, counts)) return 0;
-    const int result = Reader(mesh).read(file, path);
-    trim(mesh);
-    return result;
+    return complained(readCounted(mesh, path, counts, {}), path) == End::whole ? 1 : 0;
+}
+
+std::string addObjFile(Mesh& mesh, const std::string& path, const ObjReading& how) {
+    constexpr const char* reasons[] = {"",
+                                       "stopped by the Escape key",
+                                       "I can't open this file",
+                                       "I can't read this file",
+                                       "a line is bad",
+                                       "there is not enough memory",
+                                       "it has too many groups or materials"};
+    ObjCounts counts = countsOf(mesh);
+    End end = countLines(path, counts);
+    if (end == End::whole) end = readCounted(mesh, path, counts, how);
+    return reasons[static_cast<std::size_t>(end)];
 }
 
 } // namespace polyfab

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "formats/obj_lines.h"
+#include "formats/obj_reading.h"
 
 #include <string>
 
@@ -17,6 +18,10 @@ struct Mesh;
 /// from that one on have no point: the integrity check tells.
 /// Moves the arrays and trims them. A line behind the last line end is not read.
 [[nodiscard]] int readObjFile(Mesh& mesh, const std::string& path, bool append);
+
+/// Adds the file to the mesh, read in this way. Returns "" or why it could not be read; what was
+/// read by then is in the mesh. Shows no message but those of the mesh's growth.
+[[nodiscard]] std::string addObjFile(Mesh& mesh, const std::string& path, const ObjReading& how);
 
 /// Adds what the lines of the file announce to `counts`. 1; 0 after a message when it can't be
 /// read; -1 when the user stops it.

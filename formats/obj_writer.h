@@ -9,6 +9,7 @@
 
 namespace polyfab {
 
+class SaveFile;
 struct Mesh;
 
 /// Numbers count from 1, from the first element.
@@ -17,8 +18,13 @@ inline constexpr unsigned objPlain = 0;
 inline constexpr unsigned objRelative = 1;
 /// Every face line is followed by the positions of its corners. Such a file cannot be read back.
 inline constexpr unsigned objTrace = 2;
-/// Numbers have as many digits as it takes to read the same ones back, rather than six.
-inline constexpr unsigned objExact = 4;
+/// What import reads back is the same mesh: numbers have as many digits as that takes, rather than
+/// six, faces stand in the order of the array, names before them where the faces' order is not
+/// theirs, and lines that readers would cut go on behind a backslash.
+inline constexpr unsigned objLossless = 4;
+
+/// The name as it stands in a file, such that it is read back: without line ends, never empty.
+[[nodiscard]] std::string objName(std::string_view name);
 
 /// How the comments at the head of a file begin.
 inline constexpr std::string_view objHeader[] = {
@@ -29,10 +35,16 @@ inline constexpr std::string_view objHeader[] = {
 /// coordinates and normals are always all written. Faces whose group or material does not exist, or
 /// with a corner that has no point, are left out.
 ///
-/// `flags` are the bits above. 1 on success, `workbench.wholeMeshWritten` then tells whether all
-/// live faces were written. 0 after a message when the file cannot be created or written; an old
-/// file is then as it was.
+/// `flags` are the bits above. A note counts what reading loses. 1 on success,
+/// `workbench.wholeMeshWritten` then tells whether all live faces were written. 0 after a message
+/// when the file cannot be created or written; an old file is then as it was.
 int writeObjFile(const Mesh& mesh, const std::string& path, unsigned flags,
                  Wanted wanted = Wanted::asked);
+
+/// Appends the live faces, or the selected ones, and what they need to the file, under this name of
+/// a library ("": none). False when the list of faces finds no memory, or the file was not to be
+/// written before.
+[[nodiscard]] bool appendObj(SaveFile& file, const Mesh& mesh, bool onlySelected, unsigned flags,
+                             std::string_view library);
 
 } // namespace polyfab

@@ -286,4 +286,21 @@ void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
     placeTexcoords(tables, looks);
 }
 
+std::vector<std::string> picturesBeside(const Mesh& mesh, const fs::path& target,
+                                        const fs::path& scratch) {
+    const auto count = static_cast<std::size_t>(mesh.nmat);
+    StreamTables tables;
+    tables.looks.resize(count);
+    tables.pictures.resize(count);
+    if (materialLooks() == nullptr) return tables.pictures;
+    PictureGiver giver(tables, target, scratch);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string name = mesh.materials[i].name;
+        const auto found = materialLooks()->byName.find(name);
+        if (found == materialLooks()->byName.end() || found->second.picture == nullptr) continue;
+        giver.give(*found->second.picture, name, i);
+    }
+    return std::move(tables.pictures);
+}
+
 } // namespace polyfab

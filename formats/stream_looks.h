@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace polyfab {
 
@@ -23,5 +24,11 @@ struct StreamView;
 /// none. May throw std::bad_alloc.
 void giveLooks(const Mesh& mesh, StreamTables& tables, const std::filesystem::path& target,
                const std::filesystem::path& scratch);
+
+/// Per material, the name by which a file at `target` finds its picture, or "": where that lies in
+/// the target's folder, or a copy of it that is made in `scratch`, to come beside the target.
+[[nodiscard]] std::vector<std::string> picturesBeside(const Mesh& mesh,
+                                                      const std::filesystem::path& target,
+                                                      const std::filesystem::path& scratch);
 
 } // namespace polyfab

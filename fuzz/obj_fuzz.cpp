@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The first byte chooses: bit 0 reads the rest a second time, appended; bits 1-2 are the flags of
-// the writer. What was read must pass the check, and what is then written must read back with the
-// same counts.
+// the writer. The bits of the second byte are the settings of the reader. What was read must pass
+// the check, and what is then written must read back with the same counts; what was imported must
+// come back to the bit.
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
 #include "fuzz/fuzz_support.h"
@@ -40,21 +41,75 @@ void writeAndReadBack(unsigned flags) {
     demand(counts() == before, "what was written reads back with other counts");
 }
 
+bool add(const std::string& path, const ObjReading& how) {
+    const std::string reason = addObjFile(*OB, path, how);
+    demand(reason.empty() || reason == "a line is bad" || reason == "it can't be read", "not read");
+    return reason.empty();
+}
+
+std::string whole() {
+    std::string text;
+    const auto bytes = [&](const auto* values, int count) {
+        text.append(reinterpret_cast<const char*>(values),
+                    sizeof *values * static_cast<unsigned>(count));
+    };
+    for (int i = 0; i < OB->np; ++i) bytes(&OB->points[i].x, 3);
+    for (int i = 0; i < OB->nt; ++i) bytes(&OB->texcoords[i].u, 2);
+    for (int i = 0; i < OB->nd; ++i) bytes(&OB->normals[i].x, 3);
+    for (int i = 0; i < OB->ng; ++i) text += OB->groups[i].name + std::string("\n");
+    for (int i = 0; i < OB->nmat; ++i) text += OB->materials[i].name + std::string("\n");
+    for (int i = 0; i < OB->nf; ++i) {
+        const Face& face = OB->faces[i];
+        bytes(&face.g, 1), bytes(&face.mat, 1), bytes(&face.n, 1);
+        for (const FaceCorner* c = face.q; c != face.q + face.n; ++c) {
+            const std::ptrdiff_t indices[] = {c->p - OB->points, c->t ? c->t - OB->texcoords : -1,
+                                              c->d ? c->d - OB->normals : -1};
+            bytes(indices, 3);
+        }
+    }
+    return text;
+}
+
+void exportAndImport(unsigned flags) {
+    static const std::string path = fuzz::scratchPath(".obj");
+    const std::string before = whole();
+    if ((flags & objTrace) != 0) return;
+    demand(writeObjFile(*OB, path, objLossless | flags, Wanted::all) == 1, "not written");
+    emptyMesh();
+    const bool read = add(path, objImport);
+    std::filesystem::remove(path);
+    demand(read && check(*OB) == nullptr, "what was exported is not imported");
+    demand(whole() == before, "what was exported is imported as something else");
+}
+
+ObjReading settings(unsigned bits) {
+    const auto bit = [&](unsigned i) { return (bits >> i & 1) != 0; };
+    return {bit(0), bit(1), bit(2), bit(3), bit(4), bit(5)};
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static test::FakePlatform shown;
     createMesh();
-    if (size == 0) return 0;
+    if (size < 2) return 0;
     const bool append = (data[0] & 1) != 0;
     const unsigned flags = (data[0] >> 1) & 3;
-    const MemoryFile file(data + 1, size - 1);
-    bool read = readObjFile(*OB, file.path(), false) == 1;
-    if (append) read = readObjFile(*OB, file.path(), true) == 1 && read;
+    const unsigned bits = data[1] & 63;
+    const MemoryFile file(data + 2, size - 2);
+    const auto readFile = [&](bool append) {
+        return bits != 0 ? add(file.path(), settings(bits))
+                         : readObjFile(*OB, file.path(), append) == 1;
+    };
+    bool read = readFile(false);
+    if (append) read = readFile(true) && read;
     if (read) {
         const char* const fault = check(*OB);
         demand(fault == nullptr, fault);
-        writeAndReadBack(flags);
+        if (bits == 63)
+            exportAndImport(flags);
+        else
+            writeAndReadBack(flags);
     }
     emptyMesh();
     demand(storeBlocks() == 1, "blocks stay behind");

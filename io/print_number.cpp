@@ -5,6 +5,8 @@
 // the error itself. All other values go to the library. Three decimals are made in the same way.
 #include "io/print_number.h"
 
+#include "io/parse_number.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -112,6 +114,21 @@ char* printG6(char* out, double value, int width) {
     char text[numberRoom];
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
     return printPadded(out, {text, end.ptr}, width);
+}
+
+bool hasSixDigits(double value) {
+    const double size = std::fabs(value);
+    if (size >= minFixed && size < maxFixed) {
+        const Decimal decimal = roundToSixDigits(size);
+        // Over an exact power of ten an integer is rounded as a reader does it.
+        return decimal.number / scale[static_cast<unsigned>(decimal.exponent - lowest)] == size;
+    }
+    if (size == 0) return true;
+    char text[numberRoom];
+    *std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6).ptr = '\0';
+    const char* begin = text;
+    double read = 0;
+    return parseDecimal(begin, read) && read == value;
 }
 
 char* printF3(char* out, double value) {

@@ -14,6 +14,9 @@ inline constexpr int numberRoom = 40;
 /// text; no NUL is written.
 char* printG6(char* out, double value, int width);
 
+/// Whether what printG6 prints reads back to the same double.
+[[nodiscard]] bool hasSixDigits(double value);
+
 /// Prints the shortest text that reads back to the same double. Gives the end of the text; no NUL
 /// is written.
 char* printExact(char* out, double value);

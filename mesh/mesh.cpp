@@ -4,6 +4,7 @@
 
 #include "mesh/store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -17,6 +18,12 @@ void Mesh::clear(bool release) {
     if (release) releaseAll();
     std::memset(static_cast<void*>(this), 0, sizeof *this);
     curvertex = curtexcoord = curface = -1;
+}
+
+void Mesh::swapWith(Mesh& other) {
+    // The references go into the arrays, which stay where they are.
+    auto* const bytes = reinterpret_cast<unsigned char*>(this);
+    std::swap_ranges(bytes, bytes + sizeof *this, reinterpret_cast<unsigned char*>(&other));
 }
 
 void Mesh::releaseAll() {

@@ -149,6 +149,8 @@ struct Mesh {
 
     /// Empties the record; with `release` its arrays are given back first.
     void clear(bool release);
+    /// Exchanges everything.
+    void swapWith(Mesh& other);
     /// Sets `changed` and gives back every array but the groups, whose block stays in the store.
     void releaseAll();
 

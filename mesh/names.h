@@ -26,6 +26,8 @@ class NameTable {
     enum class Kind { groups, materials };
     NameTable(Mesh& mesh, Kind kind);
     int findOrAdd(std::string_view name);
+    /// The mesh has refused a name.
+    [[nodiscard]] bool isFull() const { return full; }
 
   private:
     static int addGroup(Mesh& mesh, std::string_view name);

@@ -28,3 +28,12 @@ for sample in samples/*.obj; do
     "$editor" --batch "$sample" --picture "$scratch/picture.png" >/dev/null
     [[ -s $scratch/picture.png ]] || fail "$sample: no picture"
 done
+
+echo "== a file without faces"
+printf 'v 1 2 3\n' >"$scratch/point.obj"
+echo old >"$scratch/old.obj"
+if "$editor" --convert "$scratch/point.obj" "$scratch/old.obj" >"$scratch/log"; then
+    fail "it was converted"
+fi
+grep -q 'point.obj has no faces that I can read' "$scratch/log" || fail "nothing is said of it"
+[[ $(cat "$scratch/old.obj") == old ]] || fail "the old file was replaced"

@@ -3,12 +3,24 @@
 
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace polyfab {
 namespace {
 
 std::string told;
+
+struct Verb {
+    std::string_view one, many;
+};
+constexpr Verb verbs[] = {{"is", "are"}, {"was", "were"}, {"has", "have"}};
+
+std::string plural(std::string_view word) {
+    const auto* const verb = std::find_if(std::begin(verbs), std::end(verbs),
+                                          [&](const Verb& row) { return row.one == word; });
+    return verb != std::end(verbs) ? std::string(verb->many) : std::string(word) + "s";
+}
 
 } // namespace
 
@@ -37,6 +49,20 @@ std::string counted(std::int64_t number) {
 
 std::string counted(std::int64_t number, const std::string& what) {
     return counted(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+std::string sentence(std::int64_t count, std::string_view pattern) {
+    std::string text = counted(count) + " ";
+    while (!pattern.empty()) {
+        const std::size_t word = pattern.find('{');
+        text += pattern.substr(0, word);
+        if (word == pattern.npos) break;
+        pattern.remove_prefix(word + 1);
+        const std::string_view one = pattern.substr(0, pattern.find('}'));
+        text += count == 1 ? std::string(one) : plural(one);
+        pattern.remove_prefix(one.size() + 1);
+    }
+    return text;
 }
 
 std::string selectionText(std::int64_t selected, std::int64_t live) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 
@@ -23,6 +24,10 @@ void forgetNotes();
 
 /// The same with what is counted, which gets an "s" unless it is one: "1 face", "2,000 faces".
 [[nodiscard]] std::string counted(std::int64_t number, const std::string& what);
+
+/// What is said of so many, in the right number: "{line} {is} too long" is "1 line is too long" or
+/// "2,000 lines are too long". The words in braces are nouns, "is", "was" and "has".
+[[nodiscard]] std::string sentence(std::int64_t count, std::string_view pattern);
 
 /// "3 of 2,000 faces selected".
 [[nodiscard]] std::string selectionText(std::int64_t selected, std::int64_t live);

@@ -73,6 +73,7 @@ int runScript(const Program& program, const Script& script) {
         catchEndSignals();
     }
     BatchPlatform window(program, script.size);
+    if (script.agrees) window.agree();
     Platform* const before = currentPlatform;
     setPlatform(&window);
     int status = runSteps(window, script);

@@ -209,8 +209,9 @@ void BatchPlatform::message(const std::string& title, const std::string& shown, 
 }
 
 Choice BatchPlatform::question(const std::string& title, const std::string& asked, Buttons buttons,
-                               Choice) {
-    const std::optional<Choice> choice = toChoice(takeAnswer(), buttons);
+                               Choice marked) {
+    std::optional<Choice> choice = toChoice(takeAnswer(), buttons);
+    if (!choice && agrees) choice = marked;
     Json json{{"event", "question"},
               {"title", title},
               {"text", asked},

@@ -34,6 +34,8 @@ class BatchPlatform : public Platform {
     void finish();
 
     bool isOpen() const { return open; }
+    /// From now on a box without an answer gets the marked one.
+    void agree() { agrees = true; }
     bool answersLeft() const { return !answers.empty(); }
     bool exclamationShown() const { return exclamations > 0; }
     /// The item of the present menu bar with this id, or null.
@@ -110,6 +112,7 @@ class BatchPlatform : public Platform {
     int depth = 0; ///< handlers that are running now, one inside the other
     bool closeDue = false;
     bool open = true;
+    bool agrees = false;
     bool quiet = false;
     bool paintDue = true;
     bool statusShown = true;

@@ -1,38 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Turns one file into another by the steps that read and write files of their formats.
+// Turns one file into another by import and export, which lose least.
 #include "platform/batch/arguments.h"
+#include "platform/batch/batch_platform.h"
 #include "platform/batch/script.h"
 
-#include <algorithm>
-#include <iterator>
-#include <string_view>
+#include <nlohmann/json.hpp>
 
 namespace polyfab {
 namespace {
 
-struct WriterRow {
-    std::string_view suffix;
-    int command;
-};
-
-/// The writer commands. The OBJ writer takes its two variants by a longer suffix; files of any
-/// other go to the exporter.
-constexpr WriterRow writerRows[] = {
-    {".obj", commandid::writeObj}, {".obj-", commandid::writeObj}, {".obj#", commandid::writeObj},
-    {".dxf", commandid::writeDxf}, {".3ds", commandid::write3ds},  {"", commandid::exportMesh},
-};
-
-constexpr std::string_view ownSuffixes[] = {".obj", ".dxf", ".3ds"};
-
-/// The steps that read a file in place of the mesh. What has no suffix of ours is imported.
-std::vector<std::string> readingSteps(const std::string& input) {
-    const std::string name = lowerCase(input);
-    const bool own = std::any_of(std::begin(ownSuffixes), std::end(ownSuffixes),
-                                 [&](std::string_view suffix) { return name.ends_with(suffix); });
-    const int command = own ? commandid::readMesh : commandid::importMesh;
-    std::vector<std::string> steps{"--command", std::to_string(command), "--answer", input};
-    if (!own) steps.insert(steps.end(), {"--answer", "no"});
-    return steps;
+/// Nothing is written in place of an old file when nothing was read.
+std::string wantFaces(BatchPlatform& window, const Step& step) {
+    const auto state = nlohmann::json::parse(window.runs().stateJson());
+    if (state["liveFaces"] != 0) return "";
+    window.message(step.path + " has no faces that I can read", step.path, Icon::exclamation);
+    return "";
 }
 
 bool hasSuffix(const std::string& path) {
@@ -48,14 +30,17 @@ Script convertScript(const std::vector<CommandInfo>& commands, const std::string
         script.error = output + ": the suffix names the format, and there is none";
         return script;
     }
-    const std::string name = lowerCase(output);
-    const WriterRow* const writer =
-        std::find_if(std::begin(writerRows), std::end(writerRows),
-                     [&](const WriterRow& row) { return name.ends_with(row.suffix); });
-    std::vector<std::string> steps = readingSteps(input);
-    steps.insert(steps.end(), {"--command", std::to_string(writer->command), "--answer", output});
-    script = parseScript(commands, steps);
+    script = parseScript(commands, {"--command", std::to_string(commandid::importMesh), "--answer",
+                                    input, "--answer", "no", "--command",
+                                    std::to_string(commandid::exportMesh), "--answer", output});
+    if (!script.error.empty()) return script;
+    Step check;
+    check.run = wantFaces;
+    check.words = "reading " + input;
+    check.path = input;
+    script.steps.insert(script.steps.begin() + 1, check);
     script.stopAfterFailure = true;
+    script.agrees = true;
     return script;
 }
 

@@ -24,7 +24,7 @@ struct Step {
     /// Carries the step out. Returns an empty text, or why it cannot be done.
     std::string (*run)(BatchPlatform& window, const Step& step) = nullptr;
     std::string words; ///< as given, for diagnostics
-    std::string path;  ///< of a picture
+    std::string path;  ///< of a picture, or of what was read
     Size size;         ///< of a resize
     int looks = 0;     ///< at Escape, until it counts as down
     Event event;
@@ -38,6 +38,7 @@ struct Script {
     int recoverySeconds = usualRecoverySeconds;
     std::vector<Step> steps;
     bool stopAfterFailure = false; ///< an exclamation box ends the run after its step
+    bool agrees = false;           ///< boxes get the answer that is marked in them
     std::string error;             ///< why the command line is wrong; empty: it is sound
 };
 
@@ -45,7 +46,8 @@ struct Script {
 /// Commands are looked up in this list, by number or by label without the "&".
 Script parseScript(const std::vector<CommandInfo>& commands, const std::vector<std::string>& args);
 
-/// The script that reads one file and writes another, each in the format of its suffix.
+/// The script that imports one file and exports another, each in the format of its suffix. What has
+/// no face is not exported, and whatever is asked on the way gets the marked answer.
 Script convertScript(const std::vector<CommandInfo>& commands, const std::string& input,
                      const std::string& output);
 

@@ -233,8 +233,11 @@ TEST_F(MeshFiles, WhatImportReadsBetterIsOfferedToIt) {
         {"g.dxf", end + "0\nPOLYLINE\n", {offer}},
         {"h.dxf", end + "0\nLINE\n8\nMESH\n", {}},
         {"i.dxf", test::dxfFace("x", "ABCD") + end + "0\nMESH\n", {}},
-        {"j.obj", face + "f 1 2 3", {offer}, "\nI left out 1 line"},
-        {"k.obj", face + "f" + std::string(2000, ' ') + "1 2 3\n#", {offer}, "\nI left out 1 line"},
+        {"j.obj", face + "f 1 2 3", {offer}, "\nthe last line has no line end and was left out"},
+        {"k.obj",
+         face + "f" + std::string(2000, ' ') + "1 2 3\n#",
+         {offer},
+         "\n1 line is longer than 1,023 characters"},
         {"l.obj", face + "#" + std::string(3000, '-') + "\n  # end", {}},
         {"m.obj", face + "f 1 2 3" + '\2', {}},
     };
@@ -247,8 +250,9 @@ TEST_F(MeshFiles, WhatImportReadsBetterIsOfferedToIt) {
         }
         const auto shownByRead = [&] {
             readNamedMeshFile(path);
-            std::erase_if(shown.log, [](const auto& line) {
-                return !strchr("mqn", line[0]) || line.starts_with("note|read ");
+            std::erase_if(shown.log, [&](const auto& line) {
+                const bool isNote = line.starts_with("note|");
+                return isNote ? shown.watched : !strchr("mq", line[0]);
             });
             return std::exchange(shown.log, {});
         };
@@ -272,6 +276,38 @@ TEST_F(MeshFiles, WhatImportReadsBetterIsOfferedToIt) {
     appendMeshFile();
     exchangeProgram = program;
     EXPECT_EQ(std::tuple(OB->nf, OB->np), std::tuple(6, 8));
+}
+
+TEST_F(MeshFiles, NotesTellWhatReadingAndWritingLose) {
+    const std::string face = test::triangleText, name(70, 'n');
+    const struct {
+        std::string name, text, notes;
+    } rows[] = {
+        {"a.obj", "# c\n" + face + "s off\nv 1 2 3 1\nvt 1 2 0\n", ""},
+        {"b.obj", face + "o x\ns 1\ns 2\nv 1 2 3 .1 .2 .3\n",
+         "left out: 1 object name, 2 smoothing lines, 1 vertex colour; "},
+        {"c.obj", face + "vt 1e6 0\nf 1/7 2/-7 3/1\ng " + name + "\ng a:b\ng a:b\ng a:c\n",
+         "1 texture coordinate beyond 100,000 was read as 0; 2 corners have the number of a "
+         "texture "
+         "coordinate that is not there, and got the first; 1 name is longer than 63 characters and "
+         "was cut; 2 group names were cut at a colon; "},
+        {"d.obj", face + "f 1 2 3\\\n 1\nf 1 2 3 9 \\\n", "import reads this file; "},
+        {"e.obj", face + "f 1 2 3\\\n 1\n",
+         "1 line was cut at the backslash; import reads this file; "},
+        {"f.obj", face + "v 0 0 0.12345678\nvn 1e-7 1234567 1\n",
+         "2 numbers have more than six digits: export keeps them; "},
+    };
+    for (const auto& row : rows) {
+        readNamedMeshFile(folder.write(row.name, row.text));
+        shown.files = {folder.path("out.obj")};
+        if (row.name == "f.obj") writeObjMeshFile();
+        std::string notes;
+        for (const std::string& line : std::exchange(shown.log, {})) {
+            const bool counts = line.starts_with("note|read") || line.starts_with("note|saved");
+            if (line.starts_with("note|") && !counts) notes += line.substr(5) + "; ";
+        }
+        EXPECT_EQ(notes, row.notes) << row.name;
+    }
 }
 
 } // namespace

@@ -89,9 +89,11 @@ void check(double value) {
                 std::snprintf(expected, sizeof expected, "%*g", width, number);
                 ASSERT_STREQ(text, expected) << std::hexfloat << number;
             }
+            const bool sixDigits = std::strtod(expected, nullptr) == number;
             std::snprintf(expected, sizeof expected, "%5.3f", number);
             ASSERT_EQ(std::string(text, printF3(text, number)), expected) << number;
             if (!std::isfinite(number)) continue;
+            ASSERT_EQ(hasSixDigits(number), sixDigits) << expected;
             *printExact(text, number) = 0;
             const char* exact = text;
             double back = 0;
