@@ -30,7 +30,7 @@ kinds=(
     "picture|--picture work/out.png|out.png"
     "export STL|--command 2002 --answer work/out.stl|out.stl"
     "export glTF and its buffer|--command 2002 --answer work/out.gltf --answer yes|out.gltf out.bin"
-    "export OBJ and its materials|--command 2002 --answer work/out.obj --answer yes|out.obj out.mtl"
+    "export OBJ|--command 2002 --answer work/out.obj|out.obj"
 )
 
 save() { # kind steps, of $mesh
