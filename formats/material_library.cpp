@@ -76,7 +76,7 @@ Libraries librariesOf(const std::string& path, const std::vector<std::string>& l
 /// Gives the materials of the mesh from `firstNew` on what the library says of them.
 class LooksReader {
   public:
-    LooksReader(Mesh& to, int firstNew) : mesh(to) {
+    LooksReader(Mesh& to, int firstNew, bool withColors) : mesh(to), colors(withColors) {
         for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
     }
 
@@ -86,7 +86,7 @@ class LooksReader {
             const auto found = wanted.find(material.name);
             if (found == wanted.end()) continue;
             for (const int i : found->second) {
-                if (material.color) mesh.materials[i].color = *material.color;
+                if (material.color && colors) mesh.materials[i].color = *material.color;
             }
             wanted.erase(found); // of several of one name the first counts
             MaterialLook look{nullptr, material.placing, material.opacity};
@@ -99,9 +99,27 @@ class LooksReader {
 
   private:
     Mesh& mesh;
+    bool colors;
     std::map<std::string, std::vector<int>, std::less<>> wanted;
     FoundPictures pictures;
 };
+
+/// Reads these libraries into the looks, for the materials from `firstNew` on.
+std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew, bool colors) {
+    const bool alone = firstNew == 0 || materialLooks() == nullptr;
+    if (libraries.empty()) {
+        if (firstNew == 0) setMaterialLooks(nullptr);
+        return "";
+    }
+    MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
+    LooksReader reader(mesh, firstNew, colors);
+    for (auto& library : libraries) {
+        reader.read(*library, looks);
+        looks.libraries.push_back(std::move(library));
+    }
+    setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
+    return reader.note();
+}
 
 // Writing.
 
@@ -234,22 +252,15 @@ std::vector<std::string> missingLibraries(const std::string& path,
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                   const std::vector<std::string>& lines, int firstNew) try {
-    Libraries libraries = librariesOf(path, lines);
-    const bool alone = firstNew == 0 || materialLooks() == nullptr;
-    if (libraries.empty()) {
-        if (firstNew == 0) setMaterialLooks(nullptr);
-        return "";
-    }
-    MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
-    LooksReader reader(mesh, firstNew);
-    for (const auto& library : libraries) {
-        reader.read(*library, looks);
-        looks.libraries.push_back(library);
-    }
-    setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
-    return reader.note();
+    return readLooks(mesh, librariesOf(path, lines), firstNew, true);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory for the materials";
+}
+
+void readLooksAgain(Mesh& mesh, const std::string& path) try {
+    static_cast<void>(readLooks(mesh, librariesOf(path, {mesh.mtllib}), 0, false));
+} catch (const std::bad_alloc&) {
+    setMaterialLooks(nullptr);
 }
 
 void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {

@@ -187,7 +187,7 @@ void tellOthers(std::size_t count) {
 void takeOver(RecoveryFolder& folder, const RecoveryRecord& record) {
     OB->changed = 1;
     restoreEditor(record);
-    static_cast<void>(readMaterialLibraries(*OB, workbench.fileName, {OB->mtllib}, 0));
+    readLooksAgain(*OB, workbench.fileName);
     recovery.folder = std::move(folder);
     startHistory();
     recovery.saved = presentMesh();
