@@ -13,18 +13,20 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace polyfab {
 namespace {
 
 struct Mode {
-    int command;          ///< the menu command that enters it
-    int value;            ///< of EditorState::mode
-    char axis;            ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
-    const char* name;     ///< shown in the title
-    const char* help;     ///< what the mouse does, in the status line
-    Press press{};        ///< the same for the editor; nothing unless told
-    bool selects = false; ///< it only selects faces
+    int command;      ///< the menu command that enters it
+    int value;        ///< of EditorState::mode
+    char axis;        ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
+    const char* name; ///< shown in the title
+    const char* help; ///< what the mouse does, in the status line
+    Press press{};    ///< the same for the editor; nothing unless told
+    /// A drag at most, as long as undo calls it as press does.
+    Changed changes = Changed::anything;
 };
 
 constexpr auto modes = std::to_array<Mode>({
@@ -37,20 +39,23 @@ constexpr auto modes = std::to_array<Mode>({
      "edge handling",
      "click: current edge - drag: move it - Delete: join the two faces on it - Esc: take a drag "
      "back",
-     {pressEdge, button::left, "pick edge"}},
+     {pressEdge, button::left, "pick edge"},
+     Changed::current},
     {349,
      'F',
      0,
      "face handling",
      "click: current face - Shift+click: select or unselect it - drag from vertex to vertex: split "
      "it - Delete: delete it",
-     {pressFace, button::left, "pick face"}},
+     {pressFace, button::left, "pick face"},
+     Changed::current},
     {350,
      'H',
      0,
      "group handling",
      "click: make a face's group the current one - Ctrl+click: put the face into the current group",
-     {pressGroup, button::left, "pick group"}},
+     {pressGroup, button::left, "pick group"},
+     Changed::current},
     {351,
      'm',
      0,
@@ -162,7 +167,7 @@ constexpr auto modes = std::to_array<Mode>({
      "selecting groups by clicking the mesh",
      "click: select the group of a face, and nothing else - Shift: add it - Ctrl: take it away",
      {selectGroupAt, button::left, "select group"},
-     true},
+     Changed::facesOnly},
     {379,
      1101,
      0,
@@ -170,28 +175,28 @@ constexpr auto modes = std::to_array<Mode>({
      "click: select the faces of a material, and nothing else - Shift: add them - Ctrl: take them "
      "away",
      {selectMaterialAt, button::left, "select material"},
-     true},
+     Changed::facesOnly},
     {381,
      1104,
      0,
      "selecting parts by clicking the mesh",
      "click: select a part, and nothing else - Shift: add it - Ctrl: take it away",
      {selectPartAt, button::left, "select part"},
-     true},
+     Changed::facesOnly},
     {380,
      1108,
      0,
      "selecting texture map areas by clicking the mesh",
      "click: select a texture map area, and nothing else - Shift: add it - Ctrl: take it away",
      {selectTextureMapAreaAt, button::left, "select texture map area"},
-     true},
+     Changed::facesOnly},
     {selectByRectangle,
      1110,
      0,
      "select by rectangle",
      "drag: select the faces inside - right drag: those it touches - Shift: add - Ctrl: take away",
      {dragRectangle, anyButton},
-     true},
+     Changed::facesOnly},
 });
 
 const Mode& presentMode() {
@@ -238,7 +243,11 @@ bool modeUsesRightButton() {
 
 const char* modeHelp() { return presentMode().help; }
 
-bool modeSelects() { return presentMode().selects; }
+Changed changedByMode() {
+    const Mode& mode = presentMode();
+    const bool asNamed = drags.step == std::string_view(mode.press.step);
+    return asNamed ? mode.changes : Changed::anything;
+}
 
 void restoreModeName() { workbench.modeName = presentMode().name; }
 

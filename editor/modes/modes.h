@@ -2,6 +2,7 @@
 // The interaction modes: what the mouse does to the mesh view is a row of a table.
 #pragma once
 
+#include "mesh/snapshot.h"
 #include "platform/platform.h"
 
 namespace polyfab {
@@ -26,8 +27,8 @@ void enterMode(int command);
 /// Whether the present mode has a use for the right button.
 [[nodiscard]] bool modeUsesRightButton();
 
-/// Whether the mouse changes no more of the mesh, in the present mode, than what is selected.
-[[nodiscard]] bool modeSelects();
+/// What the latest drag in the present mode may have changed of the mesh.
+[[nodiscard]] Changed changedByMode();
 
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();
