@@ -5,6 +5,8 @@
 #include "mesh/snapshot.h"
 #include "platform/platform.h"
 
+#include <string>
+
 namespace polyfab {
 
 inline constexpr int selectByRectangle = 2030; ///< the command that enters that mode
@@ -19,9 +21,9 @@ void enterMode(int command);
 [[nodiscard]] int presentModeCommand();
 
 /// What the mouse does in the present mode, in one line.
-[[nodiscard]] const char* modeHelp();
+[[nodiscard]] std::string modeHelp();
 
-/// The same for the mode that this command enters; "" when it enters none.
+/// The same for the mode that this command enters, whatever it turns now; "" when it enters none.
 [[nodiscard]] const char* modeHelpOf(int command);
 
 /// Whether the present mode has a use for the right button.
