@@ -32,7 +32,7 @@ class RandomUser {
     }
 
     std::vector<std::string> files; ///< that file dialogs are answered with; none: cancel
-    bool fitted = false; ///< the last act fitted view and box, which is no step
+    bool fitted = false;            ///< the last act fitted view and box, which is no step
     std::function<void()> beforeListIsClosed; ///< called when something was done in a list
 
     /// A drag, a turn of the wheel, a key or a command, with whatever answers.
