@@ -118,15 +118,18 @@ void forEachInView(const Pane& pane, const Layer& layer, Use use) {
     }
 }
 
-/// Whether smooth lines would take too long. It is a count and no clock that decides, so that a
-/// picture is the same everywhere.
-bool hasTooManyEdges(const Pane& pane) {
+/// Whether smooth lines would take too long, in both panes together. It is a count and no clock
+/// that decides, so that a picture is the same everywhere.
+bool hasTooManyEdges() {
     constexpr std::uint32_t most = 200'000;
-    if (wireframe.edges.other.size() <= most) return false;
-    const unsigned shown = pane.left ? edgemark::inLeft : edgemark::inRight;
+    if (wireframe.edges.other.size() <= most / 2) return false;
     std::uint32_t count = 0;
-    forEachInView(pane, {look.selected, shown, shown},
-                  [&count](auto, auto) { return ++count <= most; });
+    for (const bool left : {true, false}) {
+        if (isRendered(left)) continue;
+        const unsigned shown = left ? edgemark::inLeft : edgemark::inRight;
+        forEachInView(makePane(wireframe.picture, left), {look.selected, shown, shown},
+                      [&count](auto, auto) { return ++count <= most; });
+    }
     return count > most;
 }
 
@@ -240,10 +243,11 @@ void draw(Mesh& mesh, const Markers& markers) {
         std::transform(mesh.points, mesh.points + mesh.np, wireframe.points.begin(),
                        [&](const Point& p) { return panePoint(p, panes); });
     }
+    const bool tooMany = displayOptions.smoothLines && hasTooManyEdges();
     for (const bool left : {true, false}) {
         Pane pane = makePane(wireframe.picture, left);
         const bool solid = isRendered(left);
-        pane.smooth = displayOptions.smoothLines && (solid || !hasTooManyEdges(pane));
+        pane.smooth = displayOptions.smoothLines && (solid || !tooMany);
         solid ? drawSolid(mesh, pane) : drawWires(mesh, pane);
         drawOverlay(mesh, pane, markers);
         drawPaneNames(mesh, pane);

@@ -45,7 +45,7 @@ constexpr AdviceRow rows[] = {
     {271, "the rotate modes turn about the screen's axes; otherwise about the object's own"},
     {297, "the rotate modes turn the view"},
     {298, "the rotate modes turn the selected faces"},
-    {281, "shows the object upright again, from the front"},
+    {281, "shows the object upright again, from the front, and fits it in both panes"},
     {324, "restricts smoothing to one axis of the picture, or to none"},
     {371, "moves each point of the selected faces to the average of its neighbours; with Ctrl it "
           "only fills dents"},
@@ -82,9 +82,11 @@ constexpr AdviceRow rows[] = {
     {2032, "selects the faces around the selected ones, too"},
     {2033, "unselects the faces at the border of the selection"},
     {2034, "selects all faces that hang together with a selected one"},
-    {2035, "selects all faces of the current face's material"},
-    {2036, "selects all faces of the current face's group"},
-    {2037, "selects all faces that lie in the current face's plane, within an angle that is asked"},
+    {2035,
+     "selects the faces of the current face's material, and nothing else; with Shift adds them"},
+    {2036, "selects the faces of the current face's group, and nothing else; with Shift adds them"},
+    {2037, "selects the faces in the current face's plane, within an angle that is asked, and "
+           "nothing else; with Shift adds them"},
     {292, "selects the faces that have all their corners in the box, too"},
     {293, "unselects the faces that have all their corners in the box"},
     {294, "selects all faces that are not wholly in the box, too"},

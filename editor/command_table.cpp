@@ -135,6 +135,11 @@ constexpr Command viewing(Command row) {
     return row;
 }
 
+constexpr Command fitting(Command row, const char* key) {
+    row.bareKey = key;
+    return viewing(row);
+}
+
 Shown shownStep(const char* label, const std::string& step) {
     return {step.empty() ? label : label + (" " + step), !step.empty()};
 }
@@ -272,7 +277,7 @@ constexpr auto table = std::to_array<Command>({
     selecting(
         {2031, facesMenu, "in&vert the selection", onMesh<invertSelection>, nullptr, "Ctrl+I"}),
     selecting({2032, facesMenu, "grow the selection by one ring: &+", onMesh<growSelection>,
-               nullptr, "Ctrl++"}),
+               nullptr, "Ctrl++; Ctrl+="}),
     selecting({2033, facesMenu, "shrink the selection by one ring: &-", onMesh<shrinkSelection>,
                nullptr, "Ctrl+-"}),
     selecting({2034, facesMenu, "select all faces connected to the selected ones: &2",
@@ -400,10 +405,12 @@ constexpr auto table = std::to_array<Command>({
     {2005, display, "s&mooth lines", flip<&Show::smoothLines>, isOn<&Show::smoothLines>},
     {2006, display, "show the names of the panes: &t", flip<&Show::paneNames>,
      isOn<&Show::paneNames>},
-    viewing({fitCommand, display, "fit everything in both panes: &0",
-             [] { navigateByKey(key::home); }}),
-    viewing({fitSelectedCommand, display, "fit the selected faces: &1",
-             [] { navigateByKey(key::fullStop); }}),
+    fitting(
+        {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }},
+        "Home"),
+    fitting({fitSelectedCommand, display, "fit the selected faces: &1",
+             [] { navigateByKey(key::fullStop); }},
+            "."),
     {1034, display, "show the pane backgroun&ds", later},
 
     {330, rendering, "&render the left pane", toggleRendered<true>, paneIsRendered<true>, "F5"},

@@ -32,6 +32,8 @@ struct Command {
     bool takesLong = false;               ///< with a large mesh
     bool selects = false;                 ///< of the mesh it changes no more than the selection
     bool views = false;                   ///< it changes only the view, and the box with it
+    const char* bareKey = ""; ///< a key that does the same, and is no shortcut: lists and
+                              ///< panes hear it themselves
 };
 
 /// Heading of what stands only in the menu bars of name lists.

@@ -64,7 +64,7 @@ bool isChecked(const Command& command) {
 MenuItem itemOf(const Command& command, const Shown& now, bool withKey) {
     const bool radio = isRadio(command);
     return {.id = command.id,
-            .label = now.label,
+            .label = now.label + (*command.bareKey != '\0' ? "\t" : "") + command.bareKey,
             .enabled = now.enabled,
             .checkable = radio || command.checked != nullptr,
             .checked = isChecked(command),
@@ -184,7 +184,8 @@ std::vector<CommandInfo> listCommands() {
     std::vector<CommandInfo> list;
     for (const Command& command : commandTable()) {
         list.push_back({command.id, command.menu, command.label, command.handler != nullptr,
-                        command.key, adviceOf(command.id)});
+                        *command.key != '\0' ? command.key : command.bareKey,
+                        adviceOf(command.id)});
     }
     return list;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/status_line.h"
 
+#include "editor/command_table.h"
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
 #include "editor/lists/name_list.h"
@@ -11,6 +12,7 @@
 #include "mesh/stale.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
+#include "workbench/state.h"
 
 #include <utility>
 
@@ -23,9 +25,11 @@ std::string left() {
     if (!notes().empty()) return notes();
     if (editorState.subview != 0) {
         return "click a name: pick it and close - Ctrl+click: pick more - right click: rename - "
-               "letter: go to a name - Esc: close";
+               "Shift+letter: go to a name - Esc: close";
     }
-    return modeHelp();
+    const std::string mode = workbench.modeName.empty() ? "default mode" : workbench.modeName;
+    const std::string help = modeHelp();
+    return plainLabel(mode) + (help.empty() ? "" : " - " + help);
 }
 
 std::string right() {

@@ -5,6 +5,7 @@
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "workbench/notes.h"
+#include "workbench/prompts.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -41,7 +42,13 @@ std::string filledIn(std::string text, const FaceCounts& before, const FaceCount
     return text;
 }
 
-enum class Needs : std::uint8_t { nothing, selectedFace, unselectedFace, currentFace };
+enum class Needs : std::uint8_t {
+    nothing,
+    selectedFace,
+    toldSelection, ///< a selected face, and a box tells when there is none
+    unselectedFace,
+    currentFace
+};
 
 /// When it is told what a command did: always, or only if it changed something that is saved.
 enum class When : std::uint8_t { always, altered };
@@ -50,7 +57,8 @@ struct Row {
     int command;
     Needs needs; ///< without that it can do nothing
     When when = When::always;
-    const char* did = ""; ///< with the marks of numbers; "": a box tells, or its function
+    const char* did = "";         ///< with the marks of numbers; "": a box tells, or its function
+    const char* lacked = nullptr; ///< what to say without what it needs, if not just that
 };
 
 constexpr const char* selection = "{selection}";
@@ -58,21 +66,14 @@ constexpr const char* split = "there were {before}; now there are {now}";
 
 constexpr Row rows[] = {
     {281, Needs::nothing, When::always, "the view is upright and shows everything"},
-    {371, Needs::selectedFace},
     {372, Needs::selectedFace, When::altered, "moved the vertexes of the {selected}"},
-    {398, Needs::selectedFace},
-    {389, Needs::selectedFace},
     {386, Needs::selectedFace, When::altered, "removed the normals from the {selected}"},
     {388, Needs::selectedFace, When::altered, "removed the texture map info from the {selected}"},
-    {2038, Needs::selectedFace},
-    {409, Needs::selectedFace, When::altered, "mirrored the {selected}"},
-    {413, Needs::selectedFace, When::altered, "changed the sign in the {selected}"},
-    {1055, Needs::selectedFace, When::altered, "swopped y and z of the {selected}"},
-    {1084, Needs::selectedFace, When::altered, "rotated the {selected}"},
-    {1024, Needs::selectedFace, When::altered, "moved the {selected}, and the box with them"},
-    {1051, Needs::selectedFace},
-    {1057, Needs::selectedFace},
-    {1067, Needs::selectedFace},
+    {409, Needs::toldSelection, When::altered, "mirrored the {selected}"},
+    {413, Needs::toldSelection, When::altered, "changed the sign in the {selected}"},
+    {1055, Needs::toldSelection, When::altered, "swopped y and z of the {selected}"},
+    {1084, Needs::toldSelection, When::altered, "rotated the {selected}"},
+    {1024, Needs::toldSelection, When::altered, "moved the {selected}, and the box with them"},
     {1070, Needs::nothing, When::always, "(0,0,0) is in the middles of the panes"},
 
     {280, Needs::currentFace},
@@ -91,7 +92,7 @@ constexpr Row rows[] = {
     {295, Needs::nothing, When::always, selection},
     {325, Needs::nothing, When::always, selection},
     {326, Needs::nothing, When::always, selection},
-    {2003, Needs::selectedFace, When::always, "the box is around the {selected}"},
+    {2003, Needs::toldSelection, When::always, "the box is around the {selected}"},
     {299, Needs::selectedFace, When::altered, "deleted {gone}"},
     {316, Needs::unselectedFace, When::altered, "deleted {gone}"},
     {268, Needs::selectedFace},
@@ -101,18 +102,14 @@ constexpr Row rows[] = {
     {284, Needs::nothing, When::always, "there is no current face now"},
     {396, Needs::nothing, When::always, "there is no current edge now"},
     {397, Needs::selectedFace, When::altered, "turned the {selected} over"},
-    {1066, Needs::selectedFace},
-    {1088, Needs::selectedFace},
 
-    {390, Needs::selectedFace},
-    {1061, Needs::selectedFace},
-    {269, Needs::selectedFace},
-    {317, Needs::selectedFace},
     {393, Needs::selectedFace},
 
-    {322, Needs::nothing, When::altered, "put the {selected} into a new group"},
+    {322, Needs::selectedFace, When::altered, "put the {selected} into a new group",
+     "no face is selected, and so none is in the new group"},
     {1025, Needs::nothing, When::altered, "groups of the same name are one now"},
-    {327, Needs::nothing, When::altered, "put the {selected} into a new material"},
+    {327, Needs::selectedFace, When::altered, "put the {selected} into a new material",
+     "no face is selected, and so none has the new material"},
     {1026, Needs::nothing, When::altered, "materials of the same name are one now"},
     {402, Needs::selectedFace},
     {1065, Needs::selectedFace, When::altered, "deleted {gone}"},
@@ -125,8 +122,10 @@ const Row& rowOf(const Command& command) {
     return row == std::end(rows) ? none : *row;
 }
 
+/// Null: nothing; "": something, and a box tells that.
 const char* lackingNow(Needs needs, const FaceCounts& faces) {
     if (needs == Needs::selectedFace && faces.selected == 0) return "no face is selected";
+    if (needs == Needs::toldSelection && faces.selected == 0) return "";
     if (needs == Needs::unselectedFace && faces.selected == faces.live) {
         return "every face is selected";
     }
@@ -139,18 +138,22 @@ const char* lackingNow(Needs needs, const FaceCounts& faces) {
 } // namespace
 
 Teller::Teller(const Command* carriedOut) : command(OB != nullptr ? carriedOut : nullptr) {
-    if (command != nullptr) lacking = lackingNow(rowOf(*command).needs, before);
+    if (command == nullptr) return;
+    const Row& row = rowOf(*command);
+    lacking = lackingNow(row.needs, before);
+    if (lacking != nullptr && row.lacked != nullptr) lacking = row.lacked;
+    prompts.cancelled = false;
 }
 
 void Teller::tell(bool altered) const {
     if (command == nullptr) return;
-    if (lacking != nullptr) return note(lacking);
+    const Row& row = rowOf(*command);
+    if (lacking != nullptr) return *lacking != '\0' ? note(lacking) : void();
     if (command->checked != nullptr) {
         return note(plainLabel(command->label) + (command->checked() ? ": on" : ": off"));
     }
-    const Row& row = rowOf(*command);
     if (*row.did == '\0') return;
-    const bool did = altered || row.when == When::always;
+    const bool did = altered || (row.when == When::always && !prompts.cancelled);
     note(did ? filledIn(row.did, before, editorState.faces) : "nothing was changed");
 }
 

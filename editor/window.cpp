@@ -106,14 +106,16 @@ bool mayChange(const Event& event) {
     return readsFile(event);
 }
 
+/// Whether a command does more than to turn a switch, enter a mode or change what is seen.
+bool changesMesh(const Command& command) {
+    return command.checked == nullptr && !command.views && !entersMode(command.id);
+}
+
 /// Whether the mesh may become another by this, or by the drag that begins with it.
 bool mayChangeMesh(const Event& event) {
     if (editorState.subview != 0) return true;
     const Command* const command = commandOf(event);
-    if (command != nullptr) {
-        return command->checked == nullptr && !command->views && !entersMode(command->id)
-               && !movesInHistory(event);
-    }
+    if (command != nullptr) return changesMesh(*command) && !movesInHistory(event);
     if (event.kind == EventKind::keyDown) return keyStep(event) != nullptr;
     return event.kind == EventKind::mouse && (event.buttons & ~button::middle) != 0;
 }
@@ -131,10 +133,12 @@ Snap snapAfter(const Event& event) {
 
 /// What may have become another in the mesh by this, or by the drag or in the list that it ends.
 Changed changedBy(const Event& event, bool listed) {
+    if (listed) return Changed::facesOnly;
+    if (event.kind == EventKind::mouse) return changedByMode();
     const Command* const command = commandOf(event);
-    const bool selects =
-        command != nullptr ? command->selects : event.kind == EventKind::mouse && modeSelects();
-    return selects || listed ? Changed::facesOnly : Changed::anything;
+    if (command == nullptr) return Changed::anything;
+    if (command->selects) return Changed::facesOnly;
+    return changesMesh(*command) ? Changed::anything : Changed::current;
 }
 
 /// When the user was first seen to rest, by the clock of work; below 0: he is at work. A headless

@@ -71,13 +71,15 @@ void askAndWrite(const Format& format, Write* write) {
                                                workbench.fileName,
                                                std::string(format.suffix)});
     if (!chosen) return;
-    const std::string fileName = workbench.fileName;
+    const std::string fileName = workbench.fileName, lastChosen = workbench.lastChosen;
     const HomeFile home = workbench.home;
     setFileName(*chosen);
     workbench.wholeMeshWritten = false;
     if (!writeTo(*OB, *chosen, format, write)) {
         workbench.fileName = fileName;
         workbench.home = home;
+        // Scripts are offered what they named last.
+        if (platform().isWatched()) workbench.lastChosen = lastChosen;
     }
     updateTitle();
 }

@@ -95,7 +95,7 @@ void askAndMakeBlock(Mesh& mesh) {
         ++answer;
     }
     makeCurrent(mesh, answer[0].text, answer[1].text);
-    if (accepted) makeAndTell(mesh);
+    accepted ? makeAndTell(mesh) : note("nothing was made");
 }
 
 } // namespace polyfab

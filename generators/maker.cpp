@@ -181,7 +181,7 @@ void askAndMake(Mesh& mesh, const Maker& maker) {
     const bool accepted = ask(mesh, maker, fields);
     const std::size_t names = maker.parameters.size();
     makeCurrent(mesh, fields[names].text, fields[names + 1].text);
-    if (!accepted) return;
+    if (!accepted) return note("nothing was made");
     const std::string fault = make(mesh, maker, fields);
     if (fault.empty()) return;
     platform().message(title, fault, Icon::exclamation);

@@ -194,8 +194,9 @@ class Taker {
     template <typename Each>
     bool isAsBefore(const Snapshot::Array& array, std::size_t number) const {
         constexpr bool selectable = requires(typename Each::Record record) { record.selected; };
-        return !selectable && changed == Changed::facesOnly && before != nullptr
-               && before->arrays[number] == array;
+        const bool looksAt =
+            selectable ? changed != Changed::current : changed == Changed::anything;
+        return !looksAt && before != nullptr && before->arrays[number] == array;
     }
 
     const Chunks* chunksBefore(std::size_t column) const {

@@ -74,9 +74,13 @@ struct ColumnFacts {
 
 [[nodiscard]] const std::array<ColumnFacts, Snapshot::columnCount>& columnFacts();
 
-/// What may differ from the snapshot before: anything, or only the faces with their groups,
-/// materials, areas and parts. The latter spares the way through all points and corners.
-enum class Changed { anything, facesOnly };
+/// What may differ from the snapshot before. The less it is, the fewer arrays need be looked at;
+/// those that are longer or shorter now are taken anyway.
+enum class Changed {
+    anything,
+    facesOnly, ///< the faces with their groups, materials, areas and parts: no points and corners
+    current,   ///< which vertex, face, group and so on are current
+};
 
 /// The mesh as it is now. `before` (or null) is the snapshot to share with, and is itself the
 /// result when nothing is different. Linear, and without a difference no memory is taken. May throw

@@ -3,6 +3,7 @@
 
 #include "mesh/faces.h"
 #include "platform/platform.h"
+#include "workbench/notes.h"
 #include "workbench/prompts.h"
 
 #include <cstdio>
@@ -43,6 +44,11 @@ bool askCount(const std::string& question, const std::string& defaultAnswer, int
     if (number == answer) return true;
     platform().message("", "I need a whole number", Icon::exclamation);
     return false;
+}
+
+void noteOfSelected(const Mesh& mesh, const std::string& did) {
+    const auto selected = selectedFaces(mesh);
+    note(selected.begin() == selected.end() ? "no face is selected" : did);
 }
 
 } // namespace polyfab

@@ -23,4 +23,7 @@ namespace polyfab {
 /// Whether the number lies in the range; otherwise a box says so.
 [[nodiscard]] bool isWithin(double number, double least, double most);
 
+/// A note of what was done with the selected faces, or that there is none.
+void noteOfSelected(const Mesh& mesh, const std::string& did);
+
 } // namespace polyfab

@@ -10,6 +10,7 @@
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
 #include "workbench/prompts.h"
+#include "workbench/state.h"
 
 #include <cmath>
 #include <numeric>
@@ -24,6 +25,12 @@ template <typename Choose>
 void selectBy(Mesh& mesh, Choose choose) {
     for (Face& face : liveFaces(mesh)) face.selected = choose(face) ? 1 : 0;
     noteSelection();
+}
+
+/// Selects the live faces that isLike(face) says. `adds`: what was selected stays so.
+template <typename IsLike>
+void selectLike(Mesh& mesh, bool adds, IsLike isLike) {
+    selectBy(mesh, [&](const Face& face) { return (adds && face.selected != 0) || isLike(face); });
 }
 
 /// Whether some corner of the face is on a marked point.
@@ -71,7 +78,8 @@ void selectSame(Mesh& mesh, std::int16_t Face::*index) {
     const Face* const current = currentFace(mesh);
     if (current == nullptr) return;
     const int wanted = current->*index;
-    selectBy(mesh, [&](const Face& face) { return face.selected != 0 || face.*index == wanted; });
+    selectLike(mesh, keyIsDown(key::shift),
+               [&](const Face& face) { return face.*index == wanted; });
 }
 
 Vec3 middleOf(const Face& face) {
@@ -130,12 +138,12 @@ void selectSamePlane(Mesh& mesh) {
     if (current == nullptr) return;
     const Vec3 normal = faceNormal(*current);
     if (isZero(normal)) return note("the current face has no plane");
+    const bool adds = keyIsDown(key::shift); // which may go up while it is asked
     double most = 0;
     if (!askNumberOrCancel("max angle to the plane(deg)?", "1", most)) return;
     const Vec3 middle = middleOf(*current);
     const double rise = std::sin(std::min(std::max(most, 0.0), 90.0) * pi / 180);
-    selectBy(mesh, [&](const Face& face) {
-        if (face.selected != 0) return true;
+    selectLike(mesh, adds, [&](const Face& face) {
         const Vec3 own = faceNormal(face);
         if (isZero(own) || !(angleBetween(normal, own) <= most)) return false;
         const Vec3 way = middleOf(face) - middle;

@@ -19,7 +19,8 @@ void shrinkSelection(Mesh& mesh);
 /// Selects the faces that can be reached from selected ones over shared points.
 void selectConnected(Mesh& mesh);
 
-// Like the current face; without one nothing is selected.
+// Like the current face, and nothing else; with Shift down they are added. Without a current face
+// nothing is changed.
 
 /// Selects the faces of its material (group).
 void selectSameMaterial(Mesh& mesh);

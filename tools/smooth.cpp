@@ -6,6 +6,7 @@
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
 #include "platform/platform.h"
+#include "tools/asking.h"
 #include "tools/collect.h"
 #include "tools/point_normals.h"
 #include "workbench/long_work.h"
@@ -69,7 +70,9 @@ void eachSide(const Mesh& mesh, Use use) {
     }
 }
 
-void tellMoved(std::int32_t points) { note("smoothed: " + counted(points, "point") + " moved"); }
+void tellMoved(const Mesh& mesh, std::int32_t points) {
+    noteOfSelected(mesh, "smoothed: " + counted(points, "point") + " moved");
+}
 
 } // namespace
 
@@ -109,7 +112,7 @@ void smoothDents(Mesh& mesh) {
         moveTo(p, mean);
         ++moved;
     }
-    tellMoved(moved);
+    tellMoved(mesh, moved);
     mesh.changed = 1;
     stale.points = true;
 }
@@ -143,7 +146,7 @@ void smoothView(Mesh& mesh, char axis) {
         moveTo(p, projection.toWorld(to));
         ++moved;
     }
-    tellMoved(moved);
+    tellMoved(mesh, moved);
     mesh.changed = 1;
     stale.points = true;
 }

@@ -8,6 +8,7 @@
 #include "mesh/faces.h"
 #include "mesh/stale.h"
 #include "mesh/table.h"
+#include "tools/asking.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
 #include "workbench/prompts.h"
@@ -46,7 +47,7 @@ class EdgeWelder {
         }
     }
 
-    void tell() const { note("collapsed " + counted(collapsed, "edge")); }
+    void tell() const { noteOfSelected(mesh, "collapsed " + counted(collapsed, "edge")); }
 
   private:
     std::int32_t pointNow(const FaceCorner& corner) {

@@ -9,6 +9,7 @@
 #include "mesh/garbage.h"
 #include "mesh/stale.h"
 #include "mesh/table.h"
+#include "tools/asking.h"
 #include "tools/close_points.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
@@ -95,8 +96,8 @@ void weldclose(Mesh& mesh, bool allEdges) {
             const std::int32_t taker = takers[pointOf(mesh, *corner)];
             if (taker != noPart) corner->p = mesh.points + taker;
         }
-        note("welded " + counted(mesh.np, "point") + " to "
-             + counted(mesh.np - countTaken(mesh, takers)));
+        noteOfSelected(mesh, "welded " + counted(mesh.np, "point") + " to "
+                                 + counted(mesh.np - countTaken(mesh, takers)));
     });
 }
 
@@ -109,7 +110,8 @@ void bringclose(Mesh& mesh, bool allEdges) {
             moveTo(point, worldPosition(taker));
             point.sx = taker.sx, point.sy = taker.sy, point.sz = taker.sz;
         }
-        note("brought " + counted(countTaken(mesh, takers), "point") + " to others");
+        noteOfSelected(mesh,
+                       "brought " + counted(countTaken(mesh, takers), "point") + " to others");
     });
 }
 

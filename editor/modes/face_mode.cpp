@@ -8,6 +8,7 @@
 #include "mesh/split_face.h"
 #include "mesh/stale.h"
 #include "tools/delete_faces.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <algorithm>
@@ -101,19 +102,23 @@ std::unique_ptr<Drag> pressFace(const Event& press) {
         face.selected = face.selected ? 0 : 1;
         drags.step = "select face";
         noteSelection();
+        note("face " + counted(std::int64_t{OB->curface} + 1)
+             + (face.selected != 0 ? " is selected now" : " is not selected any more"));
     }
     updateTitle();
     return std::make_unique<SplitDrag>(press, point);
 }
 
 void deleteCurrentFace() {
-    if (!hasFace(*OB, OB->curface)) return;
+    const std::int64_t face = OB->curface;
+    if (!hasFace(*OB, OB->curface)) return note("no current face: click one");
     if (platform().question("", "do you want to delete this face?", Buttons::yesNo)
         != Choice::yes) {
-        return;
+        return note("nothing was changed");
     }
     OB->faces[OB->curface].q = nullptr;
     noteDeletedFaces(*OB);
+    note("deleted face " + counted(face + 1));
 }
 
 } // namespace polyfab

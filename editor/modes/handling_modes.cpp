@@ -66,7 +66,7 @@ std::optional<Side> neighbour(const Side& side) {
 Side currentSide() { return {workbench.currentEdgeFace, workbench.currentEdgeCorner}; }
 
 void deleteCurrentEdge() {
-    if (!currentEdgeIsLive()) return;
+    if (!currentEdgeIsLive()) return note("no current edge: click one");
     const Side side = currentSide();
     const auto other = neighbour(side);
     if (!other) return;
@@ -77,6 +77,7 @@ void deleteCurrentEdge() {
     forgetCurrentEdge();
     stale.edges = true;
     updateTitle();
+    note("joined the two faces on the edge to face " + counted(std::int64_t{side.face} + 1));
 }
 
 /// Welds the current vertex onto the one under the mouse. False when there is no other one.

@@ -13,81 +13,82 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace polyfab {
 namespace {
 
 struct Mode {
-    int command;          ///< the menu command that enters it
-    int value;            ///< of EditorState::mode
-    char axis;            ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
-    const char* name;     ///< shown in the title
-    const char* help;     ///< what the mouse does, in the status line
-    Press press{};        ///< the same for the editor; nothing unless told
-    bool selects = false; ///< it only selects faces
+    int command;      ///< the menu command that enters it
+    int value;        ///< of EditorState::mode
+    char axis;        ///< of EditorState::resizeAxis, for the resize modes; otherwise 0
+    const char* name; ///< shown in the title
+    const char* help; ///< what the mouse does, in the status line
+    Press press{};    ///< the same for the editor; nothing unless told
+    Changed changes = Changed::anything; ///< a drag at most, as long as undo calls it as press does
 };
 
 constexpr auto modes = std::to_array<Mode>({
     {358, defaultMode, 0, "",
-     "wheel: zoom - middle drag: move the view, with Shift turn it - right click: menu - left "
-     "button: see the mode menu"},
+     "wheel: zoom - middle drag: move the view, with Shift turn it - right click: menu"},
     {348,
      'E',
      0,
      "edge handling",
-     "click: current edge - drag: move it - Delete: join the two faces on it - Esc: take a drag "
-     "back",
-     {pressEdge, button::left, "pick edge"}},
+     "click: current edge - drag: move it - Delete: join its two faces - Esc: take back",
+     {pressEdge, button::left, "pick edge"},
+     Changed::current},
     {349,
      'F',
      0,
      "face handling",
-     "click: current face - Shift+click: select or unselect it - drag from vertex to vertex: split "
-     "it - Delete: delete it",
-     {pressFace, button::left, "pick face"}},
+     "click: current face - Shift+click: select or not - drag between vertexes: split - Delete: "
+     "delete",
+     {pressFace, button::left, "pick face"},
+     Changed::current},
     {350,
      'H',
      0,
      "group handling",
-     "click: make a face's group the current one - Ctrl+click: put the face into the current group",
-     {pressGroup, button::left, "pick group"}},
+     "click: make its group current - Ctrl+click: put the face into the current group",
+     {pressGroup, button::left, "pick group"},
+     Changed::current},
     {351,
      'm',
      0,
      "move objects",
-     "left drag: move the selected faces in x and y - right drag: in z and y - Esc: take back",
+     "left drag: move the selected faces in x, y - right drag: in z, y - Esc: take back",
      {moveObjects, anyButton, "move faces"}},
     {352,
      'M',
      0,
      "move display",
-     "left drag: move the picture in x and y - right drag: in z and y - Esc: take back",
+     "left drag: move the picture in x, y - right drag: in z, y - Esc: take back",
      {moveDisplay, anyButton}},
     {353,
      'P',
      0,
      "vertex handling",
-     "click: current vertex - drag: move it - Ctrl+click: corner of a new face, Enter: make it - "
-     "drag, then Ctrl on another vertex: weld - Esc: take back",
+     "click: current vertex - drag: move, Ctrl at the end: weld - Ctrl+click, Enter: new face - "
+     "Esc: take back",
      {pressVertex, button::left, "pick vertex"}},
     {357,
      'Q',
      0,
      "set left cutoff",
-     "left drag: left cut-offs of the box in x and y - right drag: in z and y - Esc: take back",
+     "left drag: the box's left cut-offs in x, y - right drag: in z, y - Esc: take back",
      {setLeftCutoff, anyButton}},
     {362,
      'W',
      0,
      "set right cutoff",
-     "left drag: right cut-offs of the box in x and y - right drag: in z and y - Esc: take back",
+     "left drag: the box's right cut-offs in x, y - right drag: in z, y - Esc: take back",
      {setRightCutoff, anyButton}},
     {359,
      's',
      0,
      "resize objects",
-     "drag right or up: larger, left or down: smaller; 100 pixels double the selected faces - Esc: "
-     "take back",
+     "drag right or up: larger, left or down: smaller; 100 pixels: twice - Esc: take back",
      {resizeObjects, anyButton, "resize faces"}},
     {365,
      's',
@@ -111,48 +112,44 @@ constexpr auto modes = std::to_array<Mode>({
      'S',
      0,
      "change scale",
-     "drag right or up: larger, left or down: smaller; 100 pixels double the picture - Esc: take "
-     "back",
+     "drag right or up: larger, left or down: smaller; 100 pixels: twice - Esc: take back",
      {scaleDisplay, anyButton}},
     {361, 'T', 0, "&texture map coordinate handling", ""},
     {364,
      600,
      0,
      "rotate around X",
-     "drag right or down: turn about x, half a degree a pixel - Esc: take back",
+     "drag right or down: turn the view or the selected faces about x - Esc: take back",
      {turnAboutX, anyButton, "rotate faces about x"}},
     {366,
      601,
      0,
      "rotate around Y",
-     "drag right or down: turn about y, half a degree a pixel - Esc: take back",
+     "drag right or down: turn the view or the selected faces about y - Esc: take back",
      {turnAboutY, anyButton, "rotate faces about y"}},
     {368,
      602,
      0,
      "rotate around Z",
-     "drag right or down: turn about z, half a degree a pixel - Esc: take back",
+     "drag right or down: turn the view or the selected faces about z - Esc: take back",
      {turnAboutZ, anyButton, "rotate faces about z"}},
     {1062,
      632,
      0,
      "twist around X",
-     "drag right or down: twist the selected faces about x, between the box's cut-offs - Esc: take "
-     "back",
+     "drag right or down: twist the selected faces about x between the cut-offs - Esc: take back",
      {twistAboutX, anyButton, "twist faces about x"}},
     {1063,
      633,
      0,
      "twist around Y",
-     "drag right or down: twist the selected faces about y, between the box's cut-offs - Esc: take "
-     "back",
+     "drag right or down: twist the selected faces about y between the cut-offs - Esc: take back",
      {twistAboutY, anyButton, "twist faces about y"}},
     {1064,
      634,
      0,
      "twist around Z",
-     "drag right or down: twist the selected faces about z, between the box's cut-offs - Esc: take "
-     "back",
+     "drag right or down: twist the selected faces about z between the cut-offs - Esc: take back",
      {twistAboutZ, anyButton, "twist faces about z"}},
     {1040, 'h', 0, "move by graphs", ""},
     {1049, 584, 0, "scale by graphs", ""},
@@ -160,38 +157,38 @@ constexpr auto modes = std::to_array<Mode>({
      1095,
      0,
      "selecting groups by clicking the mesh",
-     "click: select the group of a face, and nothing else - Shift: add it - Ctrl: take it away",
+     "click: select a face's group, and nothing else - Shift: add it - Ctrl: take it away",
      {selectGroupAt, button::left, "select group"},
-     true},
+     Changed::facesOnly},
     {379,
      1101,
      0,
      "selecting materials by clicking the mesh",
-     "click: select the faces of a material, and nothing else - Shift: add them - Ctrl: take them "
-     "away",
+     "click: select a material, and nothing else - Shift: add it - Ctrl: take it away",
      {selectMaterialAt, button::left, "select material"},
-     true},
+     Changed::facesOnly},
     {381,
      1104,
      0,
      "selecting parts by clicking the mesh",
      "click: select a part, and nothing else - Shift: add it - Ctrl: take it away",
      {selectPartAt, button::left, "select part"},
-     true},
+     Changed::facesOnly},
     {380,
      1108,
      0,
      "selecting texture map areas by clicking the mesh",
-     "click: select a texture map area, and nothing else - Shift: add it - Ctrl: take it away",
+     "click: select an area, and nothing else - Shift: add it - Ctrl: take it away",
      {selectTextureMapAreaAt, button::left, "select texture map area"},
-     true},
+     Changed::facesOnly},
     {selectByRectangle,
      1110,
      0,
      "select by rectangle",
-     "drag: select the faces inside - right drag: those it touches - Shift: add - Ctrl: take away",
+     "drag: select what is inside - right drag: what it touches - Shift: add - Ctrl: take away - "
+     "Esc: take back",
      {dragRectangle, anyButton},
-     true},
+     Changed::facesOnly},
 });
 
 const Mode& presentMode() {
@@ -236,9 +233,19 @@ bool modeUsesRightButton() {
     return press.begin != nullptr && (press.buttons & button::right) != 0;
 }
 
-const char* modeHelp() { return presentMode().help; }
+std::string modeHelp() {
+    std::string help = presentMode().help;
+    constexpr std::string_view either = "the view or the selected faces";
+    const std::size_t at = help.find(either);
+    const char* const turned = turnOptions.view ? "the view" : "the selected faces";
+    return at == std::string::npos ? help : help.replace(at, either.size(), turned);
+}
 
-bool modeSelects() { return presentMode().selects; }
+Changed changedByMode() {
+    const Mode& mode = presentMode();
+    const bool asNamed = drags.step == std::string_view(mode.press.step);
+    return asNamed ? mode.changes : Changed::anything;
+}
 
 void restoreModeName() { workbench.modeName = presentMode().name; }
 

@@ -2,7 +2,10 @@
 // The interaction modes: what the mouse does to the mesh view is a row of a table.
 #pragma once
 
+#include "mesh/snapshot.h"
 #include "platform/platform.h"
+
+#include <string>
 
 namespace polyfab {
 
@@ -18,16 +21,16 @@ void enterMode(int command);
 [[nodiscard]] int presentModeCommand();
 
 /// What the mouse does in the present mode, in one line.
-[[nodiscard]] const char* modeHelp();
+[[nodiscard]] std::string modeHelp();
 
-/// The same for the mode that this command enters; "" when it enters none.
+/// The same for the mode that this command enters, whatever it turns now; "" when it enters none.
 [[nodiscard]] const char* modeHelpOf(int command);
 
 /// Whether the present mode has a use for the right button.
 [[nodiscard]] bool modeUsesRightButton();
 
-/// Whether the mouse changes no more of the mesh, in the present mode, than what is selected.
-[[nodiscard]] bool modeSelects();
+/// What the latest drag in the present mode may have changed of the mesh.
+[[nodiscard]] Changed changedByMode();
 
 /// The name of the present mode becomes the one that the title shows.
 void restoreModeName();

@@ -67,7 +67,10 @@ bool navigateByKey(int code) {
     if (fitsAll) {
         fitView(*OB);
         fitBox(*OB, false);
-    } else if (!fitViewToSelected(*OB)) {
+        note("both panes show everything");
+    } else if (fitViewToSelected(*OB)) {
+        note("both panes show the selected faces");
+    } else {
         noteInTitle("no face is selected");
     }
     return true;

@@ -5,9 +5,11 @@
 #include "editor/modes/drag.h"
 #include "editor/modes/under_mouse.h"
 #include "mesh/stale.h"
+#include "workbench/notes.h"
 #include "workbench/state.h"
 
 #include <cmath>
+#include <cstdio>
 
 namespace polyfab {
 namespace {
@@ -56,6 +58,14 @@ void setSettable(Vec3& point, const PanePlace& place) {
                                           : Vec3{depth, place.y, place.x});
 }
 
+void noteSettable(std::size_t which) {
+    const Vec3& at = workbench.settable[which];
+    char text[128];
+    std::snprintf(text, sizeof text, "settable point %d is at %.6g, %.6g, %.6g",
+                  static_cast<int>(which) + 1, at.x, at.y, at.z);
+    note(text);
+}
+
 bool setSettablePoints(const Event& event) {
     if (!keyIsDown(key::ctrl)) return false;
     const auto place = pickingPlace(event);
@@ -65,6 +75,7 @@ bool setSettablePoints(const Event& event) {
         platform().beep();
         setSettable(workbench.settable[i], *place);
         stale.picture = set = true;
+        noteSettable(i);
     }
     return set;
 }

@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QDialog>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -221,6 +222,37 @@ Choice askQuestion(QWidget* owner, const std::string& title, const std::string& 
 
 namespace {
 
+/// One that goes by what was typed. The toolkit's goes by what it has found for that in its list,
+/// and with a path into another folder this may be a folder on the way, or nothing.
+class FileBox : public QFileDialog {
+  public:
+    using QFileDialog::QFileDialog;
+
+    /// What was accepted.
+    [[nodiscard]] QString chosen() const {
+        return typed.isEmpty() ? selectedFiles().value(0) : typed;
+    }
+
+    void accept() override {
+        const auto* const field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        const QString text = field != nullptr ? field->text() : QString();
+        const QString path = directory().absoluteFilePath(text);
+        const bool isName = !text.isEmpty() && !text.startsWith(QLatin1Char('~'));
+        typed = acceptMode() == AcceptSave && isName && !QFileInfo(path).isDir() ? path : QString();
+        typed.isEmpty() ? QFileDialog::accept() : QDialog::accept();
+    }
+
+  private:
+    QString typed;
+};
+
+/// A name without a suffix gets that of the format. (The dialog's own way of doing so finds a file
+/// of that name in another folder, and then greys its button.)
+std::string withSuffix(const std::string& chosen, const FileRequest& request) {
+    const bool has = chosen.find('.', chosen.find_last_of('/') + 1) != std::string::npos;
+    return has ? chosen : chosen + request.suffix;
+}
+
 /// Whether the file that the chosen name stands for may be written: it does not exist yet, or the
 /// user agrees. The dialog itself would ask about the name, not about that file.
 bool mayWrite(QWidget* owner, const FileRequest& request, const std::string& chosen) {
@@ -251,20 +283,19 @@ void start(QFileDialog& box, const FileRequest& request, const Folders& folders)
 } // namespace
 
 std::optional<std::string> askFile(QWidget* owner, const FileRequest& request, Folders& folders) {
-    QFileDialog box(owner);
+    FileBox box(owner);
     box.setWindowTitle(titleText(request.prompt));
     box.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     box.setFileMode(request.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     box.setOption(QFileDialog::DontConfirmOverwrite);
-    box.setDefaultSuffix(QString::fromStdString(request.suffix));
     QStringList filters;
     for (const FileFilter& filter : request.filters) filters << nameFilter(filter);
     box.setNameFilters(filters);
     start(box, request, folders);
     std::string chosen;
     do {
-        if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
-        chosen = QFile::encodeName(box.selectedFiles().constFirst()).toStdString();
+        if (box.exec() != QDialog::Accepted || box.chosen().isEmpty()) return std::nullopt;
+        chosen = withSuffix(QFile::encodeName(box.chosen()).toStdString(), request);
     } while (!mayWrite(&box, request, chosen));
     // Not the folder that the dialog shows: a path may have been typed.
     folders.use(request.prompt, QFileInfo(QFile::decodeName(chosen.c_str())).absolutePath());

@@ -62,7 +62,7 @@ TEST_F(Looks, HelpOpensAtAChapterOfTheManual) {
         EXPECT_TRUE(chapters.contains(opened.substr(opened.find('|') + 1))) << opened;
         if (list) key(key::escape);
     }
-    EXPECT_NE(keySheet().find("| Ctrl\\+\\+ | grow the selection by one ring |"),
+    EXPECT_NE(keySheet().find("| Ctrl\\+\\+; Ctrl\\+= | grow the selection by one ring |"),
               std::string::npos);
 }
 

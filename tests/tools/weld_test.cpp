@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The welding tools against the same rules said plainly, with a scan for everything.
 #include "mesh/stale.h"
+#include "tools/asking.h"
 #include "tools/weld_points.h"
 
 #include "mesh/edges.h"
@@ -72,7 +73,7 @@ std::int64_t plainTurns(bool allEdges, Take take) {
 void plainWeld(bool allEdges) {
     const SavedTitle title(256);
     const auto taken = plainTurns(allEdges, [](Point& p, Point& q) { repoint(&q, &p); });
-    note("welded " + counted(OB->np, "point") + " to " + counted(OB->np - taken));
+    noteOfSelected(*OB, "welded " + counted(OB->np, "point") + " to " + counted(OB->np - taken));
 }
 
 void plainBring(bool allEdges) {
@@ -81,7 +82,7 @@ void plainBring(bool allEdges) {
         q.x = p.x, q.y = p.y, q.z = p.z;
         q.sx = p.sx, q.sy = p.sy, q.sz = p.sz;
     });
-    note("brought " + counted(taken, "point") + " to others");
+    noteOfSelected(*OB, "brought " + counted(taken, "point") + " to others");
 }
 
 /// Gives how many edges collapsed.
@@ -117,7 +118,7 @@ void plainEdges(Mesh&) {
     const double distance = askNumber("max distance?", "1e-5");
     const SavedTitle title(256);
     OB->changed = 1;
-    note("collapsed " + counted(plainPasses(distance), "edge"));
+    noteOfSelected(*OB, "collapsed " + counted(plainPasses(distance), "edge"));
 }
 
 /// Everything that a tool may change; of numbers that are none the sign does not matter, nor where
