@@ -2,6 +2,8 @@
 // Chooses a backend by the command line and starts the editor on it.
 #include "editor/window.h"
 #include "formats/import_child.h"
+#include "formats/save_exported.h"
+#include "io/last_resort.h"
 #include "io/state_folder.h"
 #include "platform/batch/command_line.h"
 #ifdef POLYFAB_QT
@@ -31,11 +33,13 @@ int openWindow([[maybe_unused]] int& argc, [[maybe_unused]] char** argv,
 } // namespace
 
 int main(int argc, char** argv) try {
+    polyfab::makeFaultsErrors();
     std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
     // Not for users: what the program starts to import or export a file. Its words are as they are.
     if (!args.empty() && args.front() == polyfab::exchangeArgument) {
         polyfab::runExchangeChild({args.begin() + 1, args.end()});
     }
+    polyfab::removeDeadScratchFolders();
     const auto status = polyfab::runCommandLine(polyfab::editorProgram(), args);
     return status ? *status : openWindow(argc, argv, args.empty() ? "" : args.front());
 } catch (const std::bad_alloc&) {

@@ -40,6 +40,7 @@ constexpr AdviceRow rows[] = {
     {2002, "writes the format that the suffix names, such as .stl, .ply, .gltf or .fbx"},
     {260, "puts the numbers of points, faces and selected points, the current face and the "
           "current vertex into the title"},
+    {261, "puts the selected faces into groups named after the colours of their materials"},
     {267, "tidies every face and drops deleted faces and all that no face uses"},
     {271, "the rotate modes turn about the screen's axes; otherwise about the object's own"},
     {297, "the rotate modes turn the view"},
@@ -53,6 +54,8 @@ constexpr AdviceRow rows[] = {
     {389, "copies the selected faces onto points of their own, and selects the copies"},
     {386, "drops the normals of the selected faces"},
     {388, "drops the texture coordinates of the selected faces"},
+    {394, "welds selected faces where they cut or touch, and keeps all or, of closed ones, the "
+          "union, the common inside or the difference"},
     {2038, "moves, resizes and turns the selected faces by numbers, all in one step"},
     {409, "mirrors the selected faces along an axis of the screen, about their middle"},
     {413, "changes the sign of one world coordinate of the selected faces"},
@@ -68,6 +71,9 @@ constexpr AdviceRow rows[] = {
     {1082, "tells the world coordinates that the corners of the box lie between"},
     {1067, "unselects all faces that lie on the same points as another selected one"},
     {1070, "brings the world's origin into the middles of both panes"},
+    {1085, "moves each point of the selected faces once, anywhere within a distance"},
+    {1037, "counts points, faces, loose, bad and over-used edges, holes and parts, and tells area "
+           "and volume"},
     {280, "turns faces over until all agree with the current face, which comes to run "
           "anticlockwise in the left pane"},
     {290, "selects every face"},
@@ -94,8 +100,24 @@ constexpr AdviceRow rows[] = {
     {344, "makes selected faces of five or more sides into quads, with a triangle where the "
           "number is odd"},
     {360, "finds edges that two faces run the same way, and shows them"},
+    {395, "cuts faces that bend inwards or are not flat into flat convex pieces, without new "
+          "points"},
+    {1056, "selects the faces that bend inwards, cross themselves or are not flat"},
     {284, "forgets which face is current"},
     {396, "forgets which edge is current"},
+    {403, "splits the selected faces in the plane of the larger cut-off in x; an edge that is cut "
+          "gets one point for all its faces"},
+    {404, "splits the selected faces in the plane of the larger cut-off in y"},
+    {405, "splits the selected faces in the plane of the larger cut-off in z"},
+    {406, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "x"},
+    {407, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "y"},
+    {408, "splits the selected faces at both ends of a number of intervals between the cut-offs in "
+          "z"},
+    {1035, "fills the hole at the current edge or vertex with faces that turn the way those around "
+           "it do"},
+    {1052, "fills the holes between selected faces of at most a number of edges"},
     {397, "turns the selected faces over"},
     {1066, "unselects all faces of fewer than five corners"},
     {1088, "unselects all faces that have an area, so that those without one are left"},
@@ -104,6 +126,8 @@ constexpr AdviceRow rows[] = {
     {269, "joins close points on edges that only one face has: closes seams and leaves the rest "
           "alone"},
     {317, "shrinks short edges of the selected faces to their middles until none is left"},
+    {329, "makes fewer of the selected faces, in nearly the same shape; borders, seams and creases "
+          "stay"},
     {370, "gives surfaces that only meet at a point a point each"},
     {393, "gives the selected faces points of their own where they share some with unselected "
           "ones"},

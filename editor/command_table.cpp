@@ -9,6 +9,7 @@
 #include "editor/commands/recent.h"
 #include "editor/commands/rendering.h"
 #include "editor/commands/selection.h"
+#include "editor/commands/split_by_box.h"
 #include "editor/commands/transform_by.h"
 #include "editor/commands/view.h"
 #include "editor/commands/volume.h"
@@ -28,19 +29,26 @@
 #include "generators/maker.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
+#include "tools/bad_faces.h"
+#include "tools/boolean/boolean.h"
+#include "tools/color_groups.h"
 #include "tools/delete_faces.h"
 #include "tools/detriangularize.h"
 #include "tools/distance.h"
 #include "tools/duplicate.h"
+#include "tools/fill_holes.h"
 #include "tools/find_areas.h"
 #include "tools/find_parts.h"
+#include "tools/mesh_facts.h"
 #include "tools/name_commands.h"
 #include "tools/names_from_numbers.h"
+#include "tools/noise.h"
 #include "tools/same_corners.h"
 #include "tools/select_faces.h"
 #include "tools/separate_glued.h"
 #include "tools/smooth.h"
 #include "tools/thicken.h"
+#include "tools/thin_out.h"
 #include "tools/triangularize.h"
 #include "tools/unweld.h"
 #include "tools/weld_edges.h"
@@ -192,7 +200,7 @@ constexpr auto table = std::to_array<Command>({
     {1049, mode, "go to s&cale-by-graphs mode", later},
 
     {260, tools, "&info", showInfo},
-    {261, tools, "color&sep", later},
+    {261, tools, "color&sep", onMesh<groupByColor>},
     {267, tools, "collect &garbage", collectGarbageNow},
     {271, tools, "add new rotation &after existing rotations", toggleRotationAfter,
      rotationComesAfter},
@@ -207,7 +215,7 @@ constexpr auto table = std::to_array<Command>({
     {386, tools, "remove &normals (= `vn' lines of .OBJ files) from selected faces", removeNormals},
     {388, tools, "remove te&xture map info (= `vt' lines of .OBJ files) from selected faces",
      removeTexCoords},
-    slow({394, tools, "&boolean: weld intersecting selected faces", later}),
+    stoppable({394, tools, "&boolean: weld intersecting selected faces", onMesh<weldIntersecting>}),
     {2038, tools, "move, scale, rotate by: &v", transformBy, nullptr, "Ctrl+T"},
     {409, tools, "mi&rror-image in x or y or z coordinates as on screen", mirrorOnScreen},
     {413, tools, "chang&e sign of absolute x or y or z", changeSign},
@@ -226,8 +234,8 @@ constexpr auto table = std::to_array<Command>({
     slow({1067, tools, "unselect all selected duplicated faces: &0",
           onMesh<unselectFacesOnSamePoints>}),
     {1070, tools, "display with absolute (0,0,0) in middles of panes: &z", centreOrigin},
-    {1085, tools, "noise", later},
-    {1037, tools, "special", later},
+    {1085, tools, "noise", onMesh<addNoise>},
+    slow({1037, tools, "special", onMesh<tellFacts>}),
 
     {1048, graphs, "start &editing the graphs", later},
     {1041, graphs, "&help about graphs", later},
@@ -274,18 +282,26 @@ constexpr auto table = std::to_array<Command>({
     slow({274, facesMenu, "trian&gularize", onMesh<triangularize>}),
     slow({344, facesMenu, "break up faces with &5 or more sides", onMesh<breakupfaces>}),
     slow({360, facesMenu, "find and start showing bad &edges", findBadEdges}),
-    slow({395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces", later}),
-    {1056, facesMenu, "select re-entrant or badly out-of-plane faces", later},
+    stoppable({395, facesMenu, "s&plit up re-entrant or badly out-of-plane faces",
+               onMesh<splitBadFaces>}),
+    slow(
+        {1056, facesMenu, "select re-entrant or badly out-of-plane faces", onMesh<selectBadFaces>}),
     {284, facesMenu, "set to `n&o current face'", setNoCurrentFace},
     {396, facesMenu, "set to `no &curren&t edge'", setNoCurrentEdge},
-    {403, facesMenu, "split selected faces along the box's maximum &x", later},
-    {404, facesMenu, "split selected faces along the box's maximum &y", later},
-    {405, facesMenu, "split selected faces along the box's maximum z: &1", later},
-    {406, facesMenu, "split selected faces at intervals in the box's x range: &2", later},
-    {407, facesMenu, "split selected faces at intervals in the box's y range: &3", later},
-    {408, facesMenu, "split selected faces at intervals in the box's z range: &7", later},
-    {1035, facesMenu, "insert faces to fill a &hole", later},
-    slow({1052, facesMenu, "insert faces to fill all holes: &8", later}),
+    stoppable({403, facesMenu, "split selected faces along the box's maximum &x",
+               [] { splitAtBoxMaximum(0); }}),
+    stoppable({404, facesMenu, "split selected faces along the box's maximum &y",
+               [] { splitAtBoxMaximum(1); }}),
+    stoppable({405, facesMenu, "split selected faces along the box's maximum z: &1",
+               [] { splitAtBoxMaximum(2); }}),
+    stoppable({406, facesMenu, "split selected faces at intervals in the box's x range: &2",
+               [] { splitAtBoxIntervals(0); }}),
+    stoppable({407, facesMenu, "split selected faces at intervals in the box's y range: &3",
+               [] { splitAtBoxIntervals(1); }}),
+    stoppable({408, facesMenu, "split selected faces at intervals in the box's z range: &7",
+               [] { splitAtBoxIntervals(2); }}),
+    stoppable({1035, facesMenu, "insert faces to fill a &hole", onMesh<fillHole>}),
+    stoppable({1052, facesMenu, "insert faces to fill all holes: &8", onMesh<fillHoles>}),
     {397, facesMenu, "&4: reverse the corner order in all selected faces", reverseSelectedFaces},
     selecting({1066, facesMenu, "&6: unselect all selected faces with less than 5 corners",
                unselectSmallFaces}),
@@ -300,7 +316,7 @@ constexpr auto table = std::to_array<Command>({
                [] { weldclose(*OB, false); }}),
     stoppable(
         {317, vertexes, "w&eld all very close points, by edges and repeat", onMesh<weldedges>}),
-    slow({329, vertexes, "&thin out the faces", later}),
+    stoppable({329, vertexes, "&thin out the faces", onMesh<thinOut>}),
     slow({370, vertexes, "separate surfaces that are &glued at one point",
           onMesh<separateGluedSurfaces>}),
     slow({393, vertexes, "&unweld selected from unselected faces", onMesh<unweldSelected>}),

@@ -23,6 +23,7 @@
 #include "mesh/check.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
+#include "workbench/offer_in_place.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
 
@@ -36,6 +37,8 @@ namespace {
 
 void onCreate(const Event&) {
     createMesh();
+    if (OB == nullptr) throw std::bad_alloc();
+    offerSavingInPlace();
     paneImages = PaneImages();
     resetDrags();
     resizeView(platform().clientSize());
@@ -217,6 +220,7 @@ const char* dispatch(const Event& event, bool inside) try {
     route.handle(event);
     return "";
 } catch (const std::bad_alloc&) {
+    if (OB == nullptr) throw; // at the start, where nothing can be lost
     // What the user did so far is not to be lost for a table that found no room.
     platform().message(programName, "I can't get enough memory", Icon::exclamation);
     return "";

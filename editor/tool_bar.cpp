@@ -9,8 +9,6 @@
 #include "io/state_folder.h"
 #include "platform/platform.h"
 
-#include <fstream>
-
 namespace polyfab {
 namespace {
 
@@ -57,11 +55,7 @@ std::string choicePath() { return stateFolder + "/tool-bar"; }
 
 constexpr const char* off = "off\n";
 
-bool keptOff() {
-    std::string choice;
-    return !stateFolder.empty() && std::getline(std::ifstream(choicePath()), choice)
-           && choice + '\n' == off;
-}
+bool keptOff() { return !stateFolder.empty() && readStateFile(choicePath()) == off; }
 
 } // namespace
 
@@ -77,7 +71,7 @@ void toggleToolBar() {
     editorState.toolBar = !editorState.toolBar;
     platform().showToolBar(editorState.toolBar);
     SaveFile choice;
-    if (stateFolder.empty() || !choice.open(choicePath())) return;
+    if (stateFolder.empty() || !choice.open(choicePath(), FileKind::state)) return;
     choice.append(editorState.toolBar ? "on\n" : off);
     static_cast<void>(choice.commit());
 }

@@ -18,6 +18,7 @@
 #include "editor/routes.h"
 #include "editor/status_line.h"
 #include "editor/tell.h"
+#include "formats/child_locks.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
@@ -242,8 +243,8 @@ void handleEvent(const Event& event) {
 }
 
 const Program& editorProgram() {
-    static constexpr Program program = {handleEvent, listCommands,   stateJson,
-                                        writeDump,   useStateFolder, setUndoMemory};
+    static constexpr Program program = {handleEvent,    listCommands,  stateJson, writeDump,
+                                        useStateFolder, setUndoMemory, locksHere};
     return program;
 }
 

@@ -1,76 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/export_files.h"
 
+#include "formats/library_file.h"
+
 #include <cstdio>
-#include <memory>
+#include <filesystem>
 #include <unistd.h>
 #include <vector>
 
 namespace polyfab {
-namespace {
-
-/// An open file of the library: its operations, and what they work on.
-struct OpenFile {
-    aiFile operations;
-    std::FILE* stream;
-};
-
-OpenFile& opened(aiFile* file) { return *reinterpret_cast<OpenFile*>(file->UserData); }
-
-std::size_t readFrom(aiFile* file, char* to, std::size_t size, std::size_t count) {
-    return std::fread(to, size, count, opened(file).stream);
-}
-
-std::size_t writeTo(aiFile* file, const char* from, std::size_t size, std::size_t count) {
-    return std::fwrite(from, size, count, opened(file).stream);
-}
-
-std::size_t tell(aiFile* file) { return static_cast<std::size_t>(std::ftell(opened(file).stream)); }
-
-std::size_t sizeOf(aiFile* file) {
-    std::FILE* const stream = opened(file).stream;
-    const long at = std::ftell(stream);
-    std::fseek(stream, 0, SEEK_END);
-    const long size = std::ftell(stream);
-    std::fseek(stream, at, SEEK_SET);
-    return static_cast<std::size_t>(size);
-}
-
-aiReturn seek(aiFile* file, std::size_t offset, aiOrigin origin) {
-    constexpr int origins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-    const auto distance = static_cast<long>(offset);
-    return std::fseek(opened(file).stream, distance, origins[origin]) == 0 ? aiReturn_SUCCESS
-                                                                           : aiReturn_FAILURE;
-}
-
-void flush(aiFile* file) { std::fflush(opened(file).stream); }
-
-} // namespace
 
 ExportFiles::ExportFiles() : io{open, close, reinterpret_cast<aiUserData>(&broken)} {}
 
 aiFile* ExportFiles::open(aiFileIO* io, const char* path, const char* mode) {
-    std::FILE* const stream = std::fopen(path, mode);
-    if (stream == nullptr) {
-        // The library also looks in this way whether a file exists.
-        if (*mode != 'r') *reinterpret_cast<bool*>(io->UserData) = true;
-        return nullptr;
-    }
-    auto* const file =
-        new OpenFile{{readFrom, writeTo, tell, sizeOf, seek, flush, nullptr}, stream};
-    file->operations.UserData = reinterpret_cast<aiUserData>(file);
-    return &file->operations;
+    aiFile* const file = libraryFile(std::fopen(path, mode));
+    // The library also looks in this way whether a file exists.
+    if (file == nullptr && *mode != 'r') *reinterpret_cast<bool*>(io->UserData) = true;
+    return file;
 }
 
 void ExportFiles::close(aiFileIO* io, aiFile* file) {
-    const std::unique_ptr<OpenFile> owner(&opened(file));
-    const bool wrong = std::ferror(owner->stream) != 0;
-    if (std::fclose(owner->stream) != 0 || wrong) *reinterpret_cast<bool*>(io->UserData) = true;
+    if (!closeLibraryFile(file)) *reinterpret_cast<bool*>(io->UserData) = true;
 }
 
 bool roomIsLeft(const std::string& path) {
     const std::vector<char> some(std::size_t{1} << 16, 'x');
-    const std::string name = path + ".room";
+    const std::string name = std::filesystem::path(path).replace_filename("room.polyfab");
     std::FILE* const probe = std::fopen(name.c_str(), "wb");
     if (probe == nullptr) return false;
     const bool written = std::fwrite(some.data(), 1, some.size(), probe) == some.size();

@@ -2,44 +2,59 @@
 #include "formats/import_child.h"
 
 #include "formats/assimp_library.h"
+#include "formats/child_locks.h"
+#include "formats/dxf_scene.h"
 #include "formats/import_stream.h"
 #include "formats/scenes.h"
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <exception>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
+#include <new>
+#include <strings.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace polyfab {
 namespace {
 
-constexpr rlim_t maxSeconds = 600;
-constexpr rlim_t maxMemory = rlim_t{8} << 30;
 constexpr const char* noLibrary =
     "the library for other formats, " POLYFAB_ASSIMP ", is not installed";
 
-void limit(int resource, rlim_t value) {
-    const rlimit both = {value, value};
-    static_cast<void>(::setrlimit(static_cast<__rlimit_resource>(resource), &both));
+constexpr std::uint64_t gigabyte = 1'000'000'000;
+constexpr std::uint64_t maxWritten = 16 * gigabyte; ///< to one file of an export
+
+/// The memory that the importer gets, and whether it wanted more. The library may swallow the
+/// error.
+std::uint64_t allowed = 0;
+bool wantedMore = false;
+
+void noteNoMemory() {
+    wantedMore = true;
+    throw std::bad_alloc();
 }
 
-void limitProcess() {
+/// A file's importer gets 20 times what it reads, small ones a gigabyte.
+void allowMemoryFor(std::uint64_t bytes) { allowed = limitMemory(std::max(gigabyte, 20 * bytes)); }
+
+void prepareProcess(bool imports) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody waits for the result of a dead editor's child
-    limit(RLIMIT_CORE, 0);
-    limit(RLIMIT_CPU, maxSeconds);
-#if !defined(__SANITIZE_ADDRESS__) // whose shadow memory is larger than any limit
-    const auto pages = static_cast<rlim_t>(::sysconf(_SC_PHYS_PAGES));
-    const auto pageSize = static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
-    limit(RLIMIT_AS, std::min(maxMemory, pages * pageSize / 2));
-#endif
     // Where memory runs out all the same, this process shall be the one that goes.
     std::ofstream("/proc/self/oom_score_adj") << "1000";
+    std::set_new_handler(noteNoMemory);
+    limitProcess(imports ? 0 : maxWritten);
+    imports ? allowMemoryFor(0) : static_cast<void>(limitMemory(~std::uint64_t{0}));
+}
+
+std::string tooMuch() {
+    return "it takes more than " + std::to_string(allowed / 1'000'000)
+           + " MB of memory, which is too much for such a file";
 }
 
 /// Standard output for the stream alone: what a library prints goes nowhere.
@@ -66,16 +81,51 @@ StreamTables failure(const std::string& reason) {
     return tables;
 }
 
+/// Why this is no file that can be imported; "" when it may be one.
+std::string faultOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return "there is no such file";
+    if (S_ISDIR(status.st_mode)) return "it is a folder";
+    if (!S_ISREG(status.st_mode)) return "it is no regular file";
+    allowMemoryFor(static_cast<std::uint64_t>(status.st_size));
+    return "";
+}
+
+/// What the library reads of these files is less than they have.
+bool isDxf(const std::string& path) {
+    const std::string suffix = std::filesystem::path(path).extension();
+    return suffix.size() == 4 && ::strcasecmp(suffix.c_str(), ".dxf") == 0;
+}
+
+/// Without the library for files that are read by ourselves.
+StreamTables import(const AssimpLibrary* assimp, const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path();
+    lockIn({{folder.empty() ? "." : folder, path}, ""});
+    const std::string fault = faultOf(path);
+    if (!fault.empty()) return failure(fault);
+    return assimp == nullptr ? importDxf(path) : importScene(*assimp, path, allowMemoryFor);
+}
+
+std::string exportTo(const AssimpLibrary& assimp, const std::string& path) {
+    lockIn({{}, std::filesystem::path(path).parent_path()});
+    StreamView mesh;
+    if (!readStream(mapStandardInput(), mesh)) return "the mesh did not arrive";
+    return exportScene(assimp, mesh, path);
+}
+
 StreamTables carryOut(const std::vector<std::string>& args) try {
     if (args.size() != 2) return failure("it was started wrongly");
-    const AssimpLibrary* const assimp = openAssimp();
-    if (assimp == nullptr) return failure(noLibrary);
-    if (args[0] == "import") return importScene(*assimp, args[1]);
-    StreamView mesh;
-    if (!readStream(mapStandardInput(), mesh)) return failure("the mesh did not arrive");
-    return failure(exportScene(*assimp, mesh, args[1]));
+    const bool imports = args[0] == "import";
+    prepareProcess(imports);
+    const bool byLibrary = !imports || !isDxf(args[1]);
+    const AssimpLibrary* const assimp = byLibrary ? openAssimp() : nullptr;
+    if (byLibrary && assimp == nullptr) return failure(noLibrary);
+    if (!imports) return failure(exportTo(*assimp, args[1]));
+    StreamTables tables = import(assimp, args[1]);
+    if (wantedMore && !tables.failure.empty()) tables.failure = tooMuch();
+    return tables;
 } catch (const std::bad_alloc&) {
-    return failure("there is not enough memory");
+    return failure(args[0] == "import" ? tooMuch() : "there is not enough memory");
 } catch (const std::exception& caught) {
     return failure(caught.what());
 }
@@ -83,7 +133,6 @@ StreamTables carryOut(const std::vector<std::string>& args) try {
 } // namespace
 
 void runExchangeChild(const std::vector<std::string>& args) {
-    limitProcess();
     const int stream = takeStandardOutput();
     const bool written = writeStream(stream, carryOut(args));
     ::_exit(written ? 0 : 1); // takes nothing apart that the end of the process does as well

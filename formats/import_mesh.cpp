@@ -6,43 +6,28 @@
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "formats/only_selected.h"
-#include "io/read_file.h"
+#include "formats/save_exported.h"
+#include "formats/stream_mesh.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
-#include "mesh/names.h"
 #include "platform/platform.h"
 #include "workbench/long_work.h"
+#include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
-#include <deque>
 #include <filesystem>
-#include <limits>
-#include <map>
 #include <new>
 #include <sys/mman.h>
-#include <tuple>
 #include <unistd.h>
 
 namespace polyfab {
 namespace {
 
 namespace fs = std::filesystem;
-
-double finite(double value) { return std::isfinite(value) ? value : 0; }
-
-/// Names end up in files with one name a line.
-std::string cleanName(std::string_view name) {
-    std::string clean(storedName(name));
-    std::replace_if(
-        clean.begin(), clean.end(),
-        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
-    return clean.empty() ? "default" : clean;
-}
 
 /// Shows why it failed, in words that may come from anywhere.
 void explain(const char* what, const std::string& path, const std::string& reason) {
@@ -54,89 +39,12 @@ void explain(const char* what, const std::string& path, const std::string& reaso
 
 // Import.
 
-/// Why the mesh cannot take these tables up; "" when it can.
-std::string refusal(const Mesh& mesh, const StreamView& view, bool append) {
-    const auto tooMany = [append](std::int64_t present, std::size_t added, std::int64_t limit) {
-        return static_cast<std::int64_t>(added) > limit - (append ? present : 0);
-    };
-    constexpr std::int64_t maxCount = std::numeric_limits<std::int32_t>::max();
-    if (tooMany(mesh.ng, view.groups.size(), maxIndexed)) return "it has too many groups";
-    if (tooMany(mesh.nmat, view.materials.size(), maxIndexed)) return "it has too many materials";
-    if (tooMany(mesh.np, view.points.size(), maxCount)
-        || tooMany(mesh.nq, view.corners.size(), maxCount)
-        || tooMany(mesh.nf, view.faces.size(), maxCount)) {
-        return "the mesh would be too large";
+/// What the child wants to be told, in words that may come from anywhere.
+void tellNotes(const StreamView& view) {
+    constexpr std::size_t mostNotes = 20, mostBytes = 300;
+    for (std::size_t i = 0; i < std::min(mostNotes, view.notes.size()); ++i) {
+        note(withoutControls(view.notes[i].substr(0, mostBytes)));
     }
-    const bool wide = std::any_of(view.faces.begin(), view.faces.end(),
-                                  [](const StreamFace& face) { return face.corners > maxIndexed; });
-    return wide ? "a face has more than 32767 corners" : "";
-}
-
-/// Room for all, so that adding neither fails nor moves an array.
-bool reserve(Mesh& mesh, const StreamView& view) {
-    const auto sum = [](std::int64_t present, std::size_t added) {
-        return present + static_cast<std::int64_t>(added);
-    };
-    return mesh.growPoints(sum(mesh.np, view.points.size()), true)
-           && mesh.growNormals(sum(mesh.nd, view.normals.size()), true)
-           && mesh.growTexCoords(sum(mesh.nt, view.texcoords.size()), true)
-           && mesh.growCorners(sum(mesh.nq, view.corners.size()), true)
-           && mesh.growFaces(sum(mesh.nf, view.faces.size()), true);
-}
-
-std::vector<std::int16_t> addGroups(Mesh& mesh, const StreamView& view) {
-    NameTable table(mesh, NameTable::Kind::groups);
-    std::vector<std::int16_t> indices;
-    for (const std::string_view name : view.groups) {
-        indices.push_back(static_cast<std::int16_t>(table.findOrAdd(cleanName(name))));
-    }
-    return indices;
-}
-
-/// A material of the mesh stands for one of the file when name and colour are the same.
-std::vector<std::int16_t> addMaterials(Mesh& mesh, const StreamView& view) {
-    std::map<std::pair<std::string, std::uint32_t>, int> known;
-    for (int i = 0; i < mesh.nmat; ++i) {
-        known.try_emplace({mesh.materials[i].name, mesh.materials[i].color}, i);
-    }
-    std::vector<std::int16_t> indices;
-    for (std::size_t i = 0; i < view.materials.size(); ++i) {
-        const std::string name = cleanName(view.materials[i]);
-        const std::uint32_t color = view.colors[i] & 0xFFFFFF;
-        const auto [entry, isNew] = known.try_emplace({name, color}, 0);
-        if (isNew) entry->second = mesh.addMaterial(color, name);
-        indices.push_back(static_cast<std::int16_t>(entry->second));
-    }
-    return indices;
-}
-
-/// Adds the tables to the mesh. False, and the mesh empty, when there is no room.
-bool addTables(Mesh& mesh, const StreamView& view) {
-    const auto [np, nt, nd] = std::tuple(mesh.np, mesh.nt, mesh.nd);
-    if (!reserve(mesh, view)) {
-        mesh.clear(true);
-        return false;
-    }
-    for (const Vec3& p : view.points) mesh.addPoint(finite(p.x), finite(p.y), finite(p.z), false);
-    for (const Vec3& d : view.normals) mesh.addNormal(finite(d.x), finite(d.y), finite(d.z));
-    for (const StreamTexCoord& t : view.texcoords) mesh.addTexCoord(finite(t.u), finite(t.v));
-    const std::vector<std::int16_t> groups = addGroups(mesh, view);
-    const std::vector<std::int16_t> materials = addMaterials(mesh, view);
-    const StreamCorner* next = view.corners.data();
-    LoopProgress progress(std::ssize(view.faces));
-    for (const StreamFace& face : view.faces) {
-        progress.step();
-        mesh.curgroup = groups[static_cast<std::size_t>(face.group)];
-        mesh.curmat = materials[static_cast<std::size_t>(face.material)];
-        FaceCorner* corner = mesh.newFace(face.corners)->q;
-        for (int k = 0; k < face.corners; ++k, ++corner, ++next) {
-            corner->p = mesh.points + np + next->point;
-            if (next->texcoord >= 0) corner->t = mesh.texcoords + nt + next->texcoord;
-            if (next->normal >= 0) corner->d = mesh.normals + nd + next->normal;
-            corner->edgeuse = 2;
-        }
-    }
-    return true;
 }
 
 /// Returns "" or what went wrong. The mesh is as it was then, but for one that had no memory while
@@ -149,11 +57,9 @@ std::string importFile(Mesh& mesh, const std::string& path, bool append) try {
     if (!reason.empty()) return reason;
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
+    tellNotes(view);
     if (!view.failure.empty()) return std::string(view.failure);
-    reason = refusal(mesh, view, append);
-    if (!reason.empty()) return reason;
-    if (!append) mesh.clear(true);
-    return addTables(mesh, view) ? "" : "there is not enough memory";
+    return takeStream(mesh, view, append);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }
@@ -216,61 +122,6 @@ int streamFile(const Mesh& mesh, bool onlySelected) {
     return -1;
 }
 
-/// Where the exporter writes; removed with everything in it.
-class ScratchFolder {
-  public:
-    ScratchFolder() {
-        std::error_code ignored;
-        std::string name = fs::temp_directory_path(ignored) / "polyfab-export-XXXXXX";
-        if (::mkdtemp(name.data()) != nullptr) path = name;
-    }
-    ~ScratchFolder() {
-        std::error_code ignored;
-        if (!path.empty()) fs::remove_all(path, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    fs::path path; ///< "" when it could not be made
-};
-
-/// Fills the new file with the exporter's; only the replacing is left.
-bool fill(const fs::path& from, SaveFile& to) {
-    PieceReader source(from);
-    std::string_view text;
-    while (source.isOpen() && source.next(0, text)) to.append(text);
-    return source.isOpen() && !source.failed() && to.finish();
-}
-
-/// Whether a file that the user has not named may be replaced.
-bool mayReplace(const fs::path& path) {
-    std::error_code ignored;
-    return !fs::exists(path, ignored)
-           || platform().question("do you want to replace this file too?", path, Buttons::yesNo)
-                  == Choice::yes;
-}
-
-/// Takes everything over that the exporter wrote: all files are complete on the disk before the
-/// first of them replaces an old one; what the file refers to comes first, it itself last.
-std::string saveAll(const fs::path& folder, const fs::path& target, SaveFile& file) {
-    const fs::path main = folder / target.filename();
-    std::deque<SaveFile> beside;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
-        const fs::path name = target.parent_path() / entry->path().filename();
-        if (!mayReplace(name)) return name.string() + " was to be kept";
-        if (!beside.emplace_back().open(name) || !fill(entry->path(), beside.back())) {
-            return "can't write " + name.string();
-        }
-    }
-    if (!fs::is_regular_file(fs::symlink_status(main, error))) return "the exporter wrote nothing";
-    if (!fill(main, file)) return "can't write the file";
-    const bool done =
-        std::all_of(beside.begin(), beside.end(), [](SaveFile& f) { return f.commit(); });
-    return done && file.commit() ? "" : "can't write the file";
-}
-
 /// Returns "" or why the old file is as it was.
 std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelected,
                        SaveFile& file) try {
@@ -287,7 +138,7 @@ std::string exportFile(const Mesh& mesh, const std::string& path, bool onlySelec
     StreamView view;
     if (!readStream(bytes, view)) return "what came from the exporter makes no sense";
     if (!view.failure.empty()) return std::string(view.failure);
-    return saveAll(folder.path, path, file);
+    return saveExported(folder.path, path, file);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }

@@ -5,12 +5,14 @@
 #include "workbench/state.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 #include <utility>
 
@@ -72,17 +74,48 @@ bool start(const std::vector<std::string>& args, int input, int output, Process&
     return error == 0;
 }
 
+/// Knows when a process has done nothing for too long: it computes hardly anything and `moved` is
+/// not called.
+class Watch {
+  public:
+    explicit Watch(pid_t id) : known(::clock_getcpuclockid(id, &clock) == 0) { moved(); }
+    void moved() {
+        since = Time::now();
+        used = computed();
+    }
+    bool isOver() {
+        constexpr double least = 0.01; // seconds; a process that polls takes less
+        if (computed() - used > least) moved();
+        return std::chrono::duration<double>(Time::now() - since).count() > exchangePatience;
+    }
+
+  private:
+    using Time = std::chrono::steady_clock;
+    double computed() const {
+        timespec time{};
+        if (!known || ::clock_gettime(clock, &time) != 0) return 0;
+        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+    }
+
+    clockid_t clock{};
+    bool known;
+    Time::time_point since;
+    double used = 0; ///< seconds of the processor, when it moved last
+};
+
 /// Reads to the end of the pipe. Returns "" or why it gave up.
-std::string collect(int pipe, std::vector<char>& output) {
+std::string collect(int pipe, Watch watch, std::vector<char>& output) {
     std::vector<char> piece(std::size_t{1} << 16);
     for (;;) {
         if (abortRequested()) return "stopped by the Escape key";
+        if (watch.isOver()) return "it waited too long for something that did not come";
         pollfd wanted = {pipe, POLLIN, 0};
         if (::poll(&wanted, 1, lookEvery) <= 0) continue;
         const ssize_t count = ::read(pipe, piece.data(), piece.size());
         if (count == 0) return "";
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return "the pipe broke";
+        watch.moved();
         output.insert(output.end(), piece.begin(), piece.begin() + count);
         if (output.size() > maxStream) return "the mesh is too large";
     }
@@ -112,7 +145,7 @@ std::string runExchangeProcess(const std::vector<std::string>& args, int input,
     Process process;
     if (!start(args, input, writing.number, process)) return "no process can be started";
     writing.close(); // the child's end is the only one now, so that its end is the stream's
-    const std::string stopped = collect(reading.number, output);
+    const std::string stopped = collect(reading.number, Watch(process.id), output);
     return stopped.empty() ? ending(process.wait()) : stopped;
 }
 

@@ -2,6 +2,7 @@
 // Many formats have no shared points: each face brings its own, or a seam of the normals parts
 // them. Within a node equal positions become one point again, so that faces are joined at their
 // edges.
+#include "formats/import_files.h"
 #include "formats/scenes.h"
 #include "formats/unique_table.h"
 #include "geometry/affine.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <sys/stat.h>
 
 namespace polyfab {
 
@@ -208,22 +208,23 @@ class SceneReader {
 
 } // namespace
 
-StreamTables importScene(const AssimpLibrary& assimp, const std::string& path) {
-    StreamTables none;
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        none.failure = "there is no such file";
-        return none;
-    }
+StreamTables importScene(const AssimpLibrary& assimp, const std::string& path,
+                         void (*reads)(std::uint64_t bytes)) {
+    StreamTables tables;
     aiPropertyStore* const settings = assimp.aiCreatePropertyStore();
     // Otherwise each FBX pivot is a node more, with a name that nobody gave it.
     assimp.aiSetImportPropertyInteger(settings, AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, 0);
+    ImportFiles files(path, reads);
     const aiScene* const scene =
-        assimp.aiImportFileExWithProperties(path.c_str(), 0, nullptr, settings);
-    if (scene != nullptr && scene->mRootNode != nullptr) return SceneReader(assimp, *scene).read();
-    none.failure = assimp.aiGetErrorString();
-    if (none.failure.empty()) none.failure = "there is not enough memory, or it is damaged";
-    return none;
+        assimp.aiImportFileExWithProperties(path.c_str(), 0, files.operations(), settings);
+    if (scene != nullptr && scene->mRootNode != nullptr) {
+        tables = SceneReader(assimp, *scene).read();
+    } else {
+        tables.failure = assimp.aiGetErrorString();
+        if (tables.failure.empty()) tables.failure = "there is not enough memory, or it is damaged";
+    }
+    tables.notes = files.notes();
+    return tables;
 }
 
 } // namespace polyfab

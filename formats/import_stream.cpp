@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Header and tables in the order of StreamHeader's counts. Tables of eight-byte values come first,
-// so that each lies aligned. Names end in NUL, groups first.
+// so that each lies aligned. Texts end in NUL: groups, materials, notes.
 #include "formats/import_stream.h"
 
 #include <algorithm>
@@ -13,10 +13,11 @@ namespace {
 
 struct StreamHeader {
     char magic[8];
-    std::int64_t points, normals, texcoords, corners, faces, groups, materials, names, failure;
+    std::int64_t points, normals, texcoords, corners, faces, groups, materials, notes, texts,
+        failure;
 };
 
-constexpr char magic[8] = {'p', 'f', 'm', 'e', 's', 'h', '0', '1'};
+constexpr char magic[8] = {'p', 'f', 'm', 'e', 's', 'h', '0', '2'};
 
 bool writeAll(int file, const void* data, std::size_t size) {
     const char* next = static_cast<const char*>(data);
@@ -45,13 +46,13 @@ bool take(std::span<const char>& bytes, std::int64_t count, std::span<const T>& 
     return true;
 }
 
-/// Takes `count` names off the front of `text`.
-bool takeNames(std::string_view& text, std::int64_t count, std::vector<std::string_view>& names) {
+/// Takes `count` texts off the front of `text`.
+bool takeTexts(std::string_view& text, std::int64_t count, std::vector<std::string_view>& list) {
     if (count < 0 || static_cast<std::uint64_t>(count) > text.size()) return false;
     for (std::int64_t i = 0; i < count; ++i) {
         const std::size_t end = text.find('\0');
         if (end == std::string_view::npos) return false;
-        names.push_back(text.substr(0, end));
+        list.push_back(text.substr(0, end));
         text.remove_prefix(end + 1);
     }
     return true;
@@ -70,7 +71,7 @@ bool referencesAreSound(const StreamView& view) {
     };
     std::size_t cornersLeft = view.corners.size();
     const auto faceIsSound = [&](const StreamFace& face) {
-        if (face.corners < 0 || static_cast<std::size_t>(face.corners) > cornersLeft) return false;
+        if (face.corners < 3 || static_cast<std::size_t>(face.corners) > cornersLeft) return false;
         cornersLeft -= static_cast<std::size_t>(face.corners);
         return inRange(face.group, 0, view.groups.size())
                && inRange(face.material, 0, view.materials.size());
@@ -82,9 +83,9 @@ bool referencesAreSound(const StreamView& view) {
 } // namespace
 
 bool writeStream(int file, const StreamTables& tables) {
-    std::string names;
-    for (const auto* const list : {&tables.groups, &tables.materials}) {
-        for (const std::string& name : *list) names += name.substr(0, name.find('\0')) + '\0';
+    std::string texts;
+    for (const auto* const list : {&tables.groups, &tables.materials, &tables.notes}) {
+        for (const std::string& text : *list) texts += text.substr(0, text.find('\0')) + '\0';
     }
     const auto count = [](const auto& table) { return static_cast<std::int64_t>(table.size()); };
     StreamHeader header = {{},
@@ -95,13 +96,14 @@ bool writeStream(int file, const StreamTables& tables) {
                            count(tables.faces),
                            count(tables.groups),
                            count(tables.materials),
-                           count(names),
+                           count(tables.notes),
+                           count(texts),
                            count(tables.failure)};
     std::copy_n(magic, sizeof magic, header.magic);
     return writeAll(file, &header, sizeof header) && writeTable(file, tables.points)
            && writeTable(file, tables.normals) && writeTable(file, tables.texcoords)
            && writeTable(file, tables.corners) && writeTable(file, tables.faces)
-           && writeTable(file, tables.colors) && writeAll(file, names.data(), names.size())
+           && writeTable(file, tables.colors) && writeAll(file, texts.data(), texts.size())
            && writeAll(file, tables.failure.data(), tables.failure.size());
 }
 
@@ -111,20 +113,20 @@ bool readStream(std::span<const char> bytes, StreamView& view) {
     std::memcpy(&header, bytes.data(), sizeof header);
     if (!std::equal(magic, magic + sizeof magic, header.magic)) return false;
     bytes = bytes.subspan(sizeof header);
-    std::span<const char> names;
+    std::span<const char> texts;
     std::span<const char> failure;
     if (!take(bytes, header.points, view.points) || !take(bytes, header.normals, view.normals)
         || !take(bytes, header.texcoords, view.texcoords)
         || !take(bytes, header.corners, view.corners) || !take(bytes, header.faces, view.faces)
-        || !take(bytes, header.materials, view.colors) || !take(bytes, header.names, names)
+        || !take(bytes, header.materials, view.colors) || !take(bytes, header.texts, texts)
         || !take(bytes, header.failure, failure) || !bytes.empty()) {
         return false;
     }
-    std::string_view text(names.data(), names.size());
+    std::string_view text(texts.data(), texts.size());
     view.failure = {failure.data(), failure.size()};
-    return takeNames(text, header.groups, view.groups)
-           && takeNames(text, header.materials, view.materials) && text.empty()
-           && referencesAreSound(view);
+    return takeTexts(text, header.groups, view.groups)
+           && takeTexts(text, header.materials, view.materials)
+           && takeTexts(text, header.notes, view.notes) && text.empty() && referencesAreSound(view);
 }
 
 } // namespace polyfab

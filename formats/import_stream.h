@@ -39,7 +39,8 @@ struct StreamTables {
     std::vector<std::uint32_t> colors; ///< of the materials, 0xRRGGBB
     std::vector<std::string> groups;   ///< names
     std::vector<std::string> materials;
-    std::string failure; ///< why there is no mesh; "": there is one
+    std::vector<std::string> notes; ///< for the user to read
+    std::string failure;            ///< why there is no mesh; "": there is one
 };
 
 /// What the other end reads: the tables where they lie in the bytes.
@@ -52,6 +53,7 @@ struct StreamView {
     std::span<const std::uint32_t> colors;
     std::vector<std::string_view> groups;
     std::vector<std::string_view> materials;
+    std::vector<std::string_view> notes;
     std::string_view failure;
 };
 
@@ -59,8 +61,8 @@ struct StreamView {
 [[nodiscard]] bool writeStream(int file, const StreamTables& tables);
 
 /// Reads a whole stream; `bytes` must be aligned as the heap is and outlive `view`. True: every
-/// reference in the tables is in range, every face has its corners and every material its colour.
-/// Coordinates and names may still be anything.
+/// reference in the tables is in range, every face has its corners, three at least, and every
+/// material its colour. Coordinates and names may still be anything.
 [[nodiscard]] bool readStream(std::span<const char> bytes, StreamView& view);
 
 } // namespace polyfab

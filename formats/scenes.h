@@ -5,14 +5,18 @@
 #include "formats/assimp_library.h"
 #include "formats/import_stream.h"
 
+#include <cstdint>
 #include <string>
 
 namespace polyfab {
 
 /// The meshes of the file. One group a node that has any, which bears the node's name; its points,
 /// normals and texture coordinates are those of its meshes moved by the matrices of the nodes,
-/// equal ones as one. Polygons stay; what has fewer than three corners is left out.
-[[nodiscard]] StreamTables importScene(const AssimpLibrary& assimp, const std::string& path);
+/// equal ones as one. Polygons stay; what has fewer than three corners is left out. `reads` is told
+/// how many bytes all files have that were opened so far. Files that the file refers to and does
+/// not get are notes.
+[[nodiscard]] StreamTables importScene(const AssimpLibrary& assimp, const std::string& path,
+                                       void (*reads)(std::uint64_t bytes));
 
 /// Writes the mesh in the format that the suffix names, one node a group. Returns "" or why not.
 [[nodiscard]] std::string exportScene(const AssimpLibrary& assimp, const StreamView& mesh,

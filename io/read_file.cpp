@@ -12,9 +12,10 @@
 namespace polyfab {
 namespace {
 
-int openForReading(const std::string& path, std::int64_t& length) {
+int openForReading(const std::string& path, Links links, std::int64_t& length) {
     // Without O_NONBLOCK a named pipe would wait here for somebody to write into it.
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int refuse = links == Links::refused ? O_NOFOLLOW : 0;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | refuse);
     struct stat status {};
     if (file >= 0 && (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))) {
         close(file);
@@ -26,8 +27,8 @@ int openForReading(const std::string& path, std::int64_t& length) {
 
 } // namespace
 
-PieceReader::PieceReader(const std::string& path)
-    : file(openForReading(path, length)),
+PieceReader::PieceReader(const std::string& path, Links links)
+    : file(openForReading(path, links, length)),
       buffer(new (std::nothrow) char[maxKept + pieceSize + slack]) {
     if (buffer == nullptr && file >= 0) {
         close(file);

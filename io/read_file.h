@@ -11,6 +11,9 @@
 
 namespace polyfab {
 
+/// Whether the last part of a path may be a symbolic link.
+enum class Links { followed, refused };
+
 class PieceReader {
   public:
     static constexpr std::size_t pieceSize = std::size_t{1} << 20;
@@ -19,7 +22,7 @@ class PieceReader {
     /// Zero bytes that follow every text, for scanners that look at whole blocks.
     static constexpr std::size_t slack = 128;
 
-    explicit PieceReader(const std::string& path);
+    explicit PieceReader(const std::string& path, Links links = Links::followed);
     ~PieceReader();
     PieceReader(const PieceReader&) = delete;
     PieceReader& operator=(const PieceReader&) = delete;

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "io/save_file.h"
 
+#include "io/file_rights.h"
+#include "io/save_in_place.h"
+#include "io/temporary_file.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -35,26 +38,6 @@ std::string directoryOf(const std::string& path) {
     return directory.empty() ? "." : directory;
 }
 
-/// A name that is short whatever the target's name is: the longest names have no room for more.
-std::string randomName() {
-    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz012345";
-    unsigned char bytes[6] = {};
-    [[maybe_unused]] const ssize_t got = ::getrandom(bytes, sizeof bytes, 0);
-    std::string name = ".polyfab-";
-    for (const unsigned char byte : bytes) name += letters[byte % letters.size()];
-    return name;
-}
-
-/// Gives the new file the owner and permissions of the old one as far as we may: nobody gets a
-/// right by a change of owner or group that the old file did not give.
-bool copyOwnership(int file, const struct stat& old) {
-    const bool owner = ::fchown(file, old.st_uid, old.st_gid) == 0;
-    const bool group = owner || ::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
-    mode_t mode = old.st_mode & (owner ? 07777U : 0777U);
-    if (!group) mode = (mode & 0707U) | (mode & 07U) << 3;
-    return ::fchmod(file, mode) == 0;
-}
-
 /// Makes a rename last. Where the system cannot, the old or the new file is whole all the same.
 void syncDirectory(const std::string& directory) {
     const int handle = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -67,31 +50,48 @@ void syncDirectory(const std::string& directory) {
 
 SaveFile::~SaveFile() { discard(); }
 
-bool SaveFile::open(const std::string& path) {
+bool SaveFile::open(const std::string& path, FileKind kind) {
     // A write beyond the limit on file sizes shall fail like any other, not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
+    if (kind == FileKind::state) return openState(path);
     target = followLinks(path);
     // Nothing is written here to a file that will be replaced: this finds out whether we may.
     // Appending matters when standard output goes to a file.
-    file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_CLOEXEC);
-    if (file < 0) return errno == ENOENT && !target.empty() && openTemporary(nullptr);
-    struct stat old;
-    if (::fstat(file, &old) != 0) return false;
-    if (target.empty() || !S_ISREG(old.st_mode)) return true;
-    ::close(std::exchange(file, -1));
-    return openTemporary(&old);
+    // A pipe that nobody reads is refused instead of waited for.
+    file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0 && errno == ENOENT && !target.empty()) {
+        file =
+            makeTemporary(directoryOf(target), 0666, temporary); // the system takes off the umask
+        return file >= 0;
+    }
+    struct stat old {};
+    if (file < 0 || ::fstat(file, &old) != 0) return false;
+    if (target.empty() || !S_ISREG(old.st_mode)) return ::fcntl(file, F_SETFL, O_APPEND) == 0;
+    return openBeside(path, std::exchange(file, -1));
 }
 
-bool SaveFile::openTemporary(const struct stat* replaced) {
-    const mode_t mode = replaced == nullptr ? 0666 : 0600; // the system takes off the umask
-    constexpr int tries = 100;
-    for (int i = 0; i < tries && file < 0; ++i) {
-        temporary = directoryOf(target) + "/" + randomName();
-        file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (file < 0 && errno != EEXIST) break;
+bool SaveFile::openState(const std::string& path) {
+    target = path;
+    file = makeTemporary(directoryOf(target), 0600, temporary);
+    return file >= 0 && ::fchmod(file, 0600) == 0; // which a umask may have narrowed
+}
+
+bool SaveFile::openBeside(const std::string& path, int old) {
+    if (inPlaceOffer.folderFor != nullptr && canOnlyBeWrittenInPlace(path)) {
+        copyFolder = inPlaceOffer.folderFor(path);
     }
-    if (file < 0) temporary.clear();
-    return file >= 0 && (replaced == nullptr || copyOwnership(file, *replaced));
+    const bool inPlace = !copyFolder.empty();
+    file = makeTemporary(inPlace ? copyFolder : directoryOf(target), 0600, temporary);
+    struct stat status {};
+    // Attributes can be read only through a descriptor for reading, and not each file has one.
+    const int readable = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const bool ready =
+        file >= 0 && ::fstat(old, &status) == 0 && (inPlace || copyRights(file, readable, status));
+    const int reason = errno;
+    if (readable >= 0) ::close(readable);
+    ::close(old);
+    errno = reason;
+    return ready;
 }
 
 void SaveFile::append(std::string_view text) {
@@ -128,20 +128,25 @@ bool SaveFile::commit() {
     if (file < 0) return false;
     static_cast<void>(finish());
     if (::close(std::exchange(file, -1)) != 0) failed = true;
-    if (!temporary.empty() && !failed) failed = ::rename(temporary.c_str(), target.c_str()) != 0;
-    if (failed) {
-        discard();
-    } else if (!temporary.empty()) {
-        temporary.clear();
-        syncDirectory(directoryOf(target));
-    }
+    if (!temporary.empty() && !failed) failed = !replace();
+    discard();
     return !failed;
+}
+
+bool SaveFile::replace() {
+    if (!copyFolder.empty()) return writeInPlace(temporary, target, copyFolder);
+    if (::rename(temporary.c_str(), target.c_str()) != 0) return false;
+    forgetTemporary(std::exchange(temporary, {}));
+    syncDirectory(directoryOf(target));
+    removeOldTemporaries(directoryOf(target));
+    return true;
 }
 
 void SaveFile::discard() {
     if (file >= 0) ::close(std::exchange(file, -1));
-    if (!temporary.empty()) ::unlink(temporary.c_str());
-    temporary.clear();
+    if (temporary.empty()) return;
+    ::unlink(temporary.c_str());
+    forgetTemporary(std::exchange(temporary, {}));
 }
 
 } // namespace polyfab

@@ -11,8 +11,14 @@
 namespace polyfab {
 namespace {
 
-/// The unit normal of the triangle, or zero where it can't be told from what rounding makes of
-/// corners in a line.
+Vec3 centroid(const Face& face) {
+    Vec3 sum;
+    for (const FaceCorner& corner : corners(face)) sum += worldPosition(*corner.p);
+    return {sum.x / face.n, sum.y / face.n, sum.z / face.n};
+}
+
+} // namespace
+
 Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c) {
     constexpr double rounding = 4 * DBL_EPSILON;
     const Vec3 ab = b - a, ac = c - a;
@@ -29,14 +35,6 @@ Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c) {
     const double least = 4 * rounding * (farC / largestPart(ac) + farB / largestPart(ab));
     return largestPart(scaled) > least ? unit(scaled) : Vec3{};
 }
-
-Vec3 centroid(const Face& face) {
-    Vec3 sum;
-    for (const FaceCorner& corner : corners(face)) sum += worldPosition(*corner.p);
-    return {sum.x / face.n, sum.y / face.n, sum.z / face.n};
-}
-
-} // namespace
 
 Vec3 faceNormal(const Face& face) {
     if (face.n < 3) return {};

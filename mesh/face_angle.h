@@ -9,6 +9,10 @@
 
 namespace polyfab {
 
+/// The unit normal of the triangle, or zero where it can't be told from what rounding makes of
+/// corners in a line.
+[[nodiscard]] Vec3 triangleNormal(const Vec3& a, const Vec3& b, const Vec3& c);
+
 /// The unit normal of a live face, towards the side from which its corners are seen anticlockwise.
 /// A face of other than three corners takes the directions of the triangles between its sides and
 /// the mean of its corners, each counting the same. Zero for a face without a direction: corners in

@@ -8,6 +8,7 @@
 #include "mesh/mesh.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,6 +17,10 @@ namespace polyfab {
 
 [[nodiscard]] inline Vec3 worldPosition(const Point& p) { return {p.x, p.y, p.z}; }
 [[nodiscard]] inline Vec3 screenPosition(const Point& p) { return {p.sx, p.sy, p.sz}; }
+
+[[nodiscard]] inline bool isFinite(const Point& p) {
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
 
 /// Puts the point there in the world; on the screen it stays where it was.
 inline void moveTo(Point& p, const Vec3& position) {
@@ -88,6 +93,12 @@ class FacesThat {
 /// The corners of a live face, whose number may be below zero before the garbage is collected.
 [[nodiscard]] inline std::span<FaceCorner> corners(const Face& face) {
     return {face.q, static_cast<std::size_t>(std::max<int>(face.n, 0))};
+}
+
+/// Whether all positions of a live face are numbers.
+[[nodiscard]] inline bool isFinite(const Face& face) {
+    return std::all_of(face.q, face.q + std::max<int>(face.n, 0),
+                       [](const FaceCorner& corner) { return isFinite(*corner.p); });
 }
 
 /// The corner behind that of this place.

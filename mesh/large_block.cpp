@@ -29,14 +29,23 @@ struct Kept {
     std::mutex mutex;     ///< a thread that is out of memory wants the pages, too
 };
 
-void giveBackOrThrow() {
-    if (!giveBack()) throw std::bad_alloc();
+std::new_handler next = nullptr; ///< who is asked when there is nothing to give back
+
+void giveBackOrAskNext() {
+    if (giveBack()) return;
+    if (next == nullptr) throw std::bad_alloc();
+    next();
+}
+
+/// Has the kept pages given back where memory runs short, from the first use on.
+bool joinHandlers() {
+    next = std::set_new_handler(giveBackOrAskNext);
+    return true;
 }
 
 Kept& kept() {
     static Kept& pool = *new Kept; // lives to the very end: so do blocks
-    static const std::new_handler before = std::set_new_handler(giveBackOrThrow);
-    static_cast<void>(before);
+    [[maybe_unused]] static const bool joined = joinHandlers();
     return pool;
 }
 

@@ -317,6 +317,8 @@ struct Program {
     void (*useStateFolder)(const std::string& folder, int recoverySeconds) = nullptr;
     /// The bytes that undo may take; 0: there is none.
     void (*setUndoMemory)(std::uint64_t bytes) = nullptr;
+    /// What is worth to know of how it runs on this system, in lines.
+    std::string (*about)() = nullptr;
 };
 
 } // namespace polyfab

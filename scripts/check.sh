@@ -16,5 +16,5 @@ scripts/commands.sh --check
 scripts/build.sh asan
 scripts/quiet.sh "tests under AddressSanitizer and UndefinedBehaviorSanitizer" \
     ctest --preset asan --parallel "$(nproc)"
-scripts/fuzz.sh 45
+scripts/fuzz.sh 30
 exec ./test.sh

@@ -11,7 +11,7 @@ targets=()
 for source in fuzz/${2:-*_fuzz}.cpp; do targets+=("$(basename "$source" .cpp)"); done
 scripts/quiet.sh "configuring build/fuzz" cmake --preset fuzz
 scripts/quiet.sh "building build/fuzz" \
-    cmake --build build/fuzz --parallel "$(nproc)" --target "${targets[@]}"
+    cmake --build build/fuzz --parallel "$(nproc)" --target polyfab "${targets[@]}"
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -21,7 +21,9 @@ for target in "${targets[@]}"; do
     seeds=()
     if [[ -d fuzz/corpus/${target%_fuzz} ]]; then seeds=("fuzz/corpus/${target%_fuzz}"); fi
     echo "== fuzzing: $target for $seconds s"
-    if ! "build/fuzz/fuzz/$target" "-max_total_time=$seconds" -timeout=20 -max_len=4096 \
+    fuzz/large_seeds.sh build/fuzz/polyfab "$target" "$corpus"
+    # A little more than a piece in which files are read.
+    if ! "build/fuzz/fuzz/$target" "-max_total_time=$seconds" -timeout=60 -max_len=1114112 \
         -print_final_stats=1 "-artifact_prefix=build/fuzz/$target-" \
         "$corpus" "${seeds[@]}" >"$scratch/log" 2>&1; then
         tail -n 100 "$scratch/log"

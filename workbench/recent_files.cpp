@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -25,7 +25,7 @@ std::string listPath() { return stateFolder + "/recent-files"; }
 void loadRecentFiles() {
     files.clear();
     if (stateFolder.empty()) return;
-    std::ifstream list(listPath());
+    std::istringstream list(readStateFile(listPath()).value_or(""));
     for (std::string line; files.size() < mostRecentFiles && std::getline(list, line);) {
         const bool imported = line.starts_with(importMark);
         const std::string_view mark = imported ? importMark : readMark;
@@ -45,7 +45,7 @@ void noteRecentFile(const std::string& path, bool imported) {
     files.insert(files.begin(), {whole, imported});
     files.resize(std::min(files.size(), mostRecentFiles));
     SaveFile list;
-    if (!list.open(listPath())) return;
+    if (!list.open(listPath(), FileKind::state)) return;
     for (const RecentFile& file : files) {
         list.append(file.imported ? importMark : readMark);
         list.append(file.path);

@@ -25,7 +25,7 @@ void removeFromSelected(T* FaceCorner::*reference) {
             OB->changed = 1;
         }
     }
-    stale.picture = true;
+    stale.edges = true; // corners are other ones, which shaded panes must see
 }
 
 } // namespace

@@ -44,6 +44,7 @@ bool separateNormals(Mesh& mesh) {
     });
     if (copies == 0) return true;
     if (mesh.growNormals(mesh.nd + copies, false) == 0) return false;
+    stale.edges = true; // corners have other normals
     std::vector<int> copy(use.size(), -1);
     forNormals(mesh, true, [&](FaceCorner& q) {
         const std::size_t i = of(q);

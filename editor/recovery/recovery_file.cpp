@@ -208,13 +208,13 @@ void restoreEditor(const RecoveryRecord& record) {
 
 bool writeRecoveryFile(const std::string& path, const RecoveryRecord& record) {
     SaveFile file;
-    if (!file.open(path)) return false;
+    if (!file.open(path, FileKind::state)) return false;
     file.append(packRecovery(record));
     return file.commit();
 }
 
 RecoveryFault readRecoveryFile(const std::string& path, RecoveryRecord& record) try {
-    PieceReader reader(path);
+    PieceReader reader(path, Links::refused);
     if (!reader.isOpen()) return {"it can't be opened", false};
     const auto size = static_cast<std::uint64_t>(reader.size());
     std::string bytes;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/recovery/recovery_folder.h"
 
+#include "io/state_folder.h"
+
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
@@ -59,8 +61,10 @@ void RecoveryFolder::release() {
 }
 
 RecoveryFolder RecoveryFolder::lockOf(std::string folder) {
-    const int file = ::open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    const int file = ::open((folder + "/lock").c_str(), flags, 0600);
     if (file < 0) return {};
+    ::fchmod(file, 0600); // which a umask may have narrowed
     RecoveryFolder held(std::move(folder), file);
     // A lock file that somebody has removed since it was opened locks nothing any more.
     struct stat found;
@@ -69,23 +73,22 @@ RecoveryFolder RecoveryFolder::lockOf(std::string folder) {
     return held;
 }
 
-RecoveryFolder RecoveryFolder::make(const std::string& stateFolder) {
+RecoveryFolder RecoveryFolder::make(const std::string& state) {
     RecoveryFolder made;
-    std::error_code ignored; // somebody may have cleaned up
-    fs::create_directories(stateFolder, ignored);
-    const std::string base = stateFolder + "/" + prefix + std::to_string(::getpid());
+    makePrivateFolder(state); // somebody may have cleaned up
+    const std::string base = state + "/" + prefix + std::to_string(::getpid());
     firstName(base, "", [&](const std::string& name) {
-        if (::mkdir(name.c_str(), 0700) != 0) return false;
+        if (::mkdir(name.c_str(), 0700) != 0 || ::chmod(name.c_str(), 0700) != 0) return false;
         made = lockOf(name); // fails when another editor has just taken it for one of the dead
         return static_cast<bool>(made);
     });
     return made;
 }
 
-std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& stateFolder) {
+std::vector<RecoveryFolder> RecoveryFolder::leftBehind(const std::string& state) {
     std::vector<std::pair<fs::file_time_type, RecoveryFolder>> found;
     std::error_code failure;
-    for (fs::directory_iterator entry(stateFolder, failure), end; !failure && entry != end;
+    for (fs::directory_iterator entry(state, failure), end; !failure && entry != end;
          entry.increment(failure)) {
         std::error_code none;
         if (!isOurs(entry->path().filename()) || entry->is_symlink(none)

@@ -2,6 +2,7 @@
 // The run of a batch script: the window's life around its steps, and the exit status.
 #include "platform/batch/batch.h"
 
+#include "io/temporary_file.h"
 #include "platform/batch/batch_platform.h"
 #include "platform/batch/script.h"
 #include "platform/end_signals.h"
@@ -66,6 +67,7 @@ int runSteps(BatchPlatform& window, const Script& script) {
 
 int runScript(const Program& program, const Script& script) {
     if (!script.error.empty()) return complain(script.error, wrongCommandLine);
+    removeTemporariesOnSignals();
     if (!script.stateFolder.empty() && program.useStateFolder != nullptr) {
         program.useStateFolder(script.stateFolder, script.recoverySeconds);
         catchEndSignals();

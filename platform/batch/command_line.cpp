@@ -53,7 +53,9 @@ constexpr RunRow runRows[] = {
     {"--describe-commands", 0, 0,
      [](const Program& program, const Args&) { return print(describedCommands(program)); }},
     {"--version", 0, 0,
-     [](const Program&, const Args&) { return print("polyfab " POLYFAB_VERSION "\n"); }},
+     [](const Program& program, const Args&) {
+         return print("polyfab " POLYFAB_VERSION "\n" + program.about());
+     }},
     {"--help", 0, 0, [](const Program&, const Args&) { return print(usage); }},
 };
 

@@ -2,6 +2,7 @@
 // Reads a batch command line by a table of step words and carries out what each of them means.
 #include "platform/batch/script.h"
 
+#include "io/memory_left.h"
 #include "platform/batch/arguments.h"
 #include "platform/batch/batch_platform.h"
 #include "platform/batch/write_png.h"
@@ -104,6 +105,14 @@ std::string readKey(Step& step, const std::string& word, const Commands&) {
 std::string readSize(Step& step, const std::string& word, const Commands&) {
     const std::optional<Size> size = parseSize(word);
     if (!size) return "expected WIDTHxHEIGHT, each from 1 to 32767";
+    // What it takes is known before any of it is asked for.
+    constexpr std::uint64_t bytesOfPixel = 16, megabyte = 1'000'000;
+    const std::uint64_t needed = bytesOfPixel * static_cast<std::uint64_t>(size->width)
+                                 * static_cast<std::uint64_t>(size->height);
+    if (needed > memoryLeft()) {
+        return "that takes " + std::to_string(needed / megabyte) + " MB of memory, and "
+               + std::to_string(memoryLeft() / megabyte) + " MB are left";
+    }
     step.size = *size;
     return "";
 }

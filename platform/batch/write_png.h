@@ -8,8 +8,8 @@
 
 namespace polyfab {
 
-/// Writes the picture as an 8-bit RGB file, replacing what is there. Returns an empty text, or why
-/// it failed; no half-written file stays behind.
+/// Writes the picture as an 8-bit RGB file, replacing what is there when it is complete. Returns an
+/// empty text, or why it failed: what was there is as it was.
 [[nodiscard]] std::string writePng(const Bitmap& picture, const std::string& path);
 
 } // namespace polyfab

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
+#include "formats/dxf_scene.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
 #include "mesh/check.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fcntl.h>
+#include <iomanip>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -50,10 +52,13 @@ class ImportMesh : public test::MeshTest {
         return reason();
     }
 
+    /// Gathers the notes on the way.
     std::string reason() {
         std::string found;
+        noted.clear();
         for (const std::string& line : shown.log) {
             if (line.starts_with("message!|")) found = line.substr(line.find_last_of("|\n") + 1);
+            if (line.starts_with("note|")) noted += line.substr(5) + "\n";
         }
         shown.log.clear();
         return found;
@@ -66,6 +71,7 @@ class ImportMesh : public test::MeshTest {
     }
 
     std::string before;
+    std::string noted;
     test::TempFolder folder;
 };
 
@@ -97,6 +103,72 @@ TEST_F(ImportMesh, KeepsWhatTheFileHas) {
     EXPECT_EQ(check(*OB), nullptr);
 }
 
+// One pair a word: "code:value".
+std::string dxfText(const std::string& pairs) {
+    std::istringstream words(pairs);
+    std::string text;
+    for (std::string word; words >> word;) {
+        text += word.replace(word.find(':'), 1, "\n") + "\n";
+    }
+    return text;
+}
+
+TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
+    const std::string box =
+        "0:SECTION 2:BLOCKS 0:BLOCK 2:tile 10:1 20:1 30:0 0:3DFACE 8:0 62:0 10:1 20:1 "
+        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:loop "
+        "0:ENDBLK 0:ENDSEC 0:SECTION 2:ENTITIES ";
+    const std::string vertexes = "0:VERTEX 70:192 10:0 0:VERTEX 70:192 10:1 0:VERTEX 70:192 20:1 ";
+    const std::string square = "0:VERTEX 10:0 0:VERTEX 20:1 0:VERTEX 10:1 0:VERTEX 10:1 20:1 ";
+    const struct {
+        std::string pairs;
+        const char* faces; ///< group, material, colour and corners of each
+        const char* note;
+    } rows[] = {
+        {"0:3DFACE 8:a 62:1 10:0 11:1 12:1 22:1 13:1 23:1", "default a ff0000 0,0,0 1,0,0 1,1,0; ",
+         ""},
+        {"0:LAYER 2:a 420:1122867 0:SOLID 8:a 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
+         "0:LINE",
+         "default a 112233 0,0,0 1,0,0 1,1,0 0,1,0; ", "left out as no surface: 2 LINE, 1 TEXT"},
+        {"0:POLYLINE 70:64 " + vertexes
+             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2",
+         "default 0 ffffff 0,0,0 1,0,0 0,1,0; ", "left out as no surface: 1 face without area"},
+        {"0:POLYLINE 70:16 71:2 72:2 " + square, "default 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ", ""},
+        {"0:POLYLINE 70:16 71:3 72:2 " + square + "0:3DFACE 10:5 11:6 22:7",
+         "default 0 ffffff 5,0,0 6,0,0 0,7,0; ", "left out as no surface: 1 POLYLINE"},
+        {"0:MESH 92:3 10:0 10:1 10:1 20:1 93:8 90:3 90:0 90:1 90:2 90:3 90:0 90:1 90:9 94:1 90:3 "
+         "90:3 90:0",
+         "default 0 ffffff 0,0,0 1,0,0 1,1,0; ", "left out as no surface: 1 face of a MESH"},
+        {box
+             + "0:INSERT 8:b 62:3 2:tile 10:5 41:2 50:90 70:2 44:-10 0:INSERT 2:none 0:INSERT "
+               "2:loop",
+         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
+         "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
+        {box + "0:INSERT 2:tile 43:-1 42:-1 210:0 220:0 230:-1",
+         "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
+    };
+    for (const auto& row : rows) {
+        const std::string text = dxfText(row.pairs);
+        const StreamTables tables = dxfTables(text);
+        std::ostringstream faces;
+        const StreamCorner* corner = tables.corners.data();
+        for (const StreamFace& face : tables.faces) {
+            faces << tables.groups[face.group] << ' ' << tables.materials[face.material] << ' '
+                  << std::hex << std::setw(6) << std::setfill('0') << tables.colors[face.material];
+            for (int k = 0; k < face.corners; ++k, ++corner) {
+                const Vec3& p = tables.points[corner->point];
+                faces << ' ' << std::round(p.x) << ',' << std::round(p.y) << ',' << std::round(p.z);
+            }
+            faces << "; ";
+        }
+        const std::string note = tables.notes.empty() ? "" : tables.notes[0];
+        EXPECT_EQ(faces.str() + note + tables.failure, row.faces + std::string(row.note));
+    }
+    const std::string path = folder.write("a.dxf", dxfText(rows[1].pairs));
+    EXPECT_EQ(import(path), "");
+    EXPECT_EQ(std::tuple(OB->nf, OB->np, OB->materials[0].color), std::tuple(1, 4, 0x112233U));
+}
+
 TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
     const struct {
         const char* child;
@@ -117,6 +189,11 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
         shown.escapeAfter = row.looks;
         EXPECT_EQ(import("model.stl", Choice::no), row.reason);
     }
+    shown.escapeAfter = -1;
+    useChild("exec sleep 100");
+    const double patience = std::exchange(exchangePatience, 0.2);
+    EXPECT_EQ(import("model.stl"), "it waited too long for something that did not come");
+    exchangePatience = patience;
     exchangeProgram = folder.path("nowhere");
     EXPECT_EQ(import("model.stl"), "no process can be started");
     exchangeProgram = POLYFAB_PROGRAM;
@@ -126,6 +203,52 @@ TEST_F(ImportMesh, WhateverBecomesOfTheChildTheMeshStays) {
     EXPECT_EQ(std::tuple(OB->nf, OB->changed, workbench.busy), std::tuple(6, 0, false));
     EXPECT_EQ(workbench.fileName, "cube.obj");
 }
+
+TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
+    std::filesystem::create_directories(folder.path("own/below"));
+    const std::string red = "newmtl red\nKd 1 0 0\n";
+    folder.write("outer.mtl", red);
+    folder.write("own/red.mtl", red);
+    folder.write("own/below/red.mtl", red);
+    std::filesystem::create_symlink("../outer.mtl", folder.path("own/out.mtl"));
+    std::filesystem::create_symlink("below/red.mtl", folder.path("own/in.mtl"));
+    ASSERT_EQ(mkfifo(folder.path("own/pipe").c_str(), 0600), 0);
+    const struct {
+        std::string library, refusal = "";
+    } rows[] = {{"red.mtl"},
+                {"below/red.mtl"},
+                {"below/../red.mtl"},
+                {"in.mtl"},
+                {"../outer.mtl", "lies outside its folder"},
+                {folder.path("outer.mtl"), "is not there"}, // it is looked for below the folder
+                {"out.mtl", "lies outside its folder"},
+                {"/dev/zero", "is not there"},
+                {"pipe", "is no regular file"},
+                {"below", "is no regular file"},
+                {"none.mtl", "is not there"}};
+    for (const auto& [library, refusal] : rows) {
+        const std::string path =
+            folder.write("own/a.obj", "mtllib " + library + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\n"
+                                          + "usemtl red\nf 1 2 3\n");
+        EXPECT_EQ(import(path), "");
+        EXPECT_EQ(OB->nf, 1);
+        EXPECT_EQ(OB->materials[OB->faces[0].mat].color == 0xFF0000, refusal.empty()) << library;
+        const std::string told =
+            "the file asks for " + library + ", which " + refusal + ": left out\n";
+        EXPECT_EQ(noted, (refusal.empty() ? "" : told) + "read a.obj: 3 points, 1 face\n");
+    }
+    EXPECT_EQ(import(folder.path("own/pipe")), "it is no regular file");
+    EXPECT_EQ(import(folder.path("own")), "it is a folder");
+}
+
+#if !defined(POLYFAB_SANITIZE)
+TEST_F(ImportMesh, TakesNoMoreMemoryThanItsFileIsWorth) {
+    const std::string head = "ply\nformat binary_little_endian 1.0\nelement vertex 2000000000\n";
+    const std::string row = "property float x\nproperty float y\nproperty float z\nend_header\n";
+    EXPECT_EQ(import(folder.write("bomb.ply", head + row)),
+              "it takes more than 1000 MB of memory, which is too much for such a file");
+}
+#endif
 
 TEST_F(ImportMesh, ExportsWhatItImports) {
     const struct {
@@ -159,6 +282,27 @@ TEST_F(ImportMesh, ExportsWhatItImports) {
         const auto isRed = [&](const Face& face) { return face.mat == red; };
         EXPECT_EQ(std::count_if(OB->faces, OB->faces + OB->nf, isRed), row.polygons ? 1 : 2);
     }
+}
+
+TEST_F(ImportMesh, AnExportOverAPairLeavesThatPairAlone) {
+    const std::string path = folder.path("a.gltf");
+    const auto files = [&] {
+        return std::distance(std::filesystem::directory_iterator(folder.path("")), {});
+    };
+    test::addCube();
+    EXPECT_EQ(exportTo(path), "");
+    const std::string cube = folder.read("a.gltf");
+    folder.write("a.polyfab-new-1.bin", "what a killed export has left");
+    test::addCube();
+    shown.choices = {Choice::no};
+    EXPECT_EQ(exportTo(path), folder.path("a.bin") + " was to be kept");
+    EXPECT_EQ(folder.read("a.gltf"), cube);
+    EXPECT_EQ(files(), 3);
+    shown.choices = {Choice::yes};
+    EXPECT_EQ(exportTo(path), "");
+    EXPECT_EQ(files(), 2);
+    EXPECT_EQ(import(path), "");
+    EXPECT_EQ(OB->nf, 24);
 }
 
 TEST_F(ImportMesh, AFailedExportLeavesTheOldFile) {
@@ -195,6 +339,7 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
     good.groups = {"one", "two"};
     good.materials = {"red"};
     good.colors = {0xFF0000};
+    good.notes = {"it is small"};
     const test::TempFolder folder;
     const auto bytesOf = [&](const StreamTables& tables) {
         const int file = ::open(folder.path("stream").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -207,6 +352,7 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
     ASSERT_TRUE(readStream(bytes, view));
     EXPECT_EQ(view.corners[1].texcoord, -1);
     EXPECT_EQ(view.groups, (std::vector<std::string_view>{"one", "two"}));
+    EXPECT_EQ(view.notes, (std::vector<std::string_view>{"it is small"}));
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         StreamView part;
         EXPECT_FALSE(readStream(std::vector<char>(bytes.data(), bytes.data() + i), part)) << i;
@@ -215,11 +361,12 @@ TEST(ImportStream, IsReadWholeOrNotAtAll) {
         static_cast<void>(readStream(damaged, part));
     }
     void (*const faults[])(StreamTables&) = {
-        [](auto& t) { t.corners[0].point = 3; },    [](auto& t) { t.corners[0].point = -1; },
-        [](auto& t) { t.corners[0].texcoord = 1; }, [](auto& t) { t.corners[0].normal = -2; },
-        [](auto& t) { t.faces[0].corners = 4; },    [](auto& t) { t.faces[0].corners = 2; },
-        [](auto& t) { t.faces[0].group = 2; },      [](auto& t) { t.faces[0].material = -1; },
-        [](auto& t) { t.colors.push_back(0); },     [](auto& t) { t.faces[0].corners = -3; }};
+        [](auto& t) { t.corners[0].point = 3; },      [](auto& t) { t.corners[0].point = -1; },
+        [](auto& t) { t.corners[0].texcoord = 1; },   [](auto& t) { t.corners[0].normal = -2; },
+        [](auto& t) { t.faces[0].corners = 4; },      [](auto& t) { t.faces[0].corners = 2; },
+        [](auto& t) { t.faces[0].group = 2; },        [](auto& t) { t.faces[0].material = -1; },
+        [](auto& t) { t.colors.push_back(0); },       [](auto& t) { t.faces[0].corners = -3; },
+        [](auto& t) { t.faces.push_back({0, 0, 0}); }};
     for (const auto& fault : faults) {
         StreamTables tables = good;
         fault(tables);

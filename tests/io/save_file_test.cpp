@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "io/save_file.h"
 
+#include "io/save_in_place.h"
+#include "io/state_folder.h"
+#include "io/temporary_file.h"
 #include "tests/support/temp_folder.h"
 
+#include <algorithm>
+#include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace polyfab {
@@ -84,6 +92,103 @@ TEST_F(SaveFileTest, KeepsPermissionsAndOwner) {
     EXPECT_EQ(statusOf("new").st_mode & 07777, 0640U);
 }
 
+TEST_F(SaveFileTest, KeepsAttributesAndTheAccessList) {
+    // Version 2: the owner may read and write, user 1234 and the mask read, nobody else anything.
+    const unsigned char list[] = {2, 0,   0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  4,
+                                  0, 210, 4,   0,   0,   4,   0,  0, 0,   255, 255, 255, 255, 16, 0,
+                                  4, 0,   255, 255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
+    constexpr const char* access = "system.posix_acl_access";
+    const bool attributes = ::setxattr("old", "user.origin", "here", 4, 0) == 0;
+    const bool lists = ::setxattr("old", access, list, sizeof list, 0) == 0;
+    EXPECT_TRUE(save("old"));
+    char found[100] = {};
+    EXPECT_EQ(::getxattr("old", "user.origin", found, sizeof found), attributes ? 4 : -1);
+    const ssize_t size = ::getxattr("old", access, found, sizeof found);
+    EXPECT_EQ(size, lists ? ssize_t{sizeof list} : -1);
+    EXPECT_TRUE(!lists
+                || std::equal(list, list + sizeof list, found, found + size,
+                              [](auto a, auto b) { return a == static_cast<unsigned char>(b); }));
+}
+
+TEST_F(SaveFileTest, StateIsForItsUserAlone) {
+    const mode_t before = ::umask(0);
+    fs::create_symlink("old", "link");
+    folder.write("wide", oldText);
+    for (const char* const name : {"link", "wide", "new"}) {
+        SaveFile file;
+        ASSERT_TRUE(file.open(name, FileKind::state));
+        file.append("state");
+        EXPECT_TRUE(file.commit());
+        EXPECT_EQ(statusOf(name).st_mode & 07777, 0600U) << name;
+        EXPECT_EQ(readStateFile(name), "state");
+    }
+    EXPECT_EQ(folder.read("old"), oldText);
+    fs::create_symlink("old", "another");
+    ASSERT_EQ(::mkfifo("pipe", 0600), 0);
+    for (const char* const name : {"another", "pipe", "none", "."}) {
+        EXPECT_EQ(readStateFile(name), std::nullopt) << name;
+    }
+    makePrivateFolder(folder.path("a/b"));
+    EXPECT_EQ(statusOf("a").st_mode & statusOf("a/b").st_mode & 0777, 0700U);
+    ::umask(before);
+}
+
+TEST_F(SaveFileTest, NothingOfAKilledRunStays) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const rlimit none = {0, 0};
+            ::setrlimit(RLIMIT_CORE, &none);
+            std::signal(signal, SIG_DFL);
+            removeTemporariesOnSignals();
+            SaveFile file;
+            if (!file.open("old")) ::_exit(1);
+            file.append(newText);
+            ::raise(signal);
+            ::_exit(1);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+        EXPECT_EQ(entries(), 1);
+    }
+    // Of a run that was killed outright: by its name, its owner and its age.
+    for (const char* const name :
+         {".polyfab-abcdef", ".polyfab-ghijkl", ".polyfab-Abcdef", ".polyfab-abcdefg"}) {
+        folder.write(name, "left");
+        const timespec ago[2] = {{0, UTIME_OMIT}, {std::time(nullptr) - 25 * 60 * 60, 0}};
+        if (std::string(name) == ".polyfab-ghijkl") continue; // may still be written
+        ASSERT_EQ(::utimensat(AT_FDCWD, name, ago, 0), 0);
+    }
+    EXPECT_TRUE(save("old"));
+    EXPECT_FALSE(folder.has(".polyfab-abcdef"));
+    EXPECT_EQ(entries(), 4);
+}
+
+TEST_F(SaveFileTest, WritesInPlaceWhereTheFolderTakesNoFiles) {
+    fs::create_directory("copies");
+    fs::create_directory("closed");
+    ::chmod(folder.write("closed/file", oldText).c_str(), 0666);
+    ::chmod("closed", 0555);
+    ::chmod("copies", 0777);
+    ::chmod(".", 0777);
+    const bool root = ::seteuid(65534) == 0; // permission checks do not bind root
+    if (::geteuid() != 0) {
+        EXPECT_FALSE(canOnlyBeWrittenInPlace("closed/none") || canOnlyBeWrittenInPlace("."));
+        inPlaceOffer.folderFor = [](const std::string&) { return std::string(); };
+        EXPECT_FALSE(save("closed/file"));
+        inPlaceOffer.folderFor = [](const std::string&) { return std::string("copies"); };
+        const ino_t number = statusOf("closed/file").st_ino;
+        EXPECT_TRUE(save("closed/file"));
+        EXPECT_TRUE(folder.read("closed/file") == newText);
+        EXPECT_EQ(statusOf("closed/file").st_ino, number);
+        EXPECT_TRUE(save("open") && fs::is_empty("copies"));
+        inPlaceOffer = {};
+    }
+    if (root && ::seteuid(0) != 0) std::abort();
+    ::chmod("closed", 0755);
+}
+
 TEST_F(SaveFileTest, RefusesWhatCannotBeWritten) {
     fs::create_symlink("loop", "loop");
     fs::create_directory("closed");
@@ -91,7 +196,8 @@ TEST_F(SaveFileTest, RefusesWhatCannotBeWritten) {
     ::chmod("old", 0444);
     ::chmod("closed", 0555);
     ::chmod(".", 0777);
-    for (const char* name : {"", ".", "missing/file", "missing/", "loop"}) {
+    ASSERT_EQ(::mkfifo("closed/pipe", 0600), 0); // which nobody reads
+    for (const char* name : {"", ".", "missing/file", "missing/", "loop", "closed/pipe"}) {
         SaveFile file;
         EXPECT_FALSE(file.open(name) || file.commit()) << name;
     }

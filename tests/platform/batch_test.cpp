@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace polyfab::test {
 namespace {
@@ -141,6 +142,37 @@ TEST(Batch, PicturesHaveTheClientSizeAndAreDrawnOnlyWhenDue) {
     EXPECT_EQ(toyState.paints, 2);
     run("--picture|" + first);
     check(first, 1024, 512);
+}
+
+/// Lowers a limit of the process as long as it lives.
+class Limited {
+  public:
+    Limited(__rlimit_resource limited, rlim_t value) : resource(limited) {
+        ::getrlimit(resource, &before);
+        const rlimit lower = {value, before.rlim_max};
+        ::setrlimit(resource, &lower);
+    }
+    ~Limited() { ::setrlimit(resource, &before); }
+
+  private:
+    __rlimit_resource resource;
+    rlimit before{};
+};
+
+TEST(Batch, WhatCannotBeDrawnOrWrittenChangesNothing) {
+    const TempFolder folder;
+    const std::string path = folder.write("old.png", "precious");
+    {
+        const Limited sizes(RLIMIT_FSIZE, 100);
+        EXPECT_EQ(run("--picture|" + path).status, 2);
+    }
+    EXPECT_EQ(folder.read("old.png"), "precious");
+#if !defined(POLYFAB_SANITIZE) // which takes more memory than any limit leaves
+    const Limited memory(RLIMIT_AS, rlim_t{4} << 30);
+    const Outcome outcome = run("--size|32767x32767|--state");
+    EXPECT_EQ(std::tuple(outcome.status, outcome.out), std::tuple(2, ""));
+    EXPECT_NE(outcome.err.find("that takes 17178 MB of memory"), std::string::npos) << outcome.err;
+#endif
 }
 
 TEST(Batch, EscapeIsDownFromTheGivenLookOfTheNextCommandOn) {

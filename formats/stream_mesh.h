@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Takes the tables of a stream up into the mesh.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace polyfab {
+
+struct Mesh;
+struct StreamView;
+
+/// The text with blanks for control characters.
+[[nodiscard]] std::string withoutControls(std::string_view text);
+
+/// Adds the tables to the mesh, or puts them in its place. Returns "" or why not: the mesh is as it
+/// was then, but for one that had no memory while it grew, which is empty. The arrays move.
+[[nodiscard]] std::string takeStream(Mesh& mesh, const StreamView& view, bool append);
+
+} // namespace polyfab

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "io/names_in.h"
+
+#include <dirent.h>
+#include <memory>
+
+namespace polyfab {
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    struct Close {
+        void operator()(DIR* opened) const { ::closedir(opened); }
+    };
+    const std::unique_ptr<DIR, Close> opened(::opendir(folder.c_str()));
+    std::vector<std::string> names;
+    while (const dirent* const entry = opened ? ::readdir(opened.get()) : nullptr) {
+        names.emplace_back(entry->d_name);
+    }
+    return names;
+}
+
+} // namespace polyfab
