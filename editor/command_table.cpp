@@ -2,6 +2,7 @@
 #include "editor/command_table.h"
 
 #include "display/view.h"
+#include "editor/commands/backgrounds.h"
 #include "editor/commands/box.h"
 #include "editor/commands/display.h"
 #include "editor/commands/face.h"
@@ -385,7 +386,8 @@ constexpr auto table = std::to_array<Command>({
     {fitCommand, display, "fit everything in both panes: &0", [] { navigateByKey(key::home); }},
     {fitSelectedCommand, display, "fit the selected faces: &1",
      [] { navigateByKey(key::fullStop); }},
-    {1034, display, "show the pane backgroun&ds", later},
+    {1034, display, "show the pane backgroun&ds", flip<&Show::backgrounds>,
+     isOn<&Show::backgrounds>},
 
     {330, rendering, "&render the left pane", toggleRendered<true>, paneIsRendered<true>, "F5"},
     {331, rendering, "render the r&ight pane", toggleRendered<false>, paneIsRendered<false>, "F6"},
@@ -399,8 +401,8 @@ constexpr auto table = std::to_array<Command>({
      isOn<&Show::mixTexels>},
     {335, rendering, "set the &light", setLight},
     {355, rendering, "set the background &colour", setRenderBackground},
-    {410, rendering, "read &background image of left pane", later},
-    {345, rendering, "read background image of right &pane", later},
+    {410, rendering, "read &background image of left pane", readBackground<true>},
+    {345, rendering, "read background image of right &pane", readBackground<false>},
     {336, rendering, "select texture map &0", later},
     {337, rendering, "select texture map &1", later},
     {338, rendering, "select texture map &2", later},
@@ -411,7 +413,7 @@ constexpr auto table = std::to_array<Command>({
     {343, rendering, "select texture map &7", later},
     {383, rendering, "read te&xture map image", later},
     {384, rendering, "&write texture map image", later},
-    {1069, rendering, "put the rendered picture on the clipb&oard", later},
+    {1069, rendering, "put the rendered picture on the clipb&oard", copyRendered},
 
     {282, makeObject, "&cube", [] { makeAndShow(askAndMakeBlock); }},
     {392, makeObject, "&sphere", make<sphereMaker>},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/routes.h"
 
+#include "display/backgrounds.h"
 #include "display/pane_images.h"
 #include "display/view.h"
 #include "display/wireframe.h"
@@ -40,6 +41,7 @@ void onCreate(const Event&) {
     if (OB == nullptr) throw std::bad_alloc();
     offerSavingInPlace();
     paneImages = PaneImages();
+    resetBackgrounds();
     resetDrags();
     resizeView(platform().clientSize());
     startHistory();
@@ -60,6 +62,7 @@ void onDestroy(const Event&) {
     }
     destroyMesh();
     paneImages = PaneImages();
+    resetBackgrounds();
 }
 
 void onResize(const Event&) {
