@@ -25,6 +25,7 @@ struct DisplayOptions {
     bool numbers = false;          ///< 1033: of faces and vertexes
     bool smoothLines = true;       ///< 2005: where there are not too many
     bool paneNames = true;         ///< 2006: name and attitude in the corners of the panes
+    bool backgrounds = true;       ///< 1034: the pictures behind the mesh
     bool renderLeft = false;       ///< 330: the pane is shaded, not a wireframe
     bool renderRight = false;      ///< 331
     bool renderChosen = false;     ///< the user has said which panes are

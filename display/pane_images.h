@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The background pictures of the two panes.
+// Plain pictures and rectangles.
 #pragma once
 
 #include "platform/platform.h"
@@ -9,11 +9,8 @@ namespace polyfab {
 /// A picture of one colour, 0xFFRRGGBB.
 [[nodiscard]] Bitmap plainPicture(int width, int height, std::uint32_t color);
 
-/// Small plain pictures until backgrounds are read. The right one also marks what is picked in a
-/// name list.
 struct PaneImages {
-    Bitmap left = plainPicture(3, 3, 0xFFFAFAF7);
-    Bitmap right = plainPicture(4, 4, 0xFF102A6B);
+    Bitmap right = plainPicture(4, 4, 0xFF102A6B); ///< marks what is picked in a name list
 };
 
 inline PaneImages paneImages;

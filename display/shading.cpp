@@ -164,14 +164,13 @@ std::uint32_t pixelOf(const Color& color, double cosine) {
 /// Lays the pictures of triangles on them as a pane shows them.
 class PictureLayer {
   public:
-    PictureLayer(const TriangleSet& shown, bool left)
-        : set(shown), unitsPerPixel(shading.grain / view.scale) {
+    explicit PictureLayer(bool left) : unitsPerPixel(shading.grain / view.scale) {
         const auto& row = projection.toScreen.row[left ? 2 : 0];
         toViewer = Vec3{row[0], row[1], row[2]} * (1 / view.scale);
     }
 
     /// False when the triangle shows none.
-    bool lay(std::uint32_t triangle, LaidTexture& to) const {
+    bool lay(std::uint32_t triangle, const GradientFrame& frame, LaidTexture& to) const {
         const ShownPicture& picture = shading.looks.picture(triangle);
         if (picture.texture == nullptr) return false;
         TexturePlace place[3];
@@ -183,9 +182,7 @@ class PictureLayer {
             place[k] = {at.u * placing.uScale + placing.uOffset,
                         at.v * placing.vScale + placing.vOffset};
         }
-        ScreenCorner corner[3];
-        set.corners(triangle, corner);
-        return to.lay(corner, place, picture.texture->levelFor(texels(triangle, picture)));
+        return to.lay(frame, place, picture.texture->levelFor(texels(triangle, picture)));
     }
     bool hasHoles(std::uint32_t triangle) const {
         const Texture* const texture = shading.looks.picture(triangle).texture;
@@ -203,7 +200,6 @@ class PictureLayer {
                / std::max(slant, 1e-6);
     }
 
-    const TriangleSet& set;
     double unitsPerPixel;
     Vec3 toViewer;
 };
@@ -237,17 +233,20 @@ class TileShader {
         isBehind = (code & Seen::behind) != 0;
         side = isBehind ? -1 : 1;
         color = &shading.looks.color(t, isBehind);
-        hasPicture = layer != nullptr && layer->lay(t, picture);
-        if (displayOptions.renderSmooth) {
-            ScreenCorner corner[3];
-            set.corners(t, corner);
-            const auto& normal = shading.list.normals[t].corner;
-            const std::vector<float>& cosines = shading.cosines;
-            cosine =
-                gradientOver(corner, cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]);
-        } else {
+        hasPicture = false;
+        if (!displayOptions.renderSmooth) {
             flatCosine = side * cosineOf(shading.normals.flat[t], light);
             flat = pixelOf(*color, flatCosine);
+            if (layer == nullptr) return;
+        }
+        ScreenCorner corner[3];
+        set.corners(t, corner);
+        const GradientFrame frame(corner);
+        hasPicture = layer != nullptr && layer->lay(t, frame, picture);
+        if (displayOptions.renderSmooth) {
+            const auto& normal = shading.list.normals[t].corner;
+            const std::vector<float>& cosines = shading.cosines;
+            cosine = frame.of(cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]);
         }
     }
 
@@ -327,10 +326,13 @@ void drawShaded(const Mesh& mesh, const Pane& pane) {
                     },
                     {},
                     displayOptions.hideFacingAway};
-    const PictureLayer layer(set, pane.left);
+    const PictureLayer layer(pane.left);
     if (shading.isTextured && shading.looks.hasHoles()) {
-        set.layWithHoles = [&layer](std::uint32_t triangle, LaidTexture& to) {
-            return layer.hasHoles(triangle) && layer.lay(triangle, to);
+        set.layWithHoles = [&](std::uint32_t triangle, LaidTexture& to) {
+            if (!layer.hasHoles(triangle)) return false;
+            ScreenCorner corner[3];
+            set.corners(triangle, corner);
+            return layer.lay(triangle, GradientFrame(corner), to);
         };
     }
     const auto grains = [](int pixels) { return (pixels + shading.grain - 1) / shading.grain; };

@@ -12,17 +12,13 @@
 
 namespace polyfab {
 
-/// A pixel's brightness is 0.25 + 0.75 max(0, N L) and a channel floor(c b + 0.5): c is that of the
-/// face's material, averaged with this where it is seen from behind (the normal is then turned),
-/// and with the other where it is not selected.
-inline constexpr std::uint32_t behindColor = 0xB05A00, unselectedColor = 0x909090;
-
 /// Makes ready what is shaded of the mesh, as far as the flags tell that it changed; screen
 /// positions must be up to date. A draft has half the pixels each way. May throw std::bad_alloc.
 void prepareShading(const Mesh& mesh, const Stale& changed, bool draft);
 
 /// Draws the faces over what is in the pane, after prepareShading: once, the left pane before the
-/// right one. Damaged faces are left out. May throw std::bad_alloc.
+/// right one. A pixel's brightness is 0.25 + 0.75 max(0, N L), N turned where a face is seen from
+/// behind, and a channel floor(c b + 0.5). Damaged faces are left out. May throw std::bad_alloc.
 void drawShaded(const Mesh& mesh, const Pane& pane);
 
 /// What is seen in the pane that was shaded last.

@@ -2,7 +2,6 @@
 #include "display/surface_looks.h"
 
 #include "display/options.h"
-#include "display/shading.h"
 #include "mesh/faces.h"
 #include "picture/workers.h"
 
@@ -13,10 +12,6 @@ namespace {
 
 constexpr std::size_t pieceSize = 1 << 14;
 
-Color average(const Color& a, const Color& b) {
-    return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
-}
-
 bool hasTexCoord(const Face& face) { return face.n >= 3 && face.q->t != nullptr; }
 
 /// The place of an index in a list that begins with what is not there.
@@ -25,16 +20,6 @@ std::size_t placeOf(int index, int count) {
 }
 
 } // namespace
-
-Color colorOf(std::uint32_t rgb) {
-    return {static_cast<float>(rgb >> 16 & 255), static_cast<float>(rgb >> 8 & 255),
-            static_cast<float>(rgb & 255)};
-}
-
-Color tinted(Color color, bool selected, bool behind) {
-    if (behind) color = average(color, colorOf(behindColor));
-    return selected ? color : average(color, colorOf(unselectedColor));
-}
 
 ShownPicture SurfaceLooks::shown(const FacePicture& picture) {
     if (picture.image == nullptr || picture.image->pixels.empty()) return {};

@@ -14,6 +14,9 @@
 
 namespace polyfab {
 
+/// What colours are averaged with where a face is seen from behind, and where it is not selected.
+inline constexpr std::uint32_t behindColor = 0xB05A00, unselectedColor = 0x909090;
+
 /// Red, green and blue, not rounded.
 using Color = std::array<float, 3>;
 
@@ -71,8 +74,20 @@ class SurfaceLooks {
     bool holes = false;
 };
 
-[[nodiscard]] Color colorOf(std::uint32_t rgb);
+[[nodiscard]] inline Color colorOf(std::uint32_t rgb) {
+    return {static_cast<float>(rgb >> 16 & 255), static_cast<float>(rgb >> 8 & 255),
+            static_cast<float>(rgb & 255)};
+}
+
+[[nodiscard]] inline Color average(const Color& a, const Color& b) {
+    return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
+}
+
 /// What a face of that colour shows when it is not selected, and from behind.
-[[nodiscard]] Color tinted(Color color, bool selected, bool behind);
+[[nodiscard]] inline Color tinted(const Color& color, bool selected, bool behind) {
+    if (selected && !behind) return color;
+    const Color side = behind ? average(color, colorOf(behindColor)) : color;
+    return selected ? side : average(side, colorOf(unselectedColor));
+}
 
 } // namespace polyfab

@@ -67,6 +67,7 @@ void placeView(double scale, const Vec3& offset) {
     const View before = view;
     view.scale = scale;
     view.offset = offset;
+    view.sheet = offset + (before.sheet - before.offset) * (scale / before.scale);
     box = carried(box, before, view);
     applyView();
 }

@@ -15,6 +15,7 @@ struct View {
     double rotation[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     double scale = 0.5; ///< pixels per world unit
     Vec3 offset;        ///< x and z count from the left edges of their own panes
+    Vec3 sheet;         ///< a position that moves and grows with the view and does not turn
     Size client;        ///< window area that the two panes share
 };
 

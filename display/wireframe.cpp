@@ -3,6 +3,7 @@
 // that the edges' way through them stays in the processor's cache.
 #include "display/wireframe.h"
 
+#include "display/backgrounds.h"
 #include "display/edge_list.h"
 #include "display/look.h"
 #include "display/options.h"
@@ -212,18 +213,28 @@ void drawMarkedEdges(const Mesh& mesh, const Pane& pane) {
     if (displayOptions.badEdges) draw(look.bad, edgemark::bad, edgemark::bad);
 }
 
-void drawSolid(const Mesh& mesh, const Pane& pane) {
+void fillPane(const Pane& pane) {
     const std::uint32_t color =
         0xFF000000 | displayOptions.renderBackground.value_or(look.background);
     fillRectangle(pane.picture, pane.start, 0, {pane.canvas.width, pane.canvas.height}, color);
-    drawGrid(pane);
+    drawBackground(pane);
+}
+
+void drawSurfaces(const Mesh& mesh, const Pane& pane) {
     drawShaded(mesh, pane);
     if (displayOptions.renderedEdges) drawFaceEdges(mesh, pane);
+}
+
+void drawSolid(const Mesh& mesh, const Pane& pane) {
+    fillPane(pane);
+    drawGrid(pane);
+    drawSurfaces(mesh, pane);
     drawTint(mesh, pane);
     drawMarkedEdges(mesh, pane);
 }
 
 void drawWires(const Mesh& mesh, const Pane& pane) {
+    drawBackground(pane);
     drawGrid(pane);
     drawTint(mesh, pane);
     drawLayers(mesh, pane);
@@ -295,6 +306,22 @@ void refresh(Mesh& mesh, Size client, const Markers& markers) {
     stale = {false, false, false, false};
 }
 
+/// The columns of rendered panes.
+Bitmap withoutWires(Bitmap& whole) {
+    Bitmap kept{0, whole.height, {}};
+    for (const bool left : {true, false}) {
+        if (isRendered(left)) kept.width += makePane(whole, left).canvas.width;
+    }
+    for (int y = 0; y < whole.height; ++y) {
+        for (const bool left : {true, false}) {
+            const Canvas canvas = makePane(whole, left).canvas;
+            const std::uint32_t* const row = canvas.pixels + y * canvas.stride;
+            if (isRendered(left)) kept.pixels.insert(kept.pixels.end(), row, row + canvas.width);
+        }
+    }
+    return kept;
+}
+
 /// Without memory for shaded panes there are wires.
 bool giveUpShading() {
     if (!isRendered(true) && !isRendered(false)) return false;
@@ -319,6 +346,21 @@ const Bitmap& drawPanes(Mesh& mesh, Size client, const Markers& markers) {
         wireframe.picture = Bitmap();
     }
     return wireframe.picture;
+}
+
+Bitmap renderedPanes(Mesh& mesh) {
+    if (stale.points) transformPoints(mesh);
+    updateLook();
+    prepareShading(mesh, stale, false);
+    Bitmap whole;
+    clearPicture(whole, panesOf(view.client));
+    for (const bool left : {true, false}) {
+        if (!isRendered(left) || whole.pixels.empty()) continue;
+        const Pane pane = makePane(whole, left);
+        fillPane(pane);
+        drawSurfaces(mesh, pane);
+    }
+    return withoutWires(whole);
 }
 
 bool pictureIsDraft() { return wireframe.isDraft; }

@@ -19,4 +19,8 @@ namespace polyfab {
 /// Whether the last picture is a draft, to be drawn anew when the mouse rests.
 [[nodiscard]] bool pictureIsDraft();
 
+/// The panes that are rendered, side by side, in full and without marks, grid and numbers. May
+/// throw std::bad_alloc.
+[[nodiscard]] Bitmap renderedPanes(Mesh& mesh);
+
 } // namespace polyfab

@@ -2,6 +2,7 @@
 #include "editor/command_table.h"
 
 #include "display/view.h"
+#include "editor/commands/backgrounds.h"
 #include "editor/commands/box.h"
 #include "editor/commands/display.h"
 #include "editor/commands/face.h"
@@ -411,7 +412,8 @@ constexpr auto table = std::to_array<Command>({
     fitting({fitSelectedCommand, display, "fit the selected faces: &1",
              [] { navigateByKey(key::fullStop); }},
             "."),
-    {1034, display, "show the pane backgroun&ds", later},
+    {1034, display, "show the pane backgroun&ds", flip<&Show::backgrounds>,
+     isOn<&Show::backgrounds>},
 
     {330, rendering, "&render the left pane", toggleRendered<true>, paneIsRendered<true>, "F5"},
     {331, rendering, "render the r&ight pane", toggleRendered<false>, paneIsRendered<false>, "F6"},
@@ -425,8 +427,8 @@ constexpr auto table = std::to_array<Command>({
      isOn<&Show::mixTexels>},
     {335, rendering, "set the &light", setLight},
     {355, rendering, "set the background &colour", setRenderBackground},
-    {410, rendering, "read &background image of left pane", later},
-    {345, rendering, "read background image of right &pane", later},
+    {410, rendering, "read &background image of left pane", readBackground<true>},
+    {345, rendering, "read background image of right &pane", readBackground<false>},
     textureMapRow<0>("select texture map &0"),
     textureMapRow<1>("select texture map &1"),
     textureMapRow<2>("select texture map &2"),
@@ -437,7 +439,7 @@ constexpr auto table = std::to_array<Command>({
     textureMapRow<7>("select texture map &7"),
     {383, rendering, "read te&xture map image", readTextureMap},
     slow({384, rendering, "&write texture map image", writeTextureMap}),
-    {1069, rendering, "put the rendered picture on the clipb&oard", later},
+    {1069, rendering, "put the rendered picture on the clipb&oard", copyRendered},
 
     {282, makeObject, "&cube", [] { makeAndShow(askAndMakeBlock); }},
     {392, makeObject, "&sphere", make<sphereMaker>},

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/routes.h"
 
+#include "display/backgrounds.h"
 #include "display/material_looks.h"
 #include "display/pane_images.h"
 #include "display/texture_slots.h"
@@ -44,6 +45,7 @@ void onCreate(const Event&) {
     paneImages = PaneImages();
     resetTextureSlots();
     setMaterialLooks(nullptr);
+    resetBackgrounds();
     resetDrags();
     resizeView(platform().clientSize());
     startHistory();
@@ -64,6 +66,7 @@ void onDestroy(const Event&) {
     }
     destroyMesh();
     paneImages = PaneImages();
+    resetBackgrounds();
 }
 
 void onResize(const Event&) {

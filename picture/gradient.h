@@ -25,17 +25,24 @@ struct Gradient {
     }
 };
 
-/// The gradient of these values at the corners, whose area must not be 0. The corners count in
-/// this order: with another one the last digits may differ.
-[[nodiscard]] inline Gradient gradientOver(const ScreenCorner (&c)[3], double v0, double v1,
-                                           double v2) {
-    const double x1 = c[1].x - c[0].x, y1 = c[1].y - c[0].y;
-    const double x2 = c[2].x - c[0].x, y2 = c[2].y - c[0].y;
-    const double share = 1 / (x1 * y2 - x2 * y1);
-    const double right = ((v1 - v0) * y2 - (v2 - v0) * y1) * share;
-    const double down = ((v2 - v0) * x1 - (v1 - v0) * x2) * share;
-    return {v0 - right * c[0].x - down * c[0].y, right, down, std::min({v0, v1, v2}),
-            std::max({v0, v1, v2})};
-}
+/// What the gradients over one triangle have in common. Its area must not be 0. The corners count
+/// in this order: with another one the last digits may differ.
+class GradientFrame {
+  public:
+    explicit GradientFrame(const ScreenCorner (&c)[3])
+        : x0(c[0].x), y0(c[0].y), x1(c[1].x - x0), y1(c[1].y - y0), x2(c[2].x - x0),
+          y2(c[2].y - y0), share(1 / (x1 * y2 - x2 * y1)) {}
+
+    /// The gradient of these values at the corners.
+    [[nodiscard]] Gradient of(double v0, double v1, double v2) const {
+        const double right = ((v1 - v0) * y2 - (v2 - v0) * y1) * share;
+        const double down = ((v2 - v0) * x1 - (v1 - v0) * x2) * share;
+        return {v0 - right * x0 - down * y0, right, down, std::min({v0, v1, v2}),
+                std::max({v0, v1, v2})};
+    }
+
+  private:
+    double x0, y0, x1, y1, x2, y2, share;
+};
 
 } // namespace polyfab

@@ -102,7 +102,7 @@ const Image& Texture::levelFor(double texels) const {
     return *level;
 }
 
-bool LaidTexture::lay(const ScreenCorner (&corner)[3], const TexturePlace (&place)[3],
+bool LaidTexture::lay(const GradientFrame& triangle, const TexturePlace (&place)[3],
                       const Image& level) {
     double across[3], down[3];
     for (int k = 0; k < 3; ++k) {
@@ -111,9 +111,16 @@ bool LaidTexture::lay(const ScreenCorner (&corner)[3], const TexturePlace (&plac
     }
     if (!toTexels(across, level.width) || !toTexels(down, level.height)) return false;
     image = &level;
-    column = gradientOver(corner, across[0], across[1], across[2]);
-    row = gradientOver(corner, down[0], down[1], down[2]);
+    column = triangle.of(across[0], across[1], across[2]);
+    row = triangle.of(down[0], down[1], down[2]);
     return true;
+}
+
+void LaidTexture::dontRepeat() {
+    for (Gradient* const texels : {&column, &row}) {
+        texels->low += 0.5;
+        texels->high -= 0.5;
+    }
 }
 
 std::uint32_t LaidTexture::texel(int across, int down) const {

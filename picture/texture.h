@@ -43,7 +43,10 @@ class LaidTexture {
   public:
     /// Lays it so that the corners show these places. False where these are no numbers, or so far
     /// apart that nothing could be seen: it may not be used then.
-    bool lay(const ScreenCorner (&corner)[3], const TexturePlace (&place)[3], const Image& level);
+    bool lay(const GradientFrame& triangle, const TexturePlace (&place)[3], const Image& level);
+
+    /// Beyond its sides it shows what it does along them. For what is laid from 0 to 1.
+    void dontRepeat();
 
     /// What it shows at a pixel: the nearest texel, or a mixture of the four around.
     [[nodiscard]] std::uint32_t nearest(int x, int y) const;

@@ -228,7 +228,7 @@ class TilePainter {
         if (!depth) {
             ScreenCorner corner[3];
             set.corners(Seen::triangle(code), corner);
-            depth = gradientOver(corner, corner[0].depth, corner[1].depth, corner[2].depth);
+            depth = GradientFrame(corner).of(corner[0].depth, corner[1].depth, corner[2].depth);
         }
         return *depth;
     }
@@ -327,6 +327,12 @@ class Sorter {
         const int left = across.first / Tile::width, right = across.last / Tile::width;
         const int top = down.first / Tile::height, bottom = down.last / Tile::height;
         const auto columns = static_cast<std::size_t>(tiles.columns());
+        if (left == right && top == bottom) { // nearly all in a fine mesh
+            if (!bins.hasRoom(1, 0)) return false;
+            bins.add(static_cast<std::size_t>(top) * columns + static_cast<std::size_t>(left),
+                     entry);
+            return true;
+        }
         const auto all =
             static_cast<std::size_t>(right - left + 1) * static_cast<std::size_t>(bottom - top + 1);
         if (!bins.hasRoom(all, 0)) return false;

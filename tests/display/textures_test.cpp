@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/backgrounds.h"
 #include "display/texture_slots.h"
 #include "mesh/screen_positions.h"
 #include "tests/display/pane_fixture.h"
@@ -121,6 +122,34 @@ TEST_F(Textures, WhatIsSeeThroughShowsWhatIsBehind) {
         }
     });
     EXPECT_NEAR(plain, background, 0.1 * plain); // the triangle is half of the square
+}
+
+TEST_F(Textures, WhatIsBehindAPaneMovesAndGrowsWithTheViewAndDoesNotTurn) {
+    emptyMesh();
+    displayOptions.renderLeft = false;
+    const Panes panes = panesOf(client);
+    image->width = panes.leftWidth;
+    image->height = panes.height;
+    image->pixels.resize(std::size_t(image->width * image->height));
+    for (std::uint32_t i = 0; i < image->pixels.size(); ++i) image->pixels[i] = 0xFF000000 | i;
+    setBackground(true, *image);
+    const auto own = [&](int x, int y) { return image->pixels[std::size_t(y * image->width + x)]; };
+    const auto at = [&](int x, int y) {
+        return redraw().pixels[std::size_t(y * client.width + x)];
+    };
+    for (const int x : {0, 77, 199}) EXPECT_EQ(at(x, 199 - x), own(x, 199 - x));
+    panView({7, -3, 0});
+    EXPECT_EQ(at(50, 60), own(43, 63));
+    EXPECT_EQ(at(6, 60), look.background);
+    polyfab::turnView(1, 0.5, true);
+    EXPECT_EQ(at(50, 60), own(43, 63));
+    zoomView(2, {50.5, 60.5, 0});
+    EXPECT_EQ(at(52, 62), own(44, 64));
+    EXPECT_EQ(at(51, 61), own(44, 64));
+    EXPECT_EQ(at(53, 63), own(45, 65));
+    displayOptions.backgrounds = false;
+    EXPECT_EQ(at(53, 63), look.background);
+    resetBackgrounds();
 }
 
 } // namespace

@@ -125,7 +125,8 @@ std::vector<int> plainly(const Scene& scene) {
         const std::int64_t area = turn(p[0], p[1], p[2].x, p[2].y);
         if (area == 0) continue;
         if (area < 0) std::swap(p[1], p[2]);
-        const Gradient depth = gradientOver(exact, exact[0].depth, exact[1].depth, exact[2].depth);
+        const Gradient depth =
+            GradientFrame(exact).of(exact[0].depth, exact[1].depth, exact[2].depth);
         for (int i = 0; i < width * height; ++i) {
             const int x = i % width, y = i / width;
             bool inside = true;

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/backgrounds.h"
+
+#include "display/options.h"
+#include "mesh/stale.h"
+#include "picture/smooth.h"
+#include "picture/texture.h"
+#include "picture/workers.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace polyfab {
+namespace {
+
+struct Background {
+    explicit Background(Image&& picture) : image(std::move(picture)), texture(image) {}
+    Image image;
+    Texture texture;
+    Place from;       ///< its upper left corner on the sheet
+    double texel = 0; ///< side of its pixels there
+};
+
+std::array<std::unique_ptr<Background>, 2> backgrounds; ///< the left one first
+
+std::unique_ptr<Background>& behind(bool leftPane) { return backgrounds[leftPane ? 0 : 1]; }
+
+/// Where the sheet begins that pictures lie on, in a pane.
+Place sheetIn(bool leftPane) { return {leftPane ? view.sheet.x : view.sheet.z, view.sheet.y}; }
+
+/// Of the picture's sides, pixel middles being whole numbers.
+struct Sides {
+    double left, top, right, bottom;
+};
+
+Sides sidesOf(const Background& background, bool leftPane) {
+    const Place sheet = sheetIn(leftPane);
+    const double left = sheet.x + background.from.x * view.scale;
+    const double top = sheet.y + background.from.y * view.scale;
+    const double size = background.texel * view.scale;
+    return {left, top, left + size * background.image.width, top + size * background.image.height};
+}
+
+/// The whole numbers from `low` up to `high`, within a pane of this size.
+std::pair<int, int> pixelsBetween(double low, double high, int size) {
+    const auto bounded = [=](double place) {
+        return static_cast<int>(std::ceil(std::clamp(place, 0.0, double(size))));
+    };
+    return {bounded(low), bounded(high)};
+}
+
+void drawRows(const Canvas& canvas, const LaidTexture& picture, std::pair<int, int> columns,
+              std::pair<int, int> rows, bool smaller) {
+    for (int y = rows.first; y < rows.second; ++y) {
+        std::uint32_t* const pixels = canvas.pixels + y * canvas.stride;
+        for (int x = columns.first; x < columns.second; ++x) {
+            const std::uint32_t texel = smaller ? picture.mixed(x, y) : picture.nearest(x, y);
+            const unsigned alpha = texel >> 24;
+            pixels[x] = blended(pixels[x], texel | 0xFF000000, alpha + (alpha >> 7));
+        }
+    }
+}
+
+} // namespace
+
+void setBackground(bool leftPane, Image image) {
+    auto made = std::make_unique<Background>(std::move(image));
+    const Panes panes = panesOf(view.client);
+    const double width = leftPane ? panes.leftWidth : panes.rightWidth, height = panes.height;
+    const double size =
+        std::max(1e-3, std::min(width / made->image.width, height / made->image.height));
+    const Place sheet = sheetIn(leftPane);
+    const auto start = [&](double room, int texels, double begin) {
+        return ((room - size * texels - 1) / 2 - begin) / view.scale;
+    };
+    made->from = {start(width, made->image.width, sheet.x),
+                  start(height, made->image.height, sheet.y)};
+    made->texel = size / view.scale;
+    behind(leftPane) = std::move(made);
+    stale.picture = true;
+}
+
+void drawBackground(const Pane& pane) {
+    const Background* const background = behind(pane.left).get();
+    if (background == nullptr || !displayOptions.backgrounds) return;
+    const Sides at = sidesOf(*background, pane.left);
+    for (const double side : {at.left, at.top, at.right, at.bottom}) {
+        if (!(std::abs(side) < 1e9)) return; // far out, or a pixel of it covers the pane
+    }
+    const ScreenCorner corner[3] = {
+        {at.left, at.top, 0}, {at.right, at.top, 0}, {at.left, at.bottom, 0}};
+    constexpr TexturePlace place[3] = {{0, 1}, {1, 1}, {0, 0}};
+    const double size = background->texel * view.scale; // pixels
+    LaidTexture picture;
+    if (!picture.lay(GradientFrame(corner), place, background->texture.levelFor(1 / (size * size))))
+        return;
+    picture.dontRepeat();
+    const auto columns = pixelsBetween(at.left, at.right, pane.canvas.width);
+    const auto rows = pixelsBetween(at.top, at.bottom, pane.canvas.height);
+    const auto count = static_cast<std::size_t>(std::max(0, rows.second - rows.first));
+    inPieces(count, 32, [&](std::size_t from, std::size_t to) {
+        const std::pair some{rows.first + static_cast<int>(from),
+                             rows.first + static_cast<int>(to)};
+        drawRows(pane.canvas, picture, columns, some, size < 1);
+    });
+}
+
+void resetBackgrounds() { backgrounds = {}; }
+
+} // namespace polyfab
