@@ -35,6 +35,7 @@ struct Shading {
     TriangleTextures textures; ///< while some face shows a picture
     std::optional<std::uint64_t> faces, positions,
         directions; ///< prints of what those were made of
+    std::optional<std::uint64_t> cutFor; ///< the print of the positions that polygons are cut for
     bool hasFlat = false, hasSmooth = false;
     bool isTextured = false; ///< the list has texture coordinates
     int grain = 1;           ///< pixels to a side of what is shaded as one: 2 in drafts
@@ -106,6 +107,13 @@ bool updateList(const Mesh& mesh, bool mayHaveChanged) {
     shading.positions.reset();
     shading.directions.reset();
     return true;
+}
+
+/// Whether polygons were cut anew, as their corners have moved. Drafts do not wait for that.
+bool cutAnew(const Mesh& mesh, std::uint64_t positions) {
+    if (!shading.list.hasPolygons || shading.cutFor == positions) return false;
+    shading.faces.reset();
+    return updateList(mesh, true);
 }
 
 /// Normals do not turn while nothing else in the mesh changes.
@@ -304,8 +312,15 @@ void prepareShading(const Mesh& mesh, const Stale& changed, bool draft) {
     shading.grain = draft ? 2 : 1;
     bool looksChanged = changed.edges || changed.picture || !shading.faces;
     if (looksChanged) shading.looks.findPictures(mesh);
-    looksChanged |= updateList(mesh, changed.edges || !shading.faces);
-    const std::uint64_t positions = placePoints(mesh);
+    const bool listed = updateList(mesh, changed.edges || !shading.faces);
+    looksChanged |= listed;
+    std::uint64_t positions = placePoints(mesh);
+    if (listed) shading.cutFor = positions;
+    if (!draft && cutAnew(mesh, positions)) {
+        looksChanged = true;
+        positions = placePoints(mesh);
+        shading.cutFor = positions;
+    }
     const bool moved = shading.positions != positions;
     updateNormals(mesh, positions, looksChanged);
     if (shading.isTextured && (moved || looksChanged)) {

@@ -193,6 +193,7 @@ void listTriangles(const Mesh& mesh, TriangleList& list, bool withTexCoords) {
     for (const Placed& entry : faces) {
         count += static_cast<std::size_t>(mesh.faces[entry.face].n - 2);
     }
+    list.hasPolygons = count > faces.size();
     list.triangles.clear();
     list.normals.clear();
     list.texCoords = {};

@@ -19,6 +19,7 @@ struct TriangleList {
     };
 
     std::vector<RasterTriangle> triangles;
+    bool hasPolygons = false; ///< faces that are cut by where their corners are
     /// Per triangle, places in normalOf, or none where the mesh has no normal; until
     /// findSmoothNormals puts others there.
     std::vector<Corners> normals;

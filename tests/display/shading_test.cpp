@@ -145,6 +145,17 @@ TEST_F(Shading, NeitherThreadsNorTheOrderOfCornersNorDoubledFacesChangeAPixel) {
     }
 }
 
+TEST_F(Shading, APolygonWhoseCornerMovesIsCutAnew) {
+    addPoints({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {.4, 1.6, 0}});
+    addFace({0, 1, 2, 3});
+    redraw();
+    OB->points[2].x = .6; // over the diagonal by which it was cut
+    OB->points[2].y = .3;
+    const Bitmap moved = redraw();
+    forgetShading();
+    EXPECT_EQ(redraw().pixels, moved.pixels);
+}
+
 TEST_F(Shading, WhatIsRoundLooksRoundAndACubeStaysACube) {
     addCube();
     turnView(30, 20);
