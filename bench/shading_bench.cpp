@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Shading the mesh in the panes of a window of 1920x1000 pixels while it turns: the left pane,
 // both, and after an edit, when the triangles are listed anew. On one thread but for the rows that
-// say otherwise.
+// say otherwise. Where OpenGL is there, what it takes for the left pane stands beside it.
 #include "bench/grid.h"
 #include "bench/growth.h"
+#include "bench/opengl_pane.h"
 #include "display/options.h"
 #include "display/pane.h"
 #include "display/shading.h"
@@ -97,6 +98,34 @@ void edited(benchmark::State& state) {
     endScene(state);
 }
 
+#ifdef POLYFAB_OPENGL
+/// For comparison, on all threads that OpenGL takes.
+template <bool smooth, bool textured>
+void oneOpenGlPane(benchmark::State& state) {
+    showGrid(state.range(0), {smooth});
+    const Panes panes = panesOf(client);
+    const auto pane = OpenGlPane::open(panes.leftWidth, panes.height, smooth, textured);
+    if (pane == nullptr) return state.SkipWithError("there is no OpenGL");
+    for (auto _ : state) {
+        turnView(1, 0.001, true);
+        pane->draw();
+    }
+    endScene(state);
+}
+
+void addOpenGl(std::int64_t n) {
+    const auto add = [=](const char* name, void (*run)(benchmark::State&)) {
+        benchmark::RegisterBenchmark(name, run)->Arg(n)->Arg(4 * n)->MeasureProcessCPUTime()->Unit(
+            benchmark::kMillisecond);
+    };
+    add("one pane flat, OpenGL", oneOpenGlPane<false, false>);
+    add("one pane smooth, OpenGL", oneOpenGlPane<true, false>);
+    add("one pane textured, OpenGL", oneOpenGlPane<true, true>);
+}
+#else
+void addOpenGl(std::int64_t) {}
+#endif
+
 } // namespace
 } // namespace polyfab::bench
 
@@ -115,5 +144,6 @@ int main(int argc, char** argv) {
     addGrowth("both panes smooth, two threads", bothPanes<true, false, 2>, quarter);
     addGrowth("both panes smooth, after an edit", edited<false>, quarter);
     addGrowth("both panes smooth, after an edit, shuffled mesh", edited<true>, quarter);
+    addOpenGl(quarter);
     return runGrowth(argc, argv);
 }
