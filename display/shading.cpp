@@ -34,7 +34,7 @@ struct Shading {
     SurfaceLooks looks;
     TriangleTextures textures; ///< while some face shows a picture
     std::optional<std::uint64_t> faces, positions,
-        directions; ///< prints of what those were made of
+        directions;                      ///< prints of what those were made of
     std::optional<std::uint64_t> cutFor; ///< the print of the positions that polygons are cut for
     bool hasFlat = false, hasSmooth = false;
     bool isTextured = false; ///< the list has texture coordinates

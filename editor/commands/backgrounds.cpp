@@ -4,8 +4,8 @@
 #include "display/backgrounds.h"
 #include "display/options.h"
 #include "display/wireframe.h"
+#include "editor/commands/texture_maps.h"
 #include "mesh/mesh.h"
-#include "picture/read_image.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
 #include "workbench/state.h"
@@ -22,21 +22,6 @@ std::string sizeOf(int width, int height) {
     return std::to_string(width) + " x " + std::to_string(height);
 }
 
-/// Nothing when the user or the file would not have it, who knows by then.
-std::optional<Image> readFile(const std::string& prompt) {
-    const auto path = platform().fileDialog(
-        {false,
-         prompt,
-         {{"pictures", "*.PNG;*.JPG;*.JPEG;*.TGA;*.BMP;*.PPM;*.PGM"}, {"all files", "*"}},
-         ""});
-    if (!path) return std::nullopt;
-    Image image;
-    const std::string reason = readImage(*path, image);
-    if (reason.empty()) return image;
-    platform().message("I can't read this picture: " + reason, *path, Icon::exclamation);
-    return std::nullopt;
-}
-
 std::optional<Image> chooseImage(const std::string& of) {
     std::optional<Bitmap> copied = platform().clipboardBitmap();
     if (copied && !copied->pixels.empty()) {
@@ -47,7 +32,9 @@ std::optional<Image> chooseImage(const std::string& of) {
             return Image{copied->width, copied->height, std::move(copied->pixels)};
         }
     }
-    return readFile(of + "?");
+    std::optional<ReadPicture> read = askForPicture(of + "?", "");
+    if (!read) return std::nullopt;
+    return std::move(read->image);
 }
 
 } // namespace

@@ -42,22 +42,29 @@ Shown shownTextureMap(int number) {
             + (path.empty() ? "" : " (" + asLabel(nameOf(path)) + ")")};
 }
 
-std::vector<FileFilter> pictureFilters() {
-    return {{"pictures", "*.PNG;*.JPG;*.JPEG;*.TGA;*.BMP;*.PPM;*.PGM"}, {"all files", "*"}};
+std::optional<ReadPicture> askForPicture(const std::string& prompt, const std::string& initial) {
+    const auto path = platform().fileDialog(
+        {false,
+         prompt,
+         {{"pictures", "*.PNG;*.JPG;*.JPEG;*.TGA;*.BMP;*.PPM;*.PGM"}, {"all files", "*"}},
+         initial});
+    if (!path) return std::nullopt;
+    ReadPicture read{*path, {}};
+    const std::string reason = readImage(*path, read.image);
+    if (reason.empty()) return read;
+    refuse("I can't read this picture: ", reason, *path);
+    return std::nullopt;
 }
 
 void readTextureMap() {
     const int number = workbench.textureNumber;
-    const auto path =
-        platform().fileDialog({false, "picture for texture map " + std::to_string(number) + "?",
-                               pictureFilters(), nameOf(slotOf(number).path)});
-    if (!path) return;
-    Image image;
-    const std::string reason = readImage(*path, image);
-    if (!reason.empty()) return refuse("I can't read this picture: ", reason, *path);
-    note("texture map " + std::to_string(number) + " is " + std::to_string(image.width) + " x "
-         + std::to_string(image.height));
-    setTextureSlot(number, {*path, std::make_shared<const Image>(std::move(image))});
+    auto read = askForPicture("picture for texture map " + std::to_string(number) + "?",
+                              nameOf(slotOf(number).path));
+    if (!read) return;
+    const auto image = std::make_shared<const Image>(std::move(read->image));
+    note("texture map " + std::to_string(number) + " is " + std::to_string(image->width) + " x "
+         + std::to_string(image->height));
+    setTextureSlot(number, {read->path, image});
 }
 
 void writeTextureMap() {

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "editor/command_table.h"
-#include "platform/platform.h"
+#include "picture/image.h"
 
-#include <vector>
+#include <optional>
+#include <string>
 
 namespace polyfab {
 
@@ -22,7 +23,14 @@ void readTextureMap();
 /// Asks for a file and writes the picture of the chosen texture map to it.
 void writeTextureMap();
 
-/// Of dialogs that ask for a picture.
-[[nodiscard]] std::vector<FileFilter> pictureFilters();
+struct ReadPicture {
+    std::string path;
+    Image image;
+};
+
+/// Asks for a picture file, with that one as it begins. Nothing when the user would have none, or
+/// it can't be read, as a message has said then.
+[[nodiscard]] std::optional<ReadPicture> askForPicture(const std::string& prompt,
+                                                       const std::string& initial);
 
 } // namespace polyfab
