@@ -4,6 +4,7 @@
 // these may come in any order.
 #include "formats/3ds_scene.h"
 
+#include "formats/unique_records.h"
 #include "formats/unique_table.h"
 #include "io/read_file.h"
 #include "mesh/mesh.h"
@@ -19,16 +20,6 @@
 #include <utility>
 
 namespace polyfab {
-
-// For UniqueTable, which finds them by the namespace of the records.
-static bool operator==(const Vec3& a, const Vec3& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-static bool operator==(const StreamTexCoord& a, const StreamTexCoord& b) {
-    return a.u == b.u && a.v == b.v;
-}
-static std::uint64_t hashOf(const Vec3& v) { return hashOfNumbers(v.x, v.y, v.z); }
-static std::uint64_t hashOf(const StreamTexCoord& t) { return hashOfNumbers(t.u, t.v); }
 
 namespace {
 

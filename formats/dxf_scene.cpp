@@ -2,6 +2,7 @@
 #include "formats/dxf_scene.h"
 
 #include "formats/dxf_drawing.h"
+#include "formats/unique_records.h"
 #include "formats/unique_table.h"
 #include "io/read_file.h"
 
@@ -13,12 +14,6 @@
 #include <utility>
 
 namespace polyfab {
-
-// For UniqueTable, which finds them by the namespace of the record.
-static bool operator==(const Vec3& a, const Vec3& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-static std::uint64_t hashOf(const Vec3& v) { return hashOfNumbers(v.x, v.y, v.z); }
 
 namespace {
 

@@ -4,6 +4,7 @@
 // edges.
 #include "formats/import_files.h"
 #include "formats/scenes.h"
+#include "formats/unique_records.h"
 #include "formats/unique_table.h"
 #include "geometry/affine.h"
 #include "mesh/mesh.h"
@@ -14,20 +15,6 @@
 #include <cmath>
 
 namespace polyfab {
-
-// For UniqueTable, which finds them by the namespace of the records.
-
-static bool operator==(const Vec3& a, const Vec3& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-
-static bool operator==(const StreamTexCoord& a, const StreamTexCoord& b) {
-    return a.u == b.u && a.v == b.v;
-}
-
-static std::uint64_t hashOf(const Vec3& v) { return hashOfNumbers(v.x, v.y, v.z); }
-
-static std::uint64_t hashOf(const StreamTexCoord& t) { return hashOfNumbers(t.u, t.v); }
 
 namespace {
 
