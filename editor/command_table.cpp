@@ -411,7 +411,7 @@ constexpr auto table = std::to_array<Command>({
         "Home"),
     fitting({fitSelectedCommand, display, "fit the selected faces: &1",
              [] { navigateByKey(key::fullStop); }},
-            "."),
+            "full stop"),
     {1034, display, "show the pane backgroun&ds", flip<&Show::backgrounds>,
      isOn<&Show::backgrounds>},
 

@@ -239,7 +239,7 @@ class FileBox : public QFileDialog {
         const QString path = directory().absoluteFilePath(text);
         const bool isName = !text.isEmpty() && !text.startsWith(QLatin1Char('~'));
         typed = acceptMode() == AcceptSave && isName && !QFileInfo(path).isDir() ? path : QString();
-        typed.isEmpty() ? QFileDialog::accept() : QDialog::accept();
+        typed.isEmpty() ? QFileDialog::accept() : done(Accepted);
     }
 
   private:

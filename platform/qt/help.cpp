@@ -10,9 +10,12 @@
 #include <QTextBlock>
 #include <QTextTable>
 
+#include <utility>
+
 namespace polyfab {
 namespace {
 
+constexpr double margin = 12;
 constexpr const char* manual = "qrc:/docs/manual.md";
 
 /// As links call a chapter: small letters and digits, with lines for blanks.
@@ -100,7 +103,9 @@ void ManualPages::doSetSource(const QUrl& url, QTextDocument::ResourceType type)
     if (url.hasFragment()) scrollToAnchor(url.fragment());
 }
 
-HelpWindow::HelpWindow(QWidget& window) : owner(window) {
+HelpWindow::HelpWindow(QWidget& window) : owner(window), manualPage(pages.document()) {
+    manualPage->setParent(&pages); // or another page would delete it
+    manualPage->setDocumentMargin(margin);
     auto* const layout = new QVBoxLayout(this);
     auto* const buttons = new QHBoxLayout;
     const auto add = [&](const char* text, auto act) {
@@ -121,12 +126,12 @@ HelpWindow::HelpWindow(QWidget& window) : owner(window) {
     layout->addLayout(buttons);
     layout->addWidget(&pages);
     new QShortcut(QKeySequence(Qt::Key_Escape), this, [this] { hide(); });
-    pages.document()->setDocumentMargin(12);
     resize(QSize(130 * fontMetrics().averageCharWidth(), 50 * fontMetrics().lineSpacing())
                .boundedTo(screen()->availableSize() - QSize(16, 48)));
 }
 
 void HelpWindow::showChapter(const QString& chapter) {
+    if (pages.document() != manualPage) pages.setDocument(manualPage);
     QUrl url(QString::fromLatin1(manual));
     if (!chapter.isEmpty()) url.setFragment(chapter);
     pages.setSource(url, QTextDocument::MarkdownResource);
@@ -139,9 +144,21 @@ void HelpWindow::showChapter(const QString& chapter) {
 }
 
 void HelpWindow::showText(const QString& title, const QString& markdown) {
-    pages.setMarkdown(markdown);
-    dress(*pages.document());
+    // A page that is shown already would be laid out anew with every cell of its tables.
+    QTextDocument* const page = newPage();
+    page->setMarkdown(markdown);
+    dress(*page);
+    pages.setDocument(page);
+    pages.clearHistory(); // which is of the manual
+    delete std::exchange(sheet, page);
     bringUp(title);
+}
+
+QTextDocument* HelpWindow::newPage() {
+    auto* const page = new QTextDocument(&pages); // through which it finds its pictures
+    page->setDefaultFont(pages.font());
+    page->setDocumentMargin(margin);
+    return page;
 }
 
 void HelpWindow::bringUp(const QString& title) {

@@ -27,8 +27,13 @@ class HelpWindow : public QWidget {
 
   private:
     void bringUp(const QString& title);
+    /// Empty, and owned by the pages.
+    QTextDocument* newPage();
+
     QWidget& owner;
     ManualPages pages;
+    QTextDocument* manualPage;
+    QTextDocument* sheet = nullptr; ///< what is shown or was shown beside the manual
 };
 
 } // namespace polyfab
