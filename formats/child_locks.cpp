@@ -101,7 +101,6 @@ constexpr unsigned freeCalls[] = {
     SYS_fdatasync,
     SYS_ftruncate,
     SYS_fadvise64,
-    SYS_fcntl,
     SYS_dup,
     // files by their names
     SYS_openat,
@@ -186,9 +185,12 @@ void addLimited(Filter& filter, const LimitedCall& row) {
 
 Filter makeFilter() {
     const auto self = static_cast<unsigned>(::getpid());
+    // F_SETOWN and its kin, by which a file sends signals to other processes, are 8 to 31.
+    constexpr unsigned signalsOfFiles = 8 | 16;
     const LimitedCall limitedCalls[] = {{SYS_mmap, 2, true, PROT_EXEC},
                                         {SYS_mprotect, 2, true, PROT_EXEC},
                                         {SYS_tgkill, 0, false, self},
+                                        {SYS_fcntl, 1, true, signalsOfFiles},
                                         {SYS_prlimit64, 0, false, 0}};
     Filter filter = {BPF_STMT(loadWord, offsetof(seccomp_data, arch)),
                      BPF_JUMP(ifEqual, machine, 1, 0), BPF_STMT(answer, SECCOMP_RET_KILL_PROCESS),

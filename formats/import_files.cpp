@@ -105,6 +105,7 @@ int ImportFiles::openFile(const std::string& path) {
 void ImportFiles::refuse(const std::string& path, const char* why) {
     constexpr std::size_t most = 20;
     const std::string name = path.starts_with(folder) ? path.substr(folder.size()) : path;
+    if (name.starts_with('/')) why = outside; // the importer put the folder before it
     const std::string last = name.substr(name.find_last_of('/') + 1);
     // The importer's own message tells of the file itself.
     if (path == main || list.size() == most || names.contains(last) || !isNamedIn(realMain, last)) {

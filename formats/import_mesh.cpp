@@ -140,6 +140,10 @@ constexpr const char* noRoom = "there is no room for temporary files";
 /// why it did not.
 std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::path& target,
                           bool onlySelected) {
+    if (target.extension() == ".gltf"
+        && target.filename().string().find('\\') != std::string::npos) {
+        return "a name with a backslash would lead a glTF file to another one than its own buffer";
+    }
     StreamTables tables = tablesOf(mesh, onlySelected);
     giveLooks(mesh, tables, target, written.parent_path());
     const int input = streamFile(tables);
@@ -221,8 +225,6 @@ void exportOtherMesh() {
     const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file);
     if (!reason.empty()) return explain(failed, path, reason);
     noteSaved(path, countFaces(mesh, onlySelected));
-    const bool hasLibrary = endsIn(path, ".obj") && libraryHasLooks(mesh, path);
-    if (hasLibrary) writeMaterialLibrary(mesh, path);
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 

@@ -124,11 +124,24 @@ const Reader::Keyword Reader::keywords[] = {
     {"actor", &Reader::actor},   {"prop", &Reader::prop},         {"geomcustom", &Reader::section},
 };
 
+/// Editors put it before the first line.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// What ends in a backslash there does not go on.
+bool isComment(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    return first != std::string_view::npos && text[first] == '#';
+}
+
 End Reader::read(PieceReader& file) {
     std::string_view text;
     std::size_t kept = 0;
+    bool atStart = input.how.forgives;
     while (reason == nullptr && !noRoom && file.next(kept, text)) {
         if (!readsOn(file, Pass::reading)) return End::stopped;
+        if (std::exchange(atStart, false) && text.starts_with(byteOrderMark)) {
+            text.remove_prefix(byteOrderMark.size());
+        }
         kept = text.size() - readLines(text);
     }
     if (reason != nullptr) {
@@ -138,7 +151,7 @@ End Reader::read(PieceReader& file) {
         return End::badLine;
     }
     if (file.failed()) return End::unreadable;
-    if (!pending.empty()) static_cast<void>(joinLine("\n"));
+    while (!pending.empty()) static_cast<void>(joinLine("\n"));
     if (noRoom) return End::noRoom;
     mesh.highlightPoint(-1);
     noteChanges(text);
@@ -192,7 +205,7 @@ std::size_t Reader::joinLine(std::string_view text) {
     const auto end = std::find_if(text.begin(), text.end(), isLineEnd);
     pending.append(text.begin(), end);
     if (end == text.end()) return text.size();
-    if (pending.ends_with('\\')) {
+    if (pending.ends_with('\\') && !isComment(pending)) {
         pending.back() = ' ';
         skipsFeed = *end == '\r';
     } else {

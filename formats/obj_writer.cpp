@@ -5,6 +5,7 @@
 
 #include "formats/face_order.h"
 #include "formats/file_command.h"
+#include "formats/material_library.h"
 #include "formats/obj_lines.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
@@ -260,7 +261,10 @@ int writeObjFile(const Mesh& mesh, const std::string& path, unsigned flags, Want
     const bool onlySelected = askOnlySelected(mesh, false, wanted);
     workbench.wholeMeshWritten = !onlySelected;
     Losses losses;
-    if (writeMesh(file, mesh, onlySelected, flags, mesh.mtllib, losses) && file.commit()) {
+    const bool isWhole = writeMesh(file, mesh, onlySelected, flags, mesh.mtllib, losses);
+    // Before the file that names it: whenever this ends, what names a library has it.
+    if (isWhole) writeMaterialLibrary(mesh, path);
+    if (isWhole && file.commit()) {
         noteSaved(path, countFaces(mesh, onlySelected));
         noteLosses(losses);
         return 1;

@@ -41,11 +41,21 @@ struct Target {
     bool onlySelected;
 };
 
+const char* whyMissing(const std::string& path, const std::string& library) {
+    std::error_code failure;
+    const fs::path parent = fs::path(path).parent_path();
+    const fs::path folder = fs::canonical(parent.empty() ? "." : parent, failure);
+    const fs::path place = fs::weakly_canonical(folder / library, failure);
+    if (failure) return "is not there";
+    if (*place.lexically_relative(folder).begin() == "..") return "lies outside its folder";
+    return fs::exists(place, failure) ? "is no regular file that I can read" : "is not there";
+}
+
 std::string addObj(Mesh& mesh, const std::string& path) {
     std::string reason = addObjFile(mesh, path, objImport);
     for (const std::string& name : missingLibraries(path, namedLibraries)) {
-        leftOut.changed.push_back("the file asks for " + name
-                                  + ", which is not in its folder: left out");
+        leftOut.changed.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
+                                  + ": left out");
     }
     return reason;
 }
@@ -60,6 +70,8 @@ std::string makeFile(const fs::path& path, Fill fill) {
 std::string writeObj(const Mesh& mesh, const Target& target) {
     const bool keeps = libraryHasLooks(mesh, target.path);
     const std::string library = keeps ? mesh.mtllib : target.path.stem().string() + ".mtl";
+    // Before the file that names it: whenever this ends, what names a library has it.
+    if (keeps) writeMaterialLibrary(mesh, target.path);
     if (!keeps) {
         const fs::path scratch = target.file.parent_path();
         const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);

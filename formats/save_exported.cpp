@@ -29,9 +29,11 @@ constexpr std::string_view scratchPrefix = "polyfab-export-";
 /// How a format refers to a file beside it: the name stands between these words.
 struct Reference {
     std::string_view suffix, before, after;
+    bool isJson; ///< where quotation marks stand behind a backslash
 };
 
-constexpr Reference references[] = {{".gltf", "\"uri\": \"", "\""}, {".obj", "mtllib ", "\n"}};
+constexpr Reference references[] = {{".gltf", "\"uri\": \"", "\"", true},
+                                    {".obj", "mtllib ", "\n", false}};
 
 constexpr const char* cannotWrite = "can't write the file";
 
@@ -80,7 +82,10 @@ std::string whole(const fs::path& path) {
 /// Makes the text refer to another file. False when it does not refer to the first.
 bool redirect(std::string& text, const Reference& row, const std::string& from,
               const std::string& to) {
-    const auto around = [&](const std::string& name) {
+    const auto around = [&](std::string name) {
+        for (std::size_t i = 0; row.isJson && i < name.size(); ++i) {
+            if (name[i] == '"') name.insert(i++, 1, '\\');
+        }
         return std::string(row.before) + name + std::string(row.after);
     };
     const std::string old = around(from);

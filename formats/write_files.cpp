@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Everything around a write that does not depend on the format.
 #include "formats/file_command.h"
-#include "formats/material_library.h"
 #include "formats/mesh_files.h"
 #include "formats/mesh_formats.h"
 #include "mesh/mesh.h"
@@ -38,7 +37,6 @@ void settleMark(Mesh& mesh) {
 void noteWritten(Mesh& mesh, const Format& format, bool readable) {
     noteRecentFile(workbench.fileName, false);
     settleMark(mesh);
-    if (&format == &objFormat) writeMaterialLibrary(mesh, workbench.fileName);
     if (workbench.wholeMeshWritten && readable) {
         workbench.home = {workbench.fileName, std::string(format.suffix), ""};
     }

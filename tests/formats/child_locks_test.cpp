@@ -87,6 +87,7 @@ TEST(ChildLocks, NothingIsReachedButTheOwnFolder) {
                                   [] { return ::fork() >= 0; },
                                   [] { return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0; },
                                   [] { return ::kill(::getppid(), 0) == 0; },
+                                  [] { return ::fcntl(0, F_SETOWN, ::getppid()) == 0; },
                                   [] { return ::chdir("/") == 0; },
                                   [] { return raisesLimit(RLIMIT_FSIZE); },
                                   [] { return ::memfd_create("code", 0) >= 0; },

@@ -267,19 +267,20 @@ TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
     ASSERT_EQ(mkfifo(folder.path("own/pipe").c_str(), 0600), 0);
     const struct {
         std::string library;
-        bool isRead = false;
-    } rows[] = {{"red.mtl", true},
-                {"below/red.mtl", true},
-                {"below/../red.mtl", true},
-                {"in.mtl", true},
-                {"../outer.mtl"},
-                {folder.path("outer.mtl")},
-                {"out.mtl"},
-                {"/dev/zero"},
-                {"pipe"},
-                {"below"},
-                {"none.mtl"}};
-    for (const auto& [library, isRead] : rows) {
+        const char* reason; ///< null: it is read
+    } rows[] = {{"red.mtl", nullptr},
+                {"below/red.mtl", nullptr},
+                {"below/../red.mtl", nullptr},
+                {"in.mtl", nullptr},
+                {"../outer.mtl", "lies outside its folder"},
+                {folder.path("outer.mtl"), "lies outside its folder"},
+                {"out.mtl", "lies outside its folder"},
+                {"/dev/zero", "lies outside its folder"},
+                {"pipe", "is no regular file that I can read"},
+                {"below", "is no regular file that I can read"},
+                {"none.mtl", "is not there"}};
+    for (const auto& [library, reason] : rows) {
+        const bool isRead = reason == nullptr;
         const std::string path =
             folder.write("own/a.obj", "mtllib " + library + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\n"
                                           + "usemtl red\nf 1 2 3\n");
@@ -287,8 +288,8 @@ TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
         EXPECT_EQ(OB->nf, 1);
         EXPECT_EQ(OB->materials[OB->faces[0].mat].color == 0xFF0000, isRead) << library;
         const std::string told =
-            "the file asks for " + library + ", which is not in its folder: left out\n";
-        EXPECT_EQ(noted, "read a.obj: 3 points, 1 face\n" + (isRead ? "" : told));
+            isRead ? "" : "the file asks for " + library + ", which " + reason + ": left out\n";
+        EXPECT_EQ(noted, "read a.obj: 3 points, 1 face\n" + told);
     }
     // The same for what the library opens.
     for (const std::string name : {"in.bin", "../outer.bin", "out.bin", "pipe"}) {

@@ -141,6 +141,7 @@ TEST_F(Lossless, ObjIsImportedAsFarAsItGoes) {
         std::string text, faces, told; ///< behind the points; faces as whole() has them
     } rows[] = {
         {"f 1 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1", ""},
+        {"# C:\\models\\\nf 1 2 3\\", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1", ""},
         {"f 1 \\\r\n2 3 \\\n4", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1 3/-1/-1", ""},
         {"f" + std::string(5000, ' ') + "1 2 3 # 4 5", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1", ""},
         {"f 1 2 9\nf 1 2\nf 1 x 3\nf 1/8/7 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1",
@@ -152,12 +153,11 @@ TEST_F(Lossless, ObjIsImportedAsFarAsItGoes) {
         {"o " + longName + "\nf 1 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1",
          "1 name is longer than 63 characters and was cut; "},
         {"s 1\nmtllib none.mtl\nf 1 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1",
-         "left out: 1 smoothing line, 1 vertex colour; the file asks for none.mtl, which is not in "
-         "its "
-         "folder: left out; "},
+         "left out: 1 smoothing line, 1 vertex colour; the file asks for none.mtl, which is not "
+         "there: left out; "},
     };
     for (const auto& row : rows) {
-        folder.write("a.obj", text + row.text);
+        folder.write("a.obj", "\xEF\xBB\xBF" + text + row.text);
         const std::string colour = "left out: 1 vertex colour; ";
         const bool tellsColour = row.told.starts_with("left");
         EXPECT_EQ(import("a.obj"), (tellsColour ? "" : colour) + row.told);
