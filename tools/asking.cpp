@@ -32,8 +32,7 @@ bool isWithin(double number, double least, double most) {
 
 bool askWithin(const std::string& question, const std::string& defaultAnswer, double least,
                double most, double& number) {
-    number = askNumber(question, defaultAnswer);
-    return !prompts.cancelled && isWithin(number, least, most);
+    return askNumberOrCancel(question, defaultAnswer, number) && isWithin(number, least, most);
 }
 
 bool askCount(const std::string& question, const std::string& defaultAnswer, int most,

@@ -6,6 +6,7 @@
 #include "display/look.h"
 #include "tests/display/pane_fixture.h"
 
+#include <cstddef>
 #include <map>
 
 namespace polyfab::test {
@@ -23,7 +24,7 @@ TEST_F(WireframeTest, APictureOwesNothingToThoseBefore) {
     OB->faces[1].selected = 0;
     OB->curface = 2;
     bool* const switches = reinterpret_cast<bool*>(&displayOptions);
-    constexpr std::size_t count = sizeof(DisplayOptions) / sizeof(bool);
+    constexpr std::size_t count = offsetof(DisplayOptions, mixTexels) + 1; // the last of them
     std::vector<Bitmap> alone;
     for (std::size_t i = 0; i < 2 * count; ++i) {
         displayOptions = {};
