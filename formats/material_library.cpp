@@ -269,11 +269,15 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
     const Libraries libraries = librariesRead(line);
     const fs::path folder = folderOf(path);
     FileFinder finder({folder});
-    std::string added = missingSections(mesh, libraries, folder);
+    bool hasAll = false;
     for (const auto& library : libraries) {
         if (!finder.find(library->name).empty()) continue;
-        const std::string text = movedText(*library, folder);
-        writeOne(placeFor(library->name, folder), text + std::exchange(added, ""));
+        const fs::path place = placeFor(library->name, folder);
+        std::string text = movedText(*library, place.parent_path());
+        if (!std::exchange(hasAll, true)) {
+            text += missingSections(mesh, libraries, place.parent_path());
+        }
+        writeOne(place, text);
     }
 } catch (const std::bad_alloc&) {
     note("there is not enough memory to write the materials");

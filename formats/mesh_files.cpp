@@ -11,6 +11,7 @@
 #include "formats/left_out.h"
 #include "formats/material_library.h"
 #include "formats/mesh_formats.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
@@ -19,6 +20,8 @@
 #include "workbench/notes.h"
 #include "workbench/recent_files.h"
 #include "workbench/state.h"
+
+#include <cstdint>
 
 namespace polyfab {
 namespace {
@@ -81,10 +84,18 @@ void emptyMesh(Mesh& mesh) {
 void tidyAll(Mesh& mesh) {
     // A split appends a face, which is tidied in its turn.
     LoopProgress progress(mesh.nf);
+    std::int64_t removed = 0, changed = 0;
     for (int face = 0; face < mesh.nf; ++face) {
         progress.step();
+        const bool wasLive = isLive(mesh.faces[face]);
+        const int corners = mesh.faces[face].n;
         tidyFace(mesh, face, true);
+        const Face& tidied = mesh.faces[face];
+        removed += wasLive && !isLive(tidied);
+        changed += isLive(tidied) && tidied.n != corners;
     }
+    leftOut.change(removed, "{face} of fewer than 3 different corners {was} left out");
+    leftOut.change(changed, "{face} {has} repeated corners, which were left out");
 }
 
 /// Marks what was read in place of the mesh. Where the mesh is only a part of the file, as the

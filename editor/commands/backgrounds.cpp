@@ -48,8 +48,8 @@ void readBackground() {
         if (!image) return;
         const std::string size = sizeOf(image->width, image->height);
         setBackground(left, std::move(*image));
-        note("the " + name + " is " + size
-             + (displayOptions.backgrounds ? "" : "; the pane backgrounds are not shown"));
+        displayOptions.backgrounds = true;
+        note("the " + name + " is " + size);
     } catch (const std::bad_alloc&) {
         platform().message(name, "I can't get enough memory for this picture", Icon::exclamation);
     }
