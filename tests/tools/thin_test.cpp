@@ -144,6 +144,22 @@ TEST_F(ThinOut, FlatFacesOfManyTrianglesBecomeFew) {
     EXPECT_LT(OB->nf, 60);
 }
 
+TEST_F(ThinOut, CornersOfBordersStayToTheLastBit) {
+    for (const auto& [percent, farthest] : {std::pair("50", "0"), std::pair("0", ".001")}) {
+        emptyMesh();
+        addGrid(20, 20);
+        for (int i = 0; i < OB->np; ++i) {
+            moveTo(OB->points[i], worldPosition(OB->points[i]) * (1 / 20.0));
+        }
+        thin(percent, farthest);
+        int found = 0;
+        for (const Vec3& at : allPositions()) {
+            found += (at.x == 0 || at.x == 1) && (at.y == 0 || at.y == 1) && at.z == 0;
+        }
+        EXPECT_EQ(found, 4) << percent;
+    }
+}
+
 TEST_F(ThinOut, CappedCylindersOfQuadsBecomeCoarser) {
     constexpr struct {
         int around, rings;
