@@ -149,8 +149,7 @@ class PlaneSplitter {
             if (!isLive(face)) continue;
             if (isLiveSelected(face) && face.n > 2 && !isSplittable(face)) ++leftOut;
             if (isSplittable(face) && spansPlane(face)) {
-                if (abortRequested()) return false;
-                splitFace(face);
+                if (!splitFace(face)) return false;
             } else if (mayTouch(face) && cuts.touch(mesh, face)) {
                 cuts.expand(mesh, face, expanded);
                 draft.addPiece(indexIn(mesh.faces, &face), expanded);
@@ -166,7 +165,8 @@ class PlaneSplitter {
         return false;
     }
 
-    void splitFace(const Face& face) {
+    /// False when Escape was pressed.
+    bool splitFace(const Face& face) {
         cuts.expand(mesh, face, expanded);
         SlabPolygon polygon;
         for (const DraftCorner& corner : expanded) {
@@ -175,13 +175,15 @@ class PlaneSplitter {
                                    : newSlabs[static_cast<std::size_t>(corner.p - mesh.np)];
             polygon.push_back({corner, slabHere, draft.place(corner.p)});
         }
-        const auto pieces = cutAtPlanes(polygon, planes.normal);
+        std::vector<SlabPolygon> pieces;
+        if (!cutAtPlanes(polygon, planes.normal, abortRequested, pieces)) return false;
         facesSplit += pieces.size() > 1 ? 1 : 0;
         for (const SlabPolygon& piece : pieces) {
             expanded.clear();
             for (const SlabCorner& corner : piece) expanded.push_back(corner.corner);
             draft.addPiece(indexIn(mesh.faces, &face), expanded);
         }
+        return true;
     }
 
     const Mesh& mesh;

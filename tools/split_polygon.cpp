@@ -150,30 +150,48 @@ std::pair<std::int32_t, std::int32_t> slabsOf(const SlabPolygon& polygon) {
     return range;
 }
 
+class PlaneCuts {
+  public:
+    PlaneCuts(const Vec3& ofPlanes, const std::function<bool()>& test,
+              std::vector<SlabPolygon>& pieces)
+        : normal(ofPlanes), stopped(test), done(pieces) {}
+
+    /// Cuts at the planes from `first` on to before `end`, the middle one first: a corner is then
+    /// passed as often as they can be halved, and not once for each plane below it.
+    bool cut(SlabPolygon polygon, std::int32_t first, std::int32_t end) {
+        const auto [low, high] = slabsOf(polygon);
+        first = std::max(first, (low + 1) / 2);
+        end = std::min(end, high / 2);
+        if (first >= end) {
+            done.push_back(std::move(polygon));
+            return true;
+        }
+        if (stopped()) return false;
+        const std::int32_t middle = first + (end - first) / 2;
+        std::vector<SlabPolygon> below, above;
+        PolygonCutter cutter(polygon, normal, middle);
+        cutter.addPieces(true, below);
+        cutter.addPieces(false, above);
+        return cutAll(below, first, middle) && cutAll(above, middle + 1, end);
+    }
+
+  private:
+    bool cutAll(std::vector<SlabPolygon>& pieces, std::int32_t first, std::int32_t end) {
+        return std::all_of(pieces.begin(), pieces.end(),
+                           [&](SlabPolygon& piece) { return cut(std::move(piece), first, end); });
+    }
+
+    const Vec3& normal;
+    const std::function<bool()>& stopped;
+    std::vector<SlabPolygon>& done;
+};
+
 } // namespace
 
-std::vector<SlabPolygon> cutAtPlanes(const SlabPolygon& polygon, const Vec3& normal) {
-    std::vector<SlabPolygon> done, above{polygon};
-    const auto [lowest, highest] = slabsOf(polygon);
-    for (std::int32_t plane = lowest / 2; 2 * plane + 1 < highest; ++plane) {
-        std::vector<SlabPolygon> rest;
-        for (SlabPolygon& piece : above) {
-            const auto [low, high] = slabsOf(piece);
-            const std::int32_t on = 2 * plane + 1;
-            if (low >= on) {
-                rest.push_back(std::move(piece));
-            } else if (high <= on) {
-                done.push_back(std::move(piece));
-            } else {
-                PolygonCutter cutter(piece, normal, plane);
-                cutter.addPieces(true, done);
-                cutter.addPieces(false, rest);
-            }
-        }
-        above = std::move(rest);
-    }
-    std::move(above.begin(), above.end(), std::back_inserter(done));
-    return done;
+bool cutAtPlanes(const SlabPolygon& polygon, const Vec3& normal,
+                 const std::function<bool()>& stopped, std::vector<SlabPolygon>& pieces) {
+    const auto [low, high] = slabsOf(polygon);
+    return PlaneCuts(normal, stopped, pieces).cut(polygon, low / 2, high);
 }
 
 } // namespace polyfab

@@ -5,6 +5,7 @@
 #include "tools/edge_cuts.h"
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace polyfab {
@@ -17,8 +18,11 @@ struct SlabCorner {
 };
 using SlabPolygon = std::vector<SlabCorner>;
 
-/// The pieces between the planes; one, the polygon itself, when there is nothing to cut. No side
-/// of it may run through a plane without a corner there. `normal` is that of the planes.
-[[nodiscard]] std::vector<SlabPolygon> cutAtPlanes(const SlabPolygon& polygon, const Vec3& normal);
+/// Appends the pieces between the planes; the polygon itself when there is nothing to cut. No side
+/// of it may run through a plane without a corner there. `normal` is that of the planes. False as
+/// soon as `stopped` is true, which is asked before each cut.
+[[nodiscard]] bool cutAtPlanes(const SlabPolygon& polygon, const Vec3& normal,
+                               const std::function<bool()>& stopped,
+                               std::vector<SlabPolygon>& pieces);
 
 } // namespace polyfab

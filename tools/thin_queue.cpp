@@ -281,14 +281,18 @@ class Thinner {
                && surface.outerEdges.has(a, b);
     }
 
-    /// Whether no feature line is folded onto another or closed to nothing.
+    /// Whether no feature line is folded onto another or closed to nothing. That can only happen
+    /// where what goes is a side of a triangle whose other sides are both lines; with one that is
+    /// none the line goes on along that.
     [[nodiscard]] bool keepsLines(const Move& move, const Sides2& sides) const {
         if (surface.kind[move.gone] != ThinKind::line) return true;
         const std::int32_t behind = otherEnd(move.gone, move.stays);
-        if (sides.isApex(behind)) return false;
-        if (surface.kind[move.stays] != ThinKind::line) return true;
-        const std::int32_t ahead = otherEnd(move.stays, move.gone);
-        return !sides.isApex(ahead) && ahead != behind;
+        if (surface.kind[move.stays] == ThinKind::line) {
+            return otherEnd(move.stays, move.gone) != behind;
+        }
+        if (!sides.isApex(behind)) return true;
+        // Of two fixed points it is not known whether a line joins them.
+        return surface.kind[behind] == ThinKind::line && !isLineEnd(behind, move.stays);
     }
 
     bool turnsNothing(const Move& move) {

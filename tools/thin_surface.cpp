@@ -109,7 +109,15 @@ class LineFinder {
             ++features;
         }
         if (features == 0) return ThinKind::free;
-        return features == 2 && alike ? ThinKind::line : ThinKind::fixed;
+        return features == 2 && alike && goesOn(point) ? ThinKind::line : ThinKind::fixed;
+    }
+
+    /// Whether the line turns by less than 45 degrees at the point: a corner of it has to stay.
+    [[nodiscard]] bool goesOn(std::int32_t point) const {
+        const auto& [before, after] = surface.lineEnds[point];
+        const Vec3 in = unit(surface.place[point] - surface.place[before]);
+        const Vec3 out = unit(surface.place[after] - surface.place[point]);
+        return dot(in, out) > std::sqrt(0.5);
     }
 
     [[nodiscard]] unsigned reasonsOf(const Spoke& spoke) const {

@@ -32,8 +32,8 @@ class ThinSurface {
     explicit ThinSurface(const Mesh& owner);
     /// Takes the faces and finds the feature lines: borders, also to faces that are not selected,
     /// texture seams, borders of materials and groups, creases of more than 60 degrees. Points on
-    /// other faces, at the ends and junctions of lines, and where the surface is no surface are
-    /// fixed. False without memory, which has been said. May throw std::bad_alloc.
+    /// other faces, at the ends, corners and junctions of lines, and where the surface is no
+    /// surface are fixed. False without memory, which has been said. May throw std::bad_alloc.
     [[nodiscard]] bool build();
 
     const Mesh& mesh;

@@ -202,6 +202,30 @@ TEST_F(BooleanTest, HollowsBelongToTheBodyAroundThem) {
     }
 }
 
+TEST_F(BooleanTest, InsideOutIsAHollowOnlyWhereAllOfItIsInside) {
+    constexpr struct {
+        double at;
+        const char* keep;
+        double volume;
+    } cases[] = {{1, "u", 15}, {1, "i", 1},  {1, "d", 7}, {2, "i", 0},
+                 {0, "u", 56}, {0, "i", 56}, {0, "d", 56}};
+    for (const auto& [at, keep, volume] : cases) {
+        for (int octant = 0; octant < 8; ++octant) {
+            SCOPED_TRACE(keep + std::to_string(octant));
+            emptyMesh();
+            const double size = at == 0 ? 4 : 2; // at 0: in a corner of the first
+            addTurnedCube({0, 0, 0}, {size, size, size});
+            addTurnedCube({octant & 1 ? -at : at, octant & 2 ? -at : at, octant & 4 ? -at : at},
+                          {2, 2, 2});
+            for (int f = 6; f < 12; ++f) std::reverse(OB->faces[f].q, OB->faces[f].q + 4);
+            EXPECT_NEAR(weld(keep).volume, volume, 1e-9);
+            EXPECT_EQ(measure().open, 0);
+            const bool told = shown.log.back().ends_with(", 6 faces turned");
+            EXPECT_TRUE(volume != 15 || told) << shown.log.back();
+        }
+    }
+}
+
 TEST_F(BooleanTest, RandomTrianglesKeepTheirAreaAndNothingBreaks) {
     for (unsigned seed = 0; seed < 400; ++seed) {
         SCOPED_TRACE(seed);

@@ -138,6 +138,14 @@ TEST_F(SplitByPlanes, RefusesAndLeavesOutWithoutHarm) {
     EXPECT_TRUE(bitsOf(*OB) == before);
     splitByPlanes(*OB, {{0, 0, 1}, 0, {0}});
     EXPECT_EQ(shown.log.back(), "note|4 faces split, 4 new points; 1 face left out, not finite");
+    emptyMesh();
+    addGrid(1, 1);
+    many.resize(1000);
+    const MeshBits square = bitsOf(*OB);
+    shown.escapeAfter = 100; // while its only face is cut
+    splitByPlanes(*OB, {{1, 0, 0}, 0, many});
+    EXPECT_EQ(shown.escapeAfter, -1);
+    EXPECT_TRUE(bitsOf(*OB) == square);
 }
 
 } // namespace

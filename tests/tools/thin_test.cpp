@@ -54,6 +54,25 @@ class ThinOut : public ToolTest {
             }
         }
     }
+    /// Rings of quads between two caps of as many corners as a ring has.
+    static void addCylinder(int around, int rings) {
+        for (int i = 0; i <= rings; ++i) {
+            for (int k = 0; k < around; ++k) {
+                const double angle = 2 * M_PI * k / around;
+                OB->addPoint(std::cos(angle), std::sin(angle), i, false);
+            }
+        }
+        Numbers bottom, top;
+        for (int k = 0; k < around; ++k) {
+            bottom.insert(bottom.begin(), k);
+            top.push_back(rings * around + k);
+            for (int i = 0; i < rings; ++i) {
+                const int low = i * around, next = (k + 1) % around;
+                addFace({low + k, low + next, low + around + next, low + around + k});
+            }
+        }
+        addFace(bottom), addFace(top);
+    }
     /// Whether the corner is about where its place in the texture was, and on the same side of the
     /// seams as the first one of its face.
     static bool isTrue(const FaceCorner& corner, const FaceCorner& first) {
@@ -123,6 +142,43 @@ TEST_F(ThinOut, FlatFacesOfManyTrianglesBecomeFew) {
     thin("0", "1e-9");
     EXPECT_NEAR(facts().area, 900, 1e-9) << "with its corners where they were";
     EXPECT_LT(OB->nf, 60);
+}
+
+TEST_F(ThinOut, CornersOfBordersStayToTheLastBit) {
+    for (const auto& [percent, farthest] : {std::pair("50", "0"), std::pair("0", ".001")}) {
+        emptyMesh();
+        addGrid(20, 20);
+        for (int i = 0; i < OB->np; ++i) {
+            moveTo(OB->points[i], worldPosition(OB->points[i]) * (1 / 20.0));
+        }
+        thin(percent, farthest);
+        int found = 0;
+        for (const Vec3& at : allPositions()) {
+            found += (at.x == 0 || at.x == 1) && (at.y == 0 || at.y == 1) && at.z == 0;
+        }
+        EXPECT_EQ(found, 4) << percent;
+    }
+}
+
+TEST_F(ThinOut, CappedCylindersOfQuadsBecomeCoarser) {
+    constexpr struct {
+        int around, rings;
+        const char* percent;
+        double part, volume;
+    } cases[] = {{16, 5, "50", 0.5, 0.99},
+                 {16, 5, "20", 0.2, 0.7},
+                 {200, 5, "20", 0.2, 0.99},
+                 {64, 1, "50", 0.5, 0.8}};
+    for (const auto& [around, rings, percent, part, volume] : cases) {
+        emptyMesh();
+        addCylinder(around, rings);
+        const MeshFacts before = facts();
+        thin(percent, "0");
+        const MeshFacts after = facts();
+        EXPECT_LE(static_cast<double>(after.faces), part * static_cast<double>(before.faces) + 1);
+        EXPECT_EQ(after.genus, 0);
+        EXPECT_GE(after.volume, volume * before.volume);
+    }
 }
 
 TEST_F(ThinOut, RefusesLeavesAndStops) {

@@ -52,7 +52,8 @@ std::int32_t polygonOf(const Soup& soup, std::int32_t face) {
 
 void tell(const Tally& tally, const Soup& soup) {
     note(counted(tally.cut, "face") + " cut, " + counted(tally.added, "new point") + ", "
-         + counted(tally.removed, "face") + " removed");
+         + counted(tally.removed, "face") + " removed"
+         + (tally.turned == 0 ? "" : ", " + counted(tally.turned, "face") + " turned"));
     if (soup.notFinite != 0) {
         note(counted(soup.notFinite, "face") + " left out that "
              + (soup.notFinite == 1 ? "is" : "are") + " not finite");

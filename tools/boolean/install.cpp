@@ -243,6 +243,7 @@ class Installer {
         const bool isOnEdge = edges.touch(mesh, mesh.faces[face]);
         if (isWhole && !isTurned && !isOnEdge) return;
         edges.expand(mesh, mesh.faces[face], corners);
+        tally.turned += isTurned ? 1 : 0;
         if (!isWhole) {
             ++tally.cut;
             const std::vector<DraftCorner> outline = corners;

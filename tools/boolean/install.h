@@ -18,6 +18,7 @@ struct Tally {
     std::int64_t cut = 0;     ///< faces that came to pieces or lost some
     std::int64_t added = 0;   ///< points
     std::int64_t removed = 0; ///< faces of which nothing is left
+    std::int64_t turned = 0;  ///< faces kept the other way round
 };
 
 /// Puts the pieces in the place of the faces that were cut, further corners on the edges of their

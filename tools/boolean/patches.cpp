@@ -96,14 +96,17 @@ class Bodies {
         for (const auto& [piece, size] : volume) bodyOf[piece] = piece;
     }
 
-    /// Calls around(piece) for what winds around each that runs the wrong way round, which becomes
-    /// a hollow of the smallest that does.
-    template <typename Around>
-    void findHollows(Around around) {
-        for (const auto& [piece, size] : volume) {
-            if (!(size < 0)) continue;
+    [[nodiscard]] bool isInsideOut(std::int32_t piece) const {
+        const auto found = volume.find(piece);
+        return found != volume.end() && found->second < 0;
+    }
+
+    /// Each piece that runs the wrong way round becomes a hollow of the smallest that has all of it
+    /// inside: `around` tells by pieces which have. One that no other has stays a body.
+    void findHollows(const std::map<std::int32_t, Windings>& around) {
+        for (const auto& [piece, windings] : around) {
             std::int32_t& body = bodyOf[piece];
-            for (const auto& [other, winding] : around(piece)) {
+            for (const auto& [other, winding] : windings) {
                 const bool smaller = body == piece || volume[other] < volume[body];
                 if (winding > 0 && volume[other] > 0 && smaller) body = other;
             }
@@ -164,25 +167,27 @@ class Chooser {
         });
     }
 
-    /// What winds around the start of a ray from the cell, without the sheet of the cell.
-    Windings lookAlong(const Ray& ray, std::int32_t cell) {
-        const auto [low, high] = ray.bounds();
-        Box way;
-        way.add(low);
-        way.add(high);
-        way.high[0] = Box::infinite;
-        Windings windings;
-        tree.eachMeeting(way, [&](std::int32_t t) {
-            if (!effort.goesOn(Effort::exactly) || isOnSheet(nth(cells, cell).sheet, t)) return;
-            const Triangle& triangle = nth(soup.triangles, t);
-            const int leaves = ray.leavesThrough(soup.corner(triangle, 0), soup.corner(triangle, 1),
-                                                 soup.corner(triangle, 2));
-            if (leaves != 0) windings[pieces.ofTriangle(t)] += leaves;
-        });
-        return windings;
+    /// Of each piece that is inside out: what winds around all of what it encloses, by the least
+    /// that does at one of its patches. One that only reaches into another has patches outside.
+    std::map<std::int32_t, Windings> lookIntoHollows(const Bodies& bodies) {
+        std::map<std::int32_t, Windings> least;
+        std::vector<bool> known(leader.size());
+        for (std::int32_t sheet = 0; sheet < sizeOf(leader) && !effort.isOver(); ++sheet) {
+            bool any = false;
+            eachOn(sheet, [&](std::int32_t i) { any = any || bodies.isInsideOut(pieceOf(i)); });
+            const auto patch = static_cast<std::size_t>(patches.find(sheet));
+            if (!any || known[patch]) continue;
+            known[patch] = true;
+            const auto sides = lookAround(sheet);
+            eachOn(sheet, [&](std::int32_t i) {
+                if (!bodies.isInsideOut(pieceOf(i))) return;
+                const Windings& inside = isAsLeader(i) ? sides.first : sides.second;
+                const auto [entry, isNew] = least.try_emplace(pieceOf(i), inside);
+                if (!isNew) keepLeast(entry->second, inside);
+            });
+        }
+        return least;
     }
-
-    [[nodiscard]] Ray rayFrom(std::int32_t cell) const { return {points, nth(cells, cell).at}; }
 
     void choose(Bodies& bodies, Want want, std::int32_t firstPiece, std::vector<Fate>& fates) {
         struct Around {
@@ -205,6 +210,13 @@ class Chooser {
     }
 
   private:
+    static void keepLeast(Windings& least, const Windings& windings) {
+        for (auto& [piece, winding] : least) {
+            const auto found = windings.find(piece);
+            winding = std::min(winding, found == windings.end() ? 0 : found->second);
+        }
+    }
+
     [[nodiscard]] std::int32_t pieceOf(std::int32_t cell) const {
         return pieces.of(nth(cells, cell));
     }
@@ -251,10 +263,28 @@ class Chooser {
         return layersOf(sheet) == layersOf(other);
     }
 
+    /// What winds around the start of a ray from the cell, without the sheet of the cell.
+    Windings lookAlong(const Ray& ray, std::int32_t cell) {
+        const auto [low, high] = ray.bounds();
+        Box way;
+        way.add(low);
+        way.add(high);
+        way.high[0] = Box::infinite;
+        Windings windings;
+        tree.eachMeeting(way, [&](std::int32_t t) {
+            if (!effort.goesOn(Effort::exactly) || isOnSheet(nth(cells, cell).sheet, t)) return;
+            const Triangle& triangle = nth(soup.triangles, t);
+            const int leaves = ray.leavesThrough(soup.corner(triangle, 0), soup.corner(triangle, 1),
+                                                 soup.corner(triangle, 2));
+            if (leaves != 0) windings[pieces.ofTriangle(t)] += leaves;
+        });
+        return windings;
+    }
+
     /// What winds around the two sides of a sheet: that from which its leader runs anticlockwise,
     /// and the other one.
     std::pair<Windings, Windings> lookAround(std::int32_t sheet) {
-        const Ray ray = rayFrom(nth(leader, sheet));
+        const Ray ray(points, nth(cells, nth(leader, sheet)).at);
         const Windings here = lookAlong(ray, nth(leader, sheet));
         const int inwards = ray.startsInFront() ? 1 : -1;
         Windings there = here;
@@ -310,13 +340,7 @@ Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
     Chooser chooser(soup, tree, points, arrangement, pieces, effort);
     chooser.joinPatches(edges);
     Bodies bodies(soup, pieces);
-    std::map<std::int32_t, std::int32_t> cellOf;
-    for (std::int32_t i = 0; i < sizeOf(cells); ++i)
-        cellOf.try_emplace(pieces.of(nth(cells, i)), i);
-    bodies.findHollows([&](std::int32_t piece) {
-        const std::int32_t cell = cellOf.at(piece);
-        return chooser.lookAlong(chooser.rayFrom(cell), cell);
-    });
+    bodies.findHollows(chooser.lookIntoHollows(bodies));
     fates.assign(cells.size(), Fate::removed);
     const std::int32_t firstPiece = polygon == none ? none : pieces.ofPolygon(polygon);
     chooser.choose(bodies, want, firstPiece, fates);

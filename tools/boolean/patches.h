@@ -25,9 +25,10 @@ enum class Fate : std::int8_t { removed, kept, keptTurned };
 enum class Outcome { chosen, notClosed };
 
 /// What becomes of each cell; the arrangement must have those of all polygons. A body is a
-/// connected piece that encloses a volume, with the pieces in it that run the other way round and
-/// so make hollows. Of the cells of a sheet at most one is kept. Nothing is chosen when some piece
-/// is not closed or not oriented. May throw std::exception.
+/// connected piece that encloses a volume, with the pieces all inside it that run the other way
+/// round and so make hollows; one that is inside out anywhere else is a body too. Of the cells of a
+/// sheet at most one is kept. Nothing is chosen when some piece is not closed or not oriented. May
+/// throw std::exception.
 [[nodiscard]] Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
                                   const ExactPoints& points, const Arrangement& arrangement,
                                   Want want, std::int32_t polygon, std::vector<Fate>& fates,
