@@ -179,6 +179,7 @@ TEST_F(BooleanTest, EscapeAndRefusalsChangeNothing) {
         shown.escapeAfter = -1;
         EXPECT_EQ(describe(), before);
         EXPECT_FALSE(OB->changed);
+        EXPECT_EQ(shown.log.back() == "note|stopped: nothing has changed", escapeAfter >= 0);
     }
 }
 
