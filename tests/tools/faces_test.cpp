@@ -4,6 +4,7 @@
 #include "mesh/stale.h"
 #include "tests/tools/tool_test.h"
 #include "tools/delete_faces.h"
+#include "tools/mesh_facts.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
 
@@ -25,6 +26,20 @@ TEST_F(DeleteFaces, OnlySelectedFacesAloneInTheirPartGoUnasked) {
     deletePartsOfOneFace(*OB);
     EXPECT_EQ(liveFaces(), (Numbers{0, 1, 3}));
     EXPECT_TRUE(shown.log.empty());
+}
+
+using Facts = ToolTest;
+
+TEST_F(Facts, AreToldOfNothingAndOfWhatNoNumberHolds) {
+    tellFacts(*OB);
+    EXPECT_EQ(shown.log.back().find("genus"), std::string::npos);
+    EXPECT_TRUE(shown.log.back().ends_with("area: 0\nvolume: 0")) << shown.log.back();
+    addCube();
+    for (int i = 0; i < OB->np; ++i) moveTo(OB->points[i], worldPosition(OB->points[i]) * 1e200);
+    tellFacts(*OB);
+    EXPECT_TRUE(
+        shown.log.back().ends_with("genus: 0\narea: too large to tell\nvolume: too large to tell"))
+        << shown.log.back();
 }
 
 using SameCorners = ToolTest;
