@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Deletion of faces, twins, faces without area, and names made of numbers.
+// Deletion of faces, twins, faces without area, facts, and names made of numbers and colors.
 #include "mesh/face_area.h"
 #include "mesh/stale.h"
 #include "tests/tools/tool_test.h"
+#include "tools/color_groups.h"
 #include "tools/delete_faces.h"
 #include "tools/mesh_facts.h"
 #include "tools/names_from_numbers.h"
@@ -127,6 +128,25 @@ TEST_F(NamesFromNumbers, AreRefusedWhenTheyAreTooMany) {
     --OB->ng;
     makeAreasIntoGroups(*OB);
     EXPECT_EQ(OB->faces[5].g, maxIndexed - 1);
+}
+
+using ColorGroups = ToolTest;
+
+TEST_F(ColorGroups, ThatAreThereNeedNoRoom) {
+    addCube();
+    OB->faces[0].mat = static_cast<std::int16_t>(OB->addMaterial(0x123456, "one"));
+    for (int i = 1; i < 6; ++i) OB->faces[i].mat = OB->faces[0].mat;
+    OB->faces[5].mat = static_cast<std::int16_t>(OB->addMaterial(0xABCDEF, "two"));
+    OB->addGroup("color_123456");
+    while (OB->ng < maxIndexed) OB->addGroup("g");
+    groupByColor(*OB);
+    EXPECT_EQ(shown.log.back(), "message!|too many names|a mesh can have at most 32767 groups");
+    --OB->ng;
+    groupByColor(*OB);
+    EXPECT_EQ(shown.log.back(), "note|2 colors found");
+    EXPECT_EQ(OB->faces[5].g, maxIndexed - 1);
+    groupByColor(*OB); // without room
+    EXPECT_EQ(shown.log.back(), "note|2 colors found");
 }
 
 } // namespace
