@@ -12,7 +12,6 @@
 #include "tools/flat_polygon.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -193,7 +192,7 @@ bool splitAll(const Mesh& mesh, double degrees, MeshDraft& draft, Counts& counts
     for (const Face& face : allFaces(mesh)) {
         progress.step();
         if (!isLiveSelected(face)) continue;
-        if (abortRequested()) return false;
+        if (stopRequested()) return false;
         if (!isFinite(face)) ++counts.notFinite;
         if (face.n < 4 || !isFinite(face)) continue;
         takePlaces(face, places);

@@ -2,13 +2,16 @@
 #include "tools/color_groups.h"
 
 #include "mesh/faces.h"
+#include "mesh/names.h"
 #include "platform/platform.h"
 #include "tools/asking.h"
 #include "workbench/notes.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <set>
 #include <string>
 
 namespace polyfab {
@@ -31,13 +34,19 @@ void groupByColor(Mesh& mesh) {
         return mesh.materials[face.mat].color & withoutAlpha;
     };
     for (const Face& face : selectedFaces(mesh)) groups.try_emplace(colorOf(face), std::int16_t{0});
-    if (mesh.ng + std::ssize(groups) > maxIndexed) {
+    std::set<std::string> names;
+    for (std::int32_t i = 0; i < mesh.ng; ++i) names.emplace(mesh.groups[i].name);
+    const auto added = std::count_if(groups.begin(), groups.end(), [&](const auto& entry) {
+        return !names.contains(nameOf(entry.first));
+    });
+    if (mesh.ng + added > maxIndexed) {
         platform().message("too many names", "a mesh can have at most 32767 groups",
                            Icon::exclamation);
         return;
     }
+    NameTable table(mesh, NameTable::Kind::groups);
     for (auto& [color, group] : groups) {
-        group = static_cast<std::int16_t>(mesh.findOrAddGroup(nameOf(color)));
+        group = static_cast<std::int16_t>(table.findOrAdd(nameOf(color)));
     }
     for (Face& face : selectedFaces(mesh)) face.g = groups[colorOf(face)];
     mesh.changed = 1;

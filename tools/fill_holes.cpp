@@ -47,7 +47,7 @@ class HoleFiller {
     /// Whether such a rim can be filled, and is.
     void fill(std::size_t number) {
         const auto rim = rims.rim(number);
-        stopped = stopped || abortRequested();
+        stopped = stopped || stopRequested();
         if (rims.closed[number] && fillRim(rim)) {
             ++filled;
         } else {
@@ -128,7 +128,7 @@ class HoleFiller {
             [&](std::int32_t a, std::int32_t b) {
                 return taken.has(pointOfCorner(a), pointOfCorner(b));
             },
-            [&] { return stopped = stopped || abortRequested(); },
+            [&] { return stopped = stopped || stopRequested(); },
         });
         const Face attributes = triangles.empty() ? Face() : attributesFor(rim);
         for (const auto& triangle : triangles) {

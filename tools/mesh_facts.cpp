@@ -76,7 +76,8 @@ class Counter {
                 closed = closed && edges.at(c) >= 0;
             }
         }
-        if (closed) facts.genus = facts.parts - (corners - edges.count() + facts.faces) / 2;
+        if (closed && facts.faces > 0)
+            facts.genus = facts.parts - (corners - edges.count() + facts.faces) / 2;
     }
 
   private:
@@ -124,6 +125,7 @@ void measure(const Mesh& mesh, MeshFacts& facts) {
 }
 
 std::string shown(double value) {
+    if (!std::isfinite(value)) return "too large to tell";
     char text[numberRoom];
     return {text, printG6(text, value, 0)};
 }
@@ -163,7 +165,7 @@ void tellFacts(Mesh& mesh) {
     for (const auto& [what, count] : counts) add(what, counted(count));
     if (facts.genus) add("genus", counted(*facts.genus));
     add("area", shown(facts.area));
-    add("volume", facts.genus ? shown(facts.volume) : "it is not closed");
+    add("volume", facts.genus || facts.faces == 0 ? shown(facts.volume) : "it is not closed");
     if (facts.notFinite > 0) add("faces that are not finite", counted(facts.notFinite));
     platform().message("what the mesh is made of", text, Icon::none);
 }

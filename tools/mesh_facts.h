@@ -16,7 +16,7 @@ struct MeshFacts {
     std::int64_t overusedEdges = 0;     ///< of three faces or more
     std::int64_t holes = 0;             ///< closed ways along loose edges
     std::int64_t parts = 0;             ///< surfaces that hang together by edges
-    std::optional<std::int64_t> genus;  ///< of all parts together, when they are closed and agree
+    std::optional<std::int64_t> genus;  ///< of all parts, if any, when they are closed and agree
     double area = 0, volume = 0;        ///< of the faces that are finite
     std::int64_t notFinite = 0;         ///< faces
 };

@@ -11,7 +11,6 @@
 #include "tools/split_polygon.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
-#include "workbench/state.h"
 
 #include <algorithm>
 #include <cmath>
@@ -93,7 +92,7 @@ class PlaneSplitter {
         for (const Face& face : allFaces(mesh)) {
             progress.step();
             if (!isSplittable(face)) continue;
-            if (abortRequested()) return false;
+            if (stopRequested()) return false;
             if (!spansPlane(face)) continue;
             for (const auto& [from, to] : sides(face)) {
                 const std::int32_t a = pointOf(mesh, from), b = pointOf(mesh, to);
@@ -176,7 +175,7 @@ class PlaneSplitter {
             polygon.push_back({corner, slabHere, draft.place(corner.p)});
         }
         std::vector<SlabPolygon> pieces;
-        if (!cutAtPlanes(polygon, planes.normal, abortRequested, pieces)) return false;
+        if (!cutAtPlanes(polygon, planes.normal, stopRequested, pieces)) return false;
         facesSplit += pieces.size() > 1 ? 1 : 0;
         for (const SlabPolygon& piece : pieces) {
             expanded.clear();

@@ -164,7 +164,8 @@ void thinOut(Mesh& mesh) {
         tellTooLateToStop();
         if (!ThinInstaller(mesh, surface, changed).install() || !collectForTool(mesh)) return;
     }
-    std::string text = "there were " + counted(selected) + " faces; now there are " + counted(now)
+    std::string text = (selected == 1 ? "there was " : "there were ") + counted(selected, "face")
+                       + (now == 1 ? "; now there is " : "; now there are ") + counted(now)
                        + (surface.triangles > 0 ? reasonFor(end) : "");
     if (surface.facesLeftOut > 0) {
         text += "; I left out " + counted(surface.facesLeftOut, "face") + " that can't be cut up";

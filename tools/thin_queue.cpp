@@ -11,7 +11,7 @@
 #include "tools/quadric.h"
 #include "tools/thin_distance.h"
 #include "workbench/long_work.h"
-#include "workbench/state.h"
+#include "workbench/notes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,7 +83,7 @@ class Thinner {
             enterAll();
             const std::int64_t shrunkBefore = shrunk;
             for (Candidate candidate{}; faces > goal.faces && waiting.pop(candidate);) {
-                if (abortRequested()) return ThinEnd::stopped;
+                if (stopRequested()) return ThinEnd::stopped;
                 if (shrunk % 1024 == 0) {
                     tellProgress(static_cast<double>(start - faces),
                                  static_cast<double>(start - goal.faces));

@@ -2,6 +2,7 @@
 #include "workbench/notes.h"
 
 #include "platform/platform.h"
+#include "workbench/state.h"
 
 #include <algorithm>
 #include <iterator>
@@ -32,6 +33,12 @@ void note(const std::string& text) {
 void noteInTitle(const std::string& text) {
     platform().setTitle(text);
     note(text);
+}
+
+bool stopRequested() {
+    if (!abortRequested()) return false;
+    note("stopped: nothing has changed");
+    return true;
 }
 
 const std::string& notes() { return told; }

@@ -15,6 +15,9 @@ void note(const std::string& text);
 /// The same, and in the title as well.
 void noteInTitle(const std::string& text);
 
+/// Whether the user wants a tool to stop that has changed nothing yet, which a note tells then.
+[[nodiscard]] bool stopRequested();
+
 /// What was noted since the last forgetNotes; "": nothing.
 [[nodiscard]] const std::string& notes();
 void forgetNotes();

@@ -179,6 +179,7 @@ TEST_F(BooleanTest, EscapeAndRefusalsChangeNothing) {
         shown.escapeAfter = -1;
         EXPECT_EQ(describe(), before);
         EXPECT_FALSE(OB->changed);
+        EXPECT_EQ(shown.log.back() == "note|stopped: nothing has changed", escapeAfter >= 0);
     }
 }
 
@@ -204,16 +205,15 @@ TEST_F(BooleanTest, HollowsBelongToTheBodyAroundThem) {
 
 TEST_F(BooleanTest, InsideOutIsAHollowOnlyWhereAllOfItIsInside) {
     constexpr struct {
-        double at;
+        double at, size; ///< of the first
         const char* keep;
         double volume;
-    } cases[] = {{1, "u", 15}, {1, "i", 1},  {1, "d", 7}, {2, "i", 0},
-                 {0, "u", 56}, {0, "i", 56}, {0, "d", 56}};
-    for (const auto& [at, keep, volume] : cases) {
+    } cases[] = {{1, 2, "u", 15}, {1, 2, "i", 1},  {1, 2, "d", 7}, {2, 2, "i", 0}, {0, 4, "u", 56},
+                 {0, 4, "i", 56}, {0, 4, "d", 56}, {0, 2, "u", 8}, {0, 2, "i", 8}, {0, 2, "d", 0}};
+    for (const auto& [at, size, keep, volume] : cases) {
         for (int octant = 0; octant < 8; ++octant) {
             SCOPED_TRACE(keep + std::to_string(octant));
             emptyMesh();
-            const double size = at == 0 ? 4 : 2; // at 0: in a corner of the first
             addTurnedCube({0, 0, 0}, {size, size, size});
             addTurnedCube({octant & 1 ? -at : at, octant & 2 ? -at : at, octant & 4 ? -at : at},
                           {2, 2, 2});

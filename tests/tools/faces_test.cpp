@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Deletion of faces, twins, faces without area, and names made of numbers.
+// Deletion of faces, twins, faces without area, facts, and names made of numbers and colors.
 #include "mesh/face_area.h"
 #include "mesh/stale.h"
 #include "tests/tools/tool_test.h"
+#include "tools/color_groups.h"
 #include "tools/delete_faces.h"
+#include "tools/mesh_facts.h"
 #include "tools/names_from_numbers.h"
 #include "tools/same_corners.h"
 
@@ -25,6 +27,20 @@ TEST_F(DeleteFaces, OnlySelectedFacesAloneInTheirPartGoUnasked) {
     deletePartsOfOneFace(*OB);
     EXPECT_EQ(liveFaces(), (Numbers{0, 1, 3}));
     EXPECT_TRUE(shown.log.empty());
+}
+
+using Facts = ToolTest;
+
+TEST_F(Facts, AreToldOfNothingAndOfWhatNoNumberHolds) {
+    tellFacts(*OB);
+    EXPECT_EQ(shown.log.back().find("genus"), std::string::npos);
+    EXPECT_TRUE(shown.log.back().ends_with("area: 0\nvolume: 0")) << shown.log.back();
+    addCube();
+    for (int i = 0; i < OB->np; ++i) moveTo(OB->points[i], worldPosition(OB->points[i]) * 1e200);
+    tellFacts(*OB);
+    EXPECT_TRUE(
+        shown.log.back().ends_with("genus: 0\narea: too large to tell\nvolume: too large to tell"))
+        << shown.log.back();
 }
 
 using SameCorners = ToolTest;
@@ -112,6 +128,25 @@ TEST_F(NamesFromNumbers, AreRefusedWhenTheyAreTooMany) {
     --OB->ng;
     makeAreasIntoGroups(*OB);
     EXPECT_EQ(OB->faces[5].g, maxIndexed - 1);
+}
+
+using ColorGroups = ToolTest;
+
+TEST_F(ColorGroups, ThatAreThereNeedNoRoom) {
+    addCube();
+    OB->faces[0].mat = static_cast<std::int16_t>(OB->addMaterial(0x123456, "one"));
+    for (int i = 1; i < 6; ++i) OB->faces[i].mat = OB->faces[0].mat;
+    OB->faces[5].mat = static_cast<std::int16_t>(OB->addMaterial(0xABCDEF, "two"));
+    OB->addGroup("color_123456");
+    while (OB->ng < maxIndexed) OB->addGroup("g");
+    groupByColor(*OB);
+    EXPECT_EQ(shown.log.back(), "message!|too many names|a mesh can have at most 32767 groups");
+    --OB->ng;
+    groupByColor(*OB);
+    EXPECT_EQ(shown.log.back(), "note|2 colors found");
+    EXPECT_EQ(OB->faces[5].g, maxIndexed - 1);
+    groupByColor(*OB); // without room
+    EXPECT_EQ(shown.log.back(), "note|2 colors found");
 }
 
 } // namespace

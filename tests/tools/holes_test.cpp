@@ -47,6 +47,8 @@ TEST_F(Holes, OfACubeAreFilledWithTheFaceThatIsMissing) {
     OB->faces[1].g = static_cast<std::int16_t>(OB->addGroup("most"));
     for (const int f : {0, 3, 4}) OB->faces[f].g = OB->faces[1].g;
     EXPECT_EQ(fillAll("3"), "note|0 holes filled, 1 left (the longest has 4 edges)");
+    shown.escapeAfter = 0;
+    EXPECT_EQ(fillAll("4"), "note|stopped: nothing has changed");
     EXPECT_EQ(fillAll("4"), "note|1 hole filled, 0 left");
     const MeshFacts now = facts();
     EXPECT_EQ(now.faces, 6);

@@ -146,6 +146,7 @@ TEST_F(SplitByPlanes, RefusesAndLeavesOutWithoutHarm) {
     splitByPlanes(*OB, {{1, 0, 0}, 0, many});
     EXPECT_EQ(shown.escapeAfter, -1);
     EXPECT_TRUE(bitsOf(*OB) == square);
+    EXPECT_EQ(shown.log.back(), "note|stopped: nothing has changed");
 }
 
 } // namespace

@@ -189,7 +189,7 @@ TEST_F(ThinOut, RefusesLeavesAndStops) {
         EXPECT_TRUE(thin(percent, farthest).starts_with("message!||I need a number")) << percent;
     }
     shown.escapeAfter = 40;
-    thin("10", "0");
+    EXPECT_EQ(thin("10", "0"), "note|stopped: nothing has changed");
     EXPECT_TRUE(bitsOf(*OB) == before && shown.escapeAfter < 0);
     // Random soup: no surface to speak of.
     for (int round = 0; round < 300; ++round) {

@@ -60,7 +60,8 @@ void tell(const Tally& tally, const Soup& soup) {
     }
 }
 
-/// Looks at the Escape key, however little was done. Of too much a box tells.
+/// Looks at the Escape key, which a note tells of, however little was done. Of too much a box
+/// tells.
 bool mayGoOn(Effort& effort) {
     effort.look();
     if (effort.isTooMuch()) {
@@ -95,7 +96,9 @@ void weld(Mesh& mesh, Want want) {
     if (!mayGoOn(effort)) return;
     const Outlines outlines(soup, arrangement, fates, points, effort);
     Tally tally;
-    if (!install(mesh, soup, arrangement, fates, outlines, cuts, points, effort, tally)) return;
+    if (!install(mesh, soup, arrangement, fates, outlines, cuts, points, effort, tally)) {
+        return void(mayGoOn(effort));
+    }
     if (outcome == Outcome::notClosed) {
         platform().message("", "these faces do not enclose a volume: I have only welded them",
                            Icon::none);

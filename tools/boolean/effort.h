@@ -4,7 +4,7 @@
 #pragma once
 
 #include "mesh/progress.h"
-#include "workbench/state.h"
+#include "workbench/notes.h"
 
 #include <cstdint>
 
@@ -21,7 +21,7 @@ class Effort {
         if (taken.step(steps)) look();
         return !isOver();
     }
-    void look() { isStopped = isStopped || abortRequested(); }
+    void look() { isStopped = isStopped || stopRequested(); }
 
     /// To be called for what is made, with about how many bytes it will come to in the end.
     void make(std::int64_t bytes) { made += bytes; }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -22,6 +23,12 @@ constexpr std::int32_t none = -1;
 
 /// How often each piece winds around a point; those that are not in the map do not.
 using Windings = std::map<std::int32_t, int>;
+
+/// What winds around a piece.
+struct Around {
+    Windings inside;                ///< around all of what it encloses
+    std::set<std::int32_t> outside; ///< those that go on outside it anywhere
+};
 
 /// The pieces that the polygons form, as the mesh connects them: a piece has the number of one of
 /// its polygons.
@@ -102,13 +109,14 @@ class Bodies {
     }
 
     /// Each piece that runs the wrong way round becomes a hollow of the smallest that has all of it
-    /// inside: `around` tells by pieces which have. One that no other has stays a body.
-    void findHollows(const std::map<std::int32_t, Windings>& around) {
-        for (const auto& [piece, windings] : around) {
+    /// inside and is more than that. One that no other has stays a body.
+    void findHollows(const std::map<std::int32_t, Around>& insideOut) {
+        for (const auto& [piece, around] : insideOut) {
             std::int32_t& body = bodyOf[piece];
-            for (const auto& [other, winding] : windings) {
+            for (const auto& [other, winding] : around.inside) {
+                if (winding <= 0 || !around.outside.contains(other)) continue;
                 const bool smaller = body == piece || volume[other] < volume[body];
-                if (winding > 0 && volume[other] > 0 && smaller) body = other;
+                if (volume[other] > 0 && smaller) body = other;
             }
         }
         count = static_cast<std::size_t>(
@@ -167,10 +175,10 @@ class Chooser {
         });
     }
 
-    /// Of each piece that is inside out: what winds around all of what it encloses, by the least
-    /// that does at one of its patches. One that only reaches into another has patches outside.
-    std::map<std::int32_t, Windings> lookIntoHollows(const Bodies& bodies) {
-        std::map<std::int32_t, Windings> least;
+    /// For the pieces that are inside out. What winds around all of one is told by the least that
+    /// does at one of its patches: of one that only reaches into another some are outside that.
+    std::map<std::int32_t, Around> lookAroundInsideOut(const Bodies& bodies) {
+        std::map<std::int32_t, Around> found;
         std::vector<bool> known(leader.size());
         for (std::int32_t sheet = 0; sheet < sizeOf(leader) && !effort.isOver(); ++sheet) {
             bool any = false;
@@ -181,24 +189,28 @@ class Chooser {
             const auto sides = lookAround(sheet);
             eachOn(sheet, [&](std::int32_t i) {
                 if (!bodies.isInsideOut(pieceOf(i))) return;
-                const Windings& inside = isAsLeader(i) ? sides.first : sides.second;
-                const auto [entry, isNew] = least.try_emplace(pieceOf(i), inside);
-                if (!isNew) keepLeast(entry->second, inside);
+                const auto& [inside, outside] =
+                    isAsLeader(i) ? sides : std::pair(sides.second, sides.first);
+                const auto [entry, isNew] = found.try_emplace(pieceOf(i), Around{inside, {}});
+                if (!isNew) keepLeast(entry->second.inside, inside);
+                for (const auto& [piece, winding] : outside) {
+                    if (winding > 0) entry->second.outside.insert(piece);
+                }
             });
         }
-        return least;
+        return found;
     }
 
     void choose(Bodies& bodies, Want want, std::int32_t firstPiece, std::vector<Fate>& fates) {
-        struct Around {
+        struct Found {
             bool known, inFront, inBack;
         };
-        std::vector<Around> around(leader.size());
+        std::vector<Found> around(leader.size());
         LoopProgress progress(sizeOf(leader));
         for (std::int32_t sheet = 0; sheet < sizeOf(leader); ++sheet) {
             progress.step();
             if (nth(leader, sheet) == none) continue;
-            Around& found = nth(around, patches.find(sheet));
+            Found& found = nth(around, patches.find(sheet));
             if (!found.known) {
                 if (effort.isOver()) return;
                 const auto [front, back] = lookAround(sheet);
@@ -340,7 +352,7 @@ Outcome chooseCells(const Mesh& mesh, const Soup& soup, const BoxTree& tree,
     Chooser chooser(soup, tree, points, arrangement, pieces, effort);
     chooser.joinPatches(edges);
     Bodies bodies(soup, pieces);
-    bodies.findHollows(chooser.lookIntoHollows(bodies));
+    bodies.findHollows(chooser.lookAroundInsideOut(bodies));
     fates.assign(cells.size(), Fate::removed);
     const std::int32_t firstPiece = polygon == none ? none : pieces.ofPolygon(polygon);
     chooser.choose(bodies, want, firstPiece, fates);
