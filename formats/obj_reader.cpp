@@ -414,6 +414,7 @@ void Reader::enterGroup(std::string_view name) {
     if (!groups) groups.emplace(mesh, NameTable::Kind::groups);
     const std::size_t colon = input.how.keepsNames ? name.npos : name.find(':');
     if (colon != name.npos) changes.colonNames.emplace(name);
+    if (input.how.keepsNames) name = trimTrailingBlanks(storedName(name)); // also of "prop"
     mesh.curgroup = static_cast<std::int16_t>(groups->findOrAdd(name.substr(0, colon)));
 }
 
