@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 int main(int argc, char** argv) {
-    if (argc != 2 && argc != 3) {
+    if ((argc != 2 && argc != 3) || *argv[1] == '-') {
         std::fprintf(stderr, "usage: make_grid PATH [TRIANGLES]\n");
         return 2;
     }
