@@ -42,12 +42,17 @@ void setMaterialLooks(LooksRef looks) {
     noteChange();
 }
 
+const MaterialLook* lookOf(std::string_view material) {
+    if (looksOfOB == nullptr) return nullptr;
+    const auto found = looksOfOB->byName.find(material);
+    return found != looksOfOB->byName.end() ? &found->second : nullptr;
+}
+
 void keepLook(std::string_view name, std::string_view newName) {
-    if (looksOfOB == nullptr) return;
-    const auto found = looksOfOB->byName.find(name);
-    if (found == looksOfOB->byName.end()) return;
+    const MaterialLook* const look = lookOf(name);
+    if (look == nullptr) return;
     MaterialLooks looks = *looksOfOB;
-    if (looks.byName.emplace(newName, found->second).second) {
+    if (looks.byName.emplace(newName, *look).second) {
         setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
     }
 }
@@ -67,11 +72,9 @@ void resetTextureSlots() {
 FacePictures::FacePictures(const Mesh& of) : mesh(of) {
     looks.resize(static_cast<std::size_t>(mesh.nmat));
     ofMaterials.resize(looks.size());
-    for (std::size_t i = 0; i < looks.size() && looksOfOB != nullptr; ++i) {
-        const auto found = looksOfOB->byName.find(std::string_view(mesh.materials[i].name));
-        if (found != looksOfOB->byName.end() && found->second.picture != nullptr) {
-            looks[i] = &found->second;
-        }
+    for (std::size_t i = 0; i < looks.size(); ++i) {
+        const MaterialLook* const look = lookOf(mesh.materials[i].name);
+        if (look != nullptr && look->picture != nullptr) looks[i] = look;
     }
     for (std::size_t i = 0; i < ofSlots.size(); ++i) ofSlots[i].image = slots[i].image.get();
 }

@@ -42,6 +42,9 @@ using LooksRef = std::shared_ptr<const MaterialLooks>; ///< null: there are none
 /// Of the mesh as it is now.
 [[nodiscard]] const LooksRef& materialLooks();
 
+/// That of this material; null: it has none.
+[[nodiscard]] const MaterialLook* lookOf(std::string_view material);
+
 /// Puts these in place of those; the panes have to be drawn anew.
 void setMaterialLooks(LooksRef looks);
 

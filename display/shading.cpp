@@ -90,6 +90,18 @@ bool needsLostNormals(const Mesh& mesh) {
     return shading.normals.lostSome && shading.directions != printOfNormals(mesh);
 }
 
+/// Lists the triangles of faces that have this print.
+void listAnew(const Mesh& mesh, std::uint64_t faces) {
+    shading.faces.reset(); // the list may be left half made
+    shading.isTextured = shading.looks.hasPictures();
+    listTriangles(mesh, shading.list, shading.isTextured);
+    shading.normals.lostSome = false;
+    shading.textures = {};
+    shading.faces = faces;
+    shading.positions.reset();
+    shading.directions.reset();
+}
+
 /// Whether the triangles are listed anew, perhaps in another order. The faces are looked at when
 /// they may have changed.
 bool updateList(const Mesh& mesh, bool mayHaveChanged) {
@@ -98,22 +110,15 @@ bool updateList(const Mesh& mesh, bool mayHaveChanged) {
     if (shading.faces == faces && shading.isTextured == textured && !needsLostNormals(mesh)) {
         return false;
     }
-    shading.faces.reset(); // the list may be left half made
-    listTriangles(mesh, shading.list, textured);
-    shading.normals.lostSome = false;
-    shading.isTextured = textured;
-    shading.textures = {};
-    shading.faces = faces;
-    shading.positions.reset();
-    shading.directions.reset();
+    listAnew(mesh, faces);
     return true;
 }
 
 /// Whether polygons were cut anew, as their corners have moved. Drafts do not wait for that.
 bool cutAnew(const Mesh& mesh, std::uint64_t positions) {
     if (!shading.list.hasPolygons || shading.cutFor == positions) return false;
-    shading.faces.reset();
-    return updateList(mesh, true);
+    listAnew(mesh, *shading.faces);
+    return true;
 }
 
 /// Normals do not turn while nothing else in the mesh changes.

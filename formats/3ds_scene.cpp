@@ -284,12 +284,9 @@ class SceneReader {
 } // namespace
 
 StreamTables import3ds(const std::string& path) {
-    PieceReader file(path);
-    std::vector<std::uint8_t> bytes;
-    for (std::string_view piece; file.isOpen() && file.next(0, piece);) {
-        bytes.insert(bytes.end(), piece.begin(), piece.end());
+    if (const std::optional<std::string> bytes = wholeFile(path)) {
+        return threeDsTables({reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()});
     }
-    if (file.isOpen() && !file.failed()) return threeDsTables(bytes);
     StreamTables none;
     none.failure = "it can't be read";
     return none;

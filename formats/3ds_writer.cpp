@@ -354,18 +354,10 @@ void Writer::writeMaterialGroups() {
 }
 
 void noteLosses(const Mesh& mesh, const Losses& losses, bool ordinary) {
-    const struct {
-        std::int64_t count;
-        const char* pattern;
-    } rows[] = {
-        {losses.rounded, "{number} {has} more digits than a 3DS file keeps"},
-        {losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles"},
-        {ordinary ? 0 : mesh.nt, "{texture coordinate} {was} left out: export keeps them"},
-        {mesh.nd, "{normal} {was} left out: a 3DS file has none"},
-    };
-    for (const auto& [count, pattern] : rows) {
-        if (count > 0) note(sentence(count, pattern));
-    }
+    noteCount(losses.rounded, "{number} {has} more digits than a 3DS file keeps");
+    noteCount(losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles");
+    noteCount(ordinary ? 0 : mesh.nt, "{texture coordinate} {was} left out: export keeps them");
+    noteCount(mesh.nd, "{normal} {was} left out: a 3DS file has none");
 }
 
 int fail(const std::string& what, const std::string& path) {

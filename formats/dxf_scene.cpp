@@ -170,17 +170,6 @@ class Placer {
     std::int64_t placed = 0;
 };
 
-/// The whole file, or nothing when it can't be read.
-std::optional<std::string> contentsOf(const std::string& path) {
-    PieceReader file(path);
-    std::optional<std::string> contents(std::in_place);
-    std::string_view piece;
-    if (file.isOpen()) contents->reserve(static_cast<std::size_t>(file.size()));
-    while (file.isOpen() && file.next(0, piece)) *contents += piece;
-    if (!file.isOpen() || file.failed()) contents.reset();
-    return contents;
-}
-
 } // namespace
 
 StreamTables dxfTables(std::string_view file) {
@@ -189,7 +178,7 @@ StreamTables dxfTables(std::string_view file) {
 }
 
 StreamTables importDxf(const std::string& path) {
-    const std::optional<std::string> contents = contentsOf(path);
+    const std::optional<std::string> contents = wholeFile(path);
     if (contents) return dxfTables(*contents);
     StreamTables none;
     none.failure = "there is no such file";

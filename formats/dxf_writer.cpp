@@ -166,20 +166,12 @@ bool writeFaces(SaveFile& file, const Mesh& mesh, bool onlySelected, const std::
 }
 
 void noteLosses(const Mesh& mesh, const Losses& losses) {
-    const struct {
-        std::int64_t count;
-        const char* pattern;
-    } rows[] = {
-        {losses.rounded, "{number} {has} more than three decimals: export keeps them"},
-        {losses.collapsed, "{face} {has} no area left in three decimals: export keeps it"},
-        {losses.cut, "{face} {has} more than 4 corners and {was} cut into 3DFACEs"},
-        {mesh.ng > 1 ? mesh.ng : 0, "{group} {was} left out: a DXF file has none"},
-        {mesh.nt, "{texture coordinate} {was} left out: a DXF file has none"},
-        {mesh.nd, "{normal} {was} left out: a DXF file has none"},
-    };
-    for (const auto& [count, pattern] : rows) {
-        if (count > 0) note(sentence(count, pattern));
-    }
+    noteCount(losses.rounded, "{number} {has} more than three decimals: export keeps them");
+    noteCount(losses.collapsed, "{face} {has} no area left in three decimals: export keeps it");
+    noteCount(losses.cut, "{face} {has} more than 4 corners and {was} cut into 3DFACEs");
+    noteCount(mesh.ng > 1 ? mesh.ng : 0, "{group} {was} left out: a DXF file has none");
+    noteCount(mesh.nt, "{texture coordinate} {was} left out: a DXF file has none");
+    noteCount(mesh.nd, "{normal} {was} left out: a DXF file has none");
 }
 
 } // namespace

@@ -140,7 +140,7 @@ constexpr const char* noRoom = "there is no room for temporary files";
 /// why it did not.
 std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::path& target,
                           bool onlySelected) {
-    if (target.extension() == ".gltf"
+    if (endsIn(target.native(), ".gltf")
         && target.filename().string().find('\\') != std::string::npos) {
         return "a name with a backslash would lead a glTF file to another one than its own buffer";
     }

@@ -30,18 +30,6 @@ namespace fs = std::filesystem;
 /// A library of a hundred thousand materials has some ten million.
 constexpr std::int64_t maxLibraryBytes = 1 << 26;
 
-/// The whole file; nothing where it can't be read or is too large.
-std::optional<std::string> textOf(const std::string& path) {
-    PieceReader file(path);
-    if (!file.isOpen() || file.size() > maxLibraryBytes) return std::nullopt;
-    std::string text;
-    for (std::string_view piece; file.next(0, piece) && file.bytesRead() <= maxLibraryBytes;) {
-        text += piece;
-    }
-    if (file.failed()) return std::nullopt;
-    return text;
-}
-
 using Libraries = std::vector<std::shared_ptr<const MaterialLibrary>>;
 
 /// Adds the library of that name in the line, if there is one.
@@ -49,7 +37,7 @@ bool addLibrary(Libraries& libraries, const std::string& meshFolder, const std::
                 std::string_view name) {
     std::string path = FileFinder({meshFolder}).find(fileNameIn(name));
     if (path.empty()) return false;
-    std::optional<std::string> text = textOf(path);
+    std::optional<std::string> text = wholeFile(path, maxLibraryBytes);
     if (!text) return false;
     libraries.push_back(std::make_shared<const MaterialLibrary>(
         MaterialLibrary{line, fileNameIn(name), std::move(path), meshFolder, std::move(*text)}));
@@ -177,14 +165,6 @@ std::string sectionOf(const Material& material, const MaterialLook* look,
         text.pop_back();
     }
     return text + " " + picture + "\n";
-}
-
-/// Null: it has none.
-const MaterialLook* lookOf(std::string_view name) {
-    const auto& looks = materialLooks();
-    if (looks == nullptr) return nullptr;
-    const auto look = looks->byName.find(name);
-    return look != looks->byName.end() ? &look->second : nullptr;
 }
 
 /// The libraries of this name that were read with the mesh.

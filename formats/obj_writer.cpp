@@ -238,13 +238,8 @@ bool writeMesh(SaveFile& file, const Mesh& mesh, bool onlySelected, unsigned fla
 }
 
 void noteLosses(const Losses& losses) {
-    if (losses.rounded > 0) {
-        note(sentence(losses.rounded, "{number} {has} more than six digits: export keeps them"));
-    }
-    if (losses.longFaces > 0) {
-        note(sentence(losses.longFaces,
-                      "{line} {is} longer than 1,023 characters: export parts them"));
-    }
+    noteCount(losses.rounded, "{number} {has} more than six digits: export keeps them");
+    noteCount(losses.longFaces, "{line} {is} longer than 1,023 characters: export parts them");
 }
 
 int fail(const std::string& path) {

@@ -91,14 +91,12 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
 
 /// These formats are written without pictures.
 void noteLostPictures(const Mesh& mesh) {
-    if (materialLooks() == nullptr) return;
-    const auto& looks = materialLooks()->byName;
     const auto lost =
-        std::count_if(mesh.materials, mesh.materials + mesh.nmat, [&](const Material& material) {
-            const auto look = looks.find(std::string_view(material.name));
-            return look != looks.end() && look->second.picture != nullptr;
+        std::count_if(mesh.materials, mesh.materials + mesh.nmat, [](const Material& material) {
+            const MaterialLook* const look = lookOf(material.name);
+            return look != nullptr && look->picture != nullptr;
         });
-    if (lost > 0) note(sentence(lost, "{material} {has} pictures that this format does not keep"));
+    noteCount(lost, "{material} {has} pictures that this format does not keep");
 }
 
 std::string writeDxf(const Mesh& mesh, const Target& target) {

@@ -4,6 +4,7 @@
 // are to have, the target itself follows. Each step leaves a pair that fits.
 #include "formats/save_exported.h"
 
+#include "formats/mesh_formats.h"
 #include "io/names_in.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
@@ -64,21 +65,6 @@ bool mayReplace(const fs::path& path) {
                   == Choice::yes;
 }
 
-std::string lowerSuffix(const fs::path& path) {
-    std::string suffix = path.extension();
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return suffix;
-}
-
-std::string whole(const fs::path& path) {
-    PieceReader source(path);
-    std::string text;
-    for (std::string_view piece; source.isOpen() && source.next(0, piece);) text += piece;
-    return text;
-}
-
 /// Makes the text refer to another file. False when it does not refer to the first.
 bool redirect(std::string& text, const Reference& row, const std::string& from,
               const std::string& to) {
@@ -125,9 +111,9 @@ struct Beside {
 /// way to refer is not known.
 std::string passingText(std::vector<Beside>& beside, const fs::path& main, const fs::path& target) {
     const auto row = std::find_if(std::begin(references), std::end(references),
-                                  [&](const auto& r) { return r.suffix == lowerSuffix(target); });
+                                  [&](const auto& r) { return endsIn(target.native(), r.suffix); });
     if (row == std::end(references)) return "";
-    std::string text = whole(main);
+    std::string text = wholeFile(main).value_or("");
     bool any = false;
     for (Beside& file : beside) {
         const fs::path passing = passingName(file.name);

@@ -5,6 +5,7 @@
 #include "formats/file_finder.h"
 #include "formats/found_pictures.h"
 #include "formats/import_stream.h"
+#include "formats/mesh_formats.h"
 #include "formats/stream_mesh.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
@@ -92,13 +93,6 @@ class LooksTaker {
 
 // Export.
 
-std::string wholeFile(const fs::path& path) {
-    PieceReader file(path);
-    std::string bytes;
-    for (std::string_view piece; file.isOpen() && file.next(0, piece);) bytes += piece;
-    return file.failed() ? "" : bytes;
-}
-
 bool isPng(std::string_view bytes) { return bytes.starts_with("\x89PNG"); }
 bool isJpeg(std::string_view bytes) { return bytes.starts_with("\xFF\xD8\xFF"); }
 
@@ -124,13 +118,11 @@ class PictureGiver {
   public:
     PictureGiver(StreamTables& to, const fs::path& targetFile, const fs::path& scratchFolder)
         : tables(to), target(targetFile), scratch(scratchFolder) {
-        std::string suffix = target.extension();
-        for (char& c : suffix) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        holds = suffix == ".glb";
-        forWeb = holds || suffix == ".gltf";
+        const auto is = [&](std::string_view suffix) { return endsIn(target.native(), suffix); };
+        holds = is(".glb");
+        forWeb = holds || is(".gltf");
         constexpr std::string_view naming[] = {".gltf", ".dae", ".obj", ".fbx", ".3ds", ".x"};
-        shows =
-            holds || std::find(std::begin(naming), std::end(naming), suffix) != std::end(naming);
+        shows = holds || std::any_of(std::begin(naming), std::end(naming), is);
     }
 
     void give(PictureSource& picture, const std::string& material, std::size_t number) {
@@ -149,7 +141,7 @@ class PictureGiver {
 
     Given place(PictureSource& picture, const std::string& material) {
         const bool inFile = picture.bytes().empty();
-        std::string bytes = inFile ? wholeFile(picture.path()) : picture.bytes();
+        std::string bytes = inFile ? wholeFile(picture.path()).value_or("") : picture.bytes();
         const bool common = isPng(bytes) || isJpeg(bytes);
         if (inFile && common && !holds) {
             if (std::string name = nameInTarget(picture.path()); !name.empty()) return {name};
@@ -179,7 +171,7 @@ class PictureGiver {
         const Image* const image = picture.image();
         const fs::path passing = scratch / "picture.polyfab";
         if (image == nullptr || !writePngFile(*image, passing).empty()) return "";
-        std::string bytes = wholeFile(passing);
+        std::string bytes = wholeFile(passing).value_or("");
         std::error_code ignored;
         fs::remove(passing, ignored);
         return bytes;
@@ -276,12 +268,11 @@ void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
     PictureGiver giver(tables, target, scratch);
     std::vector<const MaterialLook*> looks(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::string name = mesh.materials[i].name;
-        const auto found = materialLooks()->byName.find(name);
-        if (!used[i] || found == materialLooks()->byName.end()) continue;
-        looks[i] = &found->second;
-        tables.looks[i].opacity = found->second.opacity;
-        if (found->second.picture != nullptr) giver.give(*found->second.picture, name, i);
+        if (used[i]) looks[i] = lookOf(mesh.materials[i].name);
+        if (looks[i] == nullptr) continue;
+        tables.looks[i].opacity = looks[i]->opacity;
+        if (looks[i]->picture == nullptr) continue;
+        giver.give(*looks[i]->picture, mesh.materials[i].name, i);
     }
     placeTexcoords(tables, looks);
 }
@@ -295,10 +286,9 @@ std::vector<std::string> picturesBeside(const Mesh& mesh, const fs::path& target
     if (materialLooks() == nullptr) return tables.pictures;
     PictureGiver giver(tables, target, scratch);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::string name = mesh.materials[i].name;
-        const auto found = materialLooks()->byName.find(name);
-        if (found == materialLooks()->byName.end() || found->second.picture == nullptr) continue;
-        giver.give(*found->second.picture, name, i);
+        const MaterialLook* const look = lookOf(mesh.materials[i].name);
+        if (look == nullptr || look->picture == nullptr) continue;
+        giver.give(*look->picture, mesh.materials[i].name, i);
     }
     return std::move(tables.pictures);
 }

@@ -53,4 +53,14 @@ bool PieceReader::next(std::size_t kept, std::string_view& text) {
     return got > 0;
 }
 
+std::optional<std::string> wholeFile(const std::string& path, std::int64_t most) {
+    PieceReader file(path);
+    if (!file.isOpen() || file.size() > most) return std::nullopt;
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(file.size()));
+    for (std::string_view piece; file.next(0, piece) && file.bytesRead() <= most;) bytes += piece;
+    if (file.failed() || file.bytesRead() > most) return std::nullopt;
+    return bytes;
+}
+
 } // namespace polyfab

@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -50,5 +52,10 @@ class PieceReader {
     bool broken = false;
     std::unique_ptr<char[]> buffer;
 };
+
+/// The whole file; nothing when it can't be read, is no regular one or has more bytes than that.
+/// May throw std::bad_alloc.
+[[nodiscard]] std::optional<std::string>
+wholeFile(const std::string& path, std::int64_t most = std::numeric_limits<std::int64_t>::max());
 
 } // namespace polyfab

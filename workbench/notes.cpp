@@ -72,6 +72,10 @@ std::string sentence(std::int64_t count, std::string_view pattern) {
     return text;
 }
 
+void noteCount(std::int64_t count, std::string_view pattern) {
+    if (count > 0) note(sentence(count, pattern));
+}
+
 std::string selectionText(std::int64_t selected, std::int64_t live) {
     return counted(selected) + " of " + counted(live, "face") + " selected";
 }

@@ -32,6 +32,9 @@ void forgetNotes();
 /// "2,000 lines are too long". The words in braces are nouns, "is", "was" and "has".
 [[nodiscard]] std::string sentence(std::int64_t count, std::string_view pattern);
 
+/// Notes that of so many, unless there is none.
+void noteCount(std::int64_t count, std::string_view pattern);
+
 /// "3 of 2,000 faces selected".
 [[nodiscard]] std::string selectionText(std::int64_t selected, std::int64_t live);
 

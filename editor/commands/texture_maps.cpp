@@ -8,6 +8,7 @@
 #include "workbench/notes.h"
 #include "workbench/state.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,7 +18,7 @@ namespace {
 
 const TextureSlot& slotOf(int number) { return textureSlots()[static_cast<std::size_t>(number)]; }
 
-std::string nameOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
 
 /// The file of a slot, so that no letter of it becomes the menu's.
 std::string asLabel(const std::string& name) {
