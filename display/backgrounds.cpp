@@ -52,17 +52,36 @@ std::pair<int, int> pixelsBetween(double low, double high, int size) {
     return {bounded(low), bounded(high)};
 }
 
-void drawRows(const Canvas& canvas, const LaidTexture& picture, std::pair<int, int> columns,
-              std::pair<int, int> rows, bool smaller) {
-    for (int y = rows.first; y < rows.second; ++y) {
-        std::uint32_t* const pixels = canvas.pixels + y * canvas.stride;
-        for (int x = columns.first; x < columns.second; ++x) {
-            const std::uint32_t texel = smaller ? picture.mixed(x, y) : picture.nearest(x, y);
-            const unsigned alpha = texel >> 24;
-            pixels[x] = blended(pixels[x], texel | 0xFF000000, alpha + (alpha >> 7));
+/// A picture that is laid between its sides, and pixels of the pane that show it.
+struct Sheet {
+    const Image& level;
+    Sides at;
+    std::pair<int, int> columns;
+    bool smaller;
+
+    void draw(const Canvas& canvas, int from, int to) const {
+        constexpr TexturePlace corner[3] = {{0, 1}, {1, 1}, {0, 0}};
+        LaidTexture picture;
+        if (!picture.lay(corner, level)) return;
+        for (int y = from; y < to; ++y) {
+            std::uint32_t* const pixels = canvas.pixels + y * canvas.stride;
+            const double down = share(y, at.top, at.bottom, level.height);
+            for (int x = columns.first; x < columns.second; ++x) {
+                const Shares place{share(x, at.left, at.right, level.width), down};
+                const std::uint32_t texel = smaller ? picture.mixed(place) : picture.nearest(place);
+                const unsigned alpha = texel >> 24;
+                pixels[x] = blended(pixels[x], texel | 0xFF000000, alpha + (alpha >> 7));
+            }
         }
     }
-}
+
+  private:
+    /// Along a side the picture shows what it does half a texel from there: it does not repeat.
+    static double share(int pixel, double from, double to, int texels) {
+        const double half = 0.5 / texels;
+        return std::clamp((pixel - from) / (to - from), half, 1 - half);
+    }
+};
 
 } // namespace
 
@@ -90,21 +109,13 @@ void drawBackground(const Pane& pane) {
     for (const double side : {at.left, at.top, at.right, at.bottom}) {
         if (!(std::abs(side) < 1e9)) return; // far out, or a pixel of it covers the pane
     }
-    const ScreenCorner corner[3] = {
-        {at.left, at.top, 0}, {at.right, at.top, 0}, {at.left, at.bottom, 0}};
-    constexpr TexturePlace place[3] = {{0, 1}, {1, 1}, {0, 0}};
     const double size = background->texel * view.scale; // pixels
-    LaidTexture picture;
-    if (!picture.lay(GradientFrame(corner), place, background->texture.levelFor(1 / (size * size))))
-        return;
-    picture.dontRepeat();
-    const auto columns = pixelsBetween(at.left, at.right, pane.canvas.width);
-    const auto rows = pixelsBetween(at.top, at.bottom, pane.canvas.height);
-    const auto count = static_cast<std::size_t>(std::max(0, rows.second - rows.first));
-    inPieces(count, 32, [&](std::size_t from, std::size_t to) {
-        const std::pair some{rows.first + static_cast<int>(from),
-                             rows.first + static_cast<int>(to)};
-        drawRows(pane.canvas, picture, columns, some, size < 1);
+    const Sheet sheet{background->texture.levelFor(1 / (size * size)), at,
+                      pixelsBetween(at.left, at.right, pane.canvas.width), size < 1};
+    const auto [first, end] = pixelsBetween(at.top, at.bottom, pane.canvas.height);
+    const auto count = static_cast<std::size_t>(std::max(0, end - first));
+    inPieces(count, 32, [&, top = first](std::size_t from, std::size_t to) {
+        sheet.draw(pane.canvas, top + static_cast<int>(from), top + static_cast<int>(to));
     });
 }
 

@@ -183,7 +183,7 @@ class PictureLayer {
     }
 
     /// False when the triangle shows none.
-    bool lay(std::uint32_t triangle, const GradientFrame& frame, LaidTexture& to) const {
+    bool lay(std::uint32_t triangle, LaidTexture& to) const {
         const ShownPicture& picture = shading.looks.picture(triangle);
         if (picture.texture == nullptr) return false;
         TexturePlace place[3];
@@ -195,7 +195,7 @@ class PictureLayer {
             place[k] = {at.u * placing.uScale + placing.uOffset,
                         at.v * placing.vScale + placing.vOffset};
         }
-        return to.lay(frame, place, picture.texture->levelFor(texels(triangle, picture)));
+        return to.lay(place, picture.texture->levelFor(texels(triangle, picture)));
     }
     bool hasHoles(std::uint32_t triangle) const {
         const Texture* const texture = shading.looks.picture(triangle).texture;
@@ -254,22 +254,23 @@ class TileShader {
         }
         ScreenCorner corner[3];
         set.corners(t, corner);
-        const GradientFrame frame(corner);
-        hasPicture = layer != nullptr && layer->lay(t, frame, picture);
+        frame.emplace(corner);
+        hasPicture = layer != nullptr && layer->lay(t, picture);
         if (displayOptions.renderSmooth) {
             const auto& normal = shading.list.normals[t].corner;
             const std::vector<float>& cosines = shading.cosines;
-            cosine = frame.of(cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]);
+            cosine = {cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]};
         }
     }
 
     std::uint32_t pixelAt(int x, int y) const {
         const bool smooth = displayOptions.renderSmooth;
         if (!hasPicture && !smooth) return flat;
-        const double bright = smooth ? side * cosine.at(x, cosine.inRow(y)) : flatCosine;
+        const Shares shares = frame->at(x, y);
+        const double bright = smooth ? side * cosine.at(shares) : flatCosine;
         if (!hasPicture) return pixelOf(*color, bright);
         const std::uint32_t texel =
-            displayOptions.mixTexels ? picture.mixed(x, y) : picture.nearest(x, y);
+            displayOptions.mixTexels ? picture.mixed(shares) : picture.nearest(shares);
         const bool selected = shading.looks.isSelected(Seen::triangle(code));
         return pixelOf(tinted(colorOf(texel), selected, isBehind), bright);
     }
@@ -297,7 +298,8 @@ class TileShader {
     double side = 1; ///< -1: seen from behind
     double flatCosine = 0;
     std::uint32_t flat = 0;
-    Gradient cosine{};
+    std::optional<TriangleFrame> frame;
+    Slope cosine;
     LaidTexture picture;
 };
 
@@ -349,10 +351,7 @@ void drawShaded(const Mesh& mesh, const Pane& pane) {
     const PictureLayer layer(pane.left);
     if (shading.isTextured && shading.looks.hasHoles()) {
         set.layWithHoles = [&](std::uint32_t triangle, LaidTexture& to) {
-            if (!layer.hasHoles(triangle)) return false;
-            ScreenCorner corner[3];
-            set.corners(triangle, corner);
-            return layer.lay(triangle, GradientFrame(corner), to);
+            return layer.hasHoles(triangle) && layer.lay(triangle, to);
         };
     }
     const auto grains = [](int pixels) { return (pixels + shading.grain - 1) / shading.grain; };

@@ -74,14 +74,15 @@ int repeated(int place, int size) {
 }
 
 /// Brings three values near 0 by whole numbers and makes texels of them.
-bool toTexels(double (&value)[3], int size) {
-    constexpr double most = 1 << 30; // fits into an int
-    const double base = std::floor(std::min({value[0], value[1], value[2]}));
-    for (double& each : value) {
-        each = (each - base) * size;
-        if (!(std::abs(each) < most)) return false;
-    }
-    return true;
+bool toTexels(const double (&value)[3], int size, Slope& texels) {
+    constexpr double mostTimes = 1LL << 52, most = 1 << 30; // fit into whole numbers
+    const double low = std::min({value[0], value[1], value[2]});
+    if (!(std::abs(low) < mostTimes)) return false;
+    const auto cut = static_cast<std::int64_t>(low);
+    const auto base = static_cast<double>(cut - (low < static_cast<double>(cut) ? 1 : 0));
+    const auto texel = [&](int k) { return (value[k] - base) * size; };
+    texels = Slope(texel(0), texel(1), texel(2));
+    return texel(0) < most && texel(1) < most && texel(2) < most; // none of them below 0
 }
 
 } // namespace
@@ -102,37 +103,23 @@ const Image& Texture::levelFor(double texels) const {
     return *level;
 }
 
-bool LaidTexture::lay(const GradientFrame& triangle, const TexturePlace (&place)[3],
-                      const Image& level) {
-    double across[3], down[3];
-    for (int k = 0; k < 3; ++k) {
-        across[k] = place[k].u;
-        down[k] = 1 - place[k].v;
-    }
-    if (!toTexels(across, level.width) || !toTexels(down, level.height)) return false;
+bool LaidTexture::lay(const TexturePlace (&place)[3], const Image& level) {
     image = &level;
-    column = triangle.of(across[0], across[1], across[2]);
-    row = triangle.of(down[0], down[1], down[2]);
-    return true;
-}
-
-void LaidTexture::dontRepeat() {
-    for (Gradient* const texels : {&column, &row}) {
-        texels->low += 0.5;
-        texels->high -= 0.5;
-    }
+    const double across[3] = {place[0].u, place[1].u, place[2].u};
+    const double down[3] = {1 - place[0].v, 1 - place[1].v, 1 - place[2].v};
+    return toTexels(across, level.width, column) && toTexels(down, level.height, row);
 }
 
 std::uint32_t LaidTexture::texel(int across, int down) const {
     return rowOf(*image, repeated(down, image->height))[repeated(across, image->width)];
 }
 
-std::uint32_t LaidTexture::nearest(int x, int y) const {
-    return texel(floorOf(column.at(x, column.inRow(y))), floorOf(row.at(x, row.inRow(y))));
+std::uint32_t LaidTexture::nearest(const Shares& pixel) const {
+    return texel(floorOf(column.at(pixel)), floorOf(row.at(pixel)));
 }
 
-std::uint32_t LaidTexture::mixed(int x, int y) const {
-    const double across = column.at(x, column.inRow(y)) - 0.5, down = row.at(x, row.inRow(y)) - 0.5;
+std::uint32_t LaidTexture::mixed(const Shares& pixel) const {
+    const double across = column.at(pixel) - 0.5, down = row.at(pixel) - 0.5;
     const int first = floorOf(across), top = floorOf(down);
     const auto right = static_cast<std::uint32_t>((across - first) * 256),
                below = static_cast<std::uint32_t>((down - top) * 256);

@@ -2,8 +2,8 @@
 // Pictures on triangles of the screen.
 #pragma once
 
-#include "picture/gradient.h"
 #include "picture/image.h"
+#include "picture/slope.h"
 
 #include <cstdint>
 #include <vector>
@@ -43,20 +43,17 @@ class LaidTexture {
   public:
     /// Lays it so that the corners show these places. False where these are no numbers, or so far
     /// apart that nothing could be seen: it may not be used then.
-    bool lay(const GradientFrame& triangle, const TexturePlace (&place)[3], const Image& level);
-
-    /// Beyond its sides it shows what it does along them. For what is laid from 0 to 1.
-    void dontRepeat();
+    bool lay(const TexturePlace (&place)[3], const Image& level);
 
     /// What it shows at a pixel: the nearest texel, or a mixture of the four around.
-    [[nodiscard]] std::uint32_t nearest(int x, int y) const;
-    [[nodiscard]] std::uint32_t mixed(int x, int y) const;
+    [[nodiscard]] std::uint32_t nearest(const Shares& pixel) const;
+    [[nodiscard]] std::uint32_t mixed(const Shares& pixel) const;
 
   private:
     [[nodiscard]] std::uint32_t texel(int across, int down) const;
 
     const Image* image = nullptr;
-    Gradient column{}, row{}; ///< texels
+    Slope column, row; ///< texels
 };
 
 } // namespace polyfab

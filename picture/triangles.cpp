@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Triangles are sorted into the tiles that they reach, each worker into bins of its own, until the
-// bins are full; then each tile is drawn by one worker, and so on in turns. Coverage is by edge
-// functions (Pineda, "A parallel algorithm for polygon rasterization", 1988).
+// Each worker draws a part of the triangles, into one tile at a time that it has for itself. What
+// follows each other in a part lies near each other, so that it seldom goes to another tile.
+// Coverage is by edge functions (Pineda, "A parallel algorithm for polygon rasterization", 1988).
 #include "picture/triangles.h"
 
 #include "picture/workers.h"
@@ -10,15 +10,15 @@
 #include <atomic>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <optional>
+#include <thread>
 
 namespace polyfab {
 
 namespace {
 
 constexpr int one = RasterPoint::one;
-
-constexpr std::uint32_t chunk = 4096; ///< triangles that a worker takes at a time
 
 /// Whole pixels from `first` to `last`, both included.
 struct Range {
@@ -38,60 +38,6 @@ Range pixelsBetween(std::int32_t low, std::int32_t high) {
 Range rangeOf(std::int32_t a, std::int32_t b, std::int32_t c) {
     return pixelsBetween(std::min({a, b, c}), std::max({a, b, c}));
 }
-
-/// A piece of a triangle that reaches too far: what is left inside the reach.
-struct Piece {
-    RasterPoint corner[3];
-    std::uint32_t triangle;
-};
-
-} // namespace
-
-struct TriangleBins {
-    static constexpr std::uint32_t none = 0xFFFFFFFF;
-    static constexpr std::uint32_t ofPiece = 0x80000000; ///< bit of an entry that is a piece
-    static constexpr std::size_t usualBlocks = 4096, mostPieces = 4096;
-
-    struct Block {
-        std::uint32_t next;
-        std::uint32_t count;
-        std::uint32_t entries[62];
-    };
-    std::vector<std::uint32_t> first; ///< per tile, its newest block
-    std::vector<Block> blocks;
-    std::vector<Piece> pieces;
-    std::uint32_t used = 0;
-    std::uint32_t next = 0, end = 0; ///< triangles of the chunk that are still to be sorted
-
-    void resize(std::size_t tiles, std::size_t triangles) {
-        // Even a triangle that reaches every tile finds room in empty bins, in all its pieces.
-        const std::size_t wanted = 8 * tiles + std::min(usualBlocks, triangles / 32);
-        first.resize(tiles);
-        if (blocks.size() < wanted) blocks.resize(wanted);
-        pieces.reserve(mostPieces);
-        empty();
-        next = end = 0;
-    }
-    void empty() {
-        std::fill(first.begin(), first.end(), none);
-        pieces.clear();
-        used = 0;
-    }
-    bool hasRoom(std::size_t tiles, std::size_t morePieces) const {
-        return used + tiles <= blocks.size() && pieces.size() + morePieces <= mostPieces;
-    }
-    void add(std::size_t tile, std::uint32_t entry) {
-        std::uint32_t& block = first[tile];
-        if (block == none || blocks[block].count == std::size(blocks[block].entries)) {
-            blocks[used].next = block;
-            blocks[used].count = 0;
-            block = used++;
-        }
-        blocks[block].entries[blocks[block].count++] = entry;
-    }
-};
-
-namespace {
 
 /// An edge function over pixels: not below 0 on the inner side.
 template <typename Int>
@@ -126,63 +72,102 @@ void cutRow(Range& steps, std::int64_t value, std::int64_t right) {
     }
 }
 
-/// Draws triangles into one tile.
-class TilePainter {
+} // namespace
+
+/// The tile that a worker draws into, and that no other one has meanwhile.
+class TileHolder {
   public:
-    TilePainter(const TriangleSet& drawn, Tile& into, int column, int row, int width, int height)
-        : set(drawn), tile(into), left(column * Tile::width), top(row * Tile::height),
-          right(std::min(left + Tile::width, width) - 1),
-          bottom(std::min(top + Tile::height, height) - 1) {}
+    explicit TileHolder(DepthTiles& of) : tiles(of) {}
+    ~TileHolder() { release(); }
+    TileHolder(const TileHolder&) = delete;
+    TileHolder& operator=(const TileHolder&) = delete;
 
-    void clear() {
-        std::fill(std::begin(tile.depth), std::end(tile.depth),
-                  std::numeric_limits<float>::infinity());
-        std::fill(std::begin(tile.seen), std::end(tile.seen), Seen::nothing);
-    }
-
-    void draw(std::uint32_t triangle) {
-        const auto& corner = set.triangles[triangle].corner;
-        draw(set.points[corner[0]], set.points[corner[1]], set.points[corner[2]], triangle);
-    }
-    void draw(const Piece& piece) {
-        draw(piece.corner[0], piece.corner[1], piece.corner[2], piece.triangle);
+    Tile& hold(int column, int row) {
+        const std::size_t wanted = tiles.number(column, row);
+        if (wanted != number) {
+            release();
+            number = wanted;
+            while (tiles.held[number].test_and_set(std::memory_order_acquire)) {
+                std::this_thread::yield();
+            }
+        }
+        return tiles.tiles[number];
     }
 
   private:
-    void draw(const RasterPoint& a, const RasterPoint& b, const RasterPoint& c,
-              std::uint32_t triangle) {
-        Range across = rangeOf(a.x, b.x, c.x), down = rangeOf(a.y, b.y, c.y);
+    static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+
+    void release() {
+        if (number != none) tiles.held[number].clear(std::memory_order_release);
+    }
+
+    DepthTiles& tiles;
+    std::size_t number = none;
+};
+
+namespace {
+
+/// A triangle, or a piece of one, in 256ths of a pixel.
+struct Shape {
+    const RasterPoint &a, &b, &c;
+};
+
+/// Draws triangles one after the other.
+class TrianglePainter {
+  public:
+    TrianglePainter(const TriangleSet& drawn, DepthTiles& into)
+        : set(drawn), tiles(into), width(into.width()), height(into.height()),
+          mayHaveHoles(drawn.layWithHoles) {}
+
+    void draw(std::uint32_t triangle) {
+        const auto& corner = set.triangles[triangle].corner;
+        const Shape shape{set.points[corner[0]], set.points[corner[1]], set.points[corner[2]]};
+        const auto [left, right] = std::minmax({shape.a.x, shape.b.x, shape.c.x});
+        if (right < 0 || left > (width - 1) * one || left == RasterPoint::nowhere) return;
+        const auto [top, bottom] = std::minmax({shape.a.y, shape.b.y, shape.c.y});
+        if (bottom < 0 || top > (height - 1) * one) return;
+        const Range across = pixelsBetween(left, right), down = pixelsBetween(top, bottom);
+        if (across.isEmpty() || down.isEmpty()) return;
+        number = triangle;
+        frame.reset();
+        if (std::min(left, top) < -RasterPoint::reach
+            || std::max(right, bottom) > RasterPoint::reach) {
+            return drawFar();
+        }
+        draw(shape, across, down);
+    }
+
+  private:
+    void drawFar();
+
+    void draw(const Shape& shape, Range across, Range down) {
         constexpr int small = 16;
         const bool isSmall = across.last - across.first < small && down.last - down.first < small;
-        across.cut(left, right);
-        down.cut(top, bottom);
-        if (across.isEmpty() || down.isEmpty()) return;
+        across.cut(0, width - 1);
+        down.cut(0, height - 1);
+        const auto& [a, b, c] = shape;
         const std::int64_t area =
             std::int64_t{b.x - a.x} * (c.y - a.y) - std::int64_t{b.y - a.y} * (c.x - a.x);
         if (area == 0) return;
         // Area above 0: clockwise on the screen, where y runs down.
-        const bool behind = (area > 0) != (set.triangles[triangle].turned != 0);
+        const bool behind = (area > 0) != (set.triangles[number].turned != 0);
         if (behind && set.frontOnly) return;
-        const RasterPoint& second = area > 0 ? b : c;
-        const RasterPoint& third = area > 0 ? c : b;
-        code = triangle << 1 | (behind ? Seen::behind : 0);
-        depth.reset();
-        holed = set.layWithHoles && set.layWithHoles(triangle, picture);
+        code = number << 1 | (behind ? Seen::behind : 0);
+        const Shape clockwise{a, area > 0 ? b : c, area > 0 ? c : b};
         if (isSmall) {
-            drawSmall(a, second, third, across, down);
+            drawSmall(clockwise, across, down);
         } else {
-            drawRows(a, second, third, across, down);
+            drawRows(clockwise, across, down);
         }
     }
 
     /// Each pixel is looked at, four at a time: in a fine mesh the processor could not guess which
     /// of them lie inside.
-    void drawSmall(const RasterPoint& a, const RasterPoint& b, const RasterPoint& c, Range across,
-                   Range down) {
+    void drawSmall(const Shape& shape, Range across, Range down) {
         using Edge = EdgeFunction<std::int32_t>;
-        const Edge edges[3] = {Edge(a, b, across.first, down.first),
-                               Edge(b, c, across.first, down.first),
-                               Edge(c, a, across.first, down.first)};
+        const Edge edges[3] = {Edge(shape.a, shape.b, across.first, down.first),
+                               Edge(shape.b, shape.c, across.first, down.first),
+                               Edge(shape.c, shape.a, across.first, down.first)};
         for (int y = down.first; y <= down.last; y += 2) {
             for (int x = across.first; x <= across.last; x += 2) {
                 unsigned outside = 0;
@@ -203,59 +188,63 @@ class TilePainter {
     }
 
     /// The pixels of each row that lie inside are worked out.
-    void drawRows(const RasterPoint& a, const RasterPoint& b, const RasterPoint& c, Range across,
-                  Range down) {
+    void drawRows(const Shape& shape, Range across, Range down) {
         using Edge = EdgeFunction<std::int64_t>;
-        Edge edges[3] = {Edge(a, b, across.first, down.first), Edge(b, c, across.first, down.first),
-                         Edge(c, a, across.first, down.first)};
-        const int width = across.last - across.first, height = down.last - down.first;
-        for (const Edge& edge : edges) {
-            const std::int64_t most = edge.value + std::max<std::int64_t>(edge.right, 0) * width
-                                      + std::max<std::int64_t>(edge.down, 0) * height;
-            if (most < 0) return;
-        }
+        Edge edges[3] = {Edge(shape.a, shape.b, across.first, down.first),
+                         Edge(shape.b, shape.c, across.first, down.first),
+                         Edge(shape.c, shape.a, across.first, down.first)};
         for (int y = down.first; y <= down.last; ++y) {
-            Range steps{0, width};
+            Range steps{0, across.last - across.first};
             for (Edge& edge : edges) {
                 cutRow(steps, edge.value, edge.right);
                 edge.value += edge.down;
             }
-            if (!steps.isEmpty()) drawRow(across.first + steps.first, across.first + steps.last, y);
+            const int last = across.first + steps.last;
+            for (int x = across.first + steps.first; x <= last;) {
+                const int end = std::min(last, x | (Tile::width - 1));
+                drawRow(x, end, y);
+                x = end + 1;
+            }
         }
     }
 
-    const Gradient& depthNow() {
-        if (!depth) {
+    const TriangleFrame& frameNow() {
+        if (!frame) {
             ScreenCorner corner[3];
-            set.corners(Seen::triangle(code), corner);
-            depth = GradientFrame(corner).of(corner[0].depth, corner[1].depth, corner[2].depth);
+            set.corners(number, corner);
+            frame.emplace(corner);
+            depth = {corner[0].depth, corner[1].depth, corner[2].depth};
+            isHoled = mayHaveHoles && set.layWithHoles(number, picture);
         }
-        return *depth;
+        return *frame;
     }
 
     void drawPixel(int x, int y) {
-        const Gradient& gradient = depthNow();
-        const auto near = static_cast<float>(gradient.at(x, gradient.inRow(y)));
-        const int at = (y - top) * Tile::width + x - left;
+        const Shares shares = frameNow().at(x, y);
+        const auto near = static_cast<float>(depth.at(shares));
+        Tile& tile = holder.hold(x / Tile::width, y / Tile::height);
+        const int at = y % Tile::height * Tile::width + x % Tile::width;
         if (near > tile.depth[at] || (near == tile.depth[at] && !isBefore(tile.seen[at]))) return;
-        if (holed && Texture::isHole(picture.nearest(x, y))) return;
+        if (isHoled && Texture::isHole(picture.nearest(shares))) return;
         tile.depth[at] = near;
         tile.seen[at] = code;
     }
 
+    /// The pixels lie in one tile.
     void drawRow(int from, int to, int y) {
-        if (holed) {
+        const TriangleFrame at = frameNow();
+        if (isHoled) {
             for (int x = from; x <= to; ++x) drawPixel(x, y);
             return;
         }
-        const Gradient gradient = depthNow();
-        const double row = gradient.inRow(y);
         const int count = to - from + 1;
-        float* const depths = tile.depth + (y - top) * Tile::width + from - left;
-        std::uint32_t* const seen = tile.seen + (depths - tile.depth);
-        const std::uint32_t now = code;
         float near[Tile::width];
-        for (int i = 0; i < count; ++i) near[i] = static_cast<float>(gradient.at(from + i, row));
+        for (int i = 0; i < count; ++i) near[i] = static_cast<float>(depth.at(at.at(from + i, y)));
+        Tile& tile = holder.hold(from / Tile::width, y / Tile::height);
+        const int start = y % Tile::height * Tile::width + from % Tile::width;
+        float* const depths = tile.depth + start;
+        std::uint32_t* const seen = tile.seen + start;
+        const std::uint32_t now = code;
         unsigned equals = 0;
         for (int i = 0; i < count; ++i) {
             const bool nearer = near[i] < depths[i];
@@ -272,84 +261,22 @@ class TilePainter {
     /// Whether this triangle is seen where another one is as near.
     bool isBefore(std::uint32_t other) const {
         if (other == Seen::nothing) return true;
-        const auto face = set.triangles[Seen::triangle(code)].face,
+        const auto face = set.triangles[number].face,
                    otherFace = set.triangles[Seen::triangle(other)].face;
         return face != otherFace ? face < otherFace : code < other;
     }
 
     const TriangleSet& set;
-    Tile& tile;
-    int left, top, right, bottom; ///< pixels of the tile, all of them included
-    std::uint32_t code = 0;
-    std::optional<Gradient> depth; ///< worked out for the first pixel
-    bool holed = false;
+    DepthTiles& tiles;
+    TileHolder holder{tiles};
+    int width, height;
+    bool mayHaveHoles;
+    // Of the triangle that is drawn:
+    std::uint32_t number = 0, code = 0;
+    std::optional<TriangleFrame> frame; ///< worked out for the first pixel, with what follows
+    Slope depth;
+    bool isHoled = false;
     LaidTexture picture; ///< of one that is holed
-};
-
-/// Sorts triangles into the bins of one worker.
-class Sorter {
-  public:
-    Sorter(TriangleBins& into, const TriangleSet& sorted, const DepthTiles& over)
-        : bins(into), set(sorted), tiles(over) {}
-
-    /// Sorts those of its chunk that are left. False when the bins are full.
-    bool sortChunk() {
-        for (; bins.next < bins.end; ++bins.next) {
-            if (!sort(bins.next)) return false;
-        }
-        return true;
-    }
-
-  private:
-    bool sort(std::uint32_t triangle) {
-        const auto& corner = set.triangles[triangle].corner;
-        const RasterPoint &a = set.points[corner[0]], &b = set.points[corner[1]],
-                          &c = set.points[corner[2]];
-        if (a.x == RasterPoint::nowhere || b.x == RasterPoint::nowhere
-            || c.x == RasterPoint::nowhere) {
-            return true;
-        }
-        const Range across = reached(a.x, b.x, c.x, tiles.width());
-        const Range down = reached(a.y, b.y, c.y, tiles.height());
-        if (across.isEmpty() || down.isEmpty()) return true;
-        if (a.isFar() || b.isFar() || c.isFar()) return sortFar(triangle);
-        return add(across, down, triangle);
-    }
-
-    static Range reached(std::int32_t a, std::int32_t b, std::int32_t c, int size) {
-        const auto [low, high] = std::minmax({a, b, c});
-        Range range{low > RasterPoint::farthest - one ? size : (low + (one - 1)) >> 8, high >> 8};
-        range.cut(0, size - 1);
-        return range;
-    }
-
-    bool add(const Range& across, const Range& down, std::uint32_t entry) {
-        const int left = across.first / Tile::width, right = across.last / Tile::width;
-        const int top = down.first / Tile::height, bottom = down.last / Tile::height;
-        const auto columns = static_cast<std::size_t>(tiles.columns());
-        if (left == right && top == bottom) { // nearly all in a fine mesh
-            if (!bins.hasRoom(1, 0)) return false;
-            bins.add(static_cast<std::size_t>(top) * columns + static_cast<std::size_t>(left),
-                     entry);
-            return true;
-        }
-        const auto all =
-            static_cast<std::size_t>(right - left + 1) * static_cast<std::size_t>(bottom - top + 1);
-        if (!bins.hasRoom(all, 0)) return false;
-        for (int row = top; row <= bottom; ++row) {
-            const std::size_t start = static_cast<std::size_t>(row) * columns;
-            for (int column = left; column <= right; ++column) {
-                bins.add(start + static_cast<std::size_t>(column), entry);
-            }
-        }
-        return true;
-    }
-
-    bool sortFar(std::uint32_t triangle);
-
-    TriangleBins& bins;
-    const TriangleSet& set;
-    const DepthTiles& tiles;
 };
 
 struct Flat {
@@ -357,7 +284,7 @@ struct Flat {
 };
 
 /// A triangle, or what cuts have left of it.
-struct Shape {
+struct Outline {
     Flat corner[8]; ///< each of four cuts adds one at most
     int n = 0;
     void add(const Flat& p) { corner[n++] = p; }
@@ -374,9 +301,9 @@ Flat crossing(Flat a, Flat b, double Flat::*u, double bound) {
 }
 
 /// What lies beyond u = bound is cut off.
-Shape cut(const Shape& shape, double Flat::*u, double bound) {
+Outline cut(const Outline& shape, double Flat::*u, double bound) {
     const auto inside = [&](const Flat& p) { return bound < 0 ? p.*u >= bound : p.*u <= bound; };
-    Shape kept;
+    Outline kept;
     for (int i = 0; i < shape.n; ++i) {
         const Flat &from = shape.corner[i], &to = shape.corner[i + 1 < shape.n ? i + 1 : 0];
         if (inside(from)) kept.add(from);
@@ -385,94 +312,56 @@ Shape cut(const Shape& shape, double Flat::*u, double bound) {
     return kept;
 }
 
-Shape withinReach(const ScreenCorner (&corner)[3]) {
+Outline withinReach(const ScreenCorner (&corner)[3]) {
     constexpr double bound = RasterPoint::reach / double{one};
-    Shape shape;
+    Outline shape;
     for (const ScreenCorner& c : corner) shape.add({c.x, c.y});
     for (double Flat::*const u : {&Flat::x, &Flat::y}) shape = cut(cut(shape, u, bound), u, -bound);
     return shape;
 }
 
-bool Sorter::sortFar(std::uint32_t triangle) {
-    constexpr std::size_t most = 6; // pieces of one triangle
-    if (!bins.hasRoom(most * bins.first.size(), most)) return false;
+void TrianglePainter::drawFar() {
     ScreenCorner corner[3];
-    set.corners(triangle, corner);
-    const Shape shape = withinReach(corner);
-    const auto at = [&](int i) { return rasterPoint(shape.corner[i].x, shape.corner[i].y, 0); };
-    for (int i = 2; i < shape.n; ++i) {
-        const Piece piece{{at(0), at(i - 1), at(i)}, triangle};
-        const auto& [a, b, c] = piece.corner;
-        const Range across = reached(a.x, b.x, c.x, tiles.width());
-        const Range down = reached(a.y, b.y, c.y, tiles.height());
-        if (across.isEmpty() || down.isEmpty()) continue;
-        add(across, down, TriangleBins::ofPiece | static_cast<std::uint32_t>(bins.pieces.size()));
-        bins.pieces.push_back(piece);
-    }
-    return true;
-}
-
-/// Draws all that was sorted into a tile.
-void paint(TilePainter& painter, const std::vector<TriangleBins>& bins, std::size_t tile) {
-    for (const TriangleBins& bin : bins) {
-        for (std::uint32_t block = bin.first[tile]; block != TriangleBins::none;) {
-            const TriangleBins::Block& now = bin.blocks[block];
-            for (const std::uint32_t entry : std::span(now.entries, now.count)) {
-                if ((entry & TriangleBins::ofPiece) != 0) {
-                    painter.draw(bin.pieces[entry & ~TriangleBins::ofPiece]);
-                } else {
-                    painter.draw(entry);
-                }
-            }
-            block = now.next;
-        }
+    set.corners(number, corner);
+    const Outline outline = withinReach(corner);
+    const auto at = [&](int i) { return rasterPoint(outline.corner[i].x, outline.corner[i].y, 0); };
+    for (int i = 2; i < outline.n; ++i) {
+        const RasterPoint a = at(0), b = at(i - 1), c = at(i);
+        const Range across = rangeOf(a.x, b.x, c.x), down = rangeOf(a.y, b.y, c.y);
+        draw({a, b, c}, across, down);
     }
 }
 
 } // namespace
 
-DepthTiles::DepthTiles() = default;
-DepthTiles::~DepthTiles() = default;
-
-DepthTiles::DepthTiles(DepthTiles&&) noexcept = default;
-DepthTiles& DepthTiles::operator=(DepthTiles&&) noexcept = default;
-
-void DepthTiles::resize(int width, int height, std::size_t triangles) {
+void DepthTiles::resize(int width, int height) {
     wide = std::max(width, 0);
     high = std::max(height, 0);
     tileColumns = (wide + Tile::width - 1) / Tile::width;
     tileRows = (high + Tile::height - 1) / Tile::height;
-    tiles.resize(static_cast<std::size_t>(tileColumns) * static_cast<std::size_t>(tileRows));
-    const auto chunks = static_cast<int>(std::min<std::size_t>(triangles / chunk + 1, 1000));
-    bins.resize(static_cast<std::size_t>(std::min(chunks, workers())));
-    for (TriangleBins& bin : bins) bin.resize(tiles.size(), triangles);
+    const std::size_t count = number(0, tileRows);
+    if (tiles.size() != count) held = std::make_unique<std::atomic_flag[]>(count);
+    tiles.resize(count);
+}
+
+void DepthTiles::clear() {
+    inParallel(static_cast<int>(tiles.size()), [&](int i) {
+        Tile& tile = tiles[static_cast<std::size_t>(i)];
+        std::fill(std::begin(tile.depth), std::end(tile.depth),
+                  std::numeric_limits<float>::infinity());
+        std::fill(std::begin(tile.seen), std::end(tile.seen), Seen::nothing);
+    });
 }
 
 void DepthTiles::draw(int width, int height, const TriangleSet& set) {
-    resize(width, height, set.triangles.size());
-    const auto all = static_cast<std::uint32_t>(set.triangles.size());
-    std::atomic<std::uint32_t> next = 0;
-    std::atomic<bool> full = true;
-    for (bool first = true; full; first = false) {
-        full = false;
-        inParallel(static_cast<int>(bins.size()), [&](int worker) {
-            TriangleBins& bin = bins[static_cast<std::size_t>(worker)];
-            bin.empty();
-            Sorter sorter(bin, set, *this);
-            while (sorter.sortChunk()) {
-                bin.next = next.fetch_add(chunk);
-                if (bin.next >= all) return void(bin.next = bin.end = 0);
-                bin.end = std::min(bin.next + chunk, all);
-            }
-            full = true;
-        });
-        inParallel(static_cast<int>(tiles.size()), [&](int i) {
-            const auto tile = static_cast<std::size_t>(i);
-            TilePainter painter(set, tiles[tile], i % tileColumns, i / tileColumns, wide, high);
-            if (first) painter.clear();
-            paint(painter, bins, tile);
-        });
-    }
+    resize(width, height);
+    clear();
+    const auto share = set.triangles.size() / (8 * static_cast<std::size_t>(workers()));
+    const std::size_t piece = std::clamp<std::size_t>(share, 1, 4096);
+    inPieces(set.triangles.size(), piece, [&](std::size_t from, std::size_t to) {
+        TrianglePainter painter(set, *this);
+        for (auto i = static_cast<std::uint32_t>(from); i < to; ++i) painter.draw(i);
+    });
 }
 
 } // namespace polyfab

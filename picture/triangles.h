@@ -9,16 +9,18 @@
 // threads changes a pixel.
 #pragma once
 
-#include "picture/gradient.h"
+#include "picture/slope.h"
 #include "picture/texture.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -102,16 +104,8 @@ struct Tile {
     std::uint32_t seen[width * height];
 };
 
-/// The triangles in the bins of one worker.
-struct TriangleBins;
-
 class DepthTiles {
   public:
-    DepthTiles();
-    ~DepthTiles();
-    DepthTiles(DepthTiles&&) noexcept;
-    DepthTiles& operator=(DepthTiles&&) noexcept;
-
     /// Shows the triangles in a rectangle of this size and nothing else. May throw std::bad_alloc.
     void draw(int width, int height, const TriangleSet& set);
 
@@ -119,22 +113,26 @@ class DepthTiles {
     int height() const { return high; }
     int columns() const { return tileColumns; }
     int rows() const { return tileRows; }
-    const Tile& tile(int column, int row) const {
-        return tiles[static_cast<std::size_t>(row) * static_cast<std::size_t>(tileColumns)
-                     + static_cast<std::size_t>(column)];
-    }
+    const Tile& tile(int column, int row) const { return tiles[number(column, row)]; }
     /// Of a pixel in the rectangle.
     std::uint32_t seen(int x, int y) const { return tileAt(x, y).seen[place(x, y)]; }
     float depth(int x, int y) const { return tileAt(x, y).depth[place(x, y)]; }
 
   private:
+    friend class TileHolder;
+
+    std::size_t number(int column, int row) const {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(tileColumns)
+               + static_cast<std::size_t>(column);
+    }
     const Tile& tileAt(int x, int y) const { return tile(x / Tile::width, y / Tile::height); }
     static int place(int x, int y) { return y % Tile::height * Tile::width + x % Tile::width; }
-    void resize(int width, int height, std::size_t triangles);
+    void resize(int width, int height);
+    void clear();
 
     int wide = 0, high = 0, tileColumns = 0, tileRows = 0;
     std::vector<Tile> tiles;
-    std::vector<TriangleBins> bins;
+    std::unique_ptr<std::atomic_flag[]> held; ///< per tile, whether a worker draws into it
 };
 
 } // namespace polyfab

@@ -125,8 +125,7 @@ std::vector<int> plainly(const Scene& scene) {
         const std::int64_t area = turn(p[0], p[1], p[2].x, p[2].y);
         if (area == 0) continue;
         if (area < 0) std::swap(p[1], p[2]);
-        const Gradient depth =
-            GradientFrame(exact).of(exact[0].depth, exact[1].depth, exact[2].depth);
+        const Slope depth(exact[0].depth, exact[1].depth, exact[2].depth);
         for (int i = 0; i < width * height; ++i) {
             const int x = i % width, y = i / width;
             bool inside = true;
@@ -135,7 +134,7 @@ std::vector<int> plainly(const Scene& scene) {
                 const bool topOrLeft = b.y < a.y || (b.y == a.y && b.x > a.x);
                 inside &= turn(a, b, 256 * x, 256 * y) >= (topOrLeft ? 0 : 1);
             }
-            const auto near = static_cast<float>(depth.at(x, depth.inRow(y)));
+            const auto near = static_cast<float>(depth.at(TriangleFrame(exact).at(x, y)));
             const auto at = static_cast<std::size_t>(i);
             // Faces come in order: of those that are equally near the first stays.
             if (!inside || !(near < depths[at])) continue;
@@ -173,19 +172,6 @@ TEST(Triangles, TheNearestIsSeenOfEqualsTheLowerFaceWhateverTheOrderAndTheThread
         }
         setWorkers(0);
     }
-}
-
-TEST(Triangles, MoreThanTheBinsHoldAreDrawnInTurns) {
-    Scene scene;
-    for (int i = 0; i < 20; ++i) {
-        const auto first = static_cast<std::uint32_t>(scene.places.size());
-        scene.places.insert(scene.places.end(),
-                            {{-1e6, -1e6, double(i)}, {1e6, 0, 0}, {0, 1e6, 0}});
-        scene.add(first, first + 1, first + 2);
-    }
-    std::vector<RasterTriangle> many;
-    for (int i = 0; i < 6000; ++i) many.push_back(scene.triangles[std::size_t(i % 20)]);
-    EXPECT_EQ(scene.facesSeen(many), scene.facesSeen(scene.triangles));
 }
 
 } // namespace
