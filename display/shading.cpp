@@ -224,67 +224,120 @@ class TileShader {
                const Canvas& onto)
         : set(shaded), layer(pictures), light(wayToLight), canvas(onto) {}
 
-    void shade(int column, int row) {
+    void shade(int column, int row) const {
         const Tile& tile = shading.tiles.tile(column, row);
         const int left = column * Tile::width, top = row * Tile::height;
         const int width = std::min(Tile::width, shading.tiles.width() - left);
         const int height = std::min(Tile::height, shading.tiles.height() - top);
         for (int y = 0; y < height; ++y) {
             const std::uint32_t* const seen = tile.seen + y * Tile::width;
-            for (int x = 0; x < width; ++x) {
-                if (seen[x] == Seen::nothing) continue;
-                if (seen[x] != code) take(seen[x]);
-                put(left + x, top + y, pixelAt(left + x, top + y));
+            if (y + 2 < height) callForTriangles(seen + 2 * Tile::width, width);
+            if (y + 1 < height) callForCorners(seen + Tile::width, width);
+            for (int x = 0; x < width;) {
+                const std::uint32_t code = seen[x];
+                const int first = x;
+                while (++x < width && seen[x] == code) {
+                }
+                if (code != Seen::nothing) shadeRun(code, {left + first, left + x, top + y});
             }
         }
     }
 
   private:
-    void take(std::uint32_t triangleSeen) {
-        code = triangleSeen;
+    /// Pixels of a row that show the same triangle.
+    struct Run {
+        int begin, end, y;
+    };
+
+    // In a fine mesh each pixel shows another triangle, and what shades it is spread over the
+    // lists. It is called for some rows ahead. Compilers leave out calls of functions that do
+    // nothing else: these must be inline.
+
+    /// What the lists have of the triangles in a row.
+    [[gnu::always_inline]] inline void callForTriangles(const std::uint32_t* seen,
+                                                        int width) const {
+        for (int x = 0; x < width; ++x) {
+            if (!isNew(seen, x)) continue;
+            const std::uint32_t t = Seen::triangle(seen[x]);
+            __builtin_prefetch(&set.triangles[t]);
+            __builtin_prefetch(&shading.normals.flat[t]);
+            __builtin_prefetch(shading.looks.record(t));
+            __builtin_prefetch(&shading.list.normals[t]);
+            if (layer == nullptr) continue;
+            __builtin_prefetch(&shading.list.texCoords[t]);
+            __builtin_prefetch(&shading.textures.densities[t]);
+        }
+    }
+
+    /// What that refers to.
+    [[gnu::always_inline]] inline void callForCorners(const std::uint32_t* seen, int width) const {
+        for (int x = 0; x < width; ++x) {
+            if (!isNew(seen, x)) continue;
+            const std::uint32_t t = Seen::triangle(seen[x]);
+            for (int k = 0; k < 3; ++k) {
+                __builtin_prefetch(&set.points[set.triangles[t].corner[k]]);
+                __builtin_prefetch(shading.cosines.data() + shading.list.normals[t].corner[k]);
+                if (layer == nullptr) continue;
+                __builtin_prefetch(shading.textures.places.data()
+                                   + shading.list.texCoords[t].corner[k]);
+            }
+        }
+    }
+
+    static bool isNew(const std::uint32_t* seen, int x) {
+        return seen[x] != Seen::nothing && (x == 0 || seen[x] != seen[x - 1]);
+    }
+
+    void shadeRun(std::uint32_t code, const Run& run) const {
         const std::uint32_t t = Seen::triangle(code);
-        isBehind = (code & Seen::behind) != 0;
-        side = isBehind ? -1 : 1;
-        color = &shading.looks.color(t, isBehind);
-        hasPicture = false;
-        if (!displayOptions.renderSmooth) {
-            flatCosine = side * cosineOf(shading.normals.flat[t], light);
-            flat = pixelOf(*color, flatCosine);
-            if (layer == nullptr) return;
+        const bool isBehind = (code & Seen::behind) != 0;
+        const double side = isBehind ? -1 : 1;
+        LaidTexture picture;
+        const bool hasPicture = layer != nullptr && layer->lay(t, picture);
+        const bool smooth = displayOptions.renderSmooth;
+        const double flat = smooth ? 0 : side * cosineOf(shading.normals.flat[t], light);
+        const Color& color = shading.looks.color(t, isBehind);
+        if (!hasPicture && !smooth) {
+            return put(run, [pixel = pixelOf(color, flat)](int) { return pixel; });
         }
         ScreenCorner corner[3];
         set.corners(t, corner);
-        frame.emplace(corner);
-        hasPicture = layer != nullptr && layer->lay(t, picture);
-        if (displayOptions.renderSmooth) {
-            const auto& normal = shading.list.normals[t].corner;
-            const std::vector<float>& cosines = shading.cosines;
-            cosine = {cosines[normal[0]], cosines[normal[1]], cosines[normal[2]]};
+        const TriangleFrame frame(corner);
+        const Slope cosine = smooth ? cosineOver(t, side) : Slope(flat, flat, flat);
+        if (!hasPicture) {
+            return put(run, [&](int x) { return pixelOf(color, cosine.at(frame.at(x, run.y))); });
         }
+        put(run, [&](int x) {
+            const Shares shares = frame.at(x, run.y);
+            const std::uint32_t texel =
+                displayOptions.mixTexels ? picture.mixed(shares) : picture.nearest(shares);
+            return pixelOf(tinted(colorOf(texel), shading.looks.isSelected(t), isBehind),
+                           cosine.at(shares));
+        });
     }
 
-    std::uint32_t pixelAt(int x, int y) const {
-        const bool smooth = displayOptions.renderSmooth;
-        if (!hasPicture && !smooth) return flat;
-        const Shares shares = frame->at(x, y);
-        const double bright = smooth ? side * cosine.at(shares) : flatCosine;
-        if (!hasPicture) return pixelOf(*color, bright);
-        const std::uint32_t texel =
-            displayOptions.mixTexels ? picture.mixed(shares) : picture.nearest(shares);
-        const bool selected = shading.looks.isSelected(Seen::triangle(code));
-        return pixelOf(tinted(colorOf(texel), selected, isBehind), bright);
+    static Slope cosineOver(std::uint32_t triangle, double side) {
+        const auto& normal = shading.list.normals[triangle].corner;
+        const auto at = [&](int k) { return side * shading.cosines[normal[k]]; };
+        return {at(0), at(1), at(2)};
     }
 
-    void put(int x, int y, std::uint32_t pixel) const {
+    /// Sets the run to pixel(x).
+    template <typename Pixel>
+    void put(const Run& run, Pixel pixel) const {
+        std::uint32_t* const row = canvas.pixels + run.y * shading.grain * canvas.stride;
         if (shading.grain == 1) {
-            canvas.pixels[y * canvas.stride + x] = pixel;
+            for (int x = run.begin; x < run.end; ++x) row[x] = pixel(x);
             return;
         }
-        const int right = std::min((x + 1) * shading.grain, canvas.width);
-        const int bottom = std::min((y + 1) * shading.grain, canvas.height);
-        for (int row = y * shading.grain; row < bottom; ++row) {
-            std::fill(canvas.pixels + row * canvas.stride + x * shading.grain,
-                      canvas.pixels + row * canvas.stride + right, pixel);
+        const int rows = std::min(shading.grain, canvas.height - run.y * shading.grain);
+        for (int x = run.begin; x < run.end; ++x) {
+            const int first = x * shading.grain,
+                      end = std::min(first + shading.grain, canvas.width);
+            const std::uint32_t value = pixel(x);
+            for (int i = 0; i < rows; ++i) {
+                std::fill(row + i * canvas.stride + first, row + i * canvas.stride + end, value);
+            }
         }
     }
 
@@ -292,15 +345,6 @@ class TileShader {
     const PictureLayer* layer; ///< or null
     Vec3 light;
     Canvas canvas;
-    std::uint32_t code = Seen::nothing;
-    const Color* color = nullptr;
-    bool isBehind = false, hasPicture = false;
-    double side = 1; ///< -1: seen from behind
-    double flatCosine = 0;
-    std::uint32_t flat = 0;
-    std::optional<TriangleFrame> frame;
-    Slope cosine;
-    LaidTexture picture;
 };
 
 /// The points as the right pane has them.

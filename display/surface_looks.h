@@ -43,6 +43,8 @@ class SurfaceLooks {
                && ofTriangle.size() == list.triangles.size();
     }
 
+    /// Where what color and picture need of a triangle stands.
+    [[nodiscard]] const void* record(std::uint32_t triangle) const { return &ofTriangle[triangle]; }
     [[nodiscard]] const Color& color(std::uint32_t triangle, bool behind) const {
         return colors[(ofTriangle[triangle] & colorBits) + (behind ? 1 : 0)];
     }
