@@ -14,6 +14,8 @@
 #include "mesh/stale.h"
 #include "picture/workers.h"
 
+#include <malloc.h>
+
 namespace polyfab::bench {
 namespace {
 
@@ -53,8 +55,16 @@ void showGrid(std::int64_t triangles, const Scene& scene) {
     benchmark::DoNotOptimize(drawPanes(*OB, client).pixels.data());
 }
 
+double megabytesInUse() {
+    const struct mallinfo2 use = mallinfo2();
+    return static_cast<double>(use.uordblks + use.hblkhd) / 1e6;
+}
+
 void endScene(benchmark::State& state) {
     showRate(state, "triangles", OB->nf);
+    const double withShading = megabytesInUse();
+    forgetShading();
+    state.counters["shading_MB"] = withShading - megabytesInUse();
     displayOptions = {};
     resetTextureSlots();
     setWorkers(0);
