@@ -24,7 +24,7 @@ PackedNormal packed(const Vec3& normal) {
     const Vec3 n = unit(normal) * PackedNormal::one;
     return {static_cast<std::int16_t>(std::lround(n.x)),
             static_cast<std::int16_t>(std::lround(n.y)),
-            static_cast<std::int16_t>(std::lround(n.z)), 0};
+            static_cast<std::int16_t>(std::lround(n.z))};
 }
 
 Vec3 unpacked(const PackedNormal& n) {

@@ -13,7 +13,7 @@ namespace polyfab {
 /// A unit vector in steps of 1/32767, or zero.
 struct PackedNormal {
     static constexpr double one = 32767;
-    std::int16_t x, y, z, spare;
+    std::int16_t x, y, z;
 };
 
 struct ShadeNormals {

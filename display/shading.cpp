@@ -6,8 +6,8 @@
 #include "display/options.h"
 #include "display/shade_normals.h"
 #include "display/surface_looks.h"
+#include "display/texture_densities.h"
 #include "display/triangle_list.h"
-#include "display/triangle_textures.h"
 #include "mesh/face_angle.h"
 #include "mesh/faces.h"
 #include "picture/triangles.h"
@@ -32,7 +32,7 @@ struct Shading {
     TriangleList list;
     ShadeNormals normals;
     SurfaceLooks looks;
-    TriangleTextures textures; ///< while some face shows a picture
+    std::vector<float> densities; ///< of pictures, while some face shows one
     std::optional<std::uint64_t> faces, positions,
         directions;                      ///< prints of what those were made of
     std::optional<std::uint64_t> cutFor; ///< the print of the positions that polygons are cut for
@@ -96,7 +96,7 @@ void listAnew(const Mesh& mesh, std::uint64_t faces) {
     shading.isTextured = shading.looks.hasPictures();
     listTriangles(mesh, shading.list, shading.isTextured);
     shading.normals.lostSome = false;
-    shading.textures = {};
+    shading.densities = {};
     shading.faces = faces;
     shading.positions.reset();
     shading.directions.reset();
@@ -177,7 +177,8 @@ std::uint32_t pixelOf(const Color& color, double cosine) {
 /// Lays the pictures of triangles on them as a pane shows them.
 class PictureLayer {
   public:
-    explicit PictureLayer(bool left) : unitsPerPixel(shading.grain / view.scale) {
+    PictureLayer(const Mesh& shown, bool left)
+        : mesh(shown), unitsPerPixel(shading.grain / view.scale) {
         const auto& row = projection.toScreen.row[left ? 2 : 0];
         toViewer = Vec3{row[0], row[1], row[2]} * (1 / view.scale);
     }
@@ -189,13 +190,16 @@ class PictureLayer {
         TexturePlace place[3];
         for (int k = 0; k < 3; ++k) {
             const std::uint32_t number = shading.list.texCoords[triangle].corner[k];
-            if (number >= shading.textures.places.size()) return false;
-            const TexturePlace& at = shading.textures.places[number];
+            if (number >= static_cast<std::uint32_t>(mesh.nt)) return false;
+            const TexCoord& at = mesh.texcoords[number];
             const PicturePlacing& placing = picture.placing;
             place[k] = {at.u * placing.uScale + placing.uOffset,
                         at.v * placing.vScale + placing.vOffset};
         }
         return to.lay(place, picture.texture->levelFor(texels(triangle, picture)));
+    }
+    [[gnu::always_inline]] inline void callFor(std::uint32_t texCoord) const {
+        __builtin_prefetch(&mesh.texcoords[texCoord]);
     }
     bool hasHoles(std::uint32_t triangle) const {
         const Texture* const texture = shading.looks.picture(triangle).texture;
@@ -209,10 +213,11 @@ class PictureLayer {
         const double inPicture =
             std::abs(picture.placing.uScale * picture.placing.vScale) * image.width * image.height;
         const double slant = std::abs(cosineOf(shading.normals.flat[triangle], toViewer));
-        return shading.textures.densities[triangle] * inPicture * unitsPerPixel * unitsPerPixel
+        return shading.densities[triangle] * inPicture * unitsPerPixel * unitsPerPixel
                / std::max(slant, 1e-6);
     }
 
+    const Mesh& mesh;
     double unitsPerPixel;
     Vec3 toViewer;
 };
@@ -265,7 +270,7 @@ class TileShader {
             __builtin_prefetch(&shading.list.normals[t]);
             if (layer == nullptr) continue;
             __builtin_prefetch(&shading.list.texCoords[t]);
-            __builtin_prefetch(&shading.textures.densities[t]);
+            __builtin_prefetch(&shading.densities[t]);
         }
     }
 
@@ -276,10 +281,10 @@ class TileShader {
             const std::uint32_t t = Seen::triangle(seen[x]);
             for (int k = 0; k < 3; ++k) {
                 __builtin_prefetch(&set.points[set.triangles[t].corner[k]]);
-                __builtin_prefetch(shading.cosines.data() + shading.list.normals[t].corner[k]);
-                if (layer == nullptr) continue;
-                __builtin_prefetch(shading.textures.places.data()
-                                   + shading.list.texCoords[t].corner[k]);
+                if (displayOptions.renderSmooth) {
+                    __builtin_prefetch(&shading.cosines[shading.list.normals[t].corner[k]]);
+                }
+                if (layer != nullptr) layer->callFor(shading.list.texCoords[t].corner[k]);
             }
         }
     }
@@ -375,7 +380,7 @@ void prepareShading(const Mesh& mesh, const Stale& changed, bool draft) {
     const bool moved = shading.positions != positions;
     updateNormals(mesh, positions, looksChanged);
     if (shading.isTextured && (moved || looksChanged)) {
-        findTextures(mesh, shading.list, shading.textures);
+        findTextureDensities(mesh, shading.list, shading.densities);
     }
     if (looksChanged || !shading.looks.fit(mesh, shading.list)) {
         shading.looks.findTriangles(mesh, shading.list);
@@ -392,7 +397,7 @@ void drawShaded(const Mesh& mesh, const Pane& pane) {
                     },
                     {},
                     displayOptions.hideFacingAway};
-    const PictureLayer layer(pane.left);
+    const PictureLayer layer(mesh, pane.left);
     if (shading.isTextured && shading.looks.hasHoles()) {
         set.layWithHoles = [&](std::uint32_t triangle, LaidTexture& to) {
             return layer.hasHoles(triangle) && layer.lay(triangle, to);

@@ -129,7 +129,7 @@ class Lister {
   public:
     Lister(const Mesh& listed, TriangleList& into, bool texCoordsToo)
         : mesh(listed), list(into), withTexCoords(texCoordsToo), points(mesh.np, list.pointOf),
-          normals(mesh.nd, list.normalOf), texCoords(texCoordsToo ? mesh.nt : 0, list.texCoordOf) {}
+          normals(mesh.nd, list.normalOf) {}
 
     void add(std::uint32_t index) {
         const Face& face = mesh.faces[index];
@@ -161,9 +161,9 @@ class Lister {
         TriangleList::Corners its{}, shown{};
         for (int k = 0; k < 3; ++k) {
             added.corner[k] = points(static_cast<std::size_t>(pointOf(mesh, *corner[k])));
-            its.corner[k] = numberOf(mesh.normals, mesh.nd, corner[k]->d, normals);
-            if (!withTexCoords) continue;
-            shown.corner[k] = numberOf(mesh.texcoords, mesh.nt, corner[k]->t, texCoords);
+            const std::uint32_t normal = numberOf(mesh.normals, mesh.nd, corner[k]->d);
+            its.corner[k] = normal == TriangleList::none ? normal : normals(normal);
+            shown.corner[k] = numberOf(mesh.texcoords, mesh.nt, corner[k]->t);
         }
         list.triangles.push_back(added);
         list.normals.push_back(its);
@@ -171,16 +171,16 @@ class Lister {
     }
 
     template <typename T>
-    static std::uint32_t numberOf(const T* array, std::int32_t count, const T* element,
-                                  Renumbering& numbers) {
+    static std::uint32_t numberOf(const T* array, std::int32_t count, const T* element) {
         const std::size_t place = offset(array, element) / sizeof(T);
-        return place < static_cast<std::size_t>(count) ? numbers(place) : TriangleList::none;
+        return place < static_cast<std::size_t>(count) ? static_cast<std::uint32_t>(place)
+                                                       : TriangleList::none;
     }
 
     const Mesh& mesh;
     TriangleList& list;
     bool withTexCoords;
-    Renumbering points, normals, texCoords;
+    Renumbering points, normals;
     PolygonCutter cutter;
     std::vector<Vec3> places;
 };

@@ -23,11 +23,10 @@ struct TriangleList {
     /// Per triangle, places in normalOf, or none where the mesh has no normal; until
     /// findSmoothNormals puts others there.
     std::vector<Corners> normals;
-    /// Per triangle, places in texCoordOf, or none; empty when they are not wanted.
+    /// Per triangle, the mesh's texture coordinates, or none; empty when they are not wanted.
     std::vector<Corners> texCoords;
-    std::vector<std::uint32_t> pointOf;    ///< the mesh's points by the triangles' numbers
-    std::vector<std::uint32_t> normalOf;   ///< the mesh's normals that corners have
-    std::vector<std::uint32_t> texCoordOf; ///< its texture coordinates that corners have
+    std::vector<std::uint32_t> pointOf;  ///< the mesh's points by the triangles' numbers
+    std::vector<std::uint32_t> normalOf; ///< the mesh's normals that corners have
 };
 
 /// Lists the sound faces of three and more corners. May throw std::bad_alloc.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/triangle_textures.h"
+#include "display/texture_densities.h"
 
 #include "mesh/faces.h"
 #include "picture/workers.h"
@@ -15,8 +15,7 @@ constexpr std::size_t pieceSize = 1 << 14;
 /// What the triangles of one face add up to.
 class FaceSum {
   public:
-    FaceSum(const Mesh& of, const TriangleList& listed, const TriangleTextures& placed)
-        : mesh(of), list(listed), textures(placed) {}
+    FaceSum(const Mesh& of, const TriangleList& listed) : mesh(of), list(listed) {}
 
     void add(std::size_t t) {
         const RasterTriangle& triangle = list.triangles[t];
@@ -24,10 +23,10 @@ class FaceSum {
         const Vec3 from = at(triangle.corner[0]);
         area += cross(at(triangle.corner[1]) - from, at(triangle.corner[2]) - from) * sign;
         const auto& corner = list.texCoords[t].corner;
-        for (const std::uint32_t k : corner) isWhole &= k < textures.places.size();
+        for (const std::uint32_t k : corner) isWhole &= k < static_cast<std::uint32_t>(mesh.nt);
         if (!isWhole) return;
-        const TexturePlace &a = textures.places[corner[0]], &b = textures.places[corner[1]],
-                           &c = textures.places[corner[2]];
+        const TexCoord &a = mesh.texcoords[corner[0]], &b = mesh.texcoords[corner[1]],
+                       &c = mesh.texcoords[corner[2]];
         shown += sign * ((b.u - a.u) * (c.v - a.v) - (b.v - a.v) * (c.u - a.u));
     }
     float density() const {
@@ -40,37 +39,26 @@ class FaceSum {
 
     const Mesh& mesh;
     const TriangleList& list;
-    const TriangleTextures& textures;
     Vec3 area;
     double shown = 0;
     bool isWhole = true;
 };
 
-void findPlaces(const Mesh& mesh, const TriangleList& list, TriangleTextures& textures) {
-    textures.places.resize(list.texCoordOf.size());
-    inPieces(textures.places.size(), pieceSize, [&](std::size_t from, std::size_t to) {
-        for (std::size_t i = from; i < to; ++i) {
-            const TexCoord& at = mesh.texcoords[list.texCoordOf[i]];
-            textures.places[i] = {at.u, at.v};
-        }
-    });
-}
-
 } // namespace
 
-void findTextures(const Mesh& mesh, const TriangleList& list, TriangleTextures& textures) {
-    findPlaces(mesh, list, textures);
+void findTextureDensities(const Mesh& mesh, const TriangleList& list,
+                          std::vector<float>& densities) {
     const std::size_t all = list.triangles.size();
-    textures.densities.resize(all);
+    densities.resize(all);
     // Who has the first triangle of a face goes on to its last one.
     inPieces(all, pieceSize, [&](std::size_t from, std::size_t to) {
         for (std::size_t t = from; t < to;) {
             const std::uint32_t face = list.triangles[t].face;
             std::size_t end = t;
-            FaceSum sum(mesh, list, textures);
+            FaceSum sum(mesh, list);
             while (end < all && list.triangles[end].face == face) sum.add(end++);
             const bool isFirst = t == 0 || list.triangles[t - 1].face != face;
-            if (isFirst) std::fill_n(&textures.densities[t], end - t, sum.density());
+            if (isFirst) std::fill_n(&densities[t], end - t, sum.density());
             t = end;
         }
     });
