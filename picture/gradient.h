@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 
 namespace polyfab {
 
@@ -25,20 +26,22 @@ struct Gradient {
     }
 };
 
-/// What the gradients over one triangle have in common. Its area must not be 0. The corners count
-/// in this order: with another one the last digits may differ.
+/// What the gradients over one triangle have in common. The corners count in this order: with
+/// another one the last digits may differ.
 class GradientFrame {
   public:
     explicit GradientFrame(const ScreenCorner (&c)[3])
         : x0(c[0].x), y0(c[0].y), x1(c[1].x - x0), y1(c[1].y - y0), x2(c[2].x - x0),
           y2(c[2].y - y0), share(1 / (x1 * y2 - x2 * y1)) {}
 
-    /// The gradient of these values at the corners.
+    /// The gradient of these values at the corners. Over a sliver whose sides are so nearly one
+    /// that no number can tell how steep it is, the first value is everywhere.
     [[nodiscard]] Gradient of(double v0, double v1, double v2) const {
         const double right = ((v1 - v0) * y2 - (v2 - v0) * y1) * share;
         const double down = ((v2 - v0) * x1 - (v1 - v0) * x2) * share;
-        return {v0 - right * x0 - down * y0, right, down, std::min({v0, v1, v2}),
-                std::max({v0, v1, v2})};
+        const double base = v0 - right * x0 - down * y0;
+        if (!std::isfinite(base)) return {v0, 0, 0, v0, v0};
+        return {base, right, down, std::min({v0, v1, v2}), std::max({v0, v1, v2})};
     }
 
   private:
