@@ -53,6 +53,8 @@ class Pictures : public WindowEvents {
 TEST_F(Pictures, AFaceShowsItsMaterialsElseItsGroupsAndUndoBringsBothBack) {
     handleEvent({.kind = EventKind::drop, .paths = {mesh}});
     EXPECT_EQ(seen(), (Seen{0xFF000001, 0}));
+    send(EventKind::paint);
+    EXPECT_NE(shown.status.left.find("I can't read the picture"), std::string::npos);
     EXPECT_EQ(std::count_if(shown.log.begin(), shown.log.end(),
                             [](const std::string& line) {
                                 return line.starts_with("note|I can't read the picture of the ma");
