@@ -118,18 +118,25 @@ std::string pathFrom(const fs::path& folder, const std::string& path) {
     return failure ? path : fs::path(path).lexically_relative(from).string();
 }
 
+/// A line of a library with its picture, if it has one that is found, named from another folder.
+std::string movedLine(std::string_view line, FileFinder& finder, const fs::path& folder) {
+    std::string moved(line);
+    const std::optional<MapLine> map = readMapLine(line);
+    const std::string path = map ? finder.find(fileNameIn(map->name)) : "";
+    if (path.empty()) return moved;
+    const auto at = static_cast<std::size_t>(map->name.data() - line.data());
+    return moved.replace(at, map->name.size(), pathFrom(folder, path));
+}
+
 /// The library's text with the pictures that are found named from another folder.
 std::string movedText(const MaterialLibrary& library, const fs::path& folder) {
     FileFinder finder = finderOf(library);
     std::string moved;
     const char* copied = library.text.data();
     eachLine(library.text, [&](std::string_view line) {
-        const std::optional<MapLine> map = readMapLine(line);
-        const std::string path = map ? finder.find(fileNameIn(map->name)) : "";
-        if (path.empty()) return;
-        moved.append(copied, map->name.data());
-        moved += pathFrom(folder, path);
-        copied = map->name.data() + map->name.size();
+        moved.append(copied, line.data());
+        moved += movedLine(line, finder, folder);
+        copied = line.data() + line.size();
     });
     moved.append(copied, library.text.data() + library.text.size());
     if (!moved.ends_with('\n')) moved += '\n';
@@ -190,6 +197,28 @@ std::string missingSections(const Mesh& mesh, const Libraries& libraries, const 
         text += sectionOf(*m, look, inFile ? pathFrom(folder, look->picture->path()) : "");
     }
     return text;
+}
+
+/// What the libraries that were read say of their materials that no section does, as it is from the
+/// folder.
+std::map<std::string, std::string, std::less<>> otherLines(const fs::path& folder) {
+    std::map<std::string, std::string, std::less<>> all;
+    if (materialLooks() == nullptr) return all;
+    for (const auto& library : materialLooks()->libraries) {
+        FileFinder finder = finderOf(*library);
+        for (const LibraryMaterial& material : readLibraryText(library->text)) {
+            const auto [entry, isNew] = all.try_emplace(material.name);
+            if (!isNew) continue;
+            const MaterialLook* const look = lookOf(material.name);
+            std::vector<std::string_view> lines = material.others;
+            const bool lost = look == nullptr || look->picture == nullptr; // not found
+            if (lost && !material.map.empty()) lines.push_back(material.map);
+            for (const std::string_view line : lines) {
+                entry->second += movedLine(line, finder, folder) + "\n";
+            }
+        }
+    }
+    return all;
 }
 
 /// Where the library comes to lie: a folder of its own must be there.
@@ -285,13 +314,16 @@ bool libraryHasLooks(const Mesh& mesh, const std::string& path) {
     });
 }
 
-std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures) {
+std::string libraryText(const Mesh& mesh, const std::string& path,
+                        const std::vector<std::string>& pictures) {
+    std::map<std::string, std::string, std::less<>> others = otherLines(folderOf(path));
     std::set<std::string, std::less<>> known;
     std::string text;
     for (std::size_t i = 0; i < pictures.size(); ++i) {
         const Material& material = mesh.materials[i];
         if (!known.insert(material.name).second) continue;
         text += sectionOf(material, lookOf(material.name), pictures[i]);
+        text += others[material.name];
     }
     return text;
 }

@@ -40,7 +40,9 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path);
 /// would have to come along. Without a name only when no material has a look.
 [[nodiscard]] bool libraryHasLooks(const Mesh& mesh, const std::string& path);
 
-/// What a new library says of all materials of the mesh, whose pictures have these names.
-[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures);
+/// What a new library for an OBJ file at `path` says of all materials of the mesh, whose pictures
+/// have these names, with what else the libraries that were read say of them.
+[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::string& path,
+                                      const std::vector<std::string>& pictures);
 
 } // namespace polyfab

@@ -76,7 +76,7 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
         const fs::path scratch = target.file.parent_path();
         const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);
         std::string fault = makeFile(scratch / library, [&](SaveFile& file) {
-            file.append(libraryText(mesh, pictures));
+            file.append(libraryText(mesh, target.path, pictures));
             return true;
         });
         if (!fault.empty()) return fault;
