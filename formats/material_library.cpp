@@ -51,7 +51,8 @@ FileFinder finderOf(const MaterialLibrary& library) {
 /// What follows "mtllib" is one name or, where no such file is, several.
 Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines) {
     Libraries libraries;
-    const std::string folder = folderOf(path);
+    std::error_code failure; // the folder stays when another start looks for its files
+    const std::string folder = fs::absolute(folderOf(path), failure);
     for (const std::string& named : lines) {
         const std::string line(trimTrailingBlanks(named));
         if (addLibrary(libraries, folder, line, line)) continue;
@@ -64,7 +65,7 @@ Libraries librariesOf(const std::string& path, const std::vector<std::string>& l
 /// Gives the materials of the mesh from `firstNew` on what the library says of them.
 class LooksReader {
   public:
-    LooksReader(Mesh& to, int firstNew, bool withColors) : mesh(to), colors(withColors) {
+    LooksReader(Mesh& to, int firstNew) : mesh(to) {
         for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
     }
 
@@ -74,7 +75,7 @@ class LooksReader {
             const auto found = wanted.find(material.name);
             if (found == wanted.end()) continue;
             for (const int i : found->second) {
-                if (material.color && colors) mesh.materials[i].color = *material.color;
+                if (material.color) mesh.materials[i].color = *material.color;
             }
             wanted.erase(found); // of several of one name the first counts
             MaterialLook look{nullptr, material.placing, material.opacity};
@@ -87,20 +88,19 @@ class LooksReader {
 
   private:
     Mesh& mesh;
-    bool colors;
     std::map<std::string, std::vector<int>, std::less<>> wanted;
     FoundPictures pictures;
 };
 
 /// Reads these libraries into the looks, for the materials from `firstNew` on.
-std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew, bool colors) {
+std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew) {
     const bool alone = firstNew == 0 || materialLooks() == nullptr;
     if (libraries.empty()) {
         if (firstNew == 0) setMaterialLooks(nullptr);
         return "";
     }
     MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
-    LooksReader reader(mesh, firstNew, colors);
+    LooksReader reader(mesh, firstNew);
     for (auto& library : libraries) {
         reader.read(*library, looks);
         looks.libraries.push_back(std::move(library));
@@ -261,15 +261,9 @@ std::vector<std::string> missingLibraries(const std::string& path,
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                   const std::vector<std::string>& lines, int firstNew) try {
-    return readLooks(mesh, librariesOf(path, lines), firstNew, true);
+    return readLooks(mesh, librariesOf(path, lines), firstNew);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory for the materials";
-}
-
-void readLooksAgain(Mesh& mesh, const std::string& path) try {
-    static_cast<void>(readLooks(mesh, librariesOf(path, {mesh.mtllib}), 0, false));
-} catch (const std::bad_alloc&) {
-    setMaterialLooks(nullptr);
 }
 
 void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {

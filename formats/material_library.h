@@ -27,9 +27,6 @@ void noteLibrary(const std::string& line);
                                                 const std::vector<std::string>& lines,
                                                 int firstNew);
 
-/// The same for a mesh that came back with its colours, which stay.
-void readLooksAgain(Mesh& mesh, const std::string& path);
-
 /// Writes the library that the mesh names beside an OBJ file that was written, unless there is one
 /// or none was read: as it was, but with the pictures' paths as they are from there, and with
 /// the materials that it does not have. A note tells.
