@@ -2,8 +2,8 @@
 #include "display/face_pictures.h"
 
 #include "display/texture_slots.h"
+#include "display/told.h"
 #include "mesh/stale.h"
-#include "platform/platform.h"
 
 #include <cstddef>
 #include <span>
@@ -26,8 +26,8 @@ const Image* imageOf(const std::string& material, PictureSource& picture) {
     const bool known = !picture.reason().empty();
     const Image* const image = picture.image();
     if (image == nullptr && !known) {
-        platform().note("I can't read the picture of the material " + material + ": "
-                        + picture.reason());
+        toldByDisplay.push_back("I can't read the picture of the material " + material + ": "
+                                + picture.reason());
     }
     return image;
 }

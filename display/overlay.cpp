@@ -5,6 +5,7 @@
 #include "display/edge_list.h"
 #include "display/look.h"
 #include "display/options.h"
+#include "display/shaded_edges.h"
 #include "mesh/face_area.h"
 #include "mesh/faces.h"
 
@@ -229,12 +230,17 @@ const Face* soundFace(const Mesh& mesh, int index) {
     return &mesh.faces[index];
 }
 
+/// Where a shaded pane shows edges, what faces hide of one is hidden.
 void drawSide(const Pane& pane, const FaceCorner& from, const FaceCorner& to,
               const Stroke& stroke) {
-    pane.line(pane.at(*from.p), pane.at(*to.p), stroke);
+    if (isRendered(pane.left) && displayOptions.renderedEdges) {
+        drawSeenLine(pane, *from.p, *to.p, stroke);
+    } else {
+        pane.line(pane.at(*from.p), pane.at(*to.p), stroke);
+    }
 }
 
-/// The current face, edge and vertex, shown even where they are hidden.
+/// The current face, edge and vertex; but for edges on shaded panes even where they are hidden.
 void drawCurrent(const Mesh& mesh, const Pane& pane, const Markers& markers) {
     if (const Face* const face = soundFace(mesh, mesh.curface)) {
         for (const auto& [from, to] : sides(*face)) drawSide(pane, from, to, look.currentFace);

@@ -13,12 +13,16 @@
 #include <cmath>
 #include <numbers>
 #include <span>
+#include <unordered_map>
 
 namespace polyfab {
 namespace {
 
 constexpr std::size_t pieceSize = 1 << 14;
-constexpr std::size_t mostAround = 256; ///< triangles that are compared with each other
+constexpr std::size_t mostAround = 256; ///< triangles around a usual point
+/// Directions around the others that are compared with each other: so many cost a few milliseconds.
+constexpr std::size_t mostDirections = 1024;
+constexpr double cosineWithin = std::numbers::sqrt2 / 2 - 1e-4; ///< normals are packed
 
 PackedNormal packed(const Vec3& normal) {
     const Vec3 n = unit(normal) * PackedNormal::one;
@@ -56,9 +60,19 @@ struct CornersOfPoints {
     }
 };
 
-/// The angles of the triangles at their corners, in 65535ths of half a turn.
-std::vector<std::uint16_t> anglesOf(const Mesh& mesh, const TriangleList& list) {
-    std::vector<std::uint16_t> angles(3 * list.triangles.size());
+/// An angle in 16 bits. Its root is kept, so that a millionth of a turn still counts as such.
+struct PackedAngle {
+    std::uint16_t root = 0;
+    explicit operator double() const { return 1.0 * root * root; }
+};
+
+PackedAngle packed(double angle) {
+    return {static_cast<std::uint16_t>(std::sqrt(angle / std::numbers::pi) * 65535)};
+}
+
+/// The angles of the triangles at their corners.
+std::vector<PackedAngle> anglesOf(const Mesh& mesh, const TriangleList& list) {
+    std::vector<PackedAngle> angles(3 * list.triangles.size());
     inPieces(list.triangles.size(), pieceSize, [&](std::size_t from, std::size_t to) {
         for (std::size_t t = from; t < to; ++t) {
             const auto at = [&](std::size_t k) {
@@ -66,8 +80,7 @@ std::vector<std::uint16_t> anglesOf(const Mesh& mesh, const TriangleList& list) 
             };
             for (std::size_t k = 0; k < 3; ++k) {
                 const Vec3 a = unit(at(k + 1) - at(k)), b = unit(at(k + 2) - at(k));
-                const double angle = std::acos(std::clamp(dot(a, b), -1.0, 1.0));
-                angles[3 * t + k] = static_cast<std::uint16_t>(angle / std::numbers::pi * 65535);
+                angles[3 * t + k] = packed(std::acos(std::clamp(dot(a, b), -1.0, 1.0)));
             }
         }
     });
@@ -77,14 +90,11 @@ std::vector<std::uint16_t> anglesOf(const Mesh& mesh, const TriangleList& list) 
 /// Gives the corners around one point their normals.
 class Blender {
   public:
-    Blender(TriangleList& blended, ShadeNormals& into, const std::vector<std::uint16_t>& weights)
+    Blender(TriangleList& blended, ShadeNormals& into, const std::vector<PackedAngle>& weights)
         : list(blended), normals(into), angles(weights) {}
 
     void blend(std::span<const std::uint32_t> around) {
-        if (around.size() > mostAround) {
-            for (const std::uint32_t corner : around) give(corner, normals.flat[corner / 3]);
-            return;
-        }
+        if (around.size() > mostAround) return blendMany(around);
         faces.clear();
         for (const std::uint32_t corner : around) {
             faces.push_back(unpacked(normals.flat[corner / 3]));
@@ -112,25 +122,77 @@ class Blender {
     }
 
     void blendOne(std::span<const std::uint32_t> around, std::size_t i) {
-        constexpr double cosine = std::numbers::sqrt2 / 2 - 1e-4; // normals are packed
         Near near;
         for (std::size_t j = 0; j < around.size(); ++j) {
-            near[j] = dot(faces[i], faces[j]) >= cosine;
+            near[j] = dot(faces[i], faces[j]) >= cosineWithin;
         }
         for (const Found& other : found) {
             if (other.near == near) return void(placeOf(around[i]) = other.place);
         }
         Vec3 sum;
         for (std::size_t j = 0; j < around.size(); ++j) {
-            if (near[j]) sum += faces[j] * angles[around[j]];
+            if (near[j]) sum += faces[j] * double(angles[around[j]]);
         }
         found.push_back({near, static_cast<std::uint32_t>(normals.smooth.size())});
         give(around[i], packed(isZero(sum) ? faces[i] : sum));
     }
 
+    /// Triangles that face exactly the same count as one, and where there are too many others those
+    /// that face about the same.
+    void blendMany(std::span<const std::uint32_t> around) {
+        int shift = 0;
+        while (!gather(around, shift)) ++shift;
+        for (Direction& own : directions) {
+            if (!isZero(own.sum)) own.normal = unit(own.sum);
+        }
+        const std::size_t first = normals.smooth.size();
+        for (const Direction& own : directions) {
+            Vec3 sum;
+            for (const Direction& other : directions) {
+                if (dot(own.normal, other.normal) >= cosineWithin) sum += other.sum;
+            }
+            normals.smooth.push_back(packed(isZero(sum) ? own.normal : sum));
+        }
+        for (const std::uint32_t corner : around) {
+            if (placeOf(corner) != TriangleList::none) continue;
+            const std::size_t number = directionOf.at(cellOf(normals.flat[corner / 3], shift));
+            placeOf(corner) = static_cast<std::uint32_t>(first + number);
+        }
+    }
+
+    /// The cube of 2^shift steps a side that the normal ends in.
+    static std::uint64_t cellOf(const PackedNormal& n, int shift) {
+        std::uint64_t cell = 0;
+        for (const int part : {int{n.x}, int{n.y}, int{n.z}}) {
+            cell = cell << 16 | static_cast<std::uint64_t>((part + 0x8000) >> shift);
+        }
+        return cell;
+    }
+
+    /// Gathers the directions by such cubes. False when there are too many.
+    bool gather(std::span<const std::uint32_t> around, int shift) {
+        directionOf.clear();
+        directions.clear();
+        for (const std::uint32_t corner : around) {
+            const PackedNormal& normal = normals.flat[corner / 3];
+            const auto [entry, isNew] =
+                directionOf.try_emplace(cellOf(normal, shift), directions.size());
+            if (isNew && directions.size() == mostDirections) return false;
+            if (isNew) directions.push_back({unpacked(normal), {}});
+            directions[entry->second].sum += unpacked(normal) * double(angles[corner]);
+        }
+        return true;
+    }
+
+    struct Direction {
+        Vec3 normal, sum; ///< the sum is that of the normals by their angles
+    };
+
     TriangleList& list;
     ShadeNormals& normals;
-    const std::vector<std::uint16_t>& angles;
+    const std::vector<PackedAngle>& angles;
+    std::unordered_map<std::uint64_t, std::size_t> directionOf;
+    std::vector<Direction> directions;
     std::vector<Vec3> faces;
     std::vector<Found> found;
 };
@@ -181,7 +243,7 @@ void findFlatNormals(const Mesh& mesh, const TriangleList& list, ShadeNormals& n
 
 void findSmoothNormals(const Mesh& mesh, TriangleList& list, ShadeNormals& normals) {
     if (takeOwnNormals(mesh, list, normals)) return;
-    const std::vector<std::uint16_t> angles = anglesOf(mesh, list);
+    const std::vector<PackedAngle> angles = anglesOf(mesh, list);
     const CornersOfPoints corners(list);
     Blender blender(list, normals, angles);
     for (std::size_t i = 0; i < list.pointOf.size(); ++i) blender.blend(corners.of(i));

@@ -28,7 +28,8 @@ void findFlatNormals(const Mesh& mesh, const TriangleList& list, ShadeNormals& n
 /// Works out `smooth`, from `flat`, and gives each corner in the list its place there: the normal
 /// that the mesh gives it, else the mean of those of the faces around its point that lie within 45
 /// degrees of its own, by their angles there. So what is round looks round, and a cube stays a
-/// cube. Around a point with more than 256 triangles each keeps its own. May throw std::bad_alloc.
+/// cube. Around a point with thousands of triangles those that face about the same count as one.
+/// May throw std::bad_alloc.
 void findSmoothNormals(const Mesh& mesh, TriangleList& list, ShadeNormals& normals);
 
 } // namespace polyfab

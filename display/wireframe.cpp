@@ -12,6 +12,7 @@
 #include "display/pane_images.h"
 #include "display/shaded_edges.h"
 #include "display/shading.h"
+#include "display/told.h"
 #include "display/view.h"
 #include "mesh/screen_positions.h"
 #include "mesh/stale.h"
@@ -327,7 +328,7 @@ bool giveUpShading() {
     if (!isRendered(true) && !isRendered(false)) return false;
     displayOptions.renderLeft = displayOptions.renderRight = false;
     forgetShading();
-    platform().note("I can't get enough memory to render");
+    toldByDisplay.emplace_back("I can't get enough memory to render");
     return true;
 }
 

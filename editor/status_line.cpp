@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/status_line.h"
 
+#include "display/told.h"
 #include "editor/command_table.h"
 #include "editor/editor_state.h"
 #include "editor/history/undo.h"
@@ -60,6 +61,7 @@ void countFaces() {
 }
 
 void updateStatusLine() {
+    for (const std::string& text : std::exchange(toldByDisplay, {})) note(text);
     if (OB != nullptr) platform().setStatusLine({left(), right()});
 }
 

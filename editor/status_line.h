@@ -11,7 +11,7 @@ void countFaces();
 /// To be called before a picture is drawn within an event, which lowers the flags of `stale`.
 void noteUncounted();
 
-/// Says all of it anew.
+/// Says all of it anew, and what drawing has to tell.
 void updateStatusLine();
 
 /// Whether the window shows it, and the command that changes that.

@@ -87,6 +87,8 @@ class SceneReader {
     struct Material {
         std::string name;
         std::uint32_t color = defaultColor;
+        std::string picture{}; ///< its file
+        StreamLook look{};
     };
 
     /// The lists of an object.
@@ -135,6 +137,8 @@ class SceneReader {
         forChunks(bytes, [&](unsigned id, Bytes inside) {
             ++chunks;
             if (id == 0xA000) material.name = takeName(inside);
+            if (id == 0xA050) material.look.opacity = 1 - percentIn(inside);
+            if (id == 0xA200) readPicture(inside, material);
             if (id != 0xA020) return;
             forChunks(inside, [&](unsigned kind, Bytes color) {
                 if (kind == 0x0011) gamma = threeBytes(color);
@@ -146,7 +150,28 @@ class SceneReader {
         material.color = gamma.value_or(linear.value_or(real.value_or(defaultColor)));
         if (own) material.color = swapped(material.color);
         if (!materials.try_emplace(material.name, std::ssize(tables.materials)).second) return;
-        addMaterial(material.name, material.color);
+        addMaterial(material);
+    }
+
+    /// A share of 1: per cents are whole numbers or real ones.
+    double percentIn(Bytes bytes) {
+        double share = 0;
+        forChunks(bytes, [&](unsigned kind, Bytes number) {
+            if (kind == 0x0030) share = wordAt(number, 0) / 100.0;
+            if (kind == 0x0031) share = realAt(number, 0) / 100;
+        });
+        return std::clamp(share, 0.0, 1.0);
+    }
+
+    void readPicture(Bytes bytes, Material& material) {
+        StreamLook& look = material.look;
+        forChunks(bytes, [&](unsigned id, Bytes inside) {
+            if (id == 0xA300) material.picture = takeName(inside);
+            if (id == 0xA354) look.uScale = realAt(inside, 0);
+            if (id == 0xA356) look.vScale = realAt(inside, 0);
+            if (id == 0xA358) look.uOffset = realAt(inside, 0);
+            if (id == 0xA35A) look.vOffset = realAt(inside, 0);
+        });
     }
 
     static std::uint32_t threeBytes(Bytes bytes) {
@@ -166,9 +191,11 @@ class SceneReader {
         return (color & 0xFF) << 16 | (color & 0xFF00) | color >> 16;
     }
 
-    void addMaterial(const std::string& name, std::uint32_t color) {
-        tables.materials.push_back(name);
-        tables.colors.push_back(color);
+    void addMaterial(const Material& material) {
+        tables.materials.push_back(material.name);
+        tables.colors.push_back(material.color);
+        tables.pictures.push_back(material.picture);
+        tables.looks.push_back(material.look);
     }
 
     void readNamed(Bytes bytes) {
@@ -266,7 +293,7 @@ class SceneReader {
     std::int32_t defaultMaterial() {
         if (noMaterial < 0) {
             noMaterial = static_cast<std::int32_t>(tables.materials.size());
-            addMaterial("", defaultColor);
+            addMaterial({});
         }
         return noMaterial;
     }

@@ -3,6 +3,7 @@
 // to the file only when the whole mesh has found room.
 #include "formats/3ds_writer.h"
 
+#include "display/material_looks.h"
 #include "formats/face_order.h"
 #include "formats/file_command.h"
 #include "io/save_file.h"
@@ -83,9 +84,12 @@ struct Losses {
 /// Builds the file; the first thing that does not fit ends it.
 class Writer {
   public:
-    /// `forAll`: for all programs.
-    Writer(const Mesh& from, bool selectedOnly, bool allGroups, bool forAll)
-        : mesh(from), onlySelected(selectedOnly), everything(allGroups), ordinary(forAll),
+    /// `picturesForAll`: it is for all programs, and the materials have these pictures; null: it is
+    /// for this one.
+    Writer(const Mesh& from, bool selectedOnly, bool allGroups,
+           const std::vector<std::string>* picturesForAll)
+        : mesh(from), onlySelected(selectedOnly), everything(allGroups),
+          ordinary(picturesForAll != nullptr), pictures(picturesForAll),
           progress(4 * std::int64_t{from.nf}) {}
 
     /// "", or what the file can't hold.
@@ -107,6 +111,7 @@ class Writer {
 
     void writeMaterials();
     void writeColor(std::uint32_t color);
+    void writeLook(const MaterialLook& look, const std::string& picture);
     std::string writeGroups();
     std::string writeGroup(std::span<const int> faces);
     std::string refuse(std::span<const int> faces) const;
@@ -122,8 +127,9 @@ class Writer {
 
     const Mesh& mesh;
     bool onlySelected;
-    bool everything;       ///< also the groups without a selected face
-    bool ordinary;         ///< the file is for other programs
+    bool everything; ///< also the groups without a selected face
+    bool ordinary;   ///< the file is for other programs
+    const std::vector<std::string>* pictures;
     LoopProgress progress; ///< each face is looked at four times
     // Of the group that is being written.
     std::vector<int> points; ///< indices into mesh.points, in the order of their new numbers
@@ -165,6 +171,8 @@ void Writer::writeMaterials() {
             out.name(mesh.materials[i].name);
         }
         writeColor(mesh.materials[i].color);
+        const MaterialLook* const look = ordinary ? lookOf(mesh.materials[i].name) : nullptr;
+        if (look != nullptr) writeLook(*look, (*pictures)[static_cast<std::size_t>(i)]);
     }
 }
 
@@ -178,6 +186,37 @@ void Writer::writeColor(std::uint32_t color) {
     for (const unsigned id : {0x0011U, 0x0012U}) {
         const Chunk value(out, id);
         out.value(color, 3);
+    }
+}
+
+void Writer::writeLook(const MaterialLook& look, const std::string& picture) {
+    const auto percent = [&](double share) {
+        const Chunk value(out, 0x0030);
+        out.word(static_cast<std::size_t>(std::lround(100 * std::clamp(share, 0.0, 1.0))));
+    };
+    if (look.opacity != 1) {
+        const Chunk transparency(out, 0xA050);
+        percent(1 - look.opacity);
+    }
+    if (picture.empty()) return;
+    const Chunk map(out, 0xA200);
+    percent(1);
+    {
+        const Chunk name(out, 0xA300);
+        out.name(picture);
+    }
+    const PicturePlacing& placing = look.placing;
+    const struct {
+        unsigned id;
+        double value, usual;
+    } rows[] = {{0xA354, placing.uScale, 1},
+                {0xA356, placing.vScale, 1},
+                {0xA358, placing.uOffset, 0},
+                {0xA35A, placing.vOffset, 0}};
+    for (const auto& [id, value, usual] : rows) {
+        if (value == usual) continue;
+        const Chunk placed(out, id);
+        out.real(value);
     }
 }
 
@@ -373,7 +412,7 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     forgetCurrentEdge();
     stale.edges = true;
     const bool onlySelected = askOnlySelected(mesh, true, wanted);
-    Writer writer(mesh, onlySelected, wanted == Wanted::all, false);
+    Writer writer(mesh, onlySelected, wanted == Wanted::all, nullptr);
     const std::string fault = writer.write();
     if (!fault.empty()) return fail(fault, path);
     SaveFile file;
@@ -393,8 +432,9 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     return fail("I can't get enough memory", path);
 }
 
-std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected) {
-    Writer writer(mesh, onlySelected, !onlySelected, true);
+std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected,
+                      const std::vector<std::string>& pictures) {
+    Writer writer(mesh, onlySelected, !onlySelected, &pictures);
     std::string fault = writer.write();
     if (!fault.empty()) return fault;
     file.append(writer.out.text());

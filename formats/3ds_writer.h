@@ -5,6 +5,7 @@
 #include "formats/only_selected.h"
 
 #include <string>
+#include <vector>
 
 namespace polyfab {
 
@@ -25,7 +26,9 @@ struct Mesh;
 
 /// Appends the live faces, or the selected ones, as all programs read them: colours with red first,
 /// also texture coordinates, large groups as several objects of one name, and files of any size.
-/// Returns "" or what the file can't hold; notes count what is lost all the same.
-[[nodiscard]] std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected);
+/// `pictures` has per material the name of the file with its picture, or "". Returns "" or what the
+/// file can't hold; notes count what is lost all the same.
+[[nodiscard]] std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected,
+                                    const std::vector<std::string>& pictures);
 
 } // namespace polyfab

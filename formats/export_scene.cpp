@@ -3,6 +3,7 @@
 #include "formats/export_files.h"
 #include "formats/scenes.h"
 #include "formats/unique_table.h"
+#include "picture/read_image.h"
 
 #include <assimp/postprocess.h>
 
@@ -100,7 +101,7 @@ aiTexture* texture(std::string_view bytes) {
     auto* const data = zeroed<char>(bytes.size() + sizeof(aiTexel));
     bytes.copy(data, bytes.size());
     made->pcData = reinterpret_cast<aiTexel*>(data);
-    const std::string_view kind = bytes.starts_with("\xFF\xD8") ? "jpg" : "png";
+    const std::string_view kind = bytes.starts_with(jpegHead) ? "jpg" : "png";
     kind.copy(made->achFormatHint, kind.size());
     return made;
 }

@@ -4,6 +4,7 @@
 #include "display/box.h"
 #include "display/view.h"
 #include "formats/left_out.h"
+#include "io/file_name.h"
 #include "io/read_file.h"
 #include "mesh/check.h"
 #include "mesh/faces.h"
@@ -17,12 +18,6 @@
 #include <cstdio>
 
 namespace polyfab {
-namespace {
-
-std::string nameOf(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
-
-} // namespace
-
 void complain(const std::string& what, const std::string& path) {
     platform().message(what, path, Icon::exclamation);
 }
@@ -36,7 +31,7 @@ bool meshIsSound(const Mesh& mesh, const char* title) {
 void setFileName(const std::string& path) {
     workbench.fileName = path;
     workbench.home = {};
-    workbench.lastChosen = nameOf(path);
+    workbench.lastChosen = fileNameOf(path);
 }
 
 ReadNote::ReadNote(const Mesh& changed)
@@ -47,7 +42,7 @@ void ReadNote::tell(const std::string& path, bool added) const {
     const double seconds = platform().workSeconds() - started;
     char time[32] = "";
     if (seconds > 0) std::snprintf(time, sizeof time, " in %.2f s", seconds);
-    note((added ? "added " : "read ") + nameOf(path) + ": "
+    note((added ? "added " : "read ") + fileNameOf(path) + ": "
          + counted(mesh.np - (added ? points : 0), "point") + ", "
          + counted(countFaces(mesh, false) - (added ? faces : 0), "face") + time);
     tellLeftOut();
@@ -59,7 +54,7 @@ void tellLeftOut() {
 }
 
 void noteSaved(const std::string& path, std::int64_t faces) {
-    note("saved " + nameOf(path) + ", " + counted(faces, "face"));
+    note("saved " + fileNameOf(path) + ", " + counted(faces, "face"));
 }
 
 std::int64_t countFaces(const Mesh& mesh, bool onlySelected) {

@@ -2,6 +2,7 @@
 #include "formats/import_files.h"
 
 #include "formats/library_file.h"
+#include "io/file_name.h"
 #include "io/read_file.h"
 
 #include <algorithm>
@@ -106,7 +107,7 @@ void ImportFiles::refuse(const std::string& path, const char* why) {
     constexpr std::size_t most = 20;
     const std::string name = path.starts_with(folder) ? path.substr(folder.size()) : path;
     if (name.starts_with('/')) why = outside; // the importer put the folder before it
-    const std::string last = name.substr(name.find_last_of('/') + 1);
+    const std::string last = fileNameOf(name);
     // The importer's own message tells of the file itself.
     if (path == main || list.size() == most || names.contains(last) || !isNamedIn(realMain, last)) {
         return;

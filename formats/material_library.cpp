@@ -51,7 +51,8 @@ FileFinder finderOf(const MaterialLibrary& library) {
 /// What follows "mtllib" is one name or, where no such file is, several.
 Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines) {
     Libraries libraries;
-    const std::string folder = folderOf(path);
+    std::error_code failure; // the folder stays when another start looks for its files
+    const std::string folder = fs::absolute(folderOf(path), failure);
     for (const std::string& named : lines) {
         const std::string line(trimTrailingBlanks(named));
         if (addLibrary(libraries, folder, line, line)) continue;
@@ -64,7 +65,7 @@ Libraries librariesOf(const std::string& path, const std::vector<std::string>& l
 /// Gives the materials of the mesh from `firstNew` on what the library says of them.
 class LooksReader {
   public:
-    LooksReader(Mesh& to, int firstNew, bool withColors) : mesh(to), colors(withColors) {
+    LooksReader(Mesh& to, int firstNew) : mesh(to) {
         for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
     }
 
@@ -74,7 +75,7 @@ class LooksReader {
             const auto found = wanted.find(material.name);
             if (found == wanted.end()) continue;
             for (const int i : found->second) {
-                if (material.color && colors) mesh.materials[i].color = *material.color;
+                if (material.color) mesh.materials[i].color = *material.color;
             }
             wanted.erase(found); // of several of one name the first counts
             MaterialLook look{nullptr, material.placing, material.opacity};
@@ -87,20 +88,19 @@ class LooksReader {
 
   private:
     Mesh& mesh;
-    bool colors;
     std::map<std::string, std::vector<int>, std::less<>> wanted;
     FoundPictures pictures;
 };
 
 /// Reads these libraries into the looks, for the materials from `firstNew` on.
-std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew, bool colors) {
+std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew) {
     const bool alone = firstNew == 0 || materialLooks() == nullptr;
     if (libraries.empty()) {
         if (firstNew == 0) setMaterialLooks(nullptr);
         return "";
     }
     MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
-    LooksReader reader(mesh, firstNew, colors);
+    LooksReader reader(mesh, firstNew);
     for (auto& library : libraries) {
         reader.read(*library, looks);
         looks.libraries.push_back(std::move(library));
@@ -118,18 +118,25 @@ std::string pathFrom(const fs::path& folder, const std::string& path) {
     return failure ? path : fs::path(path).lexically_relative(from).string();
 }
 
+/// A line of a library with its picture, if it has one that is found, named from another folder.
+std::string movedLine(std::string_view line, FileFinder& finder, const fs::path& folder) {
+    std::string moved(line);
+    const std::optional<MapLine> map = readMapLine(line);
+    const std::string path = map ? finder.find(fileNameIn(map->name)) : "";
+    if (path.empty()) return moved;
+    const auto at = static_cast<std::size_t>(map->name.data() - line.data());
+    return moved.replace(at, map->name.size(), pathFrom(folder, path));
+}
+
 /// The library's text with the pictures that are found named from another folder.
 std::string movedText(const MaterialLibrary& library, const fs::path& folder) {
     FileFinder finder = finderOf(library);
     std::string moved;
     const char* copied = library.text.data();
     eachLine(library.text, [&](std::string_view line) {
-        const std::optional<MapLine> map = readMapLine(line);
-        const std::string path = map ? finder.find(fileNameIn(map->name)) : "";
-        if (path.empty()) return;
-        moved.append(copied, map->name.data());
-        moved += pathFrom(folder, path);
-        copied = map->name.data() + map->name.size();
+        moved.append(copied, line.data());
+        moved += movedLine(line, finder, folder);
+        copied = line.data() + line.size();
     });
     moved.append(copied, library.text.data() + library.text.size());
     if (!moved.ends_with('\n')) moved += '\n';
@@ -192,6 +199,28 @@ std::string missingSections(const Mesh& mesh, const Libraries& libraries, const 
     return text;
 }
 
+/// What the libraries that were read say of their materials that no section does, as it is from the
+/// folder.
+std::map<std::string, std::string, std::less<>> otherLines(const fs::path& folder) {
+    std::map<std::string, std::string, std::less<>> all;
+    if (materialLooks() == nullptr) return all;
+    for (const auto& library : materialLooks()->libraries) {
+        FileFinder finder = finderOf(*library);
+        for (const LibraryMaterial& material : readLibraryText(library->text)) {
+            const auto [entry, isNew] = all.try_emplace(material.name);
+            if (!isNew) continue;
+            const MaterialLook* const look = lookOf(material.name);
+            std::vector<std::string_view> lines = material.others;
+            const bool lost = look == nullptr || look->picture == nullptr; // not found
+            if (lost && !material.map.empty()) lines.push_back(material.map);
+            for (const std::string_view line : lines) {
+                entry->second += movedLine(line, finder, folder) + "\n";
+            }
+        }
+    }
+    return all;
+}
+
 /// Where the library comes to lie: a folder of its own must be there.
 fs::path placeFor(const std::string& name, const fs::path& folder) {
     const fs::path below = fs::path(name).lexically_normal();
@@ -232,15 +261,9 @@ std::vector<std::string> missingLibraries(const std::string& path,
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                   const std::vector<std::string>& lines, int firstNew) try {
-    return readLooks(mesh, librariesOf(path, lines), firstNew, true);
+    return readLooks(mesh, librariesOf(path, lines), firstNew);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory for the materials";
-}
-
-void readLooksAgain(Mesh& mesh, const std::string& path) try {
-    static_cast<void>(readLooks(mesh, librariesOf(path, {mesh.mtllib}), 0, false));
-} catch (const std::bad_alloc&) {
-    setMaterialLooks(nullptr);
 }
 
 void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
@@ -285,13 +308,16 @@ bool libraryHasLooks(const Mesh& mesh, const std::string& path) {
     });
 }
 
-std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures) {
+std::string libraryText(const Mesh& mesh, const std::string& path,
+                        const std::vector<std::string>& pictures) {
+    std::map<std::string, std::string, std::less<>> others = otherLines(folderOf(path));
     std::set<std::string, std::less<>> known;
     std::string text;
     for (std::size_t i = 0; i < pictures.size(); ++i) {
         const Material& material = mesh.materials[i];
         if (!known.insert(material.name).second) continue;
         text += sectionOf(material, lookOf(material.name), pictures[i]);
+        text += others[material.name];
     }
     return text;
 }

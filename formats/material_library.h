@@ -27,9 +27,6 @@ void noteLibrary(const std::string& line);
                                                 const std::vector<std::string>& lines,
                                                 int firstNew);
 
-/// The same for a mesh that came back with its colours, which stay.
-void readLooksAgain(Mesh& mesh, const std::string& path);
-
 /// Writes the library that the mesh names beside an OBJ file that was written, unless there is one
 /// or none was read: as it was, but with the pictures' paths as they are from there, and with
 /// the materials that it does not have. A note tells.
@@ -40,7 +37,9 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path);
 /// would have to come along. Without a name only when no material has a look.
 [[nodiscard]] bool libraryHasLooks(const Mesh& mesh, const std::string& path);
 
-/// What a new library says of all materials of the mesh, whose pictures have these names.
-[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::vector<std::string>& pictures);
+/// What a new library for an OBJ file at `path` says of all materials of the mesh, whose pictures
+/// have these names, with what else the libraries that were read say of them.
+[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::string& path,
+                                      const std::vector<std::string>& pictures);
 
 } // namespace polyfab

@@ -113,9 +113,9 @@ std::string nameOf(std::string_view line, const std::vector<std::string_view>& w
     return std::string(storedName(name));
 }
 
-void readLine(std::string_view line, LibraryMaterial& material) {
-    const std::vector<std::string_view> words = wordsOf(line);
-    if (words.size() < 2) return;
+void readLine(std::string_view line, const std::vector<std::string_view>& words,
+              LibraryMaterial& material) {
+    if (words.size() < 2) return material.others.push_back(line);
     const Words arguments = Words(words).subspan(1);
     if (sameButCase(words[0], "kd")) {
         if (const auto color = colorOf(arguments)) material.color = color;
@@ -126,6 +126,9 @@ void readLine(std::string_view line, LibraryMaterial& material) {
         if (!map) return;
         material.picture = fileNameIn(map->name);
         material.placing = map->placing;
+        material.map = line;
+    } else {
+        material.others.push_back(line);
     }
 }
 
@@ -162,7 +165,7 @@ std::vector<LibraryMaterial> readLibraryText(std::string_view text) {
         if (sameButCase(words[0], "newmtl")) {
             materials.push_back({nameOf(line, words)});
         } else if (!materials.empty()) {
-            readLine(line, materials.back());
+            readLine(line, words, materials.back());
         }
     });
     return materials;

@@ -18,10 +18,12 @@ struct LibraryMaterial {
     double opacity = 1;
     std::string picture{}; ///< as fileNameIn gives it; "": none
     PicturePlacing placing{};
+    std::string_view map{};                 ///< the line with the picture
+    std::vector<std::string_view> others{}; ///< its lines that say nothing of all this
 };
 
 /// The materials in their order. What is no line of theirs is passed over. Keywords may have any
-/// case, lines any end, the last one none.
+/// case, lines any end, the last one none. Lines lead into the text.
 [[nodiscard]] std::vector<LibraryMaterial> readLibraryText(std::string_view text);
 
 /// What a line says that names a picture.

@@ -76,7 +76,7 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
         const fs::path scratch = target.file.parent_path();
         const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);
         std::string fault = makeFile(scratch / library, [&](SaveFile& file) {
-            file.append(libraryText(mesh, pictures));
+            file.append(libraryText(mesh, target.path, pictures));
             return true;
         });
         if (!fault.empty()) return fault;
@@ -89,7 +89,7 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
     });
 }
 
-/// These formats are written without pictures.
+/// This format is written without pictures.
 void noteLostPictures(const Mesh& mesh) {
     const auto lost =
         std::count_if(mesh.materials, mesh.materials + mesh.nmat, [](const Material& material) {
@@ -108,10 +108,11 @@ std::string writeDxf(const Mesh& mesh, const Target& target) {
 }
 
 std::string write3ds(const Mesh& mesh, const Target& target) {
-    noteLostPictures(mesh);
+    const fs::path scratch = target.file.parent_path();
+    const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);
     std::string fault;
     const std::string written = makeFile(target.file, [&](SaveFile& file) {
-        fault = append3ds(file, mesh, target.onlySelected);
+        fault = append3ds(file, mesh, target.onlySelected, pictures);
         return fault.empty();
     });
     return fault.empty() ? written : fault;

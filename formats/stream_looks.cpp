@@ -10,6 +10,7 @@
 #include "io/read_file.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
+#include "picture/read_image.h"
 #include "picture/write_png.h"
 
 #include <algorithm>
@@ -93,8 +94,8 @@ class LooksTaker {
 
 // Export.
 
-bool isPng(std::string_view bytes) { return bytes.starts_with("\x89PNG"); }
-bool isJpeg(std::string_view bytes) { return bytes.starts_with("\xFF\xD8\xFF"); }
+bool isPng(std::string_view bytes) { return bytes.starts_with(pngHead); }
+bool isJpeg(std::string_view bytes) { return bytes.starts_with(jpegHead); }
 
 bool save(const fs::path& path, std::string_view bytes) {
     SaveFile file;

@@ -16,14 +16,8 @@ struct Reader {
 };
 
 constexpr Reader readers[] = {
-    {"\x89PNG\r\n\x1a\n", decodePng},
-    {"\xFF\xD8\xFF", decodeJpeg},
-    {"BM", decodeBmp},
-    {"P6", decodePpm},
-    {"P5", decodePpm},
-    {"P3", decodePpm},
-    {"P2", decodePpm},
-    {"", decodeTga},
+    {pngHead, decodePng}, {jpegHead, decodeJpeg}, {"BM", decodeBmp}, {"P6", decodePpm},
+    {"P5", decodePpm},    {"P3", decodePpm},      {"P2", decodePpm}, {"", decodeTga},
 };
 
 /// As many bytes as the largest picture takes where none is packed.

@@ -19,6 +19,9 @@ inline constexpr std::int64_t maxImagePixels = std::int64_t{64} << 20; ///< 8192
 /// `image` is then as it was. Never throws.
 [[nodiscard]] std::string readImage(const std::string& path, Image& image);
 
+/// What the files that nearly all programs read begin with.
+inline constexpr std::string_view pngHead = "\x89PNG\r\n\x1a\n", jpegHead = "\xFF\xD8\xFF";
+
 /// The same of the bytes of a file.
 [[nodiscard]] std::string decodeImage(std::string_view bytes, Image& image);
 

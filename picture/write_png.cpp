@@ -7,8 +7,10 @@
 #include "io/save_file.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csetjmp>
 #include <cstddef>
+#include <cstring>
 #include <png.h>
 #include <string_view>
 
@@ -74,12 +76,14 @@ bool encode(Writing& writing) {
 
 std::string writePngFile(const Image& image, const std::string& path) {
     SaveFile file;
-    if (!file.open(path)) return "the file can't be made";
+    if (!file.open(path)) return std::strerror(errno);
     const bool opaque = std::all_of(image.pixels.begin(), image.pixels.end(),
                                     [](std::uint32_t pixel) { return pixel >> 24 == 0xFF; });
     Writing writing{image, file, !opaque};
     if (!encode(writing)) return "there is not enough memory";
-    return file.commit() ? "" : "the file can't be written";
+    errno = 0;
+    if (file.commit()) return "";
+    return errno != 0 ? std::strerror(errno) : "it can't be written to its end";
 }
 
 } // namespace polyfab

@@ -2,6 +2,7 @@
 // All faces are filled before any line is drawn, so that none covers another's edge.
 #include "tools/draw_texture_map.h"
 
+#include "io/file_name.h"
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
 #include "picture/smooth.h"
@@ -95,7 +96,7 @@ bool askSide(int& side) {
 }
 
 std::string nameBeside(const std::string& meshFile) {
-    const std::string name = meshFile.substr(meshFile.find_last_of('/') + 1);
+    const std::string name = fileNameOf(meshFile);
     return name.substr(0, name.find_last_of('.')) + "-uv.png";
 }
 

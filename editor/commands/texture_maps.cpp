@@ -2,13 +2,13 @@
 #include "editor/commands/texture_maps.h"
 
 #include "display/texture_slots.h"
+#include "io/file_name.h"
 #include "picture/read_image.h"
 #include "picture/write_png.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
 #include "workbench/state.h"
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,8 +17,6 @@ namespace polyfab {
 namespace {
 
 const TextureSlot& slotOf(int number) { return textureSlots()[static_cast<std::size_t>(number)]; }
-
-std::string nameOf(const std::string& path) { return std::filesystem::path(path).filename(); }
 
 /// The file of a slot, so that no letter of it becomes the menu's.
 std::string asLabel(const std::string& name) {
@@ -40,7 +38,7 @@ bool textureMapIsChosen(int number) { return workbench.textureNumber == number; 
 Shown shownTextureMap(int number) {
     const std::string& path = slotOf(number).path;
     return {"select texture map &" + std::to_string(number)
-            + (path.empty() ? "" : " (" + asLabel(nameOf(path)) + ")")};
+            + (path.empty() ? "" : " (" + asLabel(fileNameOf(path)) + ")")};
 }
 
 std::optional<ReadPicture> askForPicture(const std::string& prompt, const std::string& initial) {
@@ -60,7 +58,7 @@ std::optional<ReadPicture> askForPicture(const std::string& prompt, const std::s
 void readTextureMap() {
     const int number = workbench.textureNumber;
     auto read = askForPicture("picture for texture map " + std::to_string(number) + "?",
-                              nameOf(slotOf(number).path));
+                              fileNameOf(slotOf(number).path));
     if (!read) return;
     const auto image = std::make_shared<const Image>(std::move(read->image));
     note("texture map " + std::to_string(number) + " is " + std::to_string(image->width) + " x "
@@ -73,7 +71,7 @@ void writeTextureMap() {
     const TextureSlot slot = slotOf(number);
     const std::string name = "texture map " + std::to_string(number);
     if (slot.image == nullptr) return note("there is no picture in " + name);
-    const std::string file = nameOf(slot.path);
+    const std::string file = fileNameOf(slot.path);
     const auto path = platform().fileDialog({true,
                                              "file to write " + name + " to?",
                                              {{"PNG pictures", "*.PNG"}},
@@ -84,7 +82,7 @@ void writeTextureMap() {
     if (!path) return;
     const std::string reason = writePngFile(*slot.image, *path);
     if (!reason.empty()) return refuse("I can't write this picture: ", reason, *path);
-    note("wrote " + name + " to " + nameOf(*path));
+    note("wrote " + name + " to " + fileNameOf(*path));
 }
 
 } // namespace polyfab

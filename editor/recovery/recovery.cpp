@@ -6,7 +6,6 @@
 #include "editor/history/undo.h"
 #include "editor/recovery/recovery_file.h"
 #include "editor/recovery/recovery_folder.h"
-#include "formats/material_library.h"
 #include "io/state_folder.h"
 #include "mesh/check.h"
 #include "mesh/faces.h"
@@ -187,7 +186,6 @@ void tellOthers(std::size_t count) {
 void takeOver(RecoveryFolder& folder, const RecoveryRecord& record) {
     OB->changed = 1;
     restoreEditor(record);
-    readLooksAgain(*OB, workbench.fileName);
     recovery.folder = std::move(folder);
     startHistory();
     recovery.saved = presentMesh();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Magic, version, size of all; the editor's part and the mesh; a checksum of everything before it.
+// Magic, version, size of all; the editor's part, the mesh and, if there are any, the looks of its
+// materials; a checksum of everything before it.
 // The checksum is FNV-1a in 64 bits (Fowler, Noll and Vo), which one changed byte always changes.
 #include "editor/recovery/recovery_file.h"
 
@@ -18,9 +19,12 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <new>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace polyfab {
 namespace {
@@ -77,6 +81,70 @@ void unpackEditor(ByteReader& in, EditorPart& part) {
     for (int* const number : {&part.edgeFace, &part.edgeCorner}) {
         *number = static_cast<int>(in.signedWithin(-1, INT32_MAX));
     }
+}
+
+// Looks. Of a picture in a file only its path is kept, of one that came inside of a file all of it;
+// what several materials share is there once.
+
+void packLooks(ByteWriter& out, const MaterialLooks& looks) {
+    std::map<const PictureSource*, std::uint64_t> numbers{{nullptr, 0}};
+    out.number(looks.byName.size());
+    for (const auto& [name, look] : looks.byName) {
+        out.text(name);
+        const PicturePlacing& placing = look.placing;
+        for (const double figure :
+             {placing.uScale, placing.vScale, placing.uOffset, placing.vOffset, look.opacity}) {
+            out.real(figure);
+        }
+        const PictureSource* const picture = look.picture.get();
+        const auto [entry, isNew] = numbers.try_emplace(picture, numbers.size());
+        out.number(entry->second);
+        if (!isNew) continue;
+        out.text(picture->path());
+        out.text(picture->bytes());
+    }
+    out.number(looks.libraries.size());
+    for (const auto& library : looks.libraries) {
+        for (const std::string* const text : {&library->line, &library->name, &library->path,
+                                              &library->meshFolder, &library->text}) {
+            out.text(*text);
+        }
+    }
+}
+
+MaterialLook unpackLook(ByteReader& in, std::vector<std::shared_ptr<PictureSource>>& pictures) {
+    MaterialLook look;
+    PicturePlacing& placing = look.placing;
+    for (double* const figure :
+         {&placing.uScale, &placing.vScale, &placing.uOffset, &placing.vOffset, &look.opacity}) {
+        *figure = in.real();
+    }
+    const std::uint64_t number = in.number();
+    if (number > pictures.size()) in.fail();
+    if (number == pictures.size()) {
+        std::string path(in.text()), bytes(in.text());
+        pictures.push_back(std::make_shared<PictureSource>(std::move(path), std::move(bytes)));
+    }
+    if (in.ok()) look.picture = pictures[number];
+    return look;
+}
+
+LooksRef unpackLooks(ByteReader& in) {
+    auto looks = std::make_shared<MaterialLooks>();
+    std::vector<std::shared_ptr<PictureSource>> pictures{nullptr};
+    for (std::uint64_t left = in.number(); left > 0 && in.ok(); --left) {
+        std::string name(in.text());
+        looks->byName[std::move(name)] = unpackLook(in, pictures);
+    }
+    for (std::uint64_t left = in.number(); left > 0 && in.ok(); --left) {
+        MaterialLibrary library;
+        for (std::string* const text :
+             {&library.line, &library.name, &library.path, &library.meshFolder, &library.text}) {
+            *text = in.text();
+        }
+        looks->libraries.push_back(std::make_shared<const MaterialLibrary>(std::move(library)));
+    }
+    return looks;
 }
 
 bool isTerminated(const char (&name)[nameSize]) {
@@ -153,6 +221,7 @@ std::string packRecovery(const RecoveryRecord& record) {
     out.signedNumber(record.time);
     out.bytes += packEditor(record.editor);
     packSnapshot(out, *record.mesh);
+    if (record.editor.looks != nullptr) packLooks(out, *record.editor.looks);
     sealRecovery(out.bytes);
     return std::move(out.bytes);
 }
@@ -177,6 +246,7 @@ std::string unpackRecovery(std::string_view bytes, RecoveryRecord& record) {
     record.time = body.signedNumber();
     unpackEditor(body, record.editor);
     record.mesh = unpackSnapshot(body);
+    record.editor.looks = body.ok() && body.left() > 0 ? unpackLooks(body) : nullptr;
     return body.ok() && body.left() == 0 ? "" : "it makes no sense";
 }
 

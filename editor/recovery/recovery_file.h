@@ -30,7 +30,7 @@ struct RecoveryFault {
 /// name becomes absolute.
 [[nodiscard]] RecoveryRecord recoveryRecord(SnapshotRef mesh, EditorPart part);
 
-/// The editor's part of the file, to be compared.
+/// The editor's part of the file but for the looks, to be compared.
 [[nodiscard]] std::string packEditor(EditorPart part);
 
 [[nodiscard]] std::string packRecovery(const RecoveryRecord& record);

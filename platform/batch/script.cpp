@@ -3,9 +3,9 @@
 #include "platform/batch/script.h"
 
 #include "io/memory_left.h"
+#include "picture/write_png.h"
 #include "platform/batch/arguments.h"
 #include "platform/batch/batch_platform.h"
-#include "platform/batch/write_png.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -59,7 +59,9 @@ std::string runDump(BatchPlatform& window, const Step&) {
 std::string runPicture(BatchPlatform& window, const Step& step) {
     const Bitmap& picture = window.currentPicture();
     if (picture.pixels.empty()) return "nothing is drawn";
-    return writePng(picture, step.path);
+    Image image{picture.width, picture.height, picture.pixels};
+    for (std::uint32_t& pixel : image.pixels) pixel |= 0xFF000000; // a window has no holes
+    return writePngFile(image, step.path);
 }
 
 // What the words after a step mean. Each returns an empty text, or what is wrong with the word.

@@ -3,7 +3,7 @@
 // at each before it is kept.
 #include "display/look.h"
 #include "mesh/edges.h"
-#include "platform/batch/write_png.h"
+#include "picture/write_png.h"
 #include "tests/display/pane_fixture.h"
 #include "tests/support/read_png.h"
 
@@ -78,7 +78,7 @@ class Golden : public PaneTest {
         const Bitmap& picture = redraw(markers);
         const std::string path = POLYFAB_GOLDEN "/" + name + ".png";
         if (std::getenv("POLYFAB_REFRESH_GOLDEN") != nullptr) {
-            ASSERT_EQ(writePng(picture, path), "");
+            ASSERT_EQ(writePngFile({picture.width, picture.height, picture.pixels}, path), "");
             return;
         }
         const Bitmap golden = readPng(path);
@@ -86,7 +86,9 @@ class Golden : public PaneTest {
         // Rounding may differ from machine to machine: a few pixels move by one.
         const int differing = strayPixels(picture, golden) + strayPixels(golden, picture);
         if (differing <= 8) return;
-        EXPECT_EQ(writePng(picture, testing::TempDir() + name + ".png"), "");
+        EXPECT_EQ(writePngFile({picture.width, picture.height, picture.pixels},
+                               testing::TempDir() + name + ".png"),
+                  "");
         ADD_FAILURE() << differing << " pixels differ from " << path;
     }
 

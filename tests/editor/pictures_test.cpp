@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The pictures that faces show, and the texture maps.
 #include "display/face_pictures.h"
+#include "display/options.h"
 #include "display/texture_slots.h"
 #include "editor/history/undo.h"
 #include "editor/report.h"
@@ -10,6 +11,7 @@
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"
 
+#include <cmath>
 #include <cstring>
 
 namespace polyfab::test {
@@ -53,6 +55,8 @@ class Pictures : public WindowEvents {
 TEST_F(Pictures, AFaceShowsItsMaterialsElseItsGroupsAndUndoBringsBothBack) {
     handleEvent({.kind = EventKind::drop, .paths = {mesh}});
     EXPECT_EQ(seen(), (Seen{0xFF000001, 0}));
+    send(EventKind::paint);
+    EXPECT_NE(shown.status.left.find("I can't read the picture"), std::string::npos);
     EXPECT_EQ(std::count_if(shown.log.begin(), shown.log.end(),
                             [](const std::string& line) {
                                 return line.starts_with("note|I can't read the picture of the ma");
@@ -73,6 +77,47 @@ TEST_F(Pictures, AFaceShowsItsMaterialsElseItsGroupsAndUndoBringsBothBack) {
     EXPECT_EQ(seen()[0], 0xFF000001);
     command(redoCommand);
     EXPECT_EQ(seen(), Seen{0});
+}
+
+TEST_F(Pictures, ALibraryStretchesAndMovesAPicture) {
+    const struct {
+        const char* options;
+        double uScale, vScale, uOffset, vOffset;
+    } rows[] = {{"", 1, 1, 0, 0},
+                {"-s 2 3 1 -o 0.3 0.7", 2, 3, 0.3, 0.7},
+                {"-o 0.25 -s 0.5", 0.5, 1, 0.25, 0},
+                {"-o -0.1 0.2 0 -s -1 1.5", -1, 1.5, -0.1, 0.2}};
+    std::string bytes = "P6 8 4 255 ";
+    for (int i = 0; i < 8 * 4; ++i) bytes += {char(i), char(2 * i), char(3 * i)};
+    folder.write("t.ppm", bytes);
+    displayOptions = {.renderLeft = true, .lightFromRight = 0, .lightFromAbove = 0};
+    for (const auto& row : rows) {
+        folder.write("t.mtl", "newmtl a\nmap_Kd " + std::string(row.options) + " t.ppm\n");
+        const std::string quad =
+            "mtllib t.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 0 0\nvt 1 0\n"
+            "vt 1 1\nvt 0 1\nusemtl a\nf 1/1 2/2 3/3 4/4\n";
+        handleEvent({.kind = EventKind::drop, .paths = {folder.write("t.obj", quad)}});
+        send(EventKind::paint);
+        const Point &low = OB->points[0], &high = OB->points[2];
+        int looked = 0;
+        for (int y = int(high.sy) + 9; y < low.sy - 9; ++y) {
+            for (int x = int(low.sx) + 9; x < high.sx - 9; ++x) {
+                const double u = (x - low.sx) / (high.sx - low.sx) * row.uScale + row.uOffset,
+                             v = (y - low.sy) / (high.sy - low.sy) * row.vScale + row.vOffset;
+                const double across = (u - std::floor(u)) * 8,
+                             down = (1 - v - std::floor(1 - v)) * 4;
+                const auto isOnEdge = [](double a) { return std::abs(a - std::round(a)) < 1e-6; };
+                if (isOnEdge(across) || isOnEdge(down)) continue;
+                const auto texel = std::uint32_t(int(down) * 8 + int(across));
+                ASSERT_EQ(shown.picture.pixels[std::size_t(y * shown.picture.width + x)] & 0xFFFFFF,
+                          texel * 0x010203)
+                    << row.options << ' ' << x << ' ' << y;
+                ++looked;
+            }
+        }
+        EXPECT_GT(looked, 500) << row.options;
+    }
+    displayOptions = {};
 }
 
 TEST_F(Pictures, ATextureMapIsReadWrittenAndKeptWhenAFileIsBad) {

@@ -25,6 +25,14 @@ TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
     turnView(1, 0.3, true);
     zoomView(1.7, {9, 8, 7});
     box = {{1, 2, 3}, {4, 5, 6}};
+    MaterialLooks looks;
+    const auto inFile = std::make_shared<PictureSource>("/a/b.png"),
+               within = std::make_shared<PictureSource>("name", "P6 1 1 255 xyz");
+    looks.byName = {
+        {"a", {inFile, {1, 2, 3, 4}, 0.5}}, {"b", {within}}, {"c", {within}}, {"d", {}}};
+    looks.libraries = {std::make_shared<MaterialLibrary>(
+        MaterialLibrary{"l.mtl x", "l.mtl", "/a/l.mtl", "/a", "newmtl a\n"})};
+    setMaterialLooks(std::make_shared<const MaterialLooks>(looks));
     const auto everything = [] {
         return packRecovery(recoveryRecord(takeSnapshot(*OB, nullptr), presentPart()));
     };
@@ -32,12 +40,31 @@ TEST_F(RecoveryTest, BringsBackEverythingAsItWas) {
     saveBeforeLongWork();
     startRecovery(); // killed
     workbench.settable = {};
+    setMaterialLooks(nullptr);
     EXPECT_EQ(start({Choice::yes}), Log{"cube.obj"});
     EXPECT_EQ(everything(), before);
     EXPECT_EQ(OB->changed, 1);
     EXPECT_EQ(shown.windowTitle, "polyfab [/a/cube.obj] ");
     command(2010); // there is nothing before it
     EXPECT_EQ(everything(), before);
+    EXPECT_EQ(lookOf("c")->picture, lookOf("b")->picture);
+    ASSERT_NE(lookOf("c")->picture->image(), nullptr);
+    EXPECT_EQ(lookOf("c")->picture->image()->pixels[0], 0xFF78797A);
+    EXPECT_EQ(lookOf("d")->picture, nullptr);
+    EXPECT_EQ(materialLooks()->libraries[0]->text, "newmtl a\n");
+    setMaterialLooks(nullptr);
+}
+
+TEST_F(RecoveryTest, AMeshOfManyFacesComesBackRendered) {
+    cubeIn(358);
+    Point* const corners[] = {OB->points, OB->points + 1, OB->points + 2};
+    for (int i = 0; i <= 100'000; ++i) OB->addFaceByPoints(corners, 3, false);
+    OB->changed = 1;
+    saveBeforeLongWork();
+    startRecovery();
+    EXPECT_EQ(start({Choice::yes}).size(), 1U);
+    EXPECT_TRUE(displayOptions.renderLeft && displayOptions.renderRight);
+    displayOptions = {};
 }
 
 TEST_F(RecoveryTest, WhatIsAnsweredDecidesWhatStays) {

@@ -123,13 +123,13 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     std::filesystem::create_directories(folder.path("src/tex"));
     ASSERT_EQ(writePngFile({1, 1, {0xFF010203}}, folder.path("src/tex/a b.png")), "");
     folder.write("src/t.ppm", "P6 1 1 255 xyz");
-    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nd 0.5\nmap_Kd -s 2 2 -o 0 1 tex\\a b.png\n"
+    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nNs 7\nd 0.5\nmap_Kd -s 2 2 -o 0 1 tex\\a b.png\n"
                               "newmtl b\nKd 0 1 0\nmap_Kd t.ppm\nnewmtl c\nKd 0 0 1\n");
     const std::string corners = "f 1/1 2/2 3/3\n";
     const std::string mesh = folder.write(
         "src/m.obj", "mtllib m.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nvt 1 0\nvt 1 1\nusemtl a\n"
                          + corners + "usemtl b\n" + corners + "usemtl c\n" + corners);
-    for (const std::string suffix : {"glb", "gltf", "dae", "obj", "fbx"}) {
+    for (const std::string suffix : {"glb", "gltf", "dae", "obj", "fbx", "3ds"}) {
         SCOPED_TRACE(suffix);
         ASSERT_EQ(import(mesh), "");
         EXPECT_EQ(seenLooks(noted), "ffffff ff010203 ff00 ff78797a ff ");
@@ -142,11 +142,13 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
             // Collada has the picture in place of the colour.
             const std::string green = suffix == "dae" ? "ffffff" : "ff00";
             EXPECT_EQ(seenLooks(noted), "ffffff ff010203 " + green + " ff78797a ff ");
+            const bool keeps = suffix == "obj" || suffix == "3ds";
             double most = 0;
             for (int i = 0; i < OB->nt; ++i) most = std::max(most, OB->texcoords[i].v);
-            EXPECT_NEAR(most, suffix == "obj" ? 1 : 3, 1e-6); // which says how the picture lies
+            EXPECT_NEAR(most, keeps ? 1 : 3, 1e-6); // which say how the picture lies
         }
     }
+    EXPECT_NE(folder.read("once/obj.mtl").find("\nNs 7\n"), std::string::npos);
     // A name that leads out of the folder finds nothing there.
     folder.write("src/out.gltf", folder.read("once/gltf.gltf"));
     folder.write("src/gltf.bin", folder.read("once/gltf.bin"));
