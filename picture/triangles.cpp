@@ -353,14 +353,21 @@ void DepthTiles::clear() {
     });
 }
 
+/// Workers take their pieces from as many far apart stretches as there may be of them: of pieces
+/// that follow each other each would wait for the tile of the other.
 void DepthTiles::draw(int width, int height, const TriangleSet& set) {
     resize(width, height);
     clear();
-    const auto share = set.triangles.size() / (8 * static_cast<std::size_t>(workers()));
-    const std::size_t piece = std::clamp<std::size_t>(share, 1, 4096);
-    inPieces(set.triangles.size(), piece, [&](std::size_t from, std::size_t to) {
+    constexpr std::size_t stretches = 16;
+    const std::size_t all = set.triangles.size();
+    const std::size_t piece = std::clamp<std::size_t>(all / 256, 1, 4096);
+    const std::size_t inStretch = (all + stretches * piece - 1) / (stretches * piece);
+    inParallel(static_cast<int>(stretches * inStretch), [&](int part) {
+        const auto i = static_cast<std::size_t>(part);
+        const std::size_t from = (i % stretches * inStretch + i / stretches) * piece;
+        const std::size_t end = std::min(from + piece, all);
         TrianglePainter painter(set, *this);
-        for (auto i = static_cast<std::uint32_t>(from); i < to; ++i) painter.draw(i);
+        for (std::size_t t = from; t < end; ++t) painter.draw(static_cast<std::uint32_t>(t));
     });
 }
 
