@@ -20,6 +20,16 @@ awk 'BEGIN { n = 120
         a = i * (n + 1) + j; print "f", a, a + 1, a + n + 2, a + n + 1 } }' >new.obj
 printf 'v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n' >small.obj
 
+# The same with a material, red in one library and blue in the other: where the old one lies beside
+# the target, the export makes a new one.
+painted() { # mesh color
+    mkdir "painted-$1"
+    printf 'newmtl paint\nKd %s\n' "$2" >"painted-$1/out.mtl"
+    { printf 'mtllib out.mtl\nusemtl paint\n' && cat "$1.obj"; } >"painted-$1/mesh.obj"
+}
+painted small "1 0 0"
+painted new "0 0 1"
+
 # kind | steps | the file to be replaced
 kinds=(
     "write OBJ|--command 259 --answer work/out.obj|out.obj"
@@ -30,11 +40,12 @@ kinds=(
     "picture|--picture work/out.png|out.png"
     "export STL|--command 2002 --answer work/out.stl|out.stl"
     "export glTF and its buffer|--command 2002 --answer work/out.gltf --answer yes|out.gltf out.bin"
-    "export OBJ|--command 2002 --answer work/out.obj|out.obj"
+    "export OBJ and its library|--command 2002 --answer work/out.obj --answer yes|out.obj out.mtl"
 )
 
 save() { # kind steps, of $mesh
     case $1 in
+    *library) exec "$program" --batch "painted-${mesh%.obj}/mesh.obj" ${2-} ;;
     save) exec "$program" --batch work/out.obj ${2-} ;;
     convert) exec "$program" --convert "$mesh" work/out.obj ;;
     *) exec "$program" --batch "$mesh" ${2-} ;;
@@ -81,6 +92,9 @@ for row in "${kinds[@]}"; do
     prepare
     begun=$(date +%s%N)
     (save "$kind" "$steps") >log || fail "$kind: $(cat log)"
+    for name in "${names[@]}"; do
+        if cmp -s "work/$name" "old/$name"; then fail "$kind: $name is not to be told from the old one"; fi
+    done
     lasts=$((($(date +%s%N) - begun) / 1000))
     cp -r work good
     declare -A count=([old]=0 [good]=0)
