@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Ends runs that save at random moments, N times (default 1,000) for each kind of save: one half is
 # killed, the other gets a signal that asks for the end. What was to be replaced must be the old file
-# or the new one, of a pair both, and after such a signal nothing else may lie in the folder.
+# or the new one, of a pair both, and after such a signal nothing else may lie there or in the folder
+# for temporary files.
 #   scripts/kill_saves.sh PROGRAM [N [SEED [KIND]]]
 set -euo pipefail
 program=$(realpath "$1") kills=${2:-1000} only=${4:-.}
@@ -11,7 +12,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
 export TMPDIR=$scratch/tmp
-mkdir tmp old good work
+mkdir old good work tmp
 
 # A wavy sheet: large enough that saving it takes most of the time.
 awk 'BEGIN { n = 120
@@ -54,8 +55,9 @@ save() { # kind steps, of $mesh
 
 # The folder as it is before each save.
 prepare() {
-    rm -rf work
+    rm -rf work tmp
     cp -r old work
+    mkdir tmp
 }
 
 fail() {
@@ -111,9 +113,9 @@ for row in "${kinds[@]}"; do
         found=$(holds "${names[@]}")
         if [[ $found != old && $found != good ]]; then fail "$kind, signal $signal: $found: $(ls -la work)"; fi
         count[$found]=$((count[$found] + 1))
-        left=$(find work -name '.polyfab-*' | wc -l)
+        left=$(find work tmp -name '*polyfab-*' | wc -l)
         if ((left > 0)); then writing=$((writing + 1)); fi
-        if ((left > 0 && signal == 15)); then fail "$kind: the signal left $(ls -A work)"; fi
+        if ((left > 0 && signal == 15)); then fail "$kind: the signal left $(ls -A work tmp)"; fi
     done
     echo "$kind: $kills ended, ${count[old]} with the old file, ${count[good]} with the new one;" \
         "$writing of those killed were writing"
