@@ -337,6 +337,8 @@ TEST_F(ImportMesh, ExportsWhatItImports) {
         OB->changed = 1;
         EXPECT_EQ(exportTo(folder.path(row.name)), "");
         EXPECT_TRUE(folder.has(row.beside));
+        EXPECT_EQ(noted.find("cut into triangles") == noted.npos, row.polygons) << noted;
+        EXPECT_EQ(noted.find("groups were left out") == noted.npos, row.names) << noted;
         EXPECT_EQ(OB->changed, 1);
         EXPECT_EQ(import(folder.path(row.name)), "");
         EXPECT_EQ(check(*OB), nullptr);
