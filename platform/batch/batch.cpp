@@ -60,6 +60,7 @@ int runSteps(BatchPlatform& window, const Script& script) {
     } catch (const Unanswered& caught) {
         return complain(now + ": no fitting answer to " + caught.question, unanswered);
     } catch (const std::bad_alloc&) {
+        if (window.isOpen()) window.send({.kind = EventKind::sessionEnd}); // which keeps the work
         return complain(now + ": I can't get enough memory", cannotGoOn);
     }
     return window.exclamationShown() ? failureShown : 0;
