@@ -50,11 +50,11 @@ int runSteps(BatchPlatform& window, const Script& script) {
         window.resize(window.clientSize());
         for (const Step& step : script.steps) {
             if (endedBySignal(window, status)) return status;
+            if (script.stopAfterFailure && window.exclamationShown() && !step.afterFailure) break;
             now = step.words;
             const std::string wrong = runStep(window, step);
             if (!wrong.empty()) return complain(wrong, wrongCommandLine);
             if (window.isOpen()) window.send({.kind = EventKind::idle});
-            if (script.stopAfterFailure && window.exclamationShown()) break;
         }
         if (endedBySignal(window, status)) return status;
     } catch (const Unanswered& caught) {
