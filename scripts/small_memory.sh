@@ -24,8 +24,8 @@ for suffix in dxf 3ds gltf; do "$program" --convert sheet.obj "sheet.$suffix" >l
 runs=(
     "read OBJ|sheet.obj --state|"
     "read DXF|sheet.dxf --state|"
-    "read 3DS|sheet.3ds --state|"
     "import glTF|--command 2001 --answer sheet.gltf --answer no --state|"
+    "import 3DS|--command 2001 --answer sheet.3ds --answer no --state|"
     "import DXF|--command 2001 --answer sheet.dxf --answer no --state|"
     "write OBJ|sheet.obj --command 259 --answer out.obj|out.obj"
     "write DXF|sheet.obj --command 257 --answer out.dxf|out.dxf"
@@ -55,7 +55,7 @@ for run in "${runs[@]}"; do
     IFS='|' read -r name steps target <<<"$run"
     prepare "$target"
     # shellcheck disable=SC2086
-    "$program" --batch $steps >log
+    "$program" --batch $steps >log 2>&1 || { tail -n 2 log && exit 1; }
     if [[ -n $target ]]; then mv "$target" good; fi
     for more in "${mores[@]}"; do
         prepare "$target"
