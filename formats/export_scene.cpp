@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Builds a scene of plain records. Nothing of it is released: the process ends after the export.
 #include "formats/export_files.h"
+#include "formats/export_losses.h"
 #include "formats/scenes.h"
 #include "formats/unique_table.h"
 #include "picture/read_image.h"
@@ -246,10 +247,6 @@ struct Preferred {
 /// coordinates, but its binary FBX files cannot be read again, not even by itself.
 constexpr Preferred preferred[] = {{"stl", "stlb"}, {"ply", "plyb"}, {"fbx", "fbxa"}};
 
-/// Their exporters write polygons. Those of the other formats cut their later corners off.
-constexpr std::string_view polygonSuffixes[] = {"assbin", "assxml", "dae", "fbx", "json",
-                                                "obj",    "ply",    "x",   "x3d"};
-
 /// The library's name of the format of that suffix; null: it has none.
 const char* formatOf(const AssimpLibrary& assimp, std::string_view suffix) {
     const char* found = nullptr;
@@ -278,9 +275,7 @@ std::string exportScene(const AssimpLibrary& assimp, const StreamView& mesh,
     }
     const char* const format = formatOf(assimp, suffix);
     if (format == nullptr) return "there is no exporter for files that end in ." + suffix;
-    const bool polygons = std::find(std::begin(polygonSuffixes), std::end(polygonSuffixes), suffix)
-                          != std::end(polygonSuffixes);
-    const unsigned steps = polygons ? 0U : unsigned{aiProcess_Triangulate};
+    const unsigned steps = needsTriangles(path) ? unsigned{aiProcess_Triangulate} : 0U;
     ExportFiles files;
     const aiReturn result = assimp.aiExportSceneEx(SceneMaker(mesh).make(), format, path.c_str(),
                                                    files.operations(), steps);

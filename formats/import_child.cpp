@@ -17,6 +17,8 @@
 #include <fstream>
 #include <iterator>
 #include <new>
+#include <sstream>
+#include <string>
 #include <strings.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -83,14 +85,35 @@ StreamTables failure(const std::string& reason) {
     return tables;
 }
 
+/// Why this can be no PLY file of so many bytes; "" when it may be one. The library makes room for
+/// what the header counts, and then looks for it for long.
+std::string faultOfPly(const std::string& path, std::uint64_t size) {
+    std::string head(std::size_t{1} << 16, '\0');
+    std::ifstream file(path, std::ios::binary);
+    file.read(head.data(), std::ssize(head));
+    head.resize(static_cast<std::size_t>(file.gcount()));
+    if (!head.starts_with("ply")) return "";
+    double elements = 0; // each of which takes a byte at least
+    std::istringstream lines(head);
+    for (std::string line; std::getline(lines, line) && !line.starts_with("end_header");) {
+        std::istringstream words(line);
+        std::string word, name;
+        double count = 0;
+        if (words >> word >> name >> count && word == "element") elements += count;
+    }
+    return elements <= static_cast<double>(size) ? ""
+                                                 : "it is too short for all that its header counts";
+}
+
 /// Why this is no file that can be imported; "" when it may be one.
 std::string faultOf(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return "there is no such file";
     if (S_ISDIR(status.st_mode)) return "it is a folder";
     if (!S_ISREG(status.st_mode)) return "it is no regular file";
-    allowMemoryFor(static_cast<std::uint64_t>(status.st_size));
-    return "";
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    allowMemoryFor(size);
+    return faultOfPly(path, size);
 }
 
 /// What the library reads of these files is less than they have, or turned.

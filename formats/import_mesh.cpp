@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/import_mesh.h"
 
+#include "formats/export_losses.h"
 #include "formats/file_command.h"
 #include "formats/import_offer.h"
 #include "formats/import_process.h"
@@ -136,16 +137,19 @@ int streamFile(const StreamTables& tables) {
 
 constexpr const char* noRoom = "there is no room for temporary files";
 
+using Sentences = std::vector<std::string>;
+
 /// Has the child write the file, in a folder of its own, that is to be at `target`. Returns "" or
 /// why it did not.
 std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::path& target,
-                          bool onlySelected) {
+                          bool onlySelected, Sentences& losses) {
     if (endsIn(target.native(), ".gltf")
         && target.filename().string().find('\\') != std::string::npos) {
         return "a name with a backslash would lead a glTF file to another one than its own buffer";
     }
     StreamTables tables = tablesOf(mesh, onlySelected);
     giveLooks(mesh, tables, target, written.parent_path());
+    losses = exportLosses(mesh, tables, target);
     const int input = streamFile(tables);
     if (input < 0) return noRoom;
     std::vector<char> bytes;
@@ -160,14 +164,14 @@ std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::p
 
 /// Returns "" or why the old file is as it was.
 std::string exportFile(const Mesh& mesh, const std::string& chosen, const fs::path& path,
-                       bool onlySelected, SaveFile& file) try {
+                       bool onlySelected, SaveFile& file, Sentences& losses) try {
     const Busy busy("HANG ON WHILE I EXPORT THE FILE (the Escape key stops it)");
     const ScratchFolder folder;
     if (folder.path.empty()) return noRoom;
     const std::string reason =
         exportsItself(chosen)
             ? exportOwn(mesh, chosen, folder.path, onlySelected)
-            : exportByChild(mesh, folder.path / path.filename(), path, onlySelected);
+            : exportByChild(mesh, folder.path / path.filename(), path, onlySelected, losses);
     return reason.empty() ? saveExported(folder.path, path, file) : reason;
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
@@ -222,9 +226,11 @@ void exportOtherMesh() {
     SaveFile file;
     if (!file.open(path)) return explain(failed, path, "can't open file");
     const bool onlySelected = askOnlySelected(mesh, false);
-    const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file);
+    Sentences losses;
+    const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file, losses);
     if (!reason.empty()) return explain(failed, path, reason);
     noteSaved(path, countFaces(mesh, onlySelected));
+    for (const std::string& loss : losses) note(loss);
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 

@@ -240,6 +240,15 @@ void writeOne(const fs::path& path, const std::string& text) {
          + path.filename().string());
 }
 
+const char* whyMissing(const std::string& path, const std::string& library) {
+    std::error_code failure;
+    const fs::path folder = fs::canonical(folderOf(path), failure);
+    const fs::path place = fs::weakly_canonical(folder / library, failure);
+    if (failure) return "is not there";
+    if (*place.lexically_relative(folder).begin() == "..") return "lies outside its folder";
+    return fs::exists(place, failure) ? "is no regular file that I can read" : "is not there";
+}
+
 } // namespace
 
 void noteLibrary(const std::string& line) {
@@ -254,7 +263,10 @@ std::vector<std::string> missingLibraries(const std::string& path,
                                           const std::vector<std::string>& lines) {
     std::vector<std::string> missing;
     for (const std::string& line : lines) {
-        if (librariesOf(path, {line}).empty()) missing.emplace_back(trimTrailingBlanks(line));
+        if (!librariesOf(path, {line}).empty()) continue;
+        const std::string name(trimTrailingBlanks(line));
+        missing.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
+                          + ": left out");
     }
     return missing;
 }

@@ -16,7 +16,7 @@ inline std::vector<std::string> namedLibraries;
 /// Adds one, unless it is there or there are far too many.
 void noteLibrary(const std::string& line);
 
-/// Those that name no library that could be read for the OBJ file.
+/// A sentence on each that names no library that could be read for the OBJ file.
 [[nodiscard]] std::vector<std::string> missingLibraries(const std::string& path,
                                                         const std::vector<std::string>& lines);
 

@@ -22,6 +22,7 @@
 #include "workbench/state.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -109,7 +110,12 @@ void noteRead(const Mesh& mesh, const Source& source) {
 /// Gives the materials from `firstNew` on their looks, once the reader is done. Returns a note.
 std::string readLooks(Mesh& mesh, const Source& source, Outcome outcome, int firstNew) {
     const bool byName = outcome == Outcome::read && source.format == &objFormat;
-    if (byName) return readMaterialLibraries(mesh, source.path, namedLibraries, firstNew);
+    if (byName) {
+        for (std::string& told : missingLibraries(source.path, namedLibraries)) {
+            leftOut.changed.push_back(std::move(told));
+        }
+        return readMaterialLibraries(mesh, source.path, namedLibraries, firstNew);
+    }
     if (!source.append) setMaterialLooks(nullptr);
     return "";
 }

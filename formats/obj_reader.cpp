@@ -219,7 +219,11 @@ std::size_t Reader::joinLine(std::string_view text) {
 void Reader::readLine() {
     ++lineNumber;
     if (line.keyword().starts_with('#')) return noteUnread();
-    if (line.arguments() < 1) return;
+    if (line.arguments() < 1) {
+        const bool face = sameKeyword(line.keyword(), "f") || sameKeyword(line.keyword(), "fo");
+        changes.smallFaces += input.how.forgives && face;
+        return;
+    }
     for (const Keyword& row : keywords) {
         if (!sameKeyword(line.keyword(), row.word)) continue;
         if (row.hasNumbers && input.how.hasComments) line.dropComment();

@@ -24,6 +24,7 @@
 #include <iterator>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -41,21 +42,10 @@ struct Target {
     bool onlySelected;
 };
 
-const char* whyMissing(const std::string& path, const std::string& library) {
-    std::error_code failure;
-    const fs::path parent = fs::path(path).parent_path();
-    const fs::path folder = fs::canonical(parent.empty() ? "." : parent, failure);
-    const fs::path place = fs::weakly_canonical(folder / library, failure);
-    if (failure) return "is not there";
-    if (*place.lexically_relative(folder).begin() == "..") return "lies outside its folder";
-    return fs::exists(place, failure) ? "is no regular file that I can read" : "is not there";
-}
-
 std::string addObj(Mesh& mesh, const std::string& path) {
     std::string reason = addObjFile(mesh, path, objImport);
-    for (const std::string& name : missingLibraries(path, namedLibraries)) {
-        leftOut.changed.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
-                                  + ": left out");
+    for (std::string& told : missingLibraries(path, namedLibraries)) {
+        leftOut.changed.push_back(std::move(told));
     }
     return reason;
 }

@@ -8,12 +8,14 @@
 #include "io/names_in.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
+#include "io/temporary_file.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <ctime>
 #include <deque>
 #include <fcntl.h>
+#include <functional>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -81,18 +83,23 @@ bool redirect(std::string& text, const Reference& row, const std::string& from,
     return true;
 }
 
-/// How the names begin that a file has for a while.
-std::string passingStart(const fs::path& path) {
+constexpr int mostPassing = 100;
+
+/// The names that a file has for a while, 1 to mostPassing. Where its own leaves no room for more
+/// a number takes its place.
+fs::path passingName(const fs::path& path, int i) {
     constexpr std::size_t longest = 200;
-    return path.stem().string().substr(0, longest) + ".polyfab-new-";
+    const std::string stem = path.stem();
+    const bool fits = stem.size() <= longest;
+    const std::string start = fits ? stem : std::to_string(std::hash<std::string>()(stem));
+    return path.parent_path()
+           / (start + ".polyfab-new-" + std::to_string(i) + path.extension().string());
 }
 
 /// Such a name that nothing in the folder has; "" when there is none.
-fs::path passingName(const fs::path& path) {
-    constexpr int most = 1000;
-    for (int i = 1; i <= most; ++i) {
-        fs::path name = path.parent_path();
-        name /= passingStart(path) + std::to_string(i) + path.extension().string();
+fs::path freePassingName(const fs::path& path) {
+    for (int i = 1; i <= mostPassing; ++i) {
+        fs::path name = passingName(path, i);
         std::error_code none;
         if (fs::symlink_status(name, none).type() == fs::file_type::not_found) return name;
     }
@@ -116,7 +123,7 @@ std::string passingText(std::vector<Beside>& beside, const fs::path& main, const
     std::string text = wholeFile(main).value_or("");
     bool any = false;
     for (Beside& file : beside) {
-        const fs::path passing = passingName(file.name);
+        const fs::path passing = freePassingName(file.name);
         if (passing.empty()) return "";
         if (!redirect(text, *row, file.name.filename(), passing.filename())) continue;
         file.passing = passing;
@@ -125,33 +132,33 @@ std::string passingText(std::vector<Beside>& beside, const fs::path& main, const
     return any ? text : "";
 }
 
-/// Puts the passing files in place, then the text that refers to them. False, and nothing changed.
-bool putPassing(const std::vector<Beside>& beside, const std::string& text,
-                const fs::path& target) {
-    const bool put =
-        std::all_of(beside.begin(), beside.end(),
-                    [](const Beside& file) {
-                        return file.passing.empty() || copyTo(file.passing, file.written);
-                    })
-        && copyTo(target, text);
+/// Makes the passing files, and `first`, with the text that refers to them, ready to take the place
+/// of the target.
+bool makePassing(const std::vector<Beside>& beside, const std::string& text, const fs::path& target,
+                 SaveFile& first) {
+    const bool made = std::all_of(beside.begin(), beside.end(), [](const Beside& file) {
+        if (file.passing.empty()) return true;
+        rememberTemporary(file.passing);
+        return copyTo(file.passing, file.written);
+    });
+    return made && first.open(target) && fill(text, first);
+}
+
+/// The target now refers to the passing files, or they are removed.
+void settlePassing(const std::vector<Beside>& beside, bool stay) {
     std::error_code ignored;
     for (const Beside& file : beside) {
-        if (!put && !file.passing.empty()) fs::remove(file.passing, ignored);
+        if (file.passing.empty()) continue;
+        forgetTemporary(file.passing);
+        if (!stay) fs::remove(file.passing, ignored);
     }
-    return put;
 }
 
 /// Removes the files with passing names, also those of exports that were killed: the target refers
 /// to none of them.
 void removePassing(const std::vector<Beside>& beside) {
-    std::error_code ignored;
     for (const Beside& file : beside) {
-        const fs::path folder = file.name.parent_path();
-        for (const std::string& name : namesIn(folder.empty() ? "." : folder.string())) {
-            const bool passing = name.starts_with(passingStart(file.name))
-                                 && name.ends_with(file.name.extension().native());
-            if (passing) fs::remove(folder / name, ignored);
-        }
+        for (int i = 1; i <= mostPassing; ++i) ::unlink(passingName(file.name, i).c_str());
     }
 }
 
@@ -173,8 +180,9 @@ std::string listBeside(const fs::path& folder, const fs::path& main, const fs::p
 
 ScratchFolder::ScratchFolder() {
     std::error_code ignored;
-    std::string name = fs::temp_directory_path(ignored) / (std::string(scratchPrefix) + "XXXXXX");
-    if (::mkdtemp(name.data()) == nullptr) return;
+    const fs::path start = fs::temp_directory_path(ignored) / scratchPrefix;
+    std::string name;
+    if (!makeTemporaryFolder(start, name)) return;
     path = name;
     lock = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (lock >= 0) ::flock(lock, LOCK_EX | LOCK_NB);
@@ -183,6 +191,7 @@ ScratchFolder::ScratchFolder() {
 ScratchFolder::~ScratchFolder() {
     std::error_code ignored;
     if (!path.empty()) fs::remove_all(path, ignored);
+    forgetTemporary(path);
     if (lock >= 0) ::close(lock);
 }
 
@@ -220,7 +229,13 @@ std::string saveExported(const fs::path& folder, const fs::path& target, SaveFil
     std::error_code none;
     const bool replaces = !beside.empty() && fs::exists(target, none);
     const std::string text = replaces ? passingText(beside, main, target) : "";
-    if (!text.empty() && !putPassing(beside, text, target)) return cannotWrite;
+    SaveFile first;
+    bool ready = text.empty() || makePassing(beside, text, target, first);
+    // From here on the target needs the passing files, until it is replaced once more.
+    const HeldSignals held;
+    ready = ready && (text.empty() || first.commit());
+    settlePassing(beside, ready);
+    if (!ready) return cannotWrite;
     const bool done =
         std::all_of(files.begin(), files.end(), [](SaveFile& f) { return f.commit(); })
         && file.commit();

@@ -82,17 +82,16 @@ void askAndWrite(const Format& format, Write* write) {
     updateTitle();
 }
 
+std::string toldOf(const HomeFile& file) {
+    return "not in the mesh, and so gone from the file: " + file.lost;
+}
+
 /// Whether what only the file holds may go.
 bool mayLose(const HomeFile& file) {
-    if (file.lost.empty()) return true;
-    const std::string told = "not in the mesh, and so gone from the file: " + file.lost;
-    if (!platform().isWatched()) {
-        note(told);
-        return true;
-    }
-    return platform().question("do you want to save over this file?", file.path + "\n" + told,
-                               Buttons::yesNo, Choice::no)
-           == Choice::yes;
+    return file.lost.empty() || !platform().isWatched()
+           || platform().question("do you want to save over this file?",
+                                  file.path + "\n" + toldOf(file), Buttons::yesNo, Choice::no)
+                  == Choice::yes;
 }
 
 /// Writes the whole mesh to the file that it came from.
@@ -104,6 +103,7 @@ void saveTo(Mesh& mesh, const HomeFile& home, const Format& format) {
     if (!written) return complain("I tried to write to this file but it didn't work", home.path);
     setFileName(home.path);
     noteWritten(mesh, format, true);
+    if (!home.lost.empty() && !platform().isWatched()) note(toldOf(home));
     updateTitle();
 }
 

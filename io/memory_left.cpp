@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace polyfab {
 namespace {
@@ -26,13 +27,18 @@ std::uint64_t limitOfGroup() {
     return std::ifstream("/sys/fs/cgroup/memory.max") >> bytes ? bytes : unlimited;
 }
 
+/// What the limit on the address space leaves to what the process has.
+std::uint64_t leftOfSpace() {
+    rlimit space{};
+    if (::getrlimit(RLIMIT_AS, &space) != 0 || space.rlim_cur == RLIM_INFINITY) return unlimited;
+    std::uint64_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const std::uint64_t used = pages * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    return space.rlim_cur > used ? space.rlim_cur - used : 0;
+}
+
 } // namespace
 
-std::uint64_t memoryLeft() {
-    rlimit space{};
-    const bool limited = ::getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY;
-    return std::min(
-        {limited ? std::uint64_t{space.rlim_cur} : unlimited, availableHere(), limitOfGroup()});
-}
+std::uint64_t memoryLeft() { return std::min({leftOfSpace(), availableHere(), limitOfGroup()}); }
 
 } // namespace polyfab

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/random.h>
@@ -27,7 +28,7 @@ constexpr std::size_t randomLetters = 6;
 std::string randomName() {
     unsigned char bytes[randomLetters] = {};
     [[maybe_unused]] const ssize_t got = ::getrandom(bytes, sizeof bytes, 0);
-    std::string name(prefix);
+    std::string name;
     for (const unsigned char byte : bytes) name += letters[byte % letters.size()];
     return name;
 }
@@ -47,7 +48,71 @@ struct Slot {
 /// More than are ever written at once; further ones are just not removed by a signal.
 std::array<Slot, 16> slots;
 
-void remember(const std::string& path) {
+/// Makes something under a random name, which the handler knows before it is there; -1 with errno
+/// set when that fails.
+template <typename Make>
+int makeNew(const std::string& start, std::string& path, Make make) {
+    constexpr int tries = 100;
+    int made = -1;
+    for (int i = 0; i < tries && made < 0; ++i) {
+        path = start + randomName();
+        rememberTemporary(path);
+        made = make(path.c_str());
+        const int reason = errno;
+        if (made < 0) forgetTemporary(path);
+        errno = reason;
+        if (made < 0 && reason != EEXIST) break;
+    }
+    if (made < 0) path.clear();
+    return made;
+}
+
+void removeFilesIn(const char* path) {
+    alignas(dirent64) char entries[4096];
+    const int folder = ::open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    for (;;) {
+        const ssize_t got = ::getdents64(folder, entries, sizeof entries);
+        if (got <= 0) break;
+        for (ssize_t at = 0; at < got;) {
+            const auto* const entry = reinterpret_cast<const dirent64*>(entries + at);
+            ::unlinkat(folder, entry->d_name, 0);
+            at += entry->d_reclen;
+        }
+    }
+    ::close(folder);
+}
+
+/// Again where another process goes on making files in it.
+void removeFolder(const char* path) {
+    constexpr int tries = 100;
+    for (int i = 0; i < tries && ::rmdir(path) != 0 && errno == ENOTEMPTY; ++i) removeFilesIn(path);
+}
+
+std::atomic<int> holds = 0, waiting = 0;
+
+void removeAndEnd(int signal) {
+    if (holds > 0) {
+        waiting = signal;
+        return;
+    }
+    removeTemporaries();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal); // comes when this handler returns
+}
+
+} // namespace
+
+int makeTemporary(const std::string& folder, mode_t mode, std::string& path) {
+    return makeNew(folder + "/" + std::string(prefix), path, [&](const char* name) {
+        return ::open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    });
+}
+
+bool makeTemporaryFolder(const std::string& start, std::string& path) {
+    return makeNew(start, path, [](const char* name) { return ::mkdir(name, 0700); }) == 0;
+}
+
+void rememberTemporary(const std::string& path) {
     for (Slot& slot : slots) {
         State wanted = State::free;
         if (path.size() >= slot.path.size()
@@ -60,30 +125,6 @@ void remember(const std::string& path) {
     }
 }
 
-void removeAndEnd(int signal) {
-    removeTemporaries();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal); // comes when this handler returns
-}
-
-} // namespace
-
-int makeTemporary(const std::string& folder, mode_t mode, std::string& path) {
-    constexpr int tries = 100;
-    int file = -1;
-    for (int i = 0; i < tries && file < 0; ++i) {
-        path = folder + "/" + randomName();
-        remember(path);
-        file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        const int reason = errno;
-        if (file < 0) forgetTemporary(path);
-        errno = reason;
-        if (file < 0 && reason != EEXIST) break;
-    }
-    if (file < 0) path.clear();
-    return file;
-}
-
 void forgetTemporary(const std::string& path) {
     for (Slot& slot : slots) {
         if (slot.state == State::used && path == slot.path.data()) slot.state = State::free;
@@ -92,7 +133,8 @@ void forgetTemporary(const std::string& path) {
 
 void removeTemporaries() {
     for (const Slot& slot : slots) {
-        if (slot.state == State::used) ::unlink(slot.path.data());
+        const char* const path = slot.path.data();
+        if (slot.state == State::used && ::unlink(path) != 0 && errno == EISDIR) removeFolder(path);
     }
 }
 
@@ -102,6 +144,13 @@ void removeTemporariesOnSignals() {
         ::sigaction(signal, nullptr, &action);
         if (action.sa_handler == SIG_DFL) std::signal(signal, removeAndEnd);
     }
+}
+
+HeldSignals::HeldSignals() { ++holds; }
+
+HeldSignals::~HeldSignals() {
+    const int signal = --holds == 0 ? waiting.exchange(0) : 0;
+    if (signal != 0) std::raise(signal);
 }
 
 void removeOldTemporaries(const std::string& folder) {

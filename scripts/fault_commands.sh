@@ -57,7 +57,7 @@ try() { # command call steps...
         (POLYFAB_FAULT=$call:$n POLYFAB_FAULT_FILE=triggered POLYFAB_FAULT_FROM=begin.txt \
             LD_PRELOAD=$injector timeout 60 "$program" --batch "$@" >log 2>errors; exit $?) \
             2>/dev/null || status=$?
-        if [[ ! -e triggered ]]; then break; fi
+        if ! grep -q 1 triggered; then break; fi
         total=$((total + 1))
         if ((status > 3)) || grep -q 'mesh fault' log; then
             echo "command $command: $call $n fails: status $status: $(tail -n 1 errors)"

@@ -37,7 +37,7 @@ fail() {
     exit 1
 }
 
-early=0 same=0 newer=0 older=0
+early=0 late=0 same=0 newer=0 older=0
 for ((i = 1; i <= kills; ++i)); do
     if ((i % 20 == 1)); then
         make_script >"$scratch/args.txt"
@@ -67,7 +67,7 @@ for ((i = 1; i <= kills; ++i)); do
         # The whole script was done, or nothing at all.
         all=$(wc -l <"$scratch/states.txt")
         if ((pause == 0 && told > 0 && told < all)); then fail "$i" "nothing came back after $told steps"; fi
-        early=$((early + 1))
+        if ((told == 0)); then early=$((early + 1)); else late=$((late + 1)); fi
         continue
     fi
     if ((status != 0)); then fail "$i" "status $status: $(cat "$scratch/errors.txt")"; fi
@@ -83,4 +83,4 @@ for ((i = 1; i <= kills; ++i)); do
     fi
 done
 echo "$kills kills: $same brought back the last step told, $newer the one after it," \
-    "$older an older one; $early came before the first save or after the end"
+    "$older an older one; $early came before the first step was told, $late after the last save"

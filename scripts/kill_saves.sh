@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Ends runs that save at random moments, N times (default 1,000) for each kind of save: one half is
 # killed, the other gets a signal that asks for the end. What was to be replaced must be the old file
-# or the new one, of a pair both, and after such a signal nothing else may lie in the folder.
+# or the new one, of a pair both, and after such a signal nothing else may lie there or in the folder
+# for temporary files.
 #   scripts/kill_saves.sh PROGRAM [N [SEED [KIND]]]
 set -euo pipefail
 program=$(realpath "$1") kills=${2:-1000} only=${4:-.}
@@ -11,7 +12,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
 export TMPDIR=$scratch/tmp
-mkdir tmp old good work
+mkdir old good work tmp
 
 # A wavy sheet: large enough that saving it takes most of the time.
 awk 'BEGIN { n = 120
@@ -19,6 +20,16 @@ awk 'BEGIN { n = 120
     for (i = 0; i < n; ++i) for (j = 1; j <= n; ++j) {
         a = i * (n + 1) + j; print "f", a, a + 1, a + n + 2, a + n + 1 } }' >new.obj
 printf 'v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n' >small.obj
+
+# The same with a material, red in one library and blue in the other: where the old one lies beside
+# the target, the export makes a new one.
+painted() { # mesh color
+    mkdir "painted-$1"
+    printf 'newmtl paint\nKd %s\n' "$2" >"painted-$1/out.mtl"
+    { printf 'mtllib out.mtl\nusemtl paint\n' && cat "$1.obj"; } >"painted-$1/mesh.obj"
+}
+painted small "1 0 0"
+painted new "0 0 1"
 
 # kind | steps | the file to be replaced
 kinds=(
@@ -30,11 +41,12 @@ kinds=(
     "picture|--picture work/out.png|out.png"
     "export STL|--command 2002 --answer work/out.stl|out.stl"
     "export glTF and its buffer|--command 2002 --answer work/out.gltf --answer yes|out.gltf out.bin"
-    "export OBJ|--command 2002 --answer work/out.obj|out.obj"
+    "export OBJ and its library|--command 2002 --answer work/out.obj --answer yes|out.obj out.mtl"
 )
 
 save() { # kind steps, of $mesh
     case $1 in
+    *library) exec "$program" --batch "painted-${mesh%.obj}/mesh.obj" ${2-} ;;
     save) exec "$program" --batch work/out.obj ${2-} ;;
     convert) exec "$program" --convert "$mesh" work/out.obj ;;
     *) exec "$program" --batch "$mesh" ${2-} ;;
@@ -43,8 +55,9 @@ save() { # kind steps, of $mesh
 
 # The folder as it is before each save.
 prepare() {
-    rm -rf work
+    rm -rf work tmp
     cp -r old work
+    mkdir tmp
 }
 
 fail() {
@@ -81,6 +94,9 @@ for row in "${kinds[@]}"; do
     prepare
     begun=$(date +%s%N)
     (save "$kind" "$steps") >log || fail "$kind: $(cat log)"
+    for name in "${names[@]}"; do
+        if cmp -s "work/$name" "old/$name"; then fail "$kind: $name is not to be told from the old one"; fi
+    done
     lasts=$((($(date +%s%N) - begun) / 1000))
     cp -r work good
     declare -A count=([old]=0 [good]=0)
@@ -97,9 +113,9 @@ for row in "${kinds[@]}"; do
         found=$(holds "${names[@]}")
         if [[ $found != old && $found != good ]]; then fail "$kind, signal $signal: $found: $(ls -la work)"; fi
         count[$found]=$((count[$found] + 1))
-        left=$(find work -name '.polyfab-*' | wc -l)
+        left=$(find work tmp -name '*polyfab-*' | wc -l)
         if ((left > 0)); then writing=$((writing + 1)); fi
-        if ((left > 0 && signal == 15)); then fail "$kind: the signal left $(ls -A work)"; fi
+        if ((left > 0 && signal == 15)); then fail "$kind: the signal left $(ls -A work tmp)"; fi
     done
     echo "$kind: $kills ended, ${count[old]} with the old file, ${count[good]} with the new one;" \
         "$writing of those killed were writing"

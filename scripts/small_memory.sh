@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs that read, save, import, export, undo and save for recovery, in address spaces of six sizes:
+# Runs that read, save, import, export, edit, undo and save for recovery, in address spaces of six sizes:
 # from the least in which the program starts to 64 MB more. Each must end with a message or as ever,
 # never by a signal, and what was to be replaced must be the old file or the new one.
 #   scripts/small_memory.sh PROGRAM [SIDE]      SIDE: of the mesh, a sheet of squares (default: 150)
@@ -24,16 +24,21 @@ for suffix in dxf 3ds gltf; do "$program" --convert sheet.obj "sheet.$suffix" >l
 runs=(
     "read OBJ|sheet.obj --state|"
     "read DXF|sheet.dxf --state|"
-    "read 3DS|sheet.3ds --state|"
     "import glTF|--command 2001 --answer sheet.gltf --answer no --state|"
+    "import 3DS|--command 2001 --answer sheet.3ds --answer no --state|"
     "import DXF|--command 2001 --answer sheet.dxf --answer no --state|"
     "write OBJ|sheet.obj --command 259 --answer out.obj|out.obj"
     "write DXF|sheet.obj --command 257 --answer out.dxf|out.dxf"
     "write 3DS|sheet.obj --command 258 --answer out.3ds|out.3ds"
     "picture|sheet.obj --picture out.png|out.png"
     "export STL|sheet.obj --command 2002 --answer out.stl|out.stl"
-    "tools and undo|sheet.obj --command 290 --command 389 --command 398 --command 274 --command 1083 --default --default --command 279 --command 2010 --command 2010 --command 2011 --state|"
-    "recovery|--state-folder state sheet.obj --command 397 --command 389|"
+    "boolean|sheet.obj --command 392 --answer 10 --answer 10 --answer 0 --answer 5 --answer 200 --answer 100 --default --default --default --command 290 --command 394 --default --state|"
+    "fill all holes|sheet.obj --command 290 --command 1052 --answer 0 --state|"
+    "thin out|sheet.obj --command 290 --command 329 --default --default --state|"
+    "shaded picture|sheet.obj --command 333 --command 330 --picture out.png|out.png"
+    "make a sphere|sheet.obj --command 392 --answer 10 --answer 10 --answer 0 --answer 5 --answer 200 --answer 100 --default --default --default --state|"
+    "tools and undo|sheet.obj --command 290 --command 389 --command 398 --command 274 --command 1083 --default --default --command 279 --answer no --command 2010 --command 2010 --command 2011 --state|"
+    "recovery|--state-folder state --recovery-seconds 0 sheet.obj --command 397 --command 389|"
 )
 
 prepare() {
@@ -50,7 +55,7 @@ for run in "${runs[@]}"; do
     IFS='|' read -r name steps target <<<"$run"
     prepare "$target"
     # shellcheck disable=SC2086
-    "$program" --batch $steps >log || true
+    "$program" --batch $steps >log 2>&1 || { tail -n 2 log && exit 1; }
     if [[ -n $target ]]; then mv "$target" good; fi
     for more in "${mores[@]}"; do
         prepare "$target"

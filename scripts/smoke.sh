@@ -29,11 +29,15 @@ for sample in samples/*.obj; do
     [[ -s $scratch/picture.png ]] || fail "$sample: no picture"
 done
 
-echo "== a file without faces"
-printf 'v 1 2 3\n' >"$scratch/point.obj"
-echo old >"$scratch/old.obj"
-if "$editor" --convert "$scratch/point.obj" "$scratch/old.obj" >"$scratch/log"; then
-    fail "it was converted"
-fi
-grep -q 'point.obj has no faces that I can read' "$scratch/log" || fail "nothing is said of it"
-[[ $(cat "$scratch/old.obj") == old ]] || fail "the old file was replaced"
+echo "== files without faces"
+printf 'v 1 2 3\n' >"$scratch/none.obj"
+printf 'solid\nendsolid\n' >"$scratch/none.stl"
+printf '0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n1\n0\nENDSEC\n0\nEOF\n' >"$scratch/none.dxf"
+for suffix in obj stl dxf; do
+    echo old >"$scratch/old.obj"
+    status=0
+    "$editor" --convert "$scratch/none.$suffix" "$scratch/old.obj" >"$scratch/log" || status=$?
+    ((status == 1)) || fail "$suffix: it was converted"
+    grep -q "none.$suffix has no faces that I can read" "$scratch/log" || fail "nothing is said of it"
+    [[ $(cat "$scratch/old.obj") == old ]] || fail "the old file was replaced"
+done

@@ -50,16 +50,17 @@ int runSteps(BatchPlatform& window, const Script& script) {
         window.resize(window.clientSize());
         for (const Step& step : script.steps) {
             if (endedBySignal(window, status)) return status;
+            if (script.stopAfterFailure && window.exclamationShown() && !step.afterFailure) break;
             now = step.words;
             const std::string wrong = runStep(window, step);
             if (!wrong.empty()) return complain(wrong, wrongCommandLine);
             if (window.isOpen()) window.send({.kind = EventKind::idle});
-            if (script.stopAfterFailure && window.exclamationShown()) break;
         }
         if (endedBySignal(window, status)) return status;
     } catch (const Unanswered& caught) {
         return complain(now + ": no fitting answer to " + caught.question, unanswered);
     } catch (const std::bad_alloc&) {
+        if (window.isOpen()) window.send({.kind = EventKind::sessionEnd}); // which keeps the work
         return complain(now + ": I can't get enough memory", cannotGoOn);
     }
     return window.exclamationShown() ? failureShown : 0;

@@ -38,6 +38,7 @@ Script convertScript(const std::vector<CommandInfo>& commands, const std::string
     check.run = wantFaces;
     check.words = "reading " + input;
     check.path = input;
+    check.afterFailure = true;
     script.steps.insert(script.steps.begin() + 1, check);
     script.stopAfterFailure = true;
     script.agrees = true;

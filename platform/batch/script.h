@@ -29,6 +29,7 @@ struct Step {
     int looks = 0;     ///< at Escape, until it counts as down
     Event event;
     bool takesAnswers = false;
+    bool afterFailure = false; ///< carried out also where the script stops after one
     std::deque<Answer> answers;
 };
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Fontconfig names the font file, FreeType makes grey pictures of its characters, which are laid
-// one behind the other without kerning.
+// FreeType makes grey pictures of the font's characters, which are laid one behind the other
+// without kerning.
 #include "platform/batch/text.h"
 
-#include <fontconfig/fontconfig.h>
+#include "platform/batch/font_file.h"
+
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -23,34 +24,8 @@ struct Destroy {
     void operator()(auto* owned) const { destroy(owned); }
 };
 
-using Config = std::unique_ptr<FcConfig, Destroy<FcConfigDestroy>>;
-using Pattern = std::unique_ptr<FcPattern, Destroy<FcPatternDestroy>>;
 using Library = std::unique_ptr<FT_LibraryRec_, Destroy<FT_Done_FreeType>>;
 using Face = std::unique_ptr<FT_FaceRec_, Destroy<FT_Done_Face>>;
-
-struct FontFile {
-    std::string path; ///< empty: there is none
-    int index = 0;    ///< of the face in the file
-};
-
-FontFile findFont(int weight) {
-    // A configuration of our own: the one of the process may be in use elsewhere.
-    const Config config(FcInitLoadConfigAndFonts());
-    const Pattern wanted(FcPatternBuild(nullptr, FC_FAMILY, FcTypeString, "sans-serif", FC_WEIGHT,
-                                        FcTypeInteger, FcWeightFromOpenType(weight), FC_SCALABLE,
-                                        FcTypeBool, FcTrue, nullptr));
-    if (!config || !wanted) return {};
-    FcConfigSubstitute(config.get(), wanted.get(), FcMatchPattern);
-    FcDefaultSubstitute(wanted.get());
-    FcResult result = FcResultNoMatch;
-    const Pattern found(FcFontMatch(config.get(), wanted.get(), &result));
-    FontFile file;
-    FcChar8* path = nullptr;
-    if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &path) != FcResultMatch) return {};
-    FcPatternGetInteger(found.get(), FC_INDEX, 0, &file.index);
-    file.path = reinterpret_cast<const char*>(path);
-    return file;
-}
 
 /// The fonts that have been opened, by weight; null where there is none.
 FT_Face openFont(int weight) {
@@ -62,7 +37,7 @@ FT_Face openFont(int weight) {
     static std::map<int, Face> faces; // declared later, so it goes before the library does
     const auto [entry, isNew] = faces.try_emplace(weight);
     if (isNew && library) {
-        const FontFile file = findFont(weight);
+        const FontFile file = findFontFile(weight);
         FT_Face face = nullptr;
         FT_New_Face(library.get(), file.path.c_str(), file.index, &face);
         entry->second.reset(face);

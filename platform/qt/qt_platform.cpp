@@ -5,6 +5,7 @@
 // fields mean lets paint events in.
 #include "platform/qt/qt_platform.h"
 
+#include "io/temporary_file.h"
 #include "platform/end_signals.h"
 #include "platform/qt/dialogs.h"
 #include "platform/qt/search.h"
@@ -141,13 +142,17 @@ void QtPlatform::endBySignal() {
     if (endSignal == 0) return;
     send({.kind = EventKind::sessionEnd});
     // What waits for a box, or is at work, could not go on with the window gone.
-    if (depth > 0) std::_Exit(statusOfSignal(endSignal));
+    if (depth > 0) {
+        removeTemporaries();
+        std::_Exit(statusOfSignal(endSignal));
+    }
     destroyWindow();
 }
 
 /// The toolkit calls exit() when the display dies.
 void QtPlatform::endByExit() {
     if (watching != nullptr) watching->send({.kind = EventKind::sessionEnd});
+    removeTemporaries();
 }
 
 void QtPlatform::run() {

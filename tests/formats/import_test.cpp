@@ -5,6 +5,7 @@
 #include "formats/dxf_scene.h"
 #include "formats/import_process.h"
 #include "formats/import_stream.h"
+#include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "picture/write_png.h"
 #include "tests/support/mesh_fixture.h"
@@ -292,6 +293,8 @@ TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
         const std::string told =
             isRead ? "" : "the file asks for " + library + ", which " + reason + ": left out\n";
         EXPECT_EQ(noted, "read a.obj: 3 points, 1 face\n" + told);
+        readNamedMeshFile(path);
+        EXPECT_EQ(this->reason() + noted, "read a.obj: 3 points, 1 face\n" + told);
     }
     // The same for what the library opens.
     for (const std::string name : {"in.bin", "../outer.bin", "out.bin", "pipe"}) {
@@ -315,10 +318,12 @@ TEST_F(ImportMesh, NothingIsReadButWhatLiesBesideTheFile) {
 
 #if !defined(POLYFAB_SANITIZE)
 TEST_F(ImportMesh, TakesNoMoreMemoryThanItsFileIsWorth) {
-    const std::string head = "ply\nformat binary_little_endian 1.0\nelement vertex 2000000000\n";
+    EXPECT_EQ(import(folder.write("bomb.off", "OFF\n90000000 90000000 0\n0 0 0\n")),
+              "it takes more than 1000 MB of memory, which is too much for such a file");
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex 2000000000\n";
     const std::string row = "property float x\nproperty float y\nproperty float z\nend_header\n";
     EXPECT_EQ(import(folder.write("bomb.ply", head + row)),
-              "it takes more than 1000 MB of memory, which is too much for such a file");
+              "it is too short for all that its header counts");
 }
 #endif
 
@@ -339,6 +344,8 @@ TEST_F(ImportMesh, ExportsWhatItImports) {
         OB->changed = 1;
         EXPECT_EQ(exportTo(folder.path(row.name)), "");
         EXPECT_TRUE(folder.has(row.beside));
+        EXPECT_EQ(noted.find("cut into triangles") == noted.npos, row.polygons) << noted;
+        EXPECT_EQ(noted.find("groups were left out") == noted.npos, row.names) << noted;
         EXPECT_EQ(OB->changed, 1);
         EXPECT_EQ(import(folder.path(row.name)), "");
         EXPECT_EQ(check(*OB), nullptr);

@@ -144,9 +144,9 @@ TEST_F(Lossless, ObjIsImportedAsFarAsItGoes) {
         {"# C:\\models\\\nf 1 2 3\\", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1", ""},
         {"f 1 \\\r\n2 3 \\\n4", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1 3/-1/-1", ""},
         {"f" + std::string(5000, ' ') + "1 2 3 # 4 5", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1", ""},
-        {"f 1 2 9\nf 1 2\nf 1 x 3\nf 1/8/7 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1",
-         "2 faces were left out: there is no vertex of a corner's number; 1 face of fewer than 3 "
-         "corners was left out; 1 corner has the number of a normal that is not there, and got "
+        {"f 1 2 9\nf 1 2\nf\nf 1 x 3\nf 1/8/7 2 3", "\nf 0 0 0/-1/-1 1/-1/-1 2/-1/-1",
+         "2 faces were left out: there is no vertex of a corner's number; 2 faces of fewer than 3 "
+         "corners were left out; 1 corner has the number of a normal that is not there, and got "
          "none; 1 corner has the number of a texture coordinate that is not there, and got none; "},
         {"vn 1\nvt 1e999\nvt 1e7 2\nf 1/2/1 2//1 3\n", "\nf 0 0 0/1/0 1/-1/0 2/-1/-1",
          "1 line has too few numbers; they count as 0; 1 number beyond all bounds was read as 0; "},

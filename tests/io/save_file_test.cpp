@@ -135,6 +135,7 @@ TEST_F(SaveFileTest, StateIsForItsUserAlone) {
 
 TEST_F(SaveFileTest, NothingOfAKilledRunStays) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+        folder.write("until then", "");
         const pid_t child = ::fork();
         if (child == 0) {
             const rlimit none = {0, 0};
@@ -142,9 +143,15 @@ TEST_F(SaveFileTest, NothingOfAKilledRunStays) {
             std::signal(signal, SIG_DFL);
             removeTemporariesOnSignals();
             SaveFile file;
-            if (!file.open("old")) ::_exit(1);
+            std::string scratch;
+            if (!file.open("old") || !makeTemporaryFolder("scratch-", scratch)) ::_exit(1);
             file.append(newText);
-            ::raise(signal);
+            folder.write(scratch + "/file", "left");
+            {
+                const HeldSignals held;
+                ::raise(signal);
+                fs::remove("until then");
+            }
             ::_exit(1);
         }
         int status = 0;

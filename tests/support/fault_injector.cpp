@@ -2,10 +2,10 @@
 // A library to preload: lets one call of the program fail, or end in a kill.
 //   POLYFAB_FAULT=CALL:N          the N-th (1 on) malloc, open, write, fsync, rename or close fails
 //   POLYFAB_FAULT=CALL:N:kill     the process is killed before it
-//   POLYFAB_FAULT_FILE=PATH       made when that has happened
+//   POLYFAB_FAULT_FILE=PATH       holds one byte: 1 when that has happened
+//   POLYFAB_FAULT_IN=child        counts in the process that this one starts, not in this one
 //   POLYFAB_FAULT_FROM=PATH       calls count from the moment when this file has been saved
 // Otherwise they count from when main ignores SIGPIPE: what libraries do before that is not ours.
-// Only this process counts, not those that it starts.
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -14,6 +14,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -32,17 +33,31 @@ namespace {
 std::atomic<long> left{-1}; ///< calls until the one that fails; below 0: none will
 char call[16];
 bool kills = false;
-const char* mark = nullptr;
+char* mark = nullptr; ///< in memory, which a process that is locked in can still write
 const char* from = nullptr;
 long first = -1;
 
+void openMark(const char* path) {
+    const long file = ::syscall(SYS_openat, AT_FDCWD, path, O_CREAT | O_RDWR | O_CLOEXEC, 0600);
+    const bool sized = ::ftruncate(static_cast<int>(file), 1) == 0;
+    void* const page =
+        ::mmap(nullptr, 1, PROT_READ | PROT_WRITE, MAP_SHARED, static_cast<int>(file), 0);
+    if (sized && page != MAP_FAILED) mark = static_cast<char*>(page);
+    ::syscall(SYS_close, file);
+}
+
 void begin() {
+    const char* const in = std::getenv("POLYFAB_FAULT_IN");
+    if (in != nullptr && std::strcmp(in, "child") == 0) {
+        ::setenv("POLYFAB_FAULT_IN", "here", 1);
+        return;
+    }
     const char* const fault = std::getenv("POLYFAB_FAULT");
     const char* const colon = fault == nullptr ? nullptr : std::strchr(fault, ':');
     if (colon == nullptr || colon - fault >= static_cast<long>(sizeof call)) return;
     std::memcpy(call, fault, static_cast<std::size_t>(colon - fault));
     kills = std::strstr(colon, ":kill") != nullptr;
-    mark = std::getenv("POLYFAB_FAULT_FILE");
+    if (const char* const path = std::getenv("POLYFAB_FAULT_FILE")) openMark(path);
     from = std::getenv("POLYFAB_FAULT_FROM");
     first = std::strtol(colon + 1, nullptr, 10) - 1;
     if (from == nullptr) left = first;
@@ -52,10 +67,7 @@ void begin() {
 /// Whether this call is the one.
 bool fails(const char* name, int error) {
     if (left < 0 || std::strcmp(call, name) != 0 || left-- != 0) return false;
-    if (mark != nullptr) {
-        const long made = ::syscall(SYS_openat, AT_FDCWD, mark, O_CREAT | O_WRONLY, 0600);
-        ::syscall(SYS_close, made);
-    }
+    if (mark != nullptr) *mark = '1';
     if (kills) ::syscall(SYS_kill, ::getpid(), SIGKILL);
     errno = error;
     return true;
