@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The real editor in the real window, from the drop of a file to the exit question.
+#include "display/options.h"
 #include "editor/editor_state.h"
 #include "editor/window.h"
 #include "mesh/mesh.h"
+#include "platform/batch/batch_platform.h"
 #include "tests/platform/driver.h"
 #include "tests/support/temp_folder.h"
 
@@ -42,6 +44,36 @@ TEST(RealWindow, ADroppedFileIsEditedAndTheExitQuestionAnswered) {
     EXPECT_TRUE(driver->isOpen());
     choose(*driver, "e&xit", {yes});
     EXPECT_FALSE(driver->isOpen());
+}
+
+TEST(RealWindow, ItsRenderedPictureIsThatOfAHeadlessRun) {
+    const std::string gear = POLYFAB_SAMPLES "/gear.obj";
+    resetEditorState();
+    displayOptions = {};
+    std::unique_ptr<Driver> driver = makeQtDriverOf(editorProgram());
+    driver->resize({600, 500});
+    const Event drop{.kind = EventKind::drop, .paths = {gear}};
+    driver->input(drop);
+    for (const int command : {330, 331, 1069}) driver->choose(command, {});
+    const Size size = platform().clientSize();
+    const Bitmap shown = platform().clipboardBitmap().value_or(Bitmap{});
+    driver.reset();
+
+    testing::internal::CaptureStdout();
+    BatchPlatform headless(editorProgram(), size);
+    setPlatform(&headless);
+    resetEditorState();
+    headless.send({EventKind::create});
+    displayOptions = {};
+    headless.send(drop);
+    for (const int command : {330, 331, 1069}) headless.send({EventKind::command, command});
+    const Bitmap copied = headless.clipboardBitmap().value_or(Bitmap{});
+    headless.finish();
+    testing::internal::GetCapturedStdout();
+    displayOptions = {};
+    EXPECT_GT(shown.pixels.size(), 100'000U);
+    EXPECT_EQ(shown.width, copied.width);
+    EXPECT_TRUE(shown.pixels == copied.pixels);
 }
 
 } // namespace
