@@ -5,6 +5,7 @@
 #include "display/material_looks.h"
 #include "display/pane_images.h"
 #include "display/texture_slots.h"
+#include "display/told.h"
 #include "display/view.h"
 #include "display/wireframe.h"
 #include "editor/command_table.h"
@@ -45,6 +46,7 @@ void onCreate(const Event&) {
     paneImages = PaneImages();
     resetTextureSlots();
     setMaterialLooks(nullptr);
+    toldByDisplay.clear();
     resetBackgrounds();
     resetDrags();
     resizeView(platform().clientSize());
