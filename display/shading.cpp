@@ -2,19 +2,15 @@
 // First the rasteriser finds which triangle is seen at each pixel, then only those are shaded.
 #include "display/shading.h"
 
-#include "display/look.h"
 #include "display/options.h"
-#include "display/shade_normals.h"
-#include "display/surface_looks.h"
+#include "display/picture_layer.h"
+#include "display/shading_data.h"
 #include "display/texture_densities.h"
-#include "display/triangle_list.h"
+#include "display/tile_shader.h"
+#include "display/view.h"
 #include "mesh/face_angle.h"
-#include "mesh/faces.h"
-#include "picture/triangles.h"
 #include "picture/workers.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <bit>
 #include <cmath>
@@ -27,21 +23,12 @@ namespace {
 
 constexpr std::size_t pieceSize = 1 << 14;
 
-/// What is kept from picture to picture, and what is made anew for each.
-struct Shading {
-    TriangleList list;
-    ShadeNormals normals;
-    SurfaceLooks looks;
-    std::vector<float> densities; ///< of pictures, while some face shows one
+/// What is kept from picture to picture, and what it was made of.
+struct Shading : ShadingData {
     std::optional<std::uint64_t> faces, positions,
         directions;                      ///< prints of what those were made of
     std::optional<std::uint64_t> cutFor; ///< the print of the positions that polygons are cut for
     bool hasFlat = false, hasSmooth = false;
-    bool isTextured = false; ///< the list has texture coordinates
-    int grain = 1;           ///< pixels to a side of what is shaded as one: 2 in drafts
-    std::vector<RasterPoint> points;
-    std::vector<float> cosines; ///< per smooth normal, of its angle with the light
-    DepthTiles tiles;
 };
 
 Shading shading;
@@ -152,11 +139,6 @@ Vec3 wayToLight(bool left) {
     return way;
 }
 
-float cosineOf(const PackedNormal& normal, const Vec3& light) {
-    const double sum = normal.x * light.x + normal.y * light.y + normal.z * light.z;
-    return static_cast<float>(sum * (1 / PackedNormal::one));
-}
-
 void findCosines(const Vec3& light) {
     const std::vector<PackedNormal>& normals = shading.normals.smooth;
     shading.cosines.resize(normals.size());
@@ -164,193 +146,6 @@ void findCosines(const Vec3& light) {
         for (std::size_t i = from; i < to; ++i) shading.cosines[i] = cosineOf(normals[i], light);
     });
 }
-
-std::uint32_t pixelOf(const Color& color, double cosine) {
-    const float bright = 0.25F + 0.75F * static_cast<float>(cosine > 0 ? cosine : 0);
-    constexpr float half = 0.5F; // to the nearest, as nothing is below 0
-    const auto channel = [&](std::size_t i) {
-        return static_cast<std::uint32_t>(color[i] * bright + half);
-    };
-    return 0xFF000000 | channel(0) << 16 | channel(1) << 8 | channel(2);
-}
-
-/// Lays the pictures of triangles on them as a pane shows them.
-class PictureLayer {
-  public:
-    PictureLayer(const Mesh& shown, bool left)
-        : mesh(shown), unitsPerPixel(shading.grain / view.scale) {
-        const auto& row = projection.toScreen.row[left ? 2 : 0];
-        toViewer = Vec3{row[0], row[1], row[2]} * (1 / view.scale);
-    }
-
-    /// False when the triangle shows none.
-    bool lay(std::uint32_t triangle, LaidTexture& to) const {
-        const ShownPicture& picture = shading.looks.picture(triangle);
-        if (picture.texture == nullptr) return false;
-        TexturePlace place[3];
-        for (int k = 0; k < 3; ++k) {
-            const std::uint32_t number = shading.list.texCoords[triangle].corner[k];
-            if (number >= static_cast<std::uint32_t>(mesh.nt)) return false;
-            const TexCoord& at = mesh.texcoords[number];
-            const PicturePlacing& placing = picture.placing;
-            place[k] = {at.u * placing.uScale + placing.uOffset,
-                        at.v * placing.vScale + placing.vOffset};
-        }
-        return to.lay(place, picture.texture->levelFor(texels(triangle, picture)));
-    }
-    [[gnu::always_inline]] inline void callFor(std::uint32_t texCoord) const {
-        __builtin_prefetch(&mesh.texcoords[texCoord]);
-    }
-    bool hasHoles(std::uint32_t triangle) const {
-        const Texture* const texture = shading.looks.picture(triangle).texture;
-        return texture != nullptr && texture->hasHoles();
-    }
-
-  private:
-    /// Those of the picture that a pixel shows.
-    double texels(std::uint32_t triangle, const ShownPicture& picture) const {
-        const Image& image = picture.texture->image();
-        const double inPicture =
-            std::abs(picture.placing.uScale * picture.placing.vScale) * image.width * image.height;
-        const double slant = std::abs(cosineOf(shading.normals.flat[triangle], toViewer));
-        return shading.densities[triangle] * inPicture * unitsPerPixel * unitsPerPixel
-               / std::max(slant, 1e-6);
-    }
-
-    const Mesh& mesh;
-    double unitsPerPixel;
-    Vec3 toViewer;
-};
-
-/// Shades what is seen in one tile.
-class TileShader {
-  public:
-    TileShader(const TriangleSet& shaded, const PictureLayer* pictures, const Vec3& wayToLight,
-               const Canvas& onto)
-        : set(shaded), layer(pictures), light(wayToLight), canvas(onto) {}
-
-    void shade(int column, int row) const {
-        const Tile& tile = shading.tiles.tile(column, row);
-        const int left = column * Tile::width, top = row * Tile::height;
-        const int width = std::min(Tile::width, shading.tiles.width() - left);
-        const int height = std::min(Tile::height, shading.tiles.height() - top);
-        for (int y = 0; y < height; ++y) {
-            const std::uint32_t* const seen = tile.seen + y * Tile::width;
-            if (y + 2 < height) callForTriangles(seen + 2 * Tile::width, width);
-            if (y + 1 < height) callForCorners(seen + Tile::width, width);
-            for (int x = 0; x < width;) {
-                const std::uint32_t code = seen[x];
-                const int first = x;
-                while (++x < width && seen[x] == code) {
-                }
-                if (code != Seen::nothing) shadeRun(code, {left + first, left + x, top + y});
-            }
-        }
-    }
-
-  private:
-    /// Pixels of a row that show the same triangle.
-    struct Run {
-        int begin, end, y;
-    };
-
-    // In a fine mesh each pixel shows another triangle, and what shades it is spread over the
-    // lists. It is called for some rows ahead. Compilers leave out calls of functions that do
-    // nothing else: these must be inline.
-
-    /// What the lists have of the triangles in a row.
-    [[gnu::always_inline]] inline void callForTriangles(const std::uint32_t* seen,
-                                                        int width) const {
-        for (int x = 0; x < width; ++x) {
-            if (!isNew(seen, x)) continue;
-            const std::uint32_t t = Seen::triangle(seen[x]);
-            __builtin_prefetch(&set.triangles[t]);
-            __builtin_prefetch(&shading.normals.flat[t]);
-            __builtin_prefetch(shading.looks.record(t));
-            __builtin_prefetch(&shading.list.normals[t]);
-            if (layer == nullptr) continue;
-            __builtin_prefetch(&shading.list.texCoords[t]);
-            __builtin_prefetch(&shading.densities[t]);
-        }
-    }
-
-    /// What that refers to.
-    [[gnu::always_inline]] inline void callForCorners(const std::uint32_t* seen, int width) const {
-        for (int x = 0; x < width; ++x) {
-            if (!isNew(seen, x)) continue;
-            const std::uint32_t t = Seen::triangle(seen[x]);
-            for (int k = 0; k < 3; ++k) {
-                __builtin_prefetch(&set.points[set.triangles[t].corner[k]]);
-                if (displayOptions.renderSmooth) {
-                    __builtin_prefetch(&shading.cosines[shading.list.normals[t].corner[k]]);
-                }
-                if (layer != nullptr) layer->callFor(shading.list.texCoords[t].corner[k]);
-            }
-        }
-    }
-
-    static bool isNew(const std::uint32_t* seen, int x) {
-        return seen[x] != Seen::nothing && (x == 0 || seen[x] != seen[x - 1]);
-    }
-
-    void shadeRun(std::uint32_t code, const Run& run) const {
-        const std::uint32_t t = Seen::triangle(code);
-        const bool isBehind = (code & Seen::behind) != 0;
-        const double side = isBehind ? -1 : 1;
-        LaidTexture picture;
-        const bool hasPicture = layer != nullptr && layer->lay(t, picture);
-        const bool smooth = displayOptions.renderSmooth;
-        const double flat = smooth ? 0 : side * cosineOf(shading.normals.flat[t], light);
-        const Color& color = shading.looks.color(t, isBehind);
-        if (!hasPicture && !smooth) {
-            return put(run, [pixel = pixelOf(color, flat)](int) { return pixel; });
-        }
-        ScreenCorner corner[3];
-        set.corners(t, corner);
-        const TriangleFrame frame(corner);
-        const Slope cosine = smooth ? cosineOver(t, side) : Slope(flat, flat, flat);
-        if (!hasPicture) {
-            return put(run, [&](int x) { return pixelOf(color, cosine.at(frame.at(x, run.y))); });
-        }
-        put(run, [&](int x) {
-            const Shares shares = frame.at(x, run.y);
-            const std::uint32_t texel =
-                displayOptions.mixTexels ? picture.mixed(shares) : picture.nearest(shares);
-            return pixelOf(tinted(colorOf(texel), shading.looks.isSelected(t), isBehind),
-                           cosine.at(shares));
-        });
-    }
-
-    static Slope cosineOver(std::uint32_t triangle, double side) {
-        const auto& normal = shading.list.normals[triangle].corner;
-        const auto at = [&](int k) { return side * shading.cosines[normal[k]]; };
-        return {at(0), at(1), at(2)};
-    }
-
-    /// Sets the run to pixel(x).
-    template <typename Pixel>
-    void put(const Run& run, Pixel pixel) const {
-        std::uint32_t* const row = canvas.pixels + run.y * shading.grain * canvas.stride;
-        if (shading.grain == 1) {
-            for (int x = run.begin; x < run.end; ++x) row[x] = pixel(x);
-            return;
-        }
-        const int rows = std::min(shading.grain, canvas.height - run.y * shading.grain);
-        for (int x = run.begin; x < run.end; ++x) {
-            const int first = x * shading.grain,
-                      end = std::min(first + shading.grain, canvas.width);
-            const std::uint32_t value = pixel(x);
-            for (int i = 0; i < rows; ++i) {
-                std::fill(row + i * canvas.stride + first, row + i * canvas.stride + end, value);
-            }
-        }
-    }
-
-    const TriangleSet& set;
-    const PictureLayer* layer; ///< or null
-    Vec3 light;
-    Canvas canvas;
-};
 
 /// The points as the right pane has them.
 void turnPoints() {
@@ -397,7 +192,7 @@ void drawShaded(const Mesh& mesh, const Pane& pane) {
                     },
                     {},
                     displayOptions.hideFacingAway};
-    const PictureLayer layer(mesh, pane.left);
+    const PictureLayer layer(shading, mesh, pane.left);
     if (shading.isTextured && shading.looks.hasHoles()) {
         set.layWithHoles = [&](std::uint32_t triangle, LaidTexture& to) {
             return layer.hasHoles(triangle) && layer.lay(triangle, to);
@@ -407,11 +202,7 @@ void drawShaded(const Mesh& mesh, const Pane& pane) {
     shading.tiles.draw(grains(pane.canvas.width), grains(pane.canvas.height), set);
     const Vec3 light = wayToLight(pane.left);
     if (displayOptions.renderSmooth) findCosines(light);
-    const int columns = shading.tiles.columns();
-    inParallel(columns * shading.tiles.rows(), [&](int tile) {
-        TileShader(set, shading.isTextured ? &layer : nullptr, light, pane.canvas)
-            .shade(tile % columns, tile / columns);
-    });
+    shadeTiles(shading, set, shading.isTextured ? &layer : nullptr, light, pane.canvas);
 }
 
 ShadedPane shadedPane() { return {shading.tiles, shading.list.triangles, shading.grain}; }
