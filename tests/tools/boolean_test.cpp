@@ -127,6 +127,23 @@ TEST_F(BooleanTest, VolumesOfRandomPairsAddUp) {
     }
 }
 
+/// Rounding puts the faces in contact a hair beside each other: pieces thinner than that vanish.
+TEST_F(BooleanTest, TurnedBodiesOfAnySizeStayClosed) {
+    constexpr double sizes[] = {1, 1e299, 1e-299, 1e-320};
+    for (unsigned pair = 0; pair < 400; ++pair) {
+        SCOPED_TRACE(pair);
+        random = RandomMesh(pair);
+        emptyMesh();
+        addBody();
+        addBody();
+        for (int i = 0; i < OB->np; ++i) {
+            const auto [x, y, z] = worldPosition(OB->points[i]);
+            moveTo(OB->points[i], Vec3{.6 * x - .8 * y, .8 * x + .6 * y, z} * sizes[pair % 4]);
+        }
+        EXPECT_EQ(weld(pair % 3 == 0 ? "u" : pair % 3 == 1 ? "i" : "d").open, 0);
+    }
+}
+
 /// A row of quads in the plane z = 0 whose texture follows x and y, the last of them not selected.
 /// A wall stands across it, and a needle comes through from below.
 void addPiercedRow() {
