@@ -200,6 +200,23 @@ TEST_F(BooleanTest, EscapeAndRefusalsChangeNothing) {
     }
 }
 
+TEST_F(BooleanTest, EscapeAtAnyTimeChangesNothing) {
+    int looks = 0;
+    for (bool stopped = true; stopped; ++looks) {
+        emptyMesh();
+        addGrid(16, 16);
+        addGrid(16, 16);
+        for (int i = 0; i < OB->np / 2; ++i) OB->points[i].z = i % 2 - 0.5;
+        const auto before = describe();
+        shown.escapeAfter = looks;
+        weld("u");
+        stopped = shown.log.back() == "note|stopped: nothing has changed";
+        EXPECT_EQ(describe() == before, stopped);
+    }
+    shown.escapeAfter = -1;
+    EXPECT_GT(looks, 4);
+}
+
 TEST_F(BooleanTest, HollowsBelongToTheBodyAroundThem) {
     const auto build = [this] {
         emptyMesh();
