@@ -16,7 +16,7 @@ namespace {
 /// The best cuts of polygons with more corners would take too long to find.
 constexpr std::size_t mostForBest = 40;
 constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr int mostExponent = 200; ///< of positions that are taken as they are
+constexpr int mostExponent = 100; ///< of positions taken as they are: boxes are of floats
 
 class SoupMaker {
   public:
