@@ -12,11 +12,14 @@
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "mesh/edges.h"
+#include "mesh/faces.h"
 #include "mesh/garbage.h"
 #include "tests/support/random_mesh.h"
 #include "tests/support/random_user.h"
 #include "workbench/state.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -124,8 +127,64 @@ void writeAndReadBack(Bytes&) {
     demand(counts() == before, "what was written reads back with other counts");
 }
 
-constexpr void (*operations[])(Bytes&) = {deleteFace, repeatCorner,    tidy, collect, edges,
-                                          orient,     writeAndReadBack};
+/// A box, a tetrahedron or a bumpy sheet with texture and normals, for others to touch or cut.
+void addBody(Bytes& bytes) {
+    const int firstPoint = OB->np, firstFace = OB->nf;
+    const int kind = bytes.below(3), size = 1 + bytes.below(4);
+    const Vec3 at{double(bytes.below(5)), double(bytes.below(5)), double(bytes.below(5))};
+    if (kind == 0) {
+        test::addCube();
+    } else if (kind == 1) {
+        for (const int i : {0, 1, 2, 4}) OB->addPoint(i & 1, i >> 1 & 1, i >> 2, false);
+        for (const auto& [a, b, c] : {std::array{0, 2, 1}, {0, 1, 3}, {1, 2, 3}, {0, 3, 2}}) {
+            test::addFace({firstPoint + a, firstPoint + b, firstPoint + c});
+        }
+    } else {
+        test::addGrid(2 + bytes.below(6), 2 + bytes.below(6));
+    }
+    for (int i = firstPoint; i < OB->np; ++i) {
+        const Vec3 shape = worldPosition(OB->points[i]);
+        const double bump = kind == 2 ? 0.02 * bytes.below(16) : 0;
+        moveTo(OB->points[i], at + (shape + Vec3{0, 0, bump}) * size);
+    }
+    const bool isTurned = bytes.below(8) == 0;
+    for (int f = firstFace; f < OB->nf; ++f) {
+        Face& face = OB->faces[f];
+        if (isTurned) std::reverse(face.q, face.q + face.n);
+        for (FaceCorner& corner : corners(face)) {
+            const int t = kind == 2 ? OB->findOrAddTexCoord(corner.p->x, corner.p->y) : -1;
+            corner.t = t < 0 ? nullptr : OB->texcoords + t;
+            corner.d = t < 0 || OB->nd == 0 ? nullptr : OB->normals + t % OB->nd;
+        }
+    }
+}
+
+/// A tool that cuts, closes or thins, which a user who tries all commands comes to too seldom.
+void cut(Bytes& bytes) {
+    constexpr struct {
+        int id;
+        const char* answer;
+    } uses[] = {{394, "a"},    {394, "u"},     {394, "i"}, {394, "d"},  {1035, ""}, {1052, "0"},
+                {1052, "4"},   {1056, "5"},    {395, "0"}, {395, "40"}, {403, ""},  {404, ""},
+                {405, ""},     {406, "3"},     {407, "7"}, {408, "10"}, {329, "0"}, {329, "60"},
+                {1085, "0.1"}, {1085, "1e99"}, {261, ""},  {1037, ""}};
+    const auto& [id, answer] = uses[static_cast<std::size_t>(bytes.below(std::size(uses)))];
+    const int mode = bytes.below(16);
+    shown->dialogAnswers = {{answer, mode % 2 == 0 ? "0" : "0.5"}};
+    if (mode < 8) {
+        for (int i = 0; i < OB->nf; ++i) OB->faces[i].selected = 1;
+    }
+    if (mode % 4 == 0 && fitBox(*OB, false)) box.right += (box.left - box.right) * 0.5;
+    OB->curvertex = bytes.below(OB->np + 1) - 1;
+    OB->curface = bytes.below(OB->nf + 1) - 1;
+    shown->escapeAfter = mode == 15 ? bytes.below(8) : -1;
+    handleEvent({.kind = EventKind::command, .command = id});
+    shown->escapeAfter = -1;
+    shown->dialogAnswers.clear();
+}
+
+constexpr void (*operations[])(Bytes&) = {deleteFace, repeatCorner,     tidy,    collect, edges,
+                                          orient,     writeAndReadBack, addBody, cut};
 
 /// The editor as it is at start-up, with an empty mesh.
 void startAnew() {

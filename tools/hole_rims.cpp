@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
+#include <utility>
 
 namespace polyfab {
 namespace {
@@ -83,7 +84,8 @@ class RimWalk {
     std::size_t nextSide(std::int32_t point, std::size_t before) {
         // Used ones at the front are not looked at again.
         while (first[point] < ends[point] && loose[at(first[point])].used) ++first[point];
-        const bool choose = ends[point] - first[point] <= mostCompared;
+        const std::int32_t count = ends[point] - first[point];
+        const bool choose = count > 1 && count <= mostCompared;
         std::size_t best = loose.size();
         double least = INFINITY;
         for (std::int32_t i = first[point]; i < ends[point]; ++i) {
@@ -98,11 +100,14 @@ class RimWalk {
     }
     static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
 
-    [[nodiscard]] double turnTo(const Loose& side, const Loose& before) const {
+    double turnTo(const Loose& side, const Loose& before) {
         const auto place = [&](std::int32_t i) { return worldPosition(mesh.points[i]); };
         const Vec3 back = nearOne(place(before.from) - place(before.to));
         const Vec3 on = nearOne(place(side.to) - place(side.from));
-        const Vec3 normal = faceNormal(mesh.faces[before.side.face]);
+        // A face of many corners is not gone around at each of them.
+        if (std::exchange(normalFace, before.side.face) != before.side.face) {
+            normal = faceNormal(mesh.faces[before.side.face]);
+        }
         const double angle = std::atan2(dot(cross(normal, back), on), dot(back, on));
         return angle > 0 ? angle : angle + 2 * pi;
     }
@@ -115,6 +120,8 @@ class RimWalk {
     Table<std::int32_t> onWay; ///< of each point: where the way passed it, -1: it did not
     Table<std::int32_t> surplus; ///< of each point: loose sides from there, less those to there
     std::vector<std::size_t> way;
+    std::int32_t normalFace = -1;
+    Vec3 normal; ///< of that face
 };
 
 /// Of an edge, whichever way it is run: some others hardly ever come to the same.

@@ -165,7 +165,10 @@ void tellFacts(Mesh& mesh) {
     for (const auto& [what, count] : counts) add(what, counted(count));
     if (facts.genus) add("genus", counted(*facts.genus));
     add("area", shown(facts.area));
-    add("volume", facts.genus || facts.faces == 0 ? shown(facts.volume) : "it is not closed");
+    const bool closed = facts.genus || facts.faces == 0;
+    add("volume", !closed               ? "it is not closed"
+                  : facts.notFinite > 0 ? "it is not finite"
+                                        : shown(facts.volume));
     if (facts.notFinite > 0) add("faces that are not finite", counted(facts.notFinite));
     platform().message("what the mesh is made of", text, Icon::none);
 }

@@ -127,6 +127,23 @@ TEST_F(BooleanTest, VolumesOfRandomPairsAddUp) {
     }
 }
 
+/// Rounding puts the faces in contact a hair beside each other: pieces thinner than that vanish.
+TEST_F(BooleanTest, TurnedBodiesOfAnySizeStayClosed) {
+    constexpr double sizes[] = {1, 1e299, 1e-299, 1e-320};
+    for (unsigned pair = 0; pair < 400; ++pair) {
+        SCOPED_TRACE(pair);
+        random = RandomMesh(pair);
+        emptyMesh();
+        addBody();
+        addBody();
+        for (int i = 0; i < OB->np; ++i) {
+            const auto [x, y, z] = worldPosition(OB->points[i]);
+            moveTo(OB->points[i], Vec3{.6 * x - .8 * y, .8 * x + .6 * y, z} * sizes[pair % 4]);
+        }
+        EXPECT_EQ(weld(pair % 3 == 0 ? "u" : pair % 3 == 1 ? "i" : "d").open, 0);
+    }
+}
+
 /// A row of quads in the plane z = 0 whose texture follows x and y, the last of them not selected.
 /// A wall stands across it, and a needle comes through from below.
 void addPiercedRow() {
@@ -181,6 +198,23 @@ TEST_F(BooleanTest, EscapeAndRefusalsChangeNothing) {
         EXPECT_FALSE(OB->changed);
         EXPECT_EQ(shown.log.back() == "note|stopped: nothing has changed", escapeAfter >= 0);
     }
+}
+
+TEST_F(BooleanTest, EscapeAtAnyTimeChangesNothing) {
+    int looks = 0;
+    for (bool stopped = true; stopped; ++looks) {
+        emptyMesh();
+        addGrid(16, 16);
+        addGrid(16, 16);
+        for (int i = 0; i < OB->np / 2; ++i) OB->points[i].z = i % 2 - 0.5;
+        const auto before = describe();
+        shown.escapeAfter = looks;
+        weld("u");
+        stopped = shown.log.back() == "note|stopped: nothing has changed";
+        EXPECT_EQ(describe() == before, stopped);
+    }
+    shown.escapeAfter = -1;
+    EXPECT_GT(looks, 4);
 }
 
 TEST_F(BooleanTest, HollowsBelongToTheBodyAroundThem) {

@@ -74,6 +74,7 @@ bool mayGoOn(Effort& effort) {
 void weld(Mesh& mesh, Want want) {
     Effort effort;
     const Soup soup = makeSoup(mesh, effort);
+    if (!mayGoOn(effort)) return;
     const std::int32_t current = want == Want::difference ? polygonOf(soup, mesh.curface) : none;
     if (want == Want::difference && current == none) {
         return platform().message("", "click a selected face of the part first", Icon::exclamation);
@@ -83,6 +84,7 @@ void weld(Mesh& mesh, Want want) {
     if (!mayGoOn(effort)) return;
     ExactPoints points(soup.places);
     const std::vector<std::int32_t> idOf = resolve(soup, contacts, points, effort);
+    if (!mayGoOn(effort)) return;
     const CutEdges cuts(contacts, idOf, points, effort);
     if (!mayGoOn(effort)) return;
     const Arrangement arrangement =
@@ -95,6 +97,7 @@ void weld(Mesh& mesh, Want want) {
     }
     if (!mayGoOn(effort)) return;
     const Outlines outlines(soup, arrangement, fates, points, effort);
+    if (!mayGoOn(effort)) return;
     Tally tally;
     if (!install(mesh, soup, arrangement, fates, outlines, cuts, points, effort, tally)) {
         return void(mayGoOn(effort));

@@ -40,7 +40,7 @@ class PointNumbers {
         if (id < sizeOf(soup.places)) return nth(soup.pointAt, id);
         std::int32_t& number = nth(numberOf, id - sizeOf(soup.places));
         if (number != none) return number;
-        const Vec3 at = points.rounded(id);
+        const Vec3 at = points.rounded(id) * (1 / soup.scale);
         std::int32_t& slot = slotOf(at);
         if (slot == HashSlots::empty) slot = draft.addPoint(at);
         return number = slot;
@@ -107,7 +107,7 @@ class CornerMaker {
             if (found == known.end()) return corner;
             from[k] = found->second;
         }
-        const auto parts = partsAt(draft.place(point), t);
+        const auto parts = partsAt(draft.place(point) * soup.scale, t);
         corner.t = mixed(from, &DraftCorner::t, [&] {
             TexCoord sum{0, 0, 0, 1};
             for (std::size_t k = 0; k < 3; ++k) {
@@ -226,8 +226,10 @@ class Installer {
         if (point == start || point == end) return least;
         const Vec3 from = draft.place(low), way = draft.place(high) - from;
         const double longest = largestPart(way);
-        const Vec3 scaled = way * (1 / longest),
-                   reached = (draft.place(point) - from) * (1 / longest);
+        const auto scale = [longest](const Vec3& v) {
+            return Vec3{v.x / longest, v.y / longest, v.z / longest};
+        };
+        const Vec3 scaled = scale(way), reached = scale(draft.place(point) - from);
         const double part = std::clamp(dot(reached, scaled) / dot(scaled, scaled), least, 1.0);
         edges.add(low, high, part, point);
         return std::nextafter(part, 2.0);
@@ -243,17 +245,19 @@ class Installer {
         const bool isOnEdge = edges.touch(mesh, mesh.faces[face]);
         if (isWhole && !isTurned && !isOnEdge) return;
         edges.expand(mesh, mesh.faces[face], corners);
-        tally.turned += isTurned ? 1 : 0;
         if (!isWhole) {
-            ++tally.cut;
             const std::vector<DraftCorner> outline = corners;
             makeCorner.start(outline);
         }
+        bool isLeft = false;
         for (std::int32_t i = 0; i < count; ++i) {
             if (!isWhole) takeOutline(p, i);
             if (isTurned) turnOver();
-            addPiece(face);
+            isLeft |= addPiece(face);
         }
+        if (!isLeft) return doomed.push_back(face);
+        tally.turned += isTurned ? 1 : 0;
+        tally.cut += isWhole ? 0 : 1;
     }
 
     void takeOutline(std::int32_t polygon, std::int32_t number) {
@@ -278,14 +282,16 @@ class Installer {
     }
 
     /// Rounding may have brought neighbours together; what has less than three corners left has no
-    /// area.
-    void addPiece(std::int32_t face) {
+    /// area and is none.
+    bool addPiece(std::int32_t face) {
         const auto isSame = [&](const DraftCorner& a, const DraftCorner& b) {
             return makeCorner.pointFor(a.p) == makeCorner.pointFor(b.p);
         };
         corners.erase(std::unique(corners.begin(), corners.end(), isSame), corners.end());
         while (corners.size() > 1 && isSame(corners.front(), corners.back())) corners.pop_back();
-        if (corners.size() >= 3) draft.addPiece(face, corners);
+        if (corners.size() < 3) return false;
+        draft.addPiece(face, corners);
+        return true;
     }
 
     /// Makes the points at each place one.

@@ -16,6 +16,7 @@ namespace {
 /// The best cuts of polygons with more corners would take too long to find.
 constexpr std::size_t mostForBest = 40;
 constexpr double infinite = std::numeric_limits<double>::infinity();
+constexpr int mostExponent = 100; ///< of positions taken as they are: boxes are of floats
 
 class SoupMaker {
   public:
@@ -51,7 +52,7 @@ class SoupMaker {
     }
 
     std::int32_t findPlace(std::int32_t point) {
-        const Vec3 at = worldPosition(mesh.points[point]);
+        const Vec3 at = worldPosition(mesh.points[point]) * soup.scale;
         std::int32_t& slot = slots.find(hashOfNumbers(at.x, at.y, at.z), [&](std::int32_t other) {
             const Vec3& v = nth(soup.places, other);
             return v.x == at.x && v.y == at.y && v.z == at.z;
@@ -190,10 +191,23 @@ class SoupMaker {
     mutable int sign = 1;           ///< 1: it runs anticlockwise along the axis
 };
 
+double scaleFor(const Mesh& mesh) {
+    double most = 0;
+    for (const Face& face : selectedFaces(mesh)) {
+        if (!isFinite(face)) continue;
+        for (const FaceCorner& corner : corners(face)) {
+            most = std::max(most, largestPart(worldPosition(*corner.p)));
+        }
+    }
+    const int exponent = most > 0 ? std::ilogb(most) : 0;
+    return std::ldexp(1.0, std::clamp(exponent, -mostExponent, mostExponent) - exponent);
+}
+
 } // namespace
 
 Soup makeSoup(const Mesh& mesh, Effort& effort) {
     Soup soup;
+    soup.scale = scaleFor(mesh);
     SoupMaker maker(mesh, soup, effort);
     LoopProgress progress(mesh.nf);
     for (const Face& face : selectedFaces(mesh)) {

@@ -62,6 +62,9 @@ struct Polygon {
 };
 
 struct Soup {
+    /// By which places are larger than the positions in the mesh: 1, or a power of two where
+    /// products of those would be too large or too small for a double.
+    double scale = 1;
     std::vector<Vec3> places;
     std::vector<std::int32_t> placeOf; ///< of each point of the mesh; -1: on no such face
     std::vector<std::int32_t> pointAt; ///< of each place: the lowest point there
