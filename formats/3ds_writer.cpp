@@ -392,11 +392,14 @@ void Writer::writeMaterialGroups() {
     }
 }
 
-void noteLosses(const Mesh& mesh, const Losses& losses, bool ordinary) {
-    noteCount(losses.rounded, "{number} {has} more digits than a 3DS file keeps");
-    noteCount(losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles");
-    noteCount(ordinary ? 0 : mesh.nt, "{texture coordinate} {was} left out: export keeps them");
-    noteCount(mesh.nd, "{normal} {was} left out: a 3DS file has none");
+Sentences lossesOf(const Mesh& mesh, const Losses& losses, bool ordinary) {
+    Sentences list;
+    addCount(list, losses.rounded, "{number} {has} more digits than a 3DS file keeps");
+    addCount(list, losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles");
+    addCount(list, ordinary ? 0 : mesh.nt,
+             "{texture coordinate} {was} left out: export keeps them");
+    addCount(list, mesh.nd, "{normal} {was} left out: a 3DS file has none");
+    return list;
 }
 
 int fail(const std::string& what, const std::string& path) {
@@ -421,7 +424,7 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     if (!file.commit()) return fail("can't open file", path);
     workbench.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
     noteSaved(path, countFaces(mesh, onlySelected) - writer.leftOut);
-    noteLosses(mesh, writer.losses, false);
+    noteAll(lossesOf(mesh, writer.losses, false));
     if (writer.leftOut > 0) {
         fail(std::to_string(writer.leftOut)
                  + " faces were not written: their groups have no selected face",
@@ -433,12 +436,12 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
 }
 
 std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected,
-                      const std::vector<std::string>& pictures) {
+                      const std::vector<std::string>& pictures, Sentences& lost) {
     Writer writer(mesh, onlySelected, !onlySelected, &pictures);
     std::string fault = writer.write();
     if (!fault.empty()) return fault;
     file.append(writer.out.text());
-    noteLosses(mesh, writer.losses, true);
+    lost = lossesOf(mesh, writer.losses, true);
     return fault;
 }
 

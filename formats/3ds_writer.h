@@ -3,6 +3,7 @@
 #pragma once
 
 #include "formats/only_selected.h"
+#include "workbench/notes.h"
 
 #include <string>
 #include <vector>
@@ -27,8 +28,8 @@ struct Mesh;
 /// Appends the live faces, or the selected ones, as all programs read them: colours with red first,
 /// also texture coordinates, large groups as several objects of one name, and files of any size.
 /// `pictures` has per material the name of the file with its picture, or "". Returns "" or what the
-/// file can't hold; notes count what is lost all the same.
+/// file can't hold; `lost` becomes sentences on what is lost all the same.
 [[nodiscard]] std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected,
-                                    const std::vector<std::string>& pictures);
+                                    const std::vector<std::string>& pictures, Sentences& lost);
 
 } // namespace polyfab

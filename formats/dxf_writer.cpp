@@ -165,13 +165,16 @@ bool writeFaces(SaveFile& file, const Mesh& mesh, bool onlySelected, const std::
     });
 }
 
-void noteLosses(const Mesh& mesh, const Losses& losses) {
-    noteCount(losses.rounded, "{number} {has} more than three decimals: export keeps them");
-    noteCount(losses.collapsed, "{face} {has} no area left in three decimals: export keeps it");
-    noteCount(losses.cut, "{face} {has} more than 4 corners and {was} cut into 3DFACEs");
-    noteCount(mesh.ng > 1 ? mesh.ng : 0, "{group} {was} left out: a DXF file has none");
-    noteCount(mesh.nt, "{texture coordinate} {was} left out: a DXF file has none");
-    noteCount(mesh.nd, "{normal} {was} left out: a DXF file has none");
+Sentences lossesOf(const Mesh& mesh, const Losses& losses) {
+    Sentences list;
+    addCount(list, losses.rounded, "{number} {has} more than three decimals: export keeps them");
+    addCount(list, losses.collapsed,
+             "{face} {has} no area left in three decimals: export keeps it");
+    addCount(list, losses.cut, "{face} {has} more than 4 corners and {was} cut into 3DFACEs");
+    addCount(list, mesh.ng > 1 ? mesh.ng : 0, "{group} {was} left out: a DXF file has none");
+    addCount(list, mesh.nt, "{texture coordinate} {was} left out: a DXF file has none");
+    addCount(list, mesh.nd, "{normal} {was} left out: a DXF file has none");
+    return list;
 }
 
 } // namespace
@@ -190,11 +193,11 @@ int writeDxfFile(const Mesh& mesh, const std::string& path, Wanted wanted) {
     if (!written) workbench.wholeMeshWritten = false;
     if (!written) return 0;
     noteSaved(path, countFaces(mesh, onlySelected));
-    noteLosses(mesh, losses);
+    noteAll(lossesOf(mesh, losses));
     return 1;
 }
 
-void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected) {
+void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected, Sentences& lost) {
     std::vector<Entity> entities;
     for (int i = 0; i < mesh.nmat; ++i) entities.push_back(exactEntity(mesh, i));
     Losses losses;
@@ -204,7 +207,7 @@ void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected) {
         return true;
     }));
     file.append(tail);
-    noteLosses(mesh, losses);
+    lost = lossesOf(mesh, losses);
 }
 
 } // namespace polyfab

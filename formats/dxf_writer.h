@@ -3,6 +3,7 @@
 #pragma once
 
 #include "formats/only_selected.h"
+#include "workbench/notes.h"
 
 #include <string>
 
@@ -25,7 +26,7 @@ struct Mesh;
 
 /// Appends the live faces, or the selected ones, as import reads them best: each entity has the
 /// name of its face's material as its layer, and the material's colour, and coordinates have all
-/// digits. Notes count what is lost all the same.
-void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected);
+/// digits. `lost` becomes sentences on what is lost all the same.
+void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected, Sentences& lost);
 
 } // namespace polyfab

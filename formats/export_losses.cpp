@@ -79,7 +79,7 @@ class Losses {
     Losses(const Mesh& of, const StreamTables& written, unsigned format)
         : mesh(of), tables(written), lost(format) {}
 
-    std::vector<std::string> list() {
+    Sentences list() {
         goOverFaces();
         tell(roundedNumbers(), "{number} {has} more digits than this format keeps");
         tell(has(polygons) ? cut : 0,
@@ -97,7 +97,7 @@ class Losses {
     [[nodiscard]] bool has(unsigned loss) const { return (lost & loss) != 0; }
 
     void tell(std::int64_t count, const std::string& pattern) {
-        if (count > 0) sentences.push_back(sentence(count, pattern));
+        addCount(sentences, count, pattern);
     }
 
     void goOverFaces() {
@@ -187,7 +187,7 @@ class Losses {
     std::int64_t cut = 0; ///< faces
     /// Of each group and material the corners without and with a normal.
     std::map<std::pair<int, int>, std::pair<std::int64_t, std::int64_t>> pieces;
-    std::vector<std::string> sentences;
+    Sentences sentences;
 };
 
 } // namespace
@@ -196,8 +196,8 @@ bool needsTriangles(const std::filesystem::path& target) {
     return (lostBy(target) & polygons) != 0;
 }
 
-std::vector<std::string> exportLosses(const Mesh& mesh, const StreamTables& tables,
-                                      const std::filesystem::path& target) {
+Sentences exportLosses(const Mesh& mesh, const StreamTables& tables,
+                       const std::filesystem::path& target) {
     return Losses(mesh, tables, lostBy(target)).list();
 }
 

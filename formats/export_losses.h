@@ -2,9 +2,9 @@
 // What the formats that the library writes do not hold of a mesh.
 #pragma once
 
+#include "workbench/notes.h"
+
 #include <filesystem>
-#include <string>
-#include <vector>
 
 namespace polyfab {
 
@@ -17,7 +17,7 @@ struct StreamTables;
 
 /// Sentences on what the file at `target` does not have of the tables that were made of the mesh;
 /// none when it has all.
-[[nodiscard]] std::vector<std::string> exportLosses(const Mesh& mesh, const StreamTables& tables,
-                                                    const std::filesystem::path& target);
+[[nodiscard]] Sentences exportLosses(const Mesh& mesh, const StreamTables& tables,
+                                     const std::filesystem::path& target);
 
 } // namespace polyfab

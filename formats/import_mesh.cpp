@@ -137,8 +137,6 @@ int streamFile(const StreamTables& tables) {
 
 constexpr const char* noRoom = "there is no room for temporary files";
 
-using Sentences = std::vector<std::string>;
-
 /// Has the child write the file, in a folder of its own, that is to be at `target`. Returns "" or
 /// why it did not.
 std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::path& target,
@@ -170,7 +168,7 @@ std::string exportFile(const Mesh& mesh, const std::string& chosen, const fs::pa
     if (folder.path.empty()) return noRoom;
     const std::string reason =
         exportsItself(chosen)
-            ? exportOwn(mesh, chosen, folder.path, onlySelected)
+            ? exportOwn(mesh, chosen, folder.path, onlySelected, losses)
             : exportByChild(mesh, folder.path / path.filename(), path, onlySelected, losses);
     return reason.empty() ? saveExported(folder.path, path, file) : reason;
 } catch (const std::bad_alloc&) {
@@ -230,7 +228,7 @@ void exportOtherMesh() {
     const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file, losses);
     if (!reason.empty()) return explain(failed, path, reason);
     noteSaved(path, countFaces(mesh, onlySelected));
-    for (const std::string& loss : losses) note(loss);
+    noteAll(losses);
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 

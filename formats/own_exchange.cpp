@@ -40,6 +40,7 @@ struct Target {
     fs::path path; ///< that it is to have in the end
     fs::path file; ///< that it is written to, with others beside it
     bool onlySelected;
+    Sentences& lost;
 };
 
 std::string addObj(Mesh& mesh, const std::string& path) {
@@ -80,21 +81,22 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
 }
 
 /// This format is written without pictures.
-void noteLostPictures(const Mesh& mesh) {
+void tellLostPictures(const Mesh& mesh, Sentences& list) {
     const auto lost =
         std::count_if(mesh.materials, mesh.materials + mesh.nmat, [](const Material& material) {
             const MaterialLook* const look = lookOf(material.name);
             return look != nullptr && look->picture != nullptr;
         });
-    noteCount(lost, "{material} {has} pictures that this format does not keep");
+    addCount(list, lost, "{material} {has} pictures that this format does not keep");
 }
 
 std::string writeDxf(const Mesh& mesh, const Target& target) {
-    noteLostPictures(mesh);
-    return makeFile(target.file, [&](SaveFile& file) {
-        appendDxf(file, mesh, target.onlySelected);
+    std::string fault = makeFile(target.file, [&](SaveFile& file) {
+        appendDxf(file, mesh, target.onlySelected, target.lost);
         return true;
     });
+    tellLostPictures(mesh, target.lost);
+    return fault;
 }
 
 std::string write3ds(const Mesh& mesh, const Target& target) {
@@ -102,7 +104,7 @@ std::string write3ds(const Mesh& mesh, const Target& target) {
     const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);
     std::string fault;
     const std::string written = makeFile(target.file, [&](SaveFile& file) {
-        fault = append3ds(file, mesh, target.onlySelected, pictures);
+        fault = append3ds(file, mesh, target.onlySelected, pictures, target.lost);
         return fault.empty();
     });
     return fault.empty() ? written : fault;
@@ -178,10 +180,11 @@ std::string importOwn(Mesh& mesh, const std::string& path, bool append) {
 }
 
 std::string exportOwn(const Mesh& mesh, const std::string& chosen, const fs::path& folder,
-                      bool onlySelected) {
+                      bool onlySelected, Sentences& lost) {
     const fs::path path = objFileOf(chosen);
     if (countFaces(mesh, onlySelected) == 0) return "there is no face to write";
-    return ownFormat(chosen)->write(mesh, {chosen, path, folder / path.filename(), onlySelected});
+    return ownFormat(chosen)->write(mesh,
+                                    {chosen, path, folder / path.filename(), onlySelected, lost});
 }
 
 } // namespace polyfab

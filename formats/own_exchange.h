@@ -4,6 +4,8 @@
 // lossless ways.
 #pragma once
 
+#include "workbench/notes.h"
+
 #include <filesystem>
 #include <string>
 
@@ -19,9 +21,10 @@ struct Mesh;
 [[nodiscard]] std::string importOwn(Mesh& mesh, const std::string& path, bool append);
 
 /// Writes the live faces, or the selected ones, into files in this folder, the first of which has
-/// the name of the target. `chosen` is the name that was chosen for it. Returns "" or what went
-/// wrong.
+/// the name of the target. `chosen` is the name that was chosen for it. `lost` becomes sentences on
+/// what the files do not have of the mesh. Returns "" or what went wrong.
 [[nodiscard]] std::string exportOwn(const Mesh& mesh, const std::string& chosen,
-                                    const std::filesystem::path& folder, bool onlySelected);
+                                    const std::filesystem::path& folder, bool onlySelected,
+                                    Sentences& lost);
 
 } // namespace polyfab

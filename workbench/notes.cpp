@@ -76,6 +76,14 @@ void noteCount(std::int64_t count, std::string_view pattern) {
     if (count > 0) note(sentence(count, pattern));
 }
 
+void addCount(Sentences& list, std::int64_t count, std::string_view pattern) {
+    if (count > 0) list.push_back(sentence(count, pattern));
+}
+
+void noteAll(const Sentences& list) {
+    for (const std::string& text : list) note(text);
+}
+
 std::string selectionText(std::int64_t selected, std::int64_t live) {
     return counted(selected) + " of " + counted(live, "face") + " selected";
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace polyfab {
 
@@ -34,6 +35,13 @@ void forgetNotes();
 
 /// Notes that of so many, unless there is none.
 void noteCount(std::int64_t count, std::string_view pattern);
+
+/// Sentences that wait until it is known whether they are true.
+using Sentences = std::vector<std::string>;
+
+/// Adds that of so many, unless there is none.
+void addCount(Sentences& list, std::int64_t count, std::string_view pattern);
+void noteAll(const Sentences& list);
 
 /// "3 of 2,000 faces selected".
 [[nodiscard]] std::string selectionText(std::int64_t selected, std::int64_t live);
