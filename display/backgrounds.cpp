@@ -102,6 +102,11 @@ void setBackground(bool leftPane, Image image) {
     stale.picture = true;
 }
 
+const Image* backgroundOf(bool leftPane) {
+    const Background* const background = behind(leftPane).get();
+    return background == nullptr ? nullptr : &background->image;
+}
+
 void drawBackground(const Pane& pane) {
     const Background* const background = behind(pane.left).get();
     if (background == nullptr || !displayOptions.backgrounds) return;

@@ -11,6 +11,9 @@ namespace polyfab {
 /// pixels. May throw std::bad_alloc; nothing has changed then.
 void setBackground(bool leftPane, Image image);
 
+/// What is behind a pane; null: nothing.
+[[nodiscard]] const Image* backgroundOf(bool leftPane);
+
 /// Draws what is behind a pane, if there is something and the options want it. May throw
 /// std::bad_alloc.
 void drawBackground(const Pane& pane);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/report.h"
 
+#include "display/backgrounds.h"
 #include "display/options.h"
 #include "display/texture_slots.h"
 #include "editor/command_table.h"
@@ -59,6 +60,17 @@ Json texturePictures() {
         }
     }
     return pictures;
+}
+
+/// Of what is behind the left and the right pane the size, or null.
+Json backgroundImages() {
+    Json images = Json::array();
+    for (const bool left : {true, false}) {
+        const Image* const image = backgroundOf(left);
+        images.push_back(
+            image == nullptr ? Json() : Json{{"width", image->width}, {"height", image->height}});
+    }
+    return images;
 }
 
 void addCounts(Json& state) {
@@ -148,6 +160,7 @@ std::string stateJson() {
     state["checks"] = commandsChecked();
     state["light"] = {displayOptions.lightFromRight, displayOptions.lightFromAbove};
     state["background"] = renderBackground();
+    state["backgroundImages"] = backgroundImages();
     state["textureMap"] = workbench.textureNumber;
     state["textureMaps"] = texturePictures();
     state["storeBlocks"] = storeBlocks();

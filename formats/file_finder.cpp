@@ -8,20 +8,7 @@
 #include <system_error>
 
 namespace polyfab {
-namespace {
-
 namespace fs = std::filesystem;
-
-/// Whether the path, all links followed, is a regular file below the folder.
-bool isFileBelow(const fs::path& folder, const fs::path& path, fs::path& file) {
-    std::error_code failure;
-    file = fs::canonical(path, failure);
-    if (failure || !fs::is_regular_file(file, failure)) return false;
-    return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first
-           == folder.end();
-}
-
-} // namespace
 
 bool sameButCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
@@ -40,11 +27,16 @@ FileFinder::FileFinder(const std::vector<fs::path>& searched) {
 }
 
 std::string FileFinder::find(const std::string& name) {
-    const fs::path bare = fs::path(name).filename();
+    return findAny({name, fs::path(name).filename()});
+}
+
+std::string FileFinder::findPath(const std::string& name) { return findAny({name}); }
+
+std::string FileFinder::findAny(std::initializer_list<fs::path> names) {
     for (const bool anyCase : {false, true}) {
-        for (const fs::path& tried : {fs::path(name), bare}) {
-            for (std::size_t i = 0; i < folders.size(); ++i) {
-                std::string found = findIn(i, tried, anyCase);
+        for (const fs::path& name : names) {
+            for (const fs::path& folder : folders) {
+                std::string found = findFrom(folder, name, anyCase);
                 if (!found.empty()) return found;
             }
         }
@@ -52,13 +44,29 @@ std::string FileFinder::find(const std::string& name) {
     return "";
 }
 
-std::string FileFinder::findIn(std::size_t folder, const fs::path& name, bool anyCase) {
-    const fs::path& root = folders[folder];
-    fs::path below = name.is_absolute() ? name.lexically_relative(root) : name.lexically_normal();
-    if (below.empty() || *below.begin() == ".." || *below.begin() == ".") return "";
-    if (anyCase) below = withOwnCase(root, below);
-    fs::path file;
-    return !below.empty() && isFileBelow(root, root / below, file) ? file.string() : "";
+/// Folders are left and entered in the text of the name only: none but ours are looked into.
+std::string FileFinder::findFrom(const fs::path& folder, const fs::path& name, bool anyCase) {
+    const fs::path place = (folder / name).lexically_normal();
+    for (const fs::path& root : folders) {
+        fs::path below = place.lexically_relative(root);
+        if (below.empty() || *below.begin() == ".." || *below.begin() == ".") continue;
+        if (anyCase) below = withOwnCase(root, below);
+        std::string file;
+        if (!below.empty() && isOurs(root / below, file)) return file;
+    }
+    return "";
+}
+
+/// Whether the path, all links followed, is a regular file in one of the folders.
+bool FileFinder::isOurs(const fs::path& path, std::string& file) const {
+    std::error_code failure;
+    const fs::path known = fs::canonical(path, failure);
+    if (failure || !fs::is_regular_file(known, failure)) return false;
+    file = known.string();
+    return std::any_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
+        return std::mismatch(folder.begin(), folder.end(), known.begin(), known.end()).first
+               == folder.end();
+    });
 }
 
 /// The name as the folder spells it, part by part; empty when it has no such file.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,15 +16,20 @@ class FileFinder {
   public:
     explicit FileFinder(const std::vector<std::filesystem::path>& searched);
 
-    /// The regular file of this name (as fileNameIn gives it) in the first folder that has one;
-    /// else by its bare name; else so again without regard to case. "": there is none in them.
+    /// The regular file of this name (as fileNameIn gives it), seen from the first folder from
+    /// which there is one that lies in one of them; else by its bare name; else so again without
+    /// regard to case. "": there is none.
     [[nodiscard]] std::string find(const std::string& name);
+    /// The same without looking for the bare name.
+    [[nodiscard]] std::string findPath(const std::string& name);
 
   private:
     using Names = std::vector<std::string>;
 
-    [[nodiscard]] std::string findIn(std::size_t folder, const std::filesystem::path& name,
-                                     bool anyCase);
+    [[nodiscard]] std::string findAny(std::initializer_list<std::filesystem::path> names);
+    [[nodiscard]] std::string findFrom(const std::filesystem::path& folder,
+                                       const std::filesystem::path& name, bool anyCase);
+    [[nodiscard]] bool isOurs(const std::filesystem::path& path, std::string& file) const;
     [[nodiscard]] std::filesystem::path withOwnCase(const std::filesystem::path& folder,
                                                     const std::filesystem::path& name);
     const Names& namesIn(const std::filesystem::path& folder);

@@ -7,6 +7,7 @@
 #include "workbench/notes.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -17,6 +18,12 @@ namespace polyfab {
 
 class FoundPictures {
   public:
+    /// The names that follow stand in another file: there they may mean other pictures.
+    void startFile() {
+        before += std::ssize(named);
+        named.clear();
+    }
+
     /// Null when there is none. Two names of one file give one picture.
     std::shared_ptr<PictureSource> find(const std::string& name, FileFinder& finder) {
         const auto [entry, isNew] = named.try_emplace(name);
@@ -37,7 +44,7 @@ class FoundPictures {
         if (missing.empty()) return "";
         constexpr std::size_t shown = 5;
         std::string text = "I can't find " + counted(std::ssize(missing)) + " of the "
-                           + counted(std::ssize(named)) + " pictures of the materials:";
+                           + counted(before + std::ssize(named)) + " pictures of the materials:";
         for (std::size_t i = 0; i < std::min(shown, missing.size()); ++i) {
             text += (i > 0 ? ", " : " ") + missing[i];
         }
@@ -47,6 +54,7 @@ class FoundPictures {
   private:
     std::map<std::string, std::shared_ptr<PictureSource>> named, inFiles;
     std::vector<std::string> missing;
+    std::ptrdiff_t before = 0; ///< names in the files before
 };
 
 } // namespace polyfab

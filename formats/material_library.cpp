@@ -32,15 +32,15 @@ constexpr std::int64_t maxLibraryBytes = 1 << 26;
 
 using Libraries = std::vector<std::shared_ptr<const MaterialLibrary>>;
 
-/// Adds the library of that name in the line, if there is one.
+/// Adds the library in that file, which the line gives this name, if there is one.
 bool addLibrary(Libraries& libraries, const std::string& meshFolder, const std::string& line,
-                std::string_view name) {
-    std::string path = FileFinder({meshFolder}).find(fileNameIn(name));
+                const std::string& name, std::string path) {
     if (path.empty()) return false;
     std::optional<std::string> text = wholeFile(path, maxLibraryBytes);
     if (!text) return false;
+    if (text->starts_with(byteOrderMark)) text->erase(0, byteOrderMark.size());
     libraries.push_back(std::make_shared<const MaterialLibrary>(
-        MaterialLibrary{line, fileNameIn(name), std::move(path), meshFolder, std::move(*text)}));
+        MaterialLibrary{line, name, std::move(path), meshFolder, std::move(*text)}));
     return true;
 }
 
@@ -48,16 +48,24 @@ FileFinder finderOf(const MaterialLibrary& library) {
     return FileFinder({folderOf(library.path), library.meshFolder});
 }
 
-/// What follows "mtllib" is one name or, where no such file is, several.
+/// What follows "mtllib" is one name or, where no such file is, several. The bare name of all of
+/// it comes last: it is that of the last of several.
 Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines) {
     Libraries libraries;
     std::error_code failure; // the folder stays when another start looks for its files
     const std::string folder = fs::absolute(folderOf(path), failure);
     for (const std::string& named : lines) {
         const std::string line(trimTrailingBlanks(named));
-        if (addLibrary(libraries, folder, line, line)) continue;
+        const std::string whole = fileNameIn(line);
+        FileFinder finder({folder});
+        if (addLibrary(libraries, folder, line, whole, finder.findPath(whole))) continue;
+        bool found = false;
         std::istringstream words(line);
-        for (std::string word; words >> word;) addLibrary(libraries, folder, line, word);
+        for (std::string word; words >> word;) {
+            const std::string name = fileNameIn(word);
+            found |= addLibrary(libraries, folder, line, name, finder.find(name));
+        }
+        if (!found) addLibrary(libraries, folder, line, whole, finder.find(whole));
     }
     return libraries;
 }
@@ -71,6 +79,7 @@ class LooksReader {
 
     void read(const MaterialLibrary& library, MaterialLooks& looks) {
         FileFinder finder = finderOf(library);
+        pictures.startFile();
         for (const LibraryMaterial& material : readLibraryText(library.text)) {
             const auto found = wanted.find(material.name);
             if (found == wanted.end()) continue;
@@ -231,6 +240,12 @@ fs::path placeFor(const std::string& name, const fs::path& folder) {
                : folder / below.filename();
 }
 
+/// Also a link that leads anywhere, or nowhere.
+bool isThere(const fs::path& path) {
+    std::error_code failure;
+    return fs::exists(fs::symlink_status(path, failure));
+}
+
 void writeOne(const fs::path& path, const std::string& text) {
     SaveFile file;
     bool written = file.open(path);
@@ -284,16 +299,18 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
     const Libraries libraries = librariesRead(line);
     const fs::path folder = folderOf(path);
     FileFinder finder({folder});
-    bool hasAll = false;
+    std::vector<std::pair<fs::path, std::string>> texts; // by where they come to lie
     for (const auto& library : libraries) {
-        if (!finder.find(library->name).empty()) continue;
         const fs::path place = placeFor(library->name, folder);
-        std::string text = movedText(*library, place.parent_path());
-        if (!std::exchange(hasAll, true)) {
-            text += missingSections(mesh, libraries, place.parent_path());
-        }
-        writeOne(place, text);
+        if (isThere(place) || !finder.find(library->name).empty()) continue;
+        auto text = std::find_if(texts.begin(), texts.end(),
+                                 [&](const auto& other) { return other.first == place; });
+        if (text == texts.end()) text = texts.insert(text, {place, ""});
+        text->second += movedText(*library, place.parent_path());
     }
+    if (texts.empty()) return;
+    texts.front().second += missingSections(mesh, libraries, texts.front().first.parent_path());
+    for (const auto& [place, text] : texts) writeOne(place, text);
 } catch (const std::bad_alloc&) {
     note("there is not enough memory to write the materials");
 }

@@ -19,6 +19,9 @@ namespace polyfab {
 inline constexpr std::size_t maxCountedLine = 127;
 inline constexpr std::size_t maxObjLine = 1023;
 
+/// Editors put it before the first line of OBJ files and material libraries.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 [[nodiscard]] inline bool isLineEnd(char c) { return c == '\n' || c == '\r'; }
 [[nodiscard]] inline bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 

@@ -124,9 +124,6 @@ const Reader::Keyword Reader::keywords[] = {
     {"actor", &Reader::actor},   {"prop", &Reader::prop},         {"geomcustom", &Reader::section},
 };
 
-/// Editors put it before the first line.
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 /// What ends in a backslash there does not go on.
 bool isComment(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t");

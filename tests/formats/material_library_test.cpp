@@ -125,5 +125,40 @@ TEST_F(MaterialFiles, ACopyOfTheMeshTakesItsLibraryAlong) {
               "map_d gone.png\n\nnewmtl none\nKd 0.501961 0.501961 0.501961\n");
 }
 
+TEST_F(MaterialFiles, SeveralLibrariesOfOneNameKeepTheirOwnPicturesAndGoIntoOneFile) {
+    for (const char* const side : {"a", "b"}) {
+        const std::string in = std::string("in/") + side;
+        std::filesystem::create_directories(folder.path(in));
+        folder.write(in + "/l.mtl", std::string("\xEF\xBB\xBFnewmtl ") + side
+                                        + "\nKd 1 0 0\nmap_Kd t.png\nmap_d ../top.tga\n");
+        folder.write(in + "/t.png", "");
+    }
+    readNamedMeshFile(mesh("in/m.obj", "mtllib a/l.mtl ./b/l.mtl", {"a", "b"}));
+    const auto pictures = [] {
+        std::string paths;
+        for (const char* const name : {"a", "b"}) paths += lookOf(name)->picture->path() + "\n";
+        return paths;
+    };
+    const std::string own = folder.path("in/a/t.png") + "\n" + folder.path("in/b/t.png") + "\n";
+    EXPECT_EQ(pictures(), own);
+    const auto copyTo = [&](const std::string& path) {
+        std::filesystem::create_directories(
+            folder.path(path).substr(0, folder.path(path).rfind('/')));
+        shown.files = {folder.path(path)};
+        writeObjMeshFile();
+    };
+    copyTo("in/copy/m.obj");
+    EXPECT_EQ(folder.read("in/copy/l.mtl"),
+              "newmtl a\nKd 1 0 0\nmap_Kd ../a/t.png\nmap_d ../top.tga\n"
+              "newmtl b\nKd 1 0 0\nmap_Kd ../b/t.png\nmap_d ../top.tga\n");
+
+    // What is there is left alone, whatever it is.
+    folder.write("kept.mtl", "mine");
+    std::filesystem::create_directories(folder.path("in/link"));
+    std::filesystem::create_symlink(folder.path("kept.mtl"), folder.path("in/link/l.mtl"));
+    copyTo("in/link/m.obj");
+    EXPECT_EQ(folder.read("kept.mtl"), "mine");
+}
+
 } // namespace
 } // namespace polyfab
