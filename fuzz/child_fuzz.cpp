@@ -45,6 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const char* const fault = check(*OB);
     demand(fault == nullptr, fault);
     for (const std::string& line : shown.log) {
+        if (!line.starts_with("message")) continue; // notes have names out of the file
         demand(line.find("makes no sense") == std::string::npos, "the child wrote nonsense");
         demand(line.find("mesh fault") == std::string::npos, "the mesh is damaged");
     }
