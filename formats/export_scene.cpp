@@ -247,9 +247,13 @@ struct Preferred {
 /// coordinates, but its binary FBX files cannot be read again, not even by itself.
 constexpr Preferred preferred[] = {{"stl", "stlb"}, {"ply", "plyb"}, {"fbx", "fbxa"}};
 
+/// The library's exporter of such files opens their folder in their place.
+constexpr std::string_view neverWritten = "pbrt";
+
 /// The library's name of the format of that suffix; null: it has none.
 const char* formatOf(const AssimpLibrary& assimp, std::string_view suffix) {
     const char* found = nullptr;
+    if (suffix == neverWritten) return found;
     for (std::size_t i = 0; i < assimp.aiGetExportFormatCount(); ++i) {
         const aiExportFormatDesc& format = *assimp.aiGetExportFormatDescription(i);
         if (suffix != format.fileExtension) continue;
