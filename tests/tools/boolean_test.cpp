@@ -217,6 +217,19 @@ TEST_F(BooleanTest, EscapeAtAnyTimeChangesNothing) {
     EXPECT_GT(looks, 4);
 }
 
+TEST_F(BooleanTest, SpikesDoNotSpoilAReentrantFace) {
+    constexpr int xs[] = {0, 2, 2, 1, 1, 0}, ys[] = {0, 0, 1, 1, 2, 2};
+    for (int i = 0; i < 12; ++i) OB->addPoint(xs[i % 6], ys[i % 6], i / 6, false);
+    OB->addPoint(1.5, 1, 0, false);
+    addFace({4, 3, 2, 12, 2, 1, 0, 5});
+    addFace({6, 7, 8, 9, 10, 11});
+    for (int i = 0; i < 6; ++i) addFace({i, (i + 1) % 6, 6 + (i + 1) % 6, 6 + i});
+    for (const char* const keep : {"u", "i"}) {
+        EXPECT_NEAR(weld(keep).volume, 3, 1e-9);
+        EXPECT_EQ(measure().open, 0);
+    }
+}
+
 TEST_F(BooleanTest, HollowsBelongToTheBodyAroundThem) {
     const auto build = [this] {
         emptyMesh();

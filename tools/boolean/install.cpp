@@ -266,6 +266,9 @@ class Installer {
             corners.push_back(makeCorner.at(corner));
             corners.back().edgeuse = 0;
         }
+        dropSpikes(corners, [&](const DraftCorner& a, const DraftCorner& b) {
+            return makeCorner.pointFor(a.p) == makeCorner.pointFor(b.p);
+        });
     }
 
     void turnOver() {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace polyfab::boolean {
@@ -33,9 +34,7 @@ class SoupMaker {
         }
         list.clear();
         for (const FaceCorner& corner : corners(face)) list.push_back(placeOf(corner));
-        // A corner at the place of the one before it makes no side.
-        list.erase(std::unique(list.begin(), list.end()), list.end());
-        while (list.size() > 1 && list.front() == list.back()) list.pop_back();
+        dropSpikes(list, std::equal_to());
         if (list.size() < 3) return;
         const std::int32_t first = sizeOf(soup.triangles);
         soup.polygons.push_back({indexIn(mesh.faces, &face), first, 0});
@@ -91,29 +90,35 @@ class SoupMaker {
         const std::size_t n = list.size();
         if (n == 3) return addTriangle(0, 1, 2);
         const int axis = broadAxis();
-        if (n <= mostForBest ? cutBest(axis) : cutNotched(axis)) return;
+        if (n > mostForBest ? cutNotched(axis) : cutBest(axis, false) || cutBest(axis, true))
+            return;
         for (std::size_t k = 2; k < n; ++k) addTriangle(0, k - 1, k);
+    }
+
+    [[nodiscard]] double areaOf(std::size_t i, std::size_t k, std::size_t j) const {
+        const Vec3 normal = cross(at(k) - at(i), at(j) - at(i));
+        return std::sqrt(dot(normal, normal));
     }
 
     /// 0 for a sliver.
     [[nodiscard]] double shapeOf(std::size_t i, std::size_t k, std::size_t j) const {
         const Vec3 &a = at(i), &b = at(k), &c = at(j);
-        const Vec3 normal = cross(b - a, c - a);
-        return std::sqrt(dot(normal, normal))
+        return areaOf(i, k, j)
                / (squaredDistance(a, b) + squaredDistance(b, c) + squaredDistance(c, a));
     }
 
     /// The way to cut it whose worst triangle has the best shape, chain by chain: slivers along
     /// sides that are nearly straight would lie in any plane, and meet what the polygon itself does
-    /// not. False, and nothing done, where sides cross.
-    bool cutBest(int axis) {
+    /// not. Where sides cross there is none but with triangles that run the wrong way, as small as
+    /// can be: whether to look for that.
+    bool cutBest(int axis, bool backwards) {
         const std::size_t n = list.size();
         best.assign(n * n, {infinite, 0});
         for (std::size_t span = 2; span < n; ++span) {
-            for (std::size_t i = 0; i + span < n; ++i) chooseTip(i, i + span, axis);
+            for (std::size_t i = 0; i + span < n; ++i) chooseTip(i, i + span, axis, backwards);
             effort.goesOn(static_cast<std::int64_t>(span * (n - span)));
         }
-        if (best[n - 1].shape < 0) return false;
+        if (best[n - 1].shape == -infinite) return false;
         addBest(0, n - 1);
         return true;
     }
@@ -123,13 +128,15 @@ class SoupMaker {
         std::size_t tip;
     };
 
-    void chooseTip(std::size_t i, std::size_t j, int axis) {
+    void chooseTip(std::size_t i, std::size_t j, int axis, bool backwards) {
         const std::size_t n = list.size();
-        Chain& chosen = best[i * n + j] = {-1, i + 1};
+        Chain& chosen = best[i * n + j] = {-infinite, i + 1};
         for (std::size_t k = i + 1; k < j; ++k) {
             const double rest = std::min(best[i * n + k].shape, best[k * n + j].shape);
-            if (!(rest > chosen.shape) || !turnsAt(i, k, j, axis)) continue;
-            const double shape = std::min(rest, shapeOf(i, k, j));
+            if (!(rest > chosen.shape)) continue;
+            const bool turns = turnsAt(i, k, j, axis);
+            if (!turns && !backwards) continue;
+            const double shape = std::min(rest, turns ? shapeOf(i, k, j) : -areaOf(i, k, j));
             if (shape > chosen.shape) chosen = {shape, k};
         }
     }

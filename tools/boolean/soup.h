@@ -42,6 +42,31 @@ class Sets {
     std::vector<std::int32_t> into;
 };
 
+/// Takes out of a ring what makes no side or a spike: corners that are the same as their neighbour,
+/// and ways to a corner and back.
+template <typename Corner, typename Same>
+void dropSpikes(std::vector<Corner>& ring, Same same) {
+    std::vector<Corner> kept;
+    for (const Corner& corner : ring) {
+        const std::size_t n = kept.size();
+        if (n > 0 && same(kept[n - 1], corner)) continue;
+        n > 1 && same(kept[n - 2], corner) ? kept.pop_back() : kept.push_back(corner);
+    }
+    std::size_t first = 0, end = kept.size();
+    while (end - first > 1) {
+        const bool isLong = end - first > 2;
+        if (same(kept[first], kept[end - 1]) || (isLong && same(kept[first], kept[end - 2]))) {
+            --end;
+        } else if (isLong && same(kept[first + 1], kept[end - 1])) {
+            ++first;
+        } else {
+            break;
+        }
+    }
+    ring.assign(kept.begin() + static_cast<std::ptrdiff_t>(first),
+                kept.begin() + static_cast<std::ptrdiff_t>(end));
+}
+
 /// A pair of numbers as one.
 [[nodiscard]] inline std::int64_t keyOf(std::int32_t from, std::int32_t to) {
     return std::int64_t{from} << 32 | static_cast<std::uint32_t>(to);
