@@ -6,6 +6,7 @@
 #include "display/material_looks.h"
 #include "formats/face_order.h"
 #include "formats/file_command.h"
+#include "formats/written_parts.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
 #include "mesh/garbage.h"
@@ -392,13 +393,16 @@ void Writer::writeMaterialGroups() {
     }
 }
 
-Sentences lossesOf(const Mesh& mesh, const Losses& losses, bool ordinary) {
+Sentences lossesOf(const Mesh& mesh, bool onlySelected, const Losses& losses, bool ordinary) {
     Sentences list;
+    const WrittenParts written = writtenParts(mesh, onlySelected);
     addCount(list, losses.rounded, "{number} {has} more digits than a 3DS file keeps");
     addCount(list, losses.cut, "{face} {has} more than 3 corners and {was} cut into triangles");
-    addCount(list, ordinary ? 0 : mesh.nt,
-             "{texture coordinate} {was} left out: export keeps them");
-    addCount(list, mesh.nd, "{normal} {was} left out: a 3DS file has none");
+    addCount(list, ordinary ? 0 : written.texcoords,
+             "{texture coordinate} {was} left out: export keeps {it}");
+    addCount(list, written.normals, "{normal} {was} left out: a 3DS file has none");
+    addCount(list, written.doubleNames, "{material} {has} the name of another: the file has one");
+    addCount(list, written.loosePoints, "{point} of no face {was} left out");
     return list;
 }
 
@@ -424,7 +428,7 @@ int write3dsFile(Mesh& mesh, const std::string& path, Wanted wanted) try {
     if (!file.commit()) return fail("can't open file", path);
     workbench.wholeMeshWritten = !onlySelected && writer.leftOut == 0;
     noteSaved(path, countFaces(mesh, onlySelected) - writer.leftOut);
-    noteAll(lossesOf(mesh, writer.losses, false));
+    noteAll(lossesOf(mesh, onlySelected, writer.losses, false));
     if (writer.leftOut > 0) {
         fail(std::to_string(writer.leftOut)
                  + " faces were not written: their groups have no selected face",
@@ -441,7 +445,7 @@ std::string append3ds(SaveFile& file, const Mesh& mesh, bool onlySelected,
     std::string fault = writer.write();
     if (!fault.empty()) return fault;
     file.append(writer.out.text());
-    lost = lossesOf(mesh, writer.losses, true);
+    lost = lossesOf(mesh, onlySelected, writer.losses, true);
     return fault;
 }
 

@@ -2,6 +2,7 @@
 #include "formats/dxf_writer.h"
 
 #include "formats/file_command.h"
+#include "formats/written_parts.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
@@ -31,7 +32,6 @@ constexpr const char* tail = "0\nENDSEC\n0\nEOF\n";
 
 /// What the reader of the file will not find as it was.
 struct Losses {
-    std::int64_t rounded = 0;   ///< numbers
     std::int64_t collapsed = 0; ///< faces whose corners come to lie in one or two places
     std::int64_t cut = 0;       ///< faces
 };
@@ -103,23 +103,34 @@ Entity exactEntity(const Mesh& mesh, int material) {
 
 double rounded(double value) { return std::round(value * 1000) / 1000; }
 
-/// Counts what three decimals do to the face.
-void countRounded(Corners corners, Losses& losses) {
+/// Counts a face that three decimals leave without area.
+void countCollapsed(Corners corners, Losses& losses) {
     const auto place = [](const FaceCorner& corner) {
         const Point& p = *corner.p;
         return std::array{rounded(p.x), rounded(p.y), rounded(p.z)};
     };
-    const std::int64_t before = losses.rounded;
+    bool changed = false;
     std::size_t places = 0;
     auto last = place(corners.back());
     for (const FaceCorner& corner : corners) {
         const auto here = place(corner);
         const Point& p = *corner.p;
-        losses.rounded += (here[0] != p.x) + (here[1] != p.y) + (here[2] != p.z);
+        changed |= here != std::array{p.x, p.y, p.z};
         places += here != last;
         last = here;
     }
-    losses.collapsed += losses.rounded > before && places < 3;
+    losses.collapsed += changed && places < 3;
+}
+
+/// The numbers that lose something by three decimals.
+std::int64_t countRounded(const Mesh& mesh, const WrittenParts& written) {
+    std::int64_t count = 0;
+    for (std::size_t i = 0; i < written.points.size(); ++i) {
+        const Point& p = mesh.points[i];
+        if (!written.points[i]) continue;
+        count += (rounded(p.x) != p.x) + (rounded(p.y) != p.y) + (rounded(p.z) != p.z);
+    }
+    return count;
 }
 
 /// A longer number than that makes a line which readers cut in two.
@@ -158,22 +169,29 @@ bool writeFaces(SaveFile& file, const Mesh& mesh, bool onlySelected, const std::
             workbench.wholeMeshWritten = false;
             return true;
         }
-        countRounded(fan, losses);
+        countCollapsed(fan, losses);
         writeFan(file, plainEntity, fan);
         if (face.mat != 0) writeLayer(file, mesh, face.mat);
         return true;
     });
 }
 
-Sentences lossesOf(const Mesh& mesh, const Losses& losses) {
+/// `plain`: with three decimals and no colours.
+Sentences lossesOf(const Mesh& mesh, bool onlySelected, const Losses& losses, bool plain) {
     Sentences list;
-    addCount(list, losses.rounded, "{number} {has} more than three decimals: export keeps them");
+    const WrittenParts written = writtenParts(mesh, onlySelected);
+    addCount(list, plain ? countRounded(mesh, written) : 0,
+             "{number} {has} more than three decimals: export keeps {it}");
     addCount(list, losses.collapsed,
-             "{face} {has} no area left in three decimals: export keeps it");
+             "{face} {has} no area left in three decimals: export keeps {it}");
     addCount(list, losses.cut, "{face} {has} more than 4 corners and {was} cut into 3DFACEs");
-    addCount(list, mesh.ng > 1 ? mesh.ng : 0, "{group} {was} left out: a DXF file has none");
-    addCount(list, mesh.nt, "{texture coordinate} {was} left out: a DXF file has none");
-    addCount(list, mesh.nd, "{normal} {was} left out: a DXF file has none");
+    addCount(list, written.groups > 1 ? written.groups : 0,
+             "{group} {was} left out: a DXF file has none");
+    addCount(list, plain ? written.colored : 0,
+             "{material} {has} a colour that was left out: export keeps {it}");
+    addCount(list, written.texcoords, "{texture coordinate} {was} left out: a DXF file has none");
+    addCount(list, written.normals, "{normal} {was} left out: a DXF file has none");
+    addCount(list, written.loosePoints, "{point} of no face {was} left out");
     return list;
 }
 
@@ -193,7 +211,7 @@ int writeDxfFile(const Mesh& mesh, const std::string& path, Wanted wanted) {
     if (!written) workbench.wholeMeshWritten = false;
     if (!written) return 0;
     noteSaved(path, countFaces(mesh, onlySelected));
-    noteAll(lossesOf(mesh, losses));
+    noteAll(lossesOf(mesh, onlySelected, losses, true));
     return 1;
 }
 
@@ -207,7 +225,7 @@ void appendDxf(SaveFile& file, const Mesh& mesh, bool onlySelected, Sentences& l
         return true;
     }));
     file.append(tail);
-    lost = lossesOf(mesh, losses);
+    lost = lossesOf(mesh, onlySelected, losses, false);
 }
 
 } // namespace polyfab

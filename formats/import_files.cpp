@@ -50,7 +50,7 @@ int openRegular(const std::string& path) {
 
 bool isPartOfName(char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return std::isalnum(byte) != 0 || byte >= 0x80 || c == '_' || c == '-' || c == '.';
+    return std::isalnum(byte) != 0 || byte >= 0x80 || c == '_' || c == '-' || c == '.' || c == '%';
 }
 
 /// As the last part of a path or alone, not as a part of another name or as a folder.
@@ -94,7 +94,10 @@ aiFile* ImportFiles::open(aiFileIO* io, const char* path, const char* mode) {
 }
 
 int ImportFiles::openFile(const std::string& path) {
-    const std::string place = realPath(path);
+    std::error_code failure;
+    // Names that come as parts of addresses have blanks and the like in codes.
+    const bool coded = path.find('%') != std::string::npos && !fs::exists(path, failure);
+    const std::string place = realPath(coded ? withoutPercents(path) : path);
     const bool inReach = place == realMain || isBelow(place, realFolder);
     const int file = inReach ? openRegular(place) : -1;
     if (file >= 0) return file;

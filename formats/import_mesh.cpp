@@ -14,6 +14,7 @@
 #include "formats/save_exported.h"
 #include "formats/stream_looks.h"
 #include "formats/stream_mesh.h"
+#include "formats/written_parts.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
 #include "mesh/mesh.h"
@@ -148,6 +149,8 @@ std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::p
     StreamTables tables = tablesOf(mesh, onlySelected);
     giveLooks(mesh, tables, target, written.parent_path());
     losses = exportLosses(mesh, tables, target);
+    addCount(losses, writtenParts(mesh, onlySelected).loosePoints,
+             "{point} of no face {was} left out");
     const int input = streamFile(tables);
     if (input < 0) return noRoom;
     std::vector<char> bytes;

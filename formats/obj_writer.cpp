@@ -238,8 +238,8 @@ bool writeMesh(SaveFile& file, const Mesh& mesh, bool onlySelected, unsigned fla
 }
 
 void noteLosses(const Losses& losses) {
-    noteCount(losses.rounded, "{number} {has} more than six digits: export keeps them");
-    noteCount(losses.longFaces, "{line} {is} longer than 1,023 characters: export parts them");
+    noteCount(losses.rounded, "{number} {has} more than six digits: export keeps {it}");
+    noteCount(losses.longFaces, "{line} {is} longer than 1,023 characters: export parts {it}");
 }
 
 int fail(const std::string& path) {

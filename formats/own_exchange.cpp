@@ -12,6 +12,7 @@
 #include "formats/obj_reader.h"
 #include "formats/obj_writer.h"
 #include "formats/stream_looks.h"
+#include "formats/written_parts.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"
@@ -75,6 +76,8 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
     const unsigned variant = endsIn(target.chosen, ".obj-")   ? objRelative
                              : endsIn(target.chosen, ".obj#") ? objTrace
                                                               : objPlain;
+    addCount(target.lost, writtenParts(mesh, target.onlySelected).doubleNames,
+             "{material} {has} the name of another: the file has one");
     return makeFile(target.file, [&](SaveFile& file) {
         return appendObj(file, mesh, target.onlySelected, objLossless | variant, library);
     });

@@ -7,6 +7,7 @@
 #include "formats/import_stream.h"
 #include "formats/mesh_formats.h"
 #include "formats/stream_mesh.h"
+#include "io/file_name.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
@@ -31,25 +32,6 @@ namespace {
 namespace fs = std::filesystem;
 
 // Import.
-
-int hexDigit(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (std::isxdigit(byte) == 0) return -1;
-    return std::isdigit(byte) != 0 ? c - '0' : std::tolower(byte) - 'a' + 10;
-}
-
-/// Some formats name files as addresses of the web do, "%20" for a blank.
-std::string withoutPercents(const std::string& name) {
-    std::string plain;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        const bool coded = name[i] == '%' && i + 2 < name.size() && hexDigit(name[i + 1]) >= 0
-                           && hexDigit(name[i + 2]) >= 0;
-        plain +=
-            coded ? static_cast<char>(hexDigit(name[i + 1]) * 16 + hexDigit(name[i + 2])) : name[i];
-        i += coded ? 2 : 0;
-    }
-    return plain;
-}
 
 class LooksTaker {
   public:

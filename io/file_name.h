@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 
@@ -9,5 +10,8 @@ namespace polyfab {
 [[nodiscard]] inline std::string fileNameOf(const std::string& path) {
     return path.substr(path.find_last_of('/') + 1);
 }
+
+/// Some formats name files as addresses of the web do, "%20" for a blank.
+[[nodiscard]] std::string withoutPercents(std::string_view name);
 
 } // namespace polyfab

@@ -139,7 +139,8 @@ void removeTemporaries() {
 }
 
 void removeTemporariesOnSignals() {
-    for (const int signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT}) {
+    for (const int signal :
+         {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
         struct sigaction action {};
         ::sigaction(signal, nullptr, &action);
         if (action.sa_handler == SIG_DFL) std::signal(signal, removeAndEnd);

@@ -15,7 +15,7 @@ std::string told;
 struct Verb {
     std::string_view one, many;
 };
-constexpr Verb verbs[] = {{"is", "are"}, {"was", "were"}, {"has", "have"}};
+constexpr Verb verbs[] = {{"is", "are"}, {"was", "were"}, {"has", "have"}, {"it", "them"}};
 
 std::string plural(std::string_view word) {
     const auto* const verb = std::find_if(std::begin(verbs), std::end(verbs),

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 namespace polyfab {
 namespace {
@@ -101,6 +103,17 @@ std::optional<Event> parseMouse(std::string_view text) {
     return Event{.kind = EventKind::mouse, .x = *x, .y = *y, .buttons = unsigned(*buttons)};
 }
 
+namespace {
+
+/// A regular file or a pipe, which a shell makes of what another program prints.
+bool hasAnEnd(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::file_status status = std::filesystem::status(path, failure);
+    return std::filesystem::is_regular_file(status) || std::filesystem::is_fifo(status);
+}
+
+} // namespace
+
 std::string expandArgumentFiles(std::vector<std::string>& args) {
     std::vector<std::string> expanded;
     for (const std::string& arg : args) {
@@ -108,8 +121,9 @@ std::string expandArgumentFiles(std::vector<std::string>& args) {
             expanded.push_back(arg);
             continue;
         }
-        std::ifstream file(arg.substr(1));
-        if (!file) return "cannot read the argument file " + arg.substr(1);
+        std::ifstream file;
+        if (hasAnEnd(arg.substr(1))) file.open(arg.substr(1));
+        if (!file.is_open()) return "cannot read the argument file " + arg.substr(1);
         for (std::string line; std::getline(file, line);) {
             if (line.ends_with('\r')) line.pop_back();
             const bool blank = line.find_first_not_of(" \t") == std::string::npos;

@@ -187,7 +187,7 @@ TEST_F(Lossless, ThreeDsKeepsAxesNamesAndColours) {
     for (const bool exported : {false, true}) {
         const std::string cut = "6 faces have more than 3 corners and were cut into triangles; ";
         EXPECT_EQ(exported ? exportTo("b.3ds") : told(write3dsMeshFile, "a.3ds"),
-                  cut + (exported ? "" : "1 texture coordinate was left out: export keeps them; "));
+                  cut + (exported ? "" : "1 texture coordinate was left out: export keeps it; "));
         std::ostringstream corners;
         for (const FaceCorner* c = OB->faces[0].q; c != OB->faces[0].q + 3; ++c) {
             corners << c->p->x << ' ' << c->p->y << ' ' << c->p->z << "; ";
@@ -227,12 +227,15 @@ TEST_F(Lossless, DxfKeepsSmallFacesByExport) {
         OB->points[i].y *= 1e-4;
         OB->points[i].z *= 1e-4;
     }
-    const std::string groups = "4 groups were left out: a DXF file has none; ";
+    OB->addPoint(9, 9, 9, false); // of no face
+    const std::string groups = "3 groups were left out: a DXF file has none; ";
+    const std::string loose = "1 point of no face was left out; ";
     EXPECT_EQ(told(writeDxfMeshFile, "a.dxf"),
-              "72 numbers have more than three decimals: export keeps them; 6 faces have no area "
-              "left in three decimals: export keeps it; "
-                  + groups);
-    EXPECT_EQ(exportTo("b.dxf"), groups);
+              "24 numbers have more than three decimals: export keeps them; 6 faces have no area "
+              "left in three decimals: export keeps them; "
+                  + groups + "2 materials have a colour that was left out: export keeps them; "
+                  + loose);
+    EXPECT_EQ(exportTo("b.dxf"), groups + loose);
     EXPECT_EQ(import("b.dxf"), "");
     EXPECT_EQ(std::tuple(OB->nf, OB->np), std::tuple(6, 8));
     EXPECT_EQ(std::fabs(OB->points[0].x), 1e-4);

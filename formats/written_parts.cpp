@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/written_parts.h"
+
+#include "mesh/faces.h"
+#include "mesh/mesh.h"
+
+#include <algorithm>
+#include <map>
+#include <new>
+#include <string_view>
+
+namespace polyfab {
+namespace {
+
+/// Marks that of the array which is there.
+template <typename T>
+void mark(std::vector<bool>& marks, const T* array, const T* element) {
+    if (element != nullptr) marks[static_cast<std::size_t>(element - array)] = true;
+}
+
+void mark(std::vector<bool>& marks, int index) {
+    if (index >= 0 && index < static_cast<int>(marks.size())) {
+        marks[static_cast<std::size_t>(index)] = true;
+    }
+}
+
+std::int64_t count(const std::vector<bool>& marks) {
+    return std::count(marks.begin(), marks.end(), true);
+}
+
+std::vector<bool> none(int size) { return std::vector<bool>(static_cast<std::size_t>(size)); }
+
+} // namespace
+
+WrittenParts writtenParts(const Mesh& mesh, bool onlySelected) try {
+    WrittenParts written;
+    written.points = none(mesh.np);
+    std::vector<bool> inGroups = none(mesh.ng), inMaterials = none(mesh.nmat),
+                      places = none(mesh.nt), directions = none(mesh.nd);
+    for (const Face& face : liveFaces(mesh)) {
+        if (onlySelected && face.selected == 0) continue;
+        mark(inGroups, face.g);
+        mark(inMaterials, face.mat);
+        for (const FaceCorner& corner : corners(face)) {
+            mark(written.points, mesh.points, corner.p);
+            mark(places, mesh.texcoords, corner.t);
+            mark(directions, mesh.normals, corner.d);
+        }
+    }
+    written.groups = count(inGroups);
+    written.texcoords = count(places);
+    written.normals = count(directions);
+    if (!onlySelected) written.loosePoints = mesh.np - count(written.points);
+    std::map<std::string_view, std::uint32_t> colors;
+    for (int i = 0; i < mesh.nmat; ++i) {
+        if (!inMaterials[static_cast<std::size_t>(i)]) continue;
+        const Material& material = mesh.materials[i];
+        written.colored += material.color != defaultColor;
+        const auto entry = colors.try_emplace(material.name, material.color).first;
+        written.doubleNames += entry->second != material.color;
+    }
+    return written;
+} catch (const std::bad_alloc&) {
+    return {};
+}
+
+} // namespace polyfab

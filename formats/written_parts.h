@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the faces that are written have of a mesh, for the sentences on what gets lost.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace polyfab {
+
+struct Mesh;
+
+struct WrittenParts {
+    std::vector<bool> points; ///< of the mesh: whether such a face has it
+    std::int64_t groups = 0, texcoords = 0, normals = 0;
+    std::int64_t colored = 0;     ///< materials that have a colour
+    std::int64_t doubleNames = 0; ///< those with the name of an earlier one, in another colour
+    std::int64_t loosePoints = 0; ///< of no live face; 0 where only selected faces are written
+};
+
+/// Of the live faces, or of those that are selected. Without memory for it there is none.
+[[nodiscard]] WrittenParts writtenParts(const Mesh& mesh, bool onlySelected);
+
+} // namespace polyfab
