@@ -47,8 +47,11 @@ std::uint64_t printOfThose(const std::vector<std::uint32_t>& numbers, const T* a
     inPieces(numbers.size(), pieceSize, [&](std::size_t from, std::size_t to) {
         std::uint64_t part = 0;
         for (std::size_t i = from; i < to; ++i) {
-            // In a mesh of no order the next ones are far apart; they are called for in time.
-            __builtin_prefetch(&array[numbers[std::min(i + 16, to - 1)]]);
+            // In a mesh of no order the next ones are far apart; they are called for in time, also
+            // where one begins at the end of a line of the cache.
+            const T* const next = &array[numbers[std::min(i + 32, to - 1)]];
+            __builtin_prefetch(next);
+            __builtin_prefetch(next + 1);
             part += print(i, array[numbers[i]]);
         }
         sum += part;
