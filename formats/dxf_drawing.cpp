@@ -186,7 +186,7 @@ class DrawingReader {
 
     std::int32_t layerNamed(const std::string& name) {
         const auto [entry, isNew] =
-            layers.try_emplace(name, static_cast<std::int32_t>(drawing.layers.size()));
+            layers.try_emplace(foldedName(name), static_cast<std::int32_t>(drawing.layers.size()));
         if (isNew) {
             drawing.layers.push_back(name);
             drawing.layerColors.push_back(colorOfLayer);
@@ -428,6 +428,11 @@ void DrawingReader::readEntity(std::string_view name) {
 }
 
 } // namespace
+
+std::string foldedName(std::string name) {
+    for (char& c : name) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
+    return name;
+}
 
 DxfDrawing readDxfDrawing(std::string_view file) { return DrawingReader().read(file); }
 

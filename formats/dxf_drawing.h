@@ -53,6 +53,10 @@ struct DxfDrawing {
     std::vector<std::int32_t> layerColors = {colorOfLayer}; ///< 0xRRGGBB; below 0: not told
 };
 
+/// Names of blocks and layers are the same in capitals or not: the key of this one. Of layers the
+/// first spelling is the name.
+[[nodiscard]] std::string foldedName(std::string name);
+
 /// Reads 3DFACE, SOLID and TRACE, POLYLINE where it is a mesh, MESH and INSERT. `file`: the bytes,
 /// of text or binary, followed by a NUL. What makes no sense is left out. std::bad_alloc.
 [[nodiscard]] DxfDrawing readDxfDrawing(std::string_view file);

@@ -38,7 +38,7 @@ class Placer {
   public:
     explicit Placer(const DxfDrawing& source) : drawing(source) {
         for (std::size_t i = 1; i < drawing.blocks.size(); ++i) {
-            blockNamed.try_emplace(drawing.blocks[i].name, i);
+            blockNamed.try_emplace(foldedName(drawing.blocks[i].name), i);
         }
     }
 
@@ -78,7 +78,7 @@ class Placer {
 
     void placeInsert(const DxfInsert& insert, const AffineMap& map, const Resolved& outer,
                      int depth) {
-        const auto found = blockNamed.find(insert.block);
+        const auto found = blockNamed.find(foldedName(insert.block));
         // One that is inserted into itself goes deeper for ever.
         if (found == blockNamed.end() || depth == maxDepth) {
             ++leftOut[found == blockNamed.end() ? "INSERT of no block"

@@ -182,7 +182,7 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
     } rows[] = {
         {"0:3DFACE 8:a 62:1 10:0 11:1 12:1 22:1 13:1 23:1", "default a ff0000 0,0,0 1,0,0 1,1,0; ",
          ""},
-        {"0:LAYER 2:a 420:1122867 0:SOLID 8:a 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
+        {"0:LAYER 2:a 420:1122867 0:SOLID 8:A 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
          "0:LINE",
          "default a 112233 0,0,0 1,0,0 1,1,0 0,1,0; ", "left out as no surface: 2 LINE, 1 TEXT"},
         {"0:POLYLINE 70:64 " + vertexes
@@ -199,7 +199,7 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
                "2:loop",
          "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
          "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
-        {box + "0:INSERT 2:tile 43:-1 42:-1 210:0 220:0 230:-1",
+        {box + "0:INSERT 2:Tile 43:-1 42:-1 210:0 220:0 230:-1",
          "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
     };
     for (const auto& row : rows) {
