@@ -158,11 +158,12 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     setMaterialLooks(nullptr);
 }
 
-// One pair a word: "code:value".
+// One pair a word: "code:value", with "_" for a blank.
 std::string dxfText(const std::string& pairs) {
     std::istringstream words(pairs);
     std::string text;
     for (std::string word; words >> word;) {
+        std::replace(word.begin(), word.end(), '_', ' ');
         text += word.replace(word.find(':'), 1, "\n") + "\n";
     }
     return text;
@@ -175,9 +176,10 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
         "0:ENDBLK 0:ENDSEC 0:SECTION 2:ENTITIES ";
     const std::string vertexes = "0:VERTEX 70:192 10:0 0:VERTEX 70:192 10:1 0:VERTEX 70:192 20:1 ";
     const std::string square = "0:VERTEX 10:0 0:VERTEX 20:1 0:VERTEX 10:1 0:VERTEX 10:1 20:1 ";
+    const std::string longName(63, 'n'), white = " ffffff 0,0,0 1,0,0 1,1,0; ";
     const struct {
         std::string pairs;
-        const char* faces; ///< group, material, colour and corners of each
+        std::string faces; ///< group, material, colour and corners of each
         const char* note;
     } rows[] = {
         {"0:3DFACE 8:a 62:1 10:0 11:1 12:1 22:1 13:1 23:1", "default a ff0000 0,0,0 1,0,0 1,1,0; ",
@@ -199,6 +201,14 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
                "2:loop",
          "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
          "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
+        {"0:LAYER 2:a_2 0:3DFACE 8:a 62:1 11:1 12:1 22:1 0:3DFACE 8:a 62:5 11:1 12:1 22:1 0:3DFACE "
+         "8:A "
+         "62:3 11:1 12:1 22:1",
+         "default a ff0000 0,0,0 1,0,0 1,1,0; default a 3 0000ff 0,0,0 1,0,0 1,1,0; "
+         "default a 4 00ff00 0,0,0 1,0,0 1,1,0; ",
+         ""},
+        {"0:3DFACE 8:" + longName + "x 11:1 12:1 22:1 0:3DFACE 8:" + longName + "y 11:1 12:1 22:1",
+         "default " + longName + white + "default " + longName.substr(0, 52) + " 2" + white, ""},
         {box + "0:INSERT 2:Tile 43:-1 42:-1 210:0 220:0 230:-1",
          "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
     };
