@@ -85,16 +85,20 @@ class Placer {
             for (const auto& [name, count] : block.leftOut) leftOut[name] += count;
         }
         placeFaces(block, number, map, style);
+        unfinished[number] = true;
         for (const DxfInsert& insert : block.inserts) placeInsert(insert, map, style, depth);
+        unfinished[number] = false;
     }
 
     void placeInsert(const DxfInsert& insert, const AffineMap& map, const Resolved& outer,
                      int depth) {
         const auto found = blockNamed.find(foldedName(insert.block));
-        // One that is inserted into itself goes deeper for ever.
-        if (found == blockNamed.end() || depth == maxDepth) {
-            ++leftOut[found == blockNamed.end() ? "INSERT of no block"
-                                                : "block too deep in others"];
+        const char* const fault = found == blockNamed.end()   ? "INSERT of no block"
+                                  : unfinished[found->second] ? "INSERT of a block in itself"
+                                  : depth == maxDepth         ? "block too deep in others"
+                                                              : nullptr;
+        if (fault != nullptr) {
+            if (refused.insert(&insert).second) ++leftOut[fault];
             return;
         }
         const Resolved style = resolve(insert.style, outer);
@@ -196,7 +200,9 @@ class Placer {
     std::map<std::size_t, std::int32_t> groups;
     std::map<std::pair<std::int32_t, std::uint32_t>, std::int32_t> materials;
     std::map<std::string, std::int64_t> leftOut;
-    std::set<std::size_t> known; ///< blocks whose left out entities are counted
+    std::set<std::size_t> known;        ///< blocks whose left out entities are counted
+    std::set<const DxfInsert*> refused; ///< counted already, for the block they are in comes often
+    std::vector<bool> unfinished = std::vector<bool>(drawing.blocks.size()); ///< their inserts
     std::vector<std::int32_t> ring;
     std::int64_t placed = 0;
 };

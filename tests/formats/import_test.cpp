@@ -172,8 +172,9 @@ std::string dxfText(const std::string& pairs) {
 TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
     const std::string box =
         "0:SECTION 2:BLOCKS 0:BLOCK 2:tile 10:1 20:1 30:0 0:3DFACE 8:0 62:0 10:1 20:1 "
-        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:loop "
-        "0:ENDBLK 0:ENDSEC 0:SECTION 2:ENTITIES ";
+        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:back "
+        "0:ENDBLK 0:BLOCK 2:back 0:INSERT 2:tile 0:INSERT 2:LOOP 0:ENDBLK 0:ENDSEC 0:SECTION "
+        "2:ENTITIES ";
     const std::string vertexes = "0:VERTEX 70:192 10:0 0:VERTEX 70:192 10:1 0:VERTEX 70:192 20:1 ";
     const std::string square = "0:VERTEX 10:0 0:VERTEX 20:1 0:VERTEX 10:1 0:VERTEX 10:1 20:1 ";
     const std::string longName(63, 'n'), white = " ffffff 0,0,0 1,0,0 1,1,0; ";
@@ -199,11 +200,11 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
         {box
              + "0:INSERT 8:b 62:3 2:tile 10:5 41:2 50:90 70:2 44:-10 0:INSERT 2:none 0:INSERT "
                "2:loop",
-         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
-         "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
-        {"0:LAYER 2:a_2 0:3DFACE 8:a 62:1 11:1 12:1 22:1 0:3DFACE 8:a 62:5 11:1 12:1 22:1 0:3DFACE "
-         "8:A "
-         "62:3 11:1 12:1 22:1",
+         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; "
+         "tile 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ",
+         "left out as no surface: 1 INSERT of a block in itself, 1 INSERT of no block"},
+        {"0:LAYER 2:a_2 0:3DFACE 8:a 62:1 11:1 12:1 22:1 0:3DFACE 8:a 62:5 11:1 12:1 22:1 "
+         "0:3DFACE 8:A 62:3 11:1 12:1 22:1",
          "default a ff0000 0,0,0 1,0,0 1,1,0; default a 3 0000ff 0,0,0 1,0,0 1,1,0; "
          "default a 4 00ff00 0,0,0 1,0,0 1,1,0; ",
          ""},
