@@ -18,10 +18,21 @@
 namespace polyfab {
 namespace {
 
+/// Too large, or in words such as "nan", "-inf" and "1.#IND".
+bool isBeyond(const DxfPair& pair) {
+    return !std::isfinite(pair.number) || pair.text.find_first_of("nN") != pair.text.npos;
+}
+
 /// The pairs of one entity. Of several of a code the last counts.
 class Fields {
   public:
-    void clear() { pairs.clear(); }
+    /// Numbers beyond all bounds among those that were asked for.
+    std::int64_t beyond = 0;
+
+    void clear() {
+        pairs.clear();
+        beyond = 0;
+    }
     void add(const DxfPair& pair) { pairs.push_back(pair); }
     [[nodiscard]] std::span<const DxfPair> all() const { return pairs; }
 
@@ -34,19 +45,23 @@ class Fields {
         const DxfPair* const pair = find(code);
         return pair == nullptr ? std::string_view{} : pair->text;
     }
-    [[nodiscard]] double real(int code, double otherwise = 0) const {
+    /// The number of the pair; 0, and counted, where it is beyond all bounds.
+    [[nodiscard]] double bounded(const DxfPair& pair) {
+        beyond += isBeyond(pair);
+        return isBeyond(pair) ? 0 : pair.number;
+    }
+    [[nodiscard]] double real(int code, double otherwise = 0) {
         const DxfPair* const pair = find(code);
-        return pair == nullptr || !std::isfinite(pair->number) ? otherwise : pair->number;
+        return pair == nullptr ? otherwise : bounded(*pair);
     }
     [[nodiscard]] int whole(int code, int otherwise = 0) const {
-        const double number = real(code, otherwise);
-        return std::abs(number) < std::numeric_limits<int>::max() ? static_cast<int>(number)
-                                                                  : otherwise;
+        const DxfPair* const pair = find(code);
+        const bool fits =
+            pair != nullptr && std::abs(pair->number) < std::numeric_limits<int>::max();
+        return fits ? static_cast<int>(pair->number) : otherwise;
     }
     /// The position whose x, y and z have the codes `code`, 10 and 20 more.
-    [[nodiscard]] Vec3 place(int code) const {
-        return {real(code), real(code + 10), real(code + 20)};
-    }
+    [[nodiscard]] Vec3 place(int code) { return {real(code), real(code + 10), real(code + 20)}; }
 
   private:
     std::vector<DxfPair> pairs;
@@ -94,7 +109,7 @@ std::string plainName(std::string_view text) {
 
 /// From the coordinates of a flat entity that faces this way to the drawing's: its x axis lies in
 /// the plane of the drawing's x and y, or in that of x and z where the entity nearly does.
-AffineMap mapFrom(const Fields& fields) {
+AffineMap mapFrom(Fields& fields) {
     if (fields.find(210) == nullptr) return {};
     const Vec3 z = unit(fields.place(210));
     if (isZero(z)) return {};
@@ -132,11 +147,10 @@ class DrawingReader {
                 fields.add(pair);
                 continue;
             }
-            readEntity(name);
+            endEntity(name);
             name = pair.text;
-            fields.clear();
         }
-        readEntity(name);
+        endEntity(name);
         endPolyline();
         return std::move(drawing);
     }
@@ -152,6 +166,12 @@ class DrawingReader {
     DxfBlock& block() { return drawing.blocks[present]; }
 
     void readEntity(std::string_view name);
+
+    void endEntity(std::string_view name) {
+        readEntity(name);
+        block().beyond += fields.beyond;
+        fields.clear();
+    }
 
     void leaveOut(std::string_view name) { ++block().leftOut[std::string(name.substr(0, 40))]; }
 
@@ -345,7 +365,7 @@ class DrawingReader {
             if (pair.code == 10) places.emplace_back();
             const int axis = pair.code / 10 - 1;
             if (pair.code % 10 == 0 && axis >= 0 && axis < 3 && !places.empty()) {
-                along(places.back(), axis) = pair.number;
+                along(places.back(), axis) = fields.bounded(pair);
             }
             if (pair.code == 93) left = pair.number;
             if (pair.code == 94) left = 0;

@@ -45,6 +45,7 @@ struct DxfBlock {
     std::vector<DxfFace> faces;
     std::vector<DxfInsert> inserts;
     std::map<std::string, std::int64_t> leftOut; ///< what is no surface, by its name in the file
+    std::int64_t beyond = 0;                     ///< numbers beyond all bounds, which count as 0
 };
 
 struct DxfDrawing {

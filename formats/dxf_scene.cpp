@@ -7,6 +7,7 @@
 #include "formats/unique_table.h"
 #include "io/read_file.h"
 #include "io/utf8.h"
+#include "workbench/notes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,8 +24,6 @@ namespace {
 /// for more than any machine can hold.
 constexpr std::int64_t maxPlaced = 1'000'000;
 constexpr int maxDepth = 64;
-
-double finite(double value) { return std::isfinite(value) ? value : 0; }
 
 bool mirrors(const AffineMap& map) { return determinantOf(map) < 0; }
 
@@ -59,6 +58,7 @@ class Placer {
         if (tables.failure.empty() && tables.faces.empty())
             tables.failure = "there is no face in it";
         if (!leftOut.empty()) tables.notes.push_back(noteOf(leftOut));
+        addCount(tables.notes, beyond, "{number} beyond all bounds {was} read as 0");
         return std::move(tables);
     }
 
@@ -83,6 +83,7 @@ class Placer {
         if (!tables.failure.empty()) return;
         if (known.insert(number).second) {
             for (const auto& [name, count] : block.leftOut) leftOut[name] += count;
+            beyond += block.beyond;
         }
         placeFaces(block, number, map, style);
         unfinished[number] = true;
@@ -141,7 +142,14 @@ class Placer {
     }
 
     std::int32_t pointAt(const Vec3& p) {
-        return points.findOrAdd({finite(p.x), finite(p.y), finite(p.z)});
+        return points.findOrAdd({bounded(p.x), bounded(p.y), bounded(p.z)});
+    }
+
+    /// What a place is made of where it is inserted.
+    double bounded(double value) {
+        if (std::isfinite(value)) return value;
+        ++beyond;
+        return 0;
     }
 
     std::int32_t groupOf(std::size_t block) {
@@ -205,6 +213,7 @@ class Placer {
     std::vector<bool> unfinished = std::vector<bool>(drawing.blocks.size()); ///< their inserts
     std::vector<std::int32_t> ring;
     std::int64_t placed = 0;
+    std::int64_t beyond = 0; ///< numbers that are none of a mesh
 };
 
 } // namespace

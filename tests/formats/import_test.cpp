@@ -210,6 +210,13 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
          ""},
         {"0:3DFACE 8:" + longName + "x 11:1 12:1 22:1 0:3DFACE 8:" + longName + "y 11:1 12:1 22:1",
          "default " + longName + white + "default " + longName.substr(0, 52) + " 2" + white, ""},
+        {"0:3DFACE 10:1e999 20:-inf 11:1 12:1 22:1 0:LINE 10:nan",
+         "default 0 ffffff 0,0,0 1,0,0 1,1,0; ",
+         "left out as no surface: 1 LINE; 2 numbers beyond all bounds were read as 0"},
+        {box + "0:INSERT 2:tile 10:2e308 0:INSERT 2:tile 41:1e308 10:1e308",
+         "tile 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; "
+         "tile 0 ffffff 1e+308,0,0 0,0,0 0,1,0 1e+308,1,0; ",
+         "3 numbers beyond all bounds were read as 0"},
         {box + "0:INSERT 2:Tile 43:-1 42:-1 210:0 220:0 230:-1",
          "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
     };
@@ -227,7 +234,8 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
             }
             faces << "; ";
         }
-        const std::string note = tables.notes.empty() ? "" : tables.notes[0];
+        std::string note;
+        for (const auto& line : tables.notes) note += (note.empty() ? "" : "; ") + line;
         EXPECT_EQ(faces.str() + note + tables.failure, row.faces + std::string(row.note));
     }
     const std::string path = folder.write("a.dxf", dxfText(rows[1].pairs));
