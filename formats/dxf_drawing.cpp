@@ -123,6 +123,12 @@ AffineMap mapFrom(Fields& fields) {
 /// The way that the map makes of a way: without its offset.
 Vec3 turned(const AffineMap& map, const Vec3& way) { return map(way) - map(Vec3{}); }
 
+/// A face of a polyline.
+struct FaceRecord {
+    std::array<int, 4> corners; ///< counted from 1; 0: none
+    DxfStyle style;
+};
+
 /// A polyline whose vertexes are still to come.
 struct Polyline {
     enum Kind { none, faces, grid } kind = none;
@@ -130,7 +136,7 @@ struct Polyline {
     int columns = 0, rows = 0; ///< of a grid
     DxfStyle style;
     std::vector<Vec3> points;
-    std::vector<std::array<int, 4>> records; ///< corners of faces, counted from 1; 0: none
+    std::vector<FaceRecord> records;
 };
 
 // Bits of a polyline's flags, and of those of its vertexes.
@@ -300,6 +306,15 @@ class DrawingReader {
         polyline.style = style();
     }
 
+    /// That of a face record: what it does not tell, or tells as layer 0, is its polyline's.
+    DxfStyle recordStyle() {
+        DxfStyle own = style();
+        if (own.layer == 0) own.layer = polyline.style.layer;
+        const bool hasColor = fields.find(62) != nullptr || fields.find(420) != nullptr;
+        if (!hasColor) own.color = polyline.style.color;
+        return own;
+    }
+
     void readVertex() {
         const int flags = fields.whole(70);
         if (polyline.kind == Polyline::none) return;
@@ -308,9 +323,9 @@ class DrawingReader {
         if (polyline.kind == Polyline::faces && (flags & isFaceRecord) != 0
             && (flags & isPlace) == 0) {
             // Below 0: the edge behind that corner is not to be seen.
-            std::array<int, 4> record;
+            FaceRecord record{{}, recordStyle()};
             for (int k = 0; k < 4; ++k)
-                record[static_cast<std::size_t>(k)] = std::abs(fields.whole(71 + k));
+                record.corners[static_cast<std::size_t>(k)] = std::abs(fields.whole(71 + k));
             polyline.records.push_back(record);
         } else {
             polyline.points.push_back(fields.place(10));
@@ -325,17 +340,19 @@ class DrawingReader {
 
     void addRecords() {
         const std::int32_t first = addPoints(polyline.points);
-        for (const std::array<int, 4>& record : polyline.records) {
-            std::vector<std::int32_t> corners;
-            for (const int number : record) {
-                if (number == 0) continue;
-                if (static_cast<std::size_t>(number) > polyline.points.size()) {
-                    corners.clear();
-                    break;
-                }
-                corners.push_back(first + number - 1);
+        const auto count = static_cast<std::int64_t>(polyline.points.size());
+        for (const FaceRecord& record : polyline.records) {
+            const bool sound = std::all_of(record.corners.begin(), record.corners.end(),
+                                           [&](int number) { return number <= count; });
+            if (!sound) {
+                leaveOut("face with a vertex that is not there");
+                continue;
             }
-            addFace(corners, polyline.style);
+            std::vector<std::int32_t> corners;
+            for (const int number : record.corners) {
+                if (number != 0) corners.push_back(first + number - 1);
+            }
+            addFace(corners, record.style);
         }
     }
 

@@ -188,9 +188,13 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
         {"0:LAYER 2:a 420:1122867 0:SOLID 8:A 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
          "0:LINE",
          "default a 112233 0,0,0 1,0,0 1,1,0 0,1,0; ", "left out as no surface: 2 LINE, 1 TEXT"},
-        {"0:POLYLINE 70:64 " + vertexes
-             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2",
-         "default 0 ffffff 0,0,0 1,0,0 0,1,0; ", "left out as no surface: 1 face without area"},
+        {"0:POLYLINE 70:64 8:a 62:1 " + vertexes
+             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2 "
+               "0:VERTEX 70:128 71:1 72:2 0:VERTEX 70:128 8:0 62:5 71:3 72:2 73:1 "
+               "0:VERTEX 70:128 8:b 71:1 72:2 73:3",
+         "default a ff0000 0,0,0 1,0,0 0,1,0; default a 2 0000ff 0,1,0 1,0,0 0,0,0; "
+         "default b ff0000 0,0,0 1,0,0 0,1,0; ",
+         "left out as no surface: 1 face with a vertex that is not there, 1 face without area"},
         {"0:POLYLINE 70:16 71:2 72:2 " + square, "default 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ", ""},
         {"0:POLYLINE 70:16 71:3 72:2 " + square + "0:3DFACE 10:5 11:6 22:7",
          "default 0 ffffff 5,0,0 6,0,0 0,7,0; ", "left out as no surface: 1 POLYLINE"},
