@@ -173,7 +173,7 @@ class Placer {
     /// their names only: the first gets the layer's, where it is not that of another layer too.
     std::string newName(std::size_t layer) {
         constexpr std::size_t stem = 52; // with a number it is still a name that is not cut
-        const std::string name = cleanName(drawing.layers[layer]);
+        std::string name = cleanName(drawing.layers[layer]);
         const auto own = layerNamed.find(foldedName(name));
         if (own->second == layer && named.insert(layer).second) return name;
         const std::string start = beginningOf(name, stem);
