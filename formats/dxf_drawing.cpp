@@ -18,10 +18,21 @@
 namespace polyfab {
 namespace {
 
+/// Too large, or in words such as "nan", "-inf" and "1.#IND".
+bool isBeyond(const DxfPair& pair) {
+    return !std::isfinite(pair.number) || pair.text.find_first_of("nN") != pair.text.npos;
+}
+
 /// The pairs of one entity. Of several of a code the last counts.
 class Fields {
   public:
-    void clear() { pairs.clear(); }
+    /// Numbers beyond all bounds among those that were asked for.
+    std::int64_t beyond = 0;
+
+    void clear() {
+        pairs.clear();
+        beyond = 0;
+    }
     void add(const DxfPair& pair) { pairs.push_back(pair); }
     [[nodiscard]] std::span<const DxfPair> all() const { return pairs; }
 
@@ -34,19 +45,23 @@ class Fields {
         const DxfPair* const pair = find(code);
         return pair == nullptr ? std::string_view{} : pair->text;
     }
-    [[nodiscard]] double real(int code, double otherwise = 0) const {
+    /// The number of the pair; 0, and counted, where it is beyond all bounds.
+    [[nodiscard]] double bounded(const DxfPair& pair) {
+        beyond += isBeyond(pair);
+        return isBeyond(pair) ? 0 : pair.number;
+    }
+    [[nodiscard]] double real(int code, double otherwise = 0) {
         const DxfPair* const pair = find(code);
-        return pair == nullptr || !std::isfinite(pair->number) ? otherwise : pair->number;
+        return pair == nullptr ? otherwise : bounded(*pair);
     }
     [[nodiscard]] int whole(int code, int otherwise = 0) const {
-        const double number = real(code, otherwise);
-        return std::abs(number) < std::numeric_limits<int>::max() ? static_cast<int>(number)
-                                                                  : otherwise;
+        const DxfPair* const pair = find(code);
+        const bool fits =
+            pair != nullptr && std::abs(pair->number) < std::numeric_limits<int>::max();
+        return fits ? static_cast<int>(pair->number) : otherwise;
     }
     /// The position whose x, y and z have the codes `code`, 10 and 20 more.
-    [[nodiscard]] Vec3 place(int code) const {
-        return {real(code), real(code + 10), real(code + 20)};
-    }
+    [[nodiscard]] Vec3 place(int code) { return {real(code), real(code + 10), real(code + 20)}; }
 
   private:
     std::vector<DxfPair> pairs;
@@ -94,7 +109,7 @@ std::string plainName(std::string_view text) {
 
 /// From the coordinates of a flat entity that faces this way to the drawing's: its x axis lies in
 /// the plane of the drawing's x and y, or in that of x and z where the entity nearly does.
-AffineMap mapFrom(const Fields& fields) {
+AffineMap mapFrom(Fields& fields) {
     if (fields.find(210) == nullptr) return {};
     const Vec3 z = unit(fields.place(210));
     if (isZero(z)) return {};
@@ -108,6 +123,12 @@ AffineMap mapFrom(const Fields& fields) {
 /// The way that the map makes of a way: without its offset.
 Vec3 turned(const AffineMap& map, const Vec3& way) { return map(way) - map(Vec3{}); }
 
+/// A face of a polyline.
+struct FaceRecord {
+    std::array<int, 4> corners; ///< counted from 1; 0: none
+    DxfStyle style;
+};
+
 /// A polyline whose vertexes are still to come.
 struct Polyline {
     enum Kind { none, faces, grid } kind = none;
@@ -115,7 +136,7 @@ struct Polyline {
     int columns = 0, rows = 0; ///< of a grid
     DxfStyle style;
     std::vector<Vec3> points;
-    std::vector<std::array<int, 4>> records; ///< corners of faces, counted from 1; 0: none
+    std::vector<FaceRecord> records;
 };
 
 // Bits of a polyline's flags, and of those of its vertexes.
@@ -132,11 +153,10 @@ class DrawingReader {
                 fields.add(pair);
                 continue;
             }
-            readEntity(name);
+            endEntity(name);
             name = pair.text;
-            fields.clear();
         }
-        readEntity(name);
+        endEntity(name);
         endPolyline();
         return std::move(drawing);
     }
@@ -152,6 +172,12 @@ class DrawingReader {
     DxfBlock& block() { return drawing.blocks[present]; }
 
     void readEntity(std::string_view name);
+
+    void endEntity(std::string_view name) {
+        readEntity(name);
+        block().beyond += fields.beyond;
+        fields.clear();
+    }
 
     void leaveOut(std::string_view name) { ++block().leftOut[std::string(name.substr(0, 40))]; }
 
@@ -186,7 +212,7 @@ class DrawingReader {
 
     std::int32_t layerNamed(const std::string& name) {
         const auto [entry, isNew] =
-            layers.try_emplace(name, static_cast<std::int32_t>(drawing.layers.size()));
+            layers.try_emplace(foldedName(name), static_cast<std::int32_t>(drawing.layers.size()));
         if (isNew) {
             drawing.layers.push_back(name);
             drawing.layerColors.push_back(colorOfLayer);
@@ -280,6 +306,15 @@ class DrawingReader {
         polyline.style = style();
     }
 
+    /// That of a face record: what it does not tell, or tells as layer 0, is its polyline's.
+    DxfStyle recordStyle() {
+        DxfStyle own = style();
+        if (own.layer == 0) own.layer = polyline.style.layer;
+        const bool hasColor = fields.find(62) != nullptr || fields.find(420) != nullptr;
+        if (!hasColor) own.color = polyline.style.color;
+        return own;
+    }
+
     void readVertex() {
         const int flags = fields.whole(70);
         if (polyline.kind == Polyline::none) return;
@@ -288,9 +323,9 @@ class DrawingReader {
         if (polyline.kind == Polyline::faces && (flags & isFaceRecord) != 0
             && (flags & isPlace) == 0) {
             // Below 0: the edge behind that corner is not to be seen.
-            std::array<int, 4> record;
+            FaceRecord record{{}, recordStyle()};
             for (int k = 0; k < 4; ++k)
-                record[static_cast<std::size_t>(k)] = std::abs(fields.whole(71 + k));
+                record.corners[static_cast<std::size_t>(k)] = std::abs(fields.whole(71 + k));
             polyline.records.push_back(record);
         } else {
             polyline.points.push_back(fields.place(10));
@@ -305,17 +340,19 @@ class DrawingReader {
 
     void addRecords() {
         const std::int32_t first = addPoints(polyline.points);
-        for (const std::array<int, 4>& record : polyline.records) {
-            std::vector<std::int32_t> corners;
-            for (const int number : record) {
-                if (number == 0) continue;
-                if (static_cast<std::size_t>(number) > polyline.points.size()) {
-                    corners.clear();
-                    break;
-                }
-                corners.push_back(first + number - 1);
+        const auto count = static_cast<std::int64_t>(polyline.points.size());
+        for (const FaceRecord& record : polyline.records) {
+            const bool sound = std::all_of(record.corners.begin(), record.corners.end(),
+                                           [&](int number) { return number <= count; });
+            if (!sound) {
+                leaveOut("face with a vertex that is not there");
+                continue;
             }
-            addFace(corners, polyline.style);
+            std::vector<std::int32_t> corners;
+            for (const int number : record.corners) {
+                if (number != 0) corners.push_back(first + number - 1);
+            }
+            addFace(corners, record.style);
         }
     }
 
@@ -345,7 +382,7 @@ class DrawingReader {
             if (pair.code == 10) places.emplace_back();
             const int axis = pair.code / 10 - 1;
             if (pair.code % 10 == 0 && axis >= 0 && axis < 3 && !places.empty()) {
-                along(places.back(), axis) = pair.number;
+                along(places.back(), axis) = fields.bounded(pair);
             }
             if (pair.code == 93) left = pair.number;
             if (pair.code == 94) left = 0;
@@ -428,6 +465,11 @@ void DrawingReader::readEntity(std::string_view name) {
 }
 
 } // namespace
+
+std::string foldedName(std::string name) {
+    for (char& c : name) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
+    return name;
+}
 
 DxfDrawing readDxfDrawing(std::string_view file) { return DrawingReader().read(file); }
 

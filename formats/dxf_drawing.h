@@ -45,6 +45,7 @@ struct DxfBlock {
     std::vector<DxfFace> faces;
     std::vector<DxfInsert> inserts;
     std::map<std::string, std::int64_t> leftOut; ///< what is no surface, by its name in the file
+    std::int64_t beyond = 0;                     ///< numbers beyond all bounds, which count as 0
 };
 
 struct DxfDrawing {
@@ -52,6 +53,10 @@ struct DxfDrawing {
     std::vector<std::string> layers = {"0"};
     std::vector<std::int32_t> layerColors = {colorOfLayer}; ///< 0xRRGGBB; below 0: not told
 };
+
+/// Names of blocks and layers are the same in capitals or not: the key of this one. Of layers the
+/// first spelling is the name.
+[[nodiscard]] std::string foldedName(std::string name);
 
 /// Reads 3DFACE, SOLID and TRACE, POLYLINE where it is a mesh, MESH and INSERT. `file`: the bytes,
 /// of text or binary, followed by a NUL. What makes no sense is left out. std::bad_alloc.

@@ -68,8 +68,10 @@ double wholeNumber(std::string_view bytes) {
 
 } // namespace
 
+bool isBinaryDxf(std::string_view beginning) { return beginning.starts_with(binaryMark); }
+
 DxfPairs::DxfPairs(std::string_view file) : rest(file) {
-    if (!file.starts_with(binaryMark)) return;
+    if (!isBinaryDxf(file)) return;
     rest.remove_prefix(binaryMark.size());
     // A first code of one byte is that of a section, or the 255 before a longer one.
     const bool narrow = rest.size() > 1 && (rest[0] == '\xff' || (rest[0] == 0 && rest[1] != 0));

@@ -13,6 +13,9 @@ struct DxfPair {
     double number = 0;     ///< what the value is as a number; 0 where it is none
 };
 
+/// Whether a file that begins so is a binary one.
+[[nodiscard]] bool isBinaryDxf(std::string_view beginning);
+
 /// Hands out the pairs of a file whose bytes are followed by a NUL.
 class DxfPairs {
   public:

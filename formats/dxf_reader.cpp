@@ -3,6 +3,7 @@
 // so that the arrays are made once, one reads.
 #include "formats/dxf_reader.h"
 
+#include "formats/dxf_pairs.h"
 #include "formats/file_command.h"
 #include "formats/left_out.h"
 #include "io/parse_number.h"
@@ -188,12 +189,18 @@ bool Reader::addEntity() {
     return true;
 }
 
-/// What is drawn in a DXF file, faces first. Others make faces of those at the head of the list.
-constexpr std::string_view drawn[] = {
-    entity,      "POLYLINE", "INSERT", "MESH",  "LWPOLYLINE", "LINE",    "CIRCLE", "ARC",
-    "ELLIPSE",   "SPLINE",   "POINT",  "SOLID", "TRACE",      "TEXT",    "MTEXT",  "HATCH",
-    "DIMENSION", "3DSOLID",  "REGION", "BODY",  "SURFACE",    "VIEWPORT"};
-constexpr std::size_t makeFaces = 4;
+struct Drawn {
+    std::string_view name;
+    bool hasFaces = false; ///< for import
+};
+
+/// What is drawn in a DXF file, in the order of the notes.
+constexpr Drawn drawn[] = {{entity, true},  {"POLYLINE", true}, {"INSERT", true}, {"MESH", true},
+                           {"LWPOLYLINE"},  {"LINE"},           {"CIRCLE"},       {"ARC"},
+                           {"ELLIPSE"},     {"SPLINE"},         {"POINT"},        {"SOLID", true},
+                           {"TRACE", true}, {"TEXT"},           {"MTEXT"},        {"HATCH"},
+                           {"DIMENSION"},   {"3DSOLID"},        {"REGION"},       {"BODY"},
+                           {"SURFACE"},     {"VIEWPORT"}};
 
 /// The counting pass.
 struct Counts {
@@ -210,24 +217,35 @@ struct Counts {
             if (!lines.next(line)) return;
             entities += line.starts_with(entity);
             comments += code == isComment;
-            const auto* const row = std::find(std::begin(drawn), std::end(drawn), line);
+            const auto* const row = std::find_if(std::begin(drawn), std::end(drawn),
+                                                 [&](const Drawn& d) { return d.name == line; });
             if (code == 0 && row != std::end(drawn)) ++of[row - std::begin(drawn)];
         }
     }
 
-    void tellLeftOut(std::int64_t read, bool noFace) const {
+    void tellLeftOut(std::int64_t read) const {
         if (comments > 0) leftOut.hold(counted(comments, "comment"));
         for (std::size_t i = 0; i < std::size(drawn); ++i) {
             const std::int64_t left = i == 0 ? of[i] - read : of[i];
-            if (left > 0) leftOut.miss(counted(left) + " " + std::string(drawn[i]));
+            if (left > 0) leftOut.miss(counted(left) + " " + std::string(drawn[i].name));
         }
-        leftOut.elsewhere =
-            noFace && std::any_of(of, of + makeFaces, [](std::int64_t count) { return count > 0; });
+    }
+
+    /// Whether import makes faces of something in the file.
+    [[nodiscard]] bool hasFaces() const {
+        return std::any_of(std::begin(drawn), std::end(drawn),
+                           [&](const Drawn& row) { return row.hasFaces && of[&row - drawn] > 0; });
     }
 };
 
 /// Whether the coordinate has more decimals than are written.
 bool isFine(double value) { return std::round(value * 1000) / 1000 != value; }
+
+bool isBinaryFile(const std::string& path) {
+    PieceReader file(path);
+    std::string_view text;
+    return file.isOpen() && file.next(0, text) && isBinaryDxf(text);
+}
 
 bool reserve(Mesh& mesh, std::int64_t entities) {
     return mesh.growFaces(mesh.nf + entities, false)
@@ -253,7 +271,8 @@ int readEntities(Mesh& mesh, const std::string& path) try {
         complain("I can't read this file", path);
         return 0;
     }
-    counts.tellLeftOut(std::max(*boundaries - 1, 0), mesh.nf == facesBefore);
+    counts.tellLeftOut(std::max(*boundaries - 1, 0));
+    leftOut.elsewhere = mesh.nf == facesBefore && (counts.hasFaces() || isBinaryFile(path));
     if (*boundaries == 0) complain("bad DXF file", path);
     return *boundaries;
 } catch (const std::bad_alloc&) { // the tables

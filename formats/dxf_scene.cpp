@@ -2,9 +2,12 @@
 #include "formats/dxf_scene.h"
 
 #include "formats/dxf_drawing.h"
+#include "formats/stream_mesh.h"
 #include "formats/unique_records.h"
 #include "formats/unique_table.h"
 #include "io/read_file.h"
+#include "io/utf8.h"
+#include "workbench/notes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,8 +25,6 @@ namespace {
 constexpr std::int64_t maxPlaced = 1'000'000;
 constexpr int maxDepth = 64;
 
-double finite(double value) { return std::isfinite(value) ? value : 0; }
-
 bool mirrors(const AffineMap& map) { return determinantOf(map) < 0; }
 
 /// The block, its base point at the origin.
@@ -34,11 +35,21 @@ AffineMap fromBase(const AffineMap& map, const Vec3& base) {
     return moved;
 }
 
+/// The first bytes of the name, without a part of a character.
+std::string beginningOf(const std::string& name, std::size_t most) {
+    std::size_t size = std::min(most, name.size());
+    while (size > 0 && size < name.size() && continuesCharacter(name[size])) --size;
+    return name.substr(0, size);
+}
+
 class Placer {
   public:
     explicit Placer(const DxfDrawing& source) : drawing(source) {
         for (std::size_t i = 1; i < drawing.blocks.size(); ++i) {
-            blockNamed.try_emplace(drawing.blocks[i].name, i);
+            blockNamed.try_emplace(foldedName(drawing.blocks[i].name), i);
+        }
+        for (std::size_t i = 0; i < drawing.layers.size(); ++i) {
+            layerNamed.try_emplace(foldedName(cleanName(drawing.layers[i])), i);
         }
     }
 
@@ -47,6 +58,7 @@ class Placer {
         if (tables.failure.empty() && tables.faces.empty())
             tables.failure = "there is no face in it";
         if (!leftOut.empty()) tables.notes.push_back(noteOf(leftOut));
+        addCount(tables.notes, beyond, "{number} beyond all bounds {was} read as 0");
         return std::move(tables);
     }
 
@@ -71,18 +83,23 @@ class Placer {
         if (!tables.failure.empty()) return;
         if (known.insert(number).second) {
             for (const auto& [name, count] : block.leftOut) leftOut[name] += count;
+            beyond += block.beyond;
         }
         placeFaces(block, number, map, style);
+        unfinished[number] = true;
         for (const DxfInsert& insert : block.inserts) placeInsert(insert, map, style, depth);
+        unfinished[number] = false;
     }
 
     void placeInsert(const DxfInsert& insert, const AffineMap& map, const Resolved& outer,
                      int depth) {
-        const auto found = blockNamed.find(insert.block);
-        // One that is inserted into itself goes deeper for ever.
-        if (found == blockNamed.end() || depth == maxDepth) {
-            ++leftOut[found == blockNamed.end() ? "INSERT of no block"
-                                                : "block too deep in others"];
+        const auto found = blockNamed.find(foldedName(insert.block));
+        const char* const fault = found == blockNamed.end()   ? "INSERT of no block"
+                                  : unfinished[found->second] ? "INSERT of a block in itself"
+                                  : depth == maxDepth         ? "block too deep in others"
+                                                              : nullptr;
+        if (fault != nullptr) {
+            if (refused.insert(&insert).second) ++leftOut[fault];
             return;
         }
         const Resolved style = resolve(insert.style, outer);
@@ -125,7 +142,14 @@ class Placer {
     }
 
     std::int32_t pointAt(const Vec3& p) {
-        return points.findOrAdd({finite(p.x), finite(p.y), finite(p.z)});
+        return points.findOrAdd({bounded(p.x), bounded(p.y), bounded(p.z)});
+    }
+
+    /// What a place is made of where it is inserted.
+    double bounded(double value) {
+        if (std::isfinite(value)) return value;
+        ++beyond;
+        return 0;
     }
 
     std::int32_t groupOf(std::size_t block) {
@@ -139,10 +163,26 @@ class Placer {
         const auto [entry, isNew] = materials.try_emplace(
             {style.layer, style.color}, static_cast<std::int32_t>(tables.materials.size()));
         if (isNew) {
-            tables.materials.push_back(drawing.layers[static_cast<std::size_t>(style.layer)]);
+            tables.materials.push_back(newName(static_cast<std::size_t>(style.layer)));
             tables.colors.push_back(style.color);
         }
         return entry->second;
+    }
+
+    /// For a material of that layer a name that no other has, since many formats know materials by
+    /// their names only: the first gets the layer's, where it is not that of another layer too.
+    std::string newName(std::size_t layer) {
+        constexpr std::size_t stem = 52; // with a number it is still a name that is not cut
+        std::string name = cleanName(drawing.layers[layer]);
+        const auto own = layerNamed.find(foldedName(name));
+        if (own->second == layer && named.insert(layer).second) return name;
+        const std::string start = beginningOf(name, stem);
+        std::int64_t& last = lastNumber.try_emplace(foldedName(start), 1).first->second;
+        std::string numbered;
+        do {
+            numbered = start + " " + std::to_string(++last);
+        } while (layerNamed.contains(foldedName(numbered)));
+        return numbered;
     }
 
     static std::string noteOf(const std::map<std::string, std::int64_t>& counts) {
@@ -162,12 +202,18 @@ class Placer {
     StreamTables tables;
     UniqueTable<Vec3> points{tables.points};
     std::map<std::string, std::size_t> blockNamed;
+    std::map<std::string, std::size_t> layerNamed;  ///< by what the mesh keeps of the names
+    std::map<std::string, std::int64_t> lastNumber; ///< behind that beginning of names
+    std::set<std::size_t> named;                    ///< layers whose name a material has
     std::map<std::size_t, std::int32_t> groups;
     std::map<std::pair<std::int32_t, std::uint32_t>, std::int32_t> materials;
     std::map<std::string, std::int64_t> leftOut;
-    std::set<std::size_t> known; ///< blocks whose left out entities are counted
+    std::set<std::size_t> known;        ///< blocks whose left out entities are counted
+    std::set<const DxfInsert*> refused; ///< counted already, for the block they are in comes often
+    std::vector<bool> unfinished = std::vector<bool>(drawing.blocks.size()); ///< their inserts
     std::vector<std::int32_t> ring;
     std::int64_t placed = 0;
+    std::int64_t beyond = 0; ///< numbers that are none of a mesh
 };
 
 } // namespace

@@ -158,11 +158,12 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     setMaterialLooks(nullptr);
 }
 
-// One pair a word: "code:value".
+// One pair a word: "code:value", with "_" for a blank.
 std::string dxfText(const std::string& pairs) {
     std::istringstream words(pairs);
     std::string text;
     for (std::string word; words >> word;) {
+        std::replace(word.begin(), word.end(), '_', ' ');
         text += word.replace(word.find(':'), 1, "\n") + "\n";
     }
     return text;
@@ -171,23 +172,29 @@ std::string dxfText(const std::string& pairs) {
 TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
     const std::string box =
         "0:SECTION 2:BLOCKS 0:BLOCK 2:tile 10:1 20:1 30:0 0:3DFACE 8:0 62:0 10:1 20:1 "
-        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:loop "
-        "0:ENDBLK 0:ENDSEC 0:SECTION 2:ENTITIES ";
+        "11:2 21:1 12:2 22:2 13:1 23:2 0:ENDBLK 0:BLOCK 2:loop 0:INSERT 2:back "
+        "0:ENDBLK 0:BLOCK 2:back 0:INSERT 2:tile 0:INSERT 2:LOOP 0:ENDBLK 0:ENDSEC 0:SECTION "
+        "2:ENTITIES ";
     const std::string vertexes = "0:VERTEX 70:192 10:0 0:VERTEX 70:192 10:1 0:VERTEX 70:192 20:1 ";
     const std::string square = "0:VERTEX 10:0 0:VERTEX 20:1 0:VERTEX 10:1 0:VERTEX 10:1 20:1 ";
+    const std::string longName(63, 'n'), white = " ffffff 0,0,0 1,0,0 1,1,0; ";
     const struct {
         std::string pairs;
-        const char* faces; ///< group, material, colour and corners of each
+        std::string faces; ///< group, material, colour and corners of each
         const char* note;
     } rows[] = {
         {"0:3DFACE 8:a 62:1 10:0 11:1 12:1 22:1 13:1 23:1", "default a ff0000 0,0,0 1,0,0 1,1,0; ",
          ""},
-        {"0:LAYER 2:a 420:1122867 0:SOLID 8:a 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
+        {"0:LAYER 2:a 420:1122867 0:SOLID 8:A 10:0 11:1 12:0 22:1 13:1 23:1 0:TEXT 0:LINE "
          "0:LINE",
          "default a 112233 0,0,0 1,0,0 1,1,0 0,1,0; ", "left out as no surface: 2 LINE, 1 TEXT"},
-        {"0:POLYLINE 70:64 " + vertexes
-             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2",
-         "default 0 ffffff 0,0,0 1,0,0 0,1,0; ", "left out as no surface: 1 face without area"},
+        {"0:POLYLINE 70:64 8:a 62:1 " + vertexes
+             + "0:VERTEX 70:128 71:1 72:-2 73:3 0:VERTEX 70:128 71:7 72:1 73:2 "
+               "0:VERTEX 70:128 71:1 72:2 0:VERTEX 70:128 8:0 62:5 71:3 72:2 73:1 "
+               "0:VERTEX 70:128 8:b 71:1 72:2 73:3",
+         "default a ff0000 0,0,0 1,0,0 0,1,0; default a 2 0000ff 0,1,0 1,0,0 0,0,0; "
+         "default b ff0000 0,0,0 1,0,0 0,1,0; ",
+         "left out as no surface: 1 face with a vertex that is not there, 1 face without area"},
         {"0:POLYLINE 70:16 71:2 72:2 " + square, "default 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ", ""},
         {"0:POLYLINE 70:16 71:3 72:2 " + square + "0:3DFACE 10:5 11:6 22:7",
          "default 0 ffffff 5,0,0 6,0,0 0,7,0; ", "left out as no surface: 1 POLYLINE"},
@@ -197,9 +204,24 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
         {box
              + "0:INSERT 8:b 62:3 2:tile 10:5 41:2 50:90 70:2 44:-10 0:INSERT 2:none 0:INSERT "
                "2:loop",
-         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; ",
-         "left out as no surface: 1 INSERT of no block, 1 block too deep in others"},
-        {box + "0:INSERT 2:tile 43:-1 42:-1 210:0 220:0 230:-1",
+         "tile b 00ff00 5,0,0 5,2,0 4,2,0 4,0,0; tile b 00ff00 5,-10,0 5,-8,0 4,-8,0 4,-10,0; "
+         "tile 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; ",
+         "left out as no surface: 1 INSERT of a block in itself, 1 INSERT of no block"},
+        {"0:LAYER 2:a_2 0:3DFACE 8:a 62:1 11:1 12:1 22:1 0:3DFACE 8:a 62:5 11:1 12:1 22:1 "
+         "0:3DFACE 8:A 62:3 11:1 12:1 22:1",
+         "default a ff0000 0,0,0 1,0,0 1,1,0; default a 3 0000ff 0,0,0 1,0,0 1,1,0; "
+         "default a 4 00ff00 0,0,0 1,0,0 1,1,0; ",
+         ""},
+        {"0:3DFACE 8:" + longName + "x 11:1 12:1 22:1 0:3DFACE 8:" + longName + "y 11:1 12:1 22:1",
+         "default " + longName + white + "default " + longName.substr(0, 52) + " 2" + white, ""},
+        {"0:3DFACE 10:1e999 20:-inf 11:1 12:1 22:1 0:LINE 10:nan",
+         "default 0 ffffff 0,0,0 1,0,0 1,1,0; ",
+         "left out as no surface: 1 LINE; 2 numbers beyond all bounds were read as 0"},
+        {box + "0:INSERT 2:tile 10:2e308 0:INSERT 2:tile 41:1e308 10:1e308",
+         "tile 0 ffffff 0,0,0 1,0,0 1,1,0 0,1,0; "
+         "tile 0 ffffff 1e+308,0,0 0,0,0 0,1,0 1e+308,1,0; ",
+         "3 numbers beyond all bounds were read as 0"},
+        {box + "0:INSERT 2:Tile 43:-1 42:-1 210:0 220:0 230:-1",
          "tile 0 ffffff 0,0,0 -1,0,0 -1,-1,0 0,-1,0; ", ""},
     };
     for (const auto& row : rows) {
@@ -216,7 +238,8 @@ TEST_F(ImportMesh, ReadsTheSurfacesOfDxfDrawings) {
             }
             faces << "; ";
         }
-        const std::string note = tables.notes.empty() ? "" : tables.notes[0];
+        std::string note;
+        for (const auto& line : tables.notes) note += (note.empty() ? "" : "; ") + line;
         EXPECT_EQ(faces.str() + note + tables.failure, row.faces + std::string(row.note));
     }
     const std::string path = folder.write("a.dxf", dxfText(rows[1].pairs));
