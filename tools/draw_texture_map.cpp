@@ -90,8 +90,11 @@ bool askSide(int& side) {
     double number = 0;
     const bool fits = parseNumber(prompts.answer[0], number) && number >= leastSide
                       && number <= mostSide && number == std::floor(number);
-    if (!fits) refuse("texture map", "I need a whole number from 16 to 16384");
-    side = static_cast<int>(number);
+    if (fits) {
+        side = static_cast<int>(number);
+    } else {
+        refuse("texture map", "I need a whole number from 16 to 16384");
+    }
     return fits;
 }
 
