@@ -214,10 +214,12 @@ void drawMarkedEdges(const Mesh& mesh, const Pane& pane) {
     if (displayOptions.badEdges) draw(look.bad, edgemark::bad, edgemark::bad);
 }
 
+/// Of a picture that is clear.
 void fillPane(const Pane& pane) {
-    const std::uint32_t color =
-        0xFF000000 | displayOptions.renderBackground.value_or(look.background);
-    fillRectangle(pane.picture, pane.start, 0, {pane.canvas.width, pane.canvas.height}, color);
+    if (displayOptions.renderBackground) {
+        const std::uint32_t color = 0xFF000000 | *displayOptions.renderBackground;
+        fillRectangle(pane.picture, pane.start, 0, {pane.canvas.width, pane.canvas.height}, color);
+    }
     drawBackground(pane);
 }
 
