@@ -6,9 +6,13 @@
 #include "formats/child_locks.h"
 #include "formats/dxf_scene.h"
 #include "formats/import_stream.h"
+#include "formats/material_lines.h"
 #include "formats/scenes.h"
+#include "io/read_file.h"
+#include "mesh/names.h"
 
 #include <algorithm>
+#include <charconv>
 #include <csignal>
 #include <cstdint>
 #include <exception>
@@ -17,7 +21,6 @@
 #include <fstream>
 #include <iterator>
 #include <new>
-#include <sstream>
 #include <string>
 #include <strings.h>
 #include <sys/mman.h>
@@ -88,19 +91,20 @@ StreamTables failure(const std::string& reason) {
 /// Why this can be no PLY file of so many bytes; "" when it may be one. The library makes room for
 /// what the header counts, and then looks for it for long.
 std::string faultOfPly(const std::string& path, std::uint64_t size) {
-    std::string head(std::size_t{1} << 16, '\0');
-    std::ifstream file(path, std::ios::binary);
-    file.read(head.data(), std::ssize(head));
-    head.resize(static_cast<std::size_t>(file.gcount()));
-    if (!head.starts_with("ply")) return "";
+    PieceReader file(path);
+    std::string_view head;
+    if (!file.isOpen() || !file.next(0, head) || !head.starts_with("ply")) return "";
+    head = head.substr(0, head.find("end_header"));
     double elements = 0; // each of which takes a byte at least
-    std::istringstream lines(head);
-    for (std::string line; std::getline(lines, line) && !line.starts_with("end_header");) {
-        std::istringstream words(line);
-        std::string word, name;
+    eachLine(head, [&](std::string_view line) {
+        constexpr std::string_view keyword = "element ";
         double count = 0;
-        if (words >> word >> name >> count && word == "element") elements += count;
-    }
+        if (!line.starts_with(keyword)) return;
+        line = trimTrailingBlanks(line);
+        line.remove_prefix(line.find_last_of(" \t") + 1);
+        std::from_chars(line.data(), line.data() + line.size(), count);
+        elements += count;
+    });
     return elements <= static_cast<double>(size) ? ""
                                                  : "it is too short for all that its header counts";
 }
