@@ -401,8 +401,8 @@ Sentences lossesOf(const Mesh& mesh, bool onlySelected, const Losses& losses, bo
     addCount(list, ordinary ? 0 : written.texcoords,
              "{texture coordinate} {was} left out: export keeps {it}");
     addCount(list, written.normals, "{normal} {was} left out: a 3DS file has none");
-    addCount(list, written.doubleNames, "{material} {has} the name of another: the file has one");
-    addCount(list, written.loosePoints, "{point} of no face {was} left out");
+    addCount(list, written.doubleNames, doubleNamesLost);
+    addCount(list, written.loosePoints, loosePointsLost);
     return list;
 }
 

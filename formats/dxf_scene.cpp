@@ -2,6 +2,7 @@
 #include "formats/dxf_scene.h"
 
 #include "formats/dxf_drawing.h"
+#include "formats/left_out.h"
 #include "formats/stream_mesh.h"
 #include "formats/unique_records.h"
 #include "formats/unique_table.h"
@@ -58,7 +59,7 @@ class Placer {
         if (tables.failure.empty() && tables.faces.empty())
             tables.failure = "there is no face in it";
         if (!leftOut.empty()) tables.notes.push_back(noteOf(leftOut));
-        addCount(tables.notes, beyond, "{number} beyond all bounds {was} read as 0");
+        addCount(tables.notes, beyond, beyondBounds);
         return std::move(tables);
     }
 

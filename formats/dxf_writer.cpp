@@ -191,7 +191,7 @@ Sentences lossesOf(const Mesh& mesh, bool onlySelected, const Losses& losses, bo
              "{material} {has} a colour that was left out: export keeps {it}");
     addCount(list, written.texcoords, "{texture coordinate} {was} left out: a DXF file has none");
     addCount(list, written.normals, "{normal} {was} left out: a DXF file has none");
-    addCount(list, written.loosePoints, "{point} of no face {was} left out");
+    addCount(list, written.loosePoints, loosePointsLost);
     return list;
 }
 

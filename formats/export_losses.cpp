@@ -149,6 +149,7 @@ class Losses {
     }
 
     void tellLooks() {
+        if (has(materials)) return;
         std::int64_t colored = 0, under = 0, transparent = 0, pictured = 0;
         for (const int i : usedMaterials) {
             const auto index = static_cast<std::size_t>(i);
@@ -159,7 +160,6 @@ class Losses {
             pictured += look != nullptr && look->picture != nullptr
                         && tables.pictures[index].empty() && tables.looks[index].embedded < 0;
         }
-        if (has(materials)) return;
         tell(has(colors) ? colored : 0, "{material} {has} a colour that this format does not keep");
         tell(has(underPictures) ? under : 0,
              "{material} {has} a picture in place of the colour there");

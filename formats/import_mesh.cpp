@@ -149,8 +149,7 @@ std::string exportByChild(const Mesh& mesh, const fs::path& written, const fs::p
     StreamTables tables = tablesOf(mesh, onlySelected);
     giveLooks(mesh, tables, target, written.parent_path());
     losses = exportLosses(mesh, tables, target);
-    addCount(losses, writtenParts(mesh, onlySelected).loosePoints,
-             "{point} of no face {was} left out");
+    addCount(losses, writtenParts(mesh, onlySelected).loosePoints, loosePointsLost);
     const int input = streamFile(tables);
     if (input < 0) return noRoom;
     std::vector<char> bytes;

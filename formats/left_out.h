@@ -11,6 +11,9 @@
 
 namespace polyfab {
 
+/// A sentence for addCount and LeftOut::change that several readers have in common.
+inline constexpr std::string_view beyondBounds = "{number} beyond all bounds {was} read as 0";
+
 struct LeftOut {
     /// Sentences on lines of an OBJ file that were cut in two, or not read for want of an end.
     std::vector<std::string> lines;

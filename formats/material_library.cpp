@@ -4,6 +4,7 @@
 #include "display/material_looks.h"
 #include "formats/file_finder.h"
 #include "formats/found_pictures.h"
+#include "formats/left_out.h"
 #include "formats/material_lines.h"
 #include "formats/obj_lines.h"
 #include "io/print_number.h"
@@ -274,16 +275,13 @@ void noteLibrary(const std::string& line) {
     }
 }
 
-std::vector<std::string> missingLibraries(const std::string& path,
-                                          const std::vector<std::string>& lines) {
-    std::vector<std::string> missing;
+void holdMissingLibraries(const std::string& path, const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
         if (!librariesOf(path, {line}).empty()) continue;
         const std::string name(trimTrailingBlanks(line));
-        missing.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
-                          + ": left out");
+        leftOut.changed.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
+                                  + ": left out");
     }
-    return missing;
 }
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,

@@ -16,9 +16,9 @@ inline std::vector<std::string> namedLibraries;
 /// Adds one, unless it is there or there are far too many.
 void noteLibrary(const std::string& line);
 
-/// A sentence on each that names no library that could be read for the OBJ file.
-[[nodiscard]] std::vector<std::string> missingLibraries(const std::string& path,
-                                                        const std::vector<std::string>& lines);
+/// Adds a sentence to what was changed in the OBJ file for each that names no library that could be
+/// read.
+void holdMissingLibraries(const std::string& path, const std::vector<std::string>& lines);
 
 /// Reads the libraries that an OBJ file names into the looks of the mesh, for its materials from
 /// `firstNew` on: they also get the libraries' colours. With `firstNew` 0 there are no other looks.

@@ -22,7 +22,6 @@
 #include "workbench/state.h"
 
 #include <cstdint>
-#include <utility>
 
 namespace polyfab {
 namespace {
@@ -111,9 +110,7 @@ void noteRead(const Mesh& mesh, const Source& source) {
 std::string readLooks(Mesh& mesh, const Source& source, Outcome outcome, int firstNew) {
     const bool byName = outcome == Outcome::read && source.format == &objFormat;
     if (byName) {
-        for (std::string& told : missingLibraries(source.path, namedLibraries)) {
-            leftOut.changed.push_back(std::move(told));
-        }
+        holdMissingLibraries(source.path, namedLibraries);
         return readMaterialLibraries(mesh, source.path, namedLibraries, firstNew);
     }
     if (!source.append) setMaterialLooks(nullptr);

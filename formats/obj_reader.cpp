@@ -252,7 +252,7 @@ void Reader::noteCut(std::string_view text, std::size_t used) {
 
 struct Sentence {
     std::int64_t count;
-    const char* pattern;
+    std::string_view pattern;
 };
 
 /// `end`: what stands behind the last line end.
@@ -278,7 +278,7 @@ void Reader::noteChanges(std::string_view end) const {
         {changes.smallFaces, "{face} of fewer than 3 corners {was} left out"},
         {changes.wideFaces, "{face} of more than 32,767 corners {was} left out"},
         {changes.fewNumbers, "{line} {has} too few numbers; they count as 0"},
-        {changes.infinite, "{number} beyond all bounds {was} read as 0"},
+        {changes.infinite, beyondBounds},
         {changes.beyondTexture, "{texture coordinate} beyond 100,000 {was} read as 0"},
         {changes.vain.normals,
          "{corner} {has} the number of a normal that is not there, and got none"},

@@ -25,7 +25,6 @@
 #include <iterator>
 #include <string_view>
 #include <tuple>
-#include <utility>
 
 namespace polyfab {
 namespace {
@@ -46,9 +45,7 @@ struct Target {
 
 std::string addObj(Mesh& mesh, const std::string& path) {
     std::string reason = addObjFile(mesh, path, objImport);
-    for (std::string& told : missingLibraries(path, namedLibraries)) {
-        leftOut.changed.push_back(std::move(told));
-    }
+    holdMissingLibraries(path, namedLibraries);
     return reason;
 }
 
@@ -76,8 +73,7 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
     const unsigned variant = endsIn(target.chosen, ".obj-")   ? objRelative
                              : endsIn(target.chosen, ".obj#") ? objTrace
                                                               : objPlain;
-    addCount(target.lost, writtenParts(mesh, target.onlySelected).doubleNames,
-             "{material} {has} the name of another: the file has one");
+    addCount(target.lost, writtenParts(mesh, target.onlySelected).doubleNames, doubleNamesLost);
     return makeFile(target.file, [&](SaveFile& file) {
         return appendObj(file, mesh, target.onlySelected, objLossless | variant, library);
     });

@@ -3,11 +3,17 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 namespace polyfab {
 
 struct Mesh;
+
+// Sentences for addCount that several formats have in common.
+inline constexpr std::string_view loosePointsLost = "{point} of no face {was} left out";
+inline constexpr std::string_view doubleNamesLost =
+    "{material} {has} the name of another: the file has one";
 
 struct WrittenParts {
     std::vector<bool> points; ///< of the mesh: whether such a face has it

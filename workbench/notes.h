@@ -30,8 +30,7 @@ void forgetNotes();
 [[nodiscard]] std::string counted(std::int64_t number, const std::string& what);
 
 /// What is said of so many, in the right number: "{line} {is} too long" is "1 line is too long" or
-/// "2,000 lines are too long". The words in braces are nouns, "is", "was", "has" and
-/// "it".
+/// "2,000 lines are too long". The words in braces are nouns, "is", "was", "has" and "it".
 [[nodiscard]] std::string sentence(std::int64_t count, std::string_view pattern);
 
 /// Notes that of so many, unless there is none.
