@@ -3,6 +3,8 @@
 // process of its own, which writes the number of the face and the path into a pipe.
 #include "platform/batch/font_file.h"
 
+#include "platform/batch/destroy.h"
+
 #include <fontconfig/fontconfig.h>
 
 #include <array>
@@ -18,11 +20,6 @@
 
 namespace polyfab {
 namespace {
-
-template <auto destroy>
-struct Destroy {
-    void operator()(auto* owned) const { destroy(owned); }
-};
 
 using Config = std::unique_ptr<FcConfig, Destroy<FcConfigDestroy>>;
 using Pattern = std::unique_ptr<FcPattern, Destroy<FcPatternDestroy>>;

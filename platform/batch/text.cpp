@@ -3,6 +3,7 @@
 // without kerning.
 #include "platform/batch/text.h"
 
+#include "platform/batch/destroy.h"
 #include "platform/batch/font_file.h"
 
 #include <ft2build.h>
@@ -18,11 +19,6 @@ namespace polyfab {
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
-
-template <auto destroy>
-struct Destroy {
-    void operator()(auto* owned) const { destroy(owned); }
-};
 
 using Library = std::unique_ptr<FT_LibraryRec_, Destroy<FT_Done_FreeType>>;
 using Face = std::unique_ptr<FT_FaceRec_, Destroy<FT_Done_Face>>;
