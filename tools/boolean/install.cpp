@@ -266,9 +266,7 @@ class Installer {
             corners.push_back(makeCorner.at(corner));
             corners.back().edgeuse = 0;
         }
-        dropSpikes(corners, [&](const DraftCorner& a, const DraftCorner& b) {
-            return makeCorner.pointFor(a.p) == makeCorner.pointFor(b.p);
-        });
+        dropSpikes(corners, isSame);
     }
 
     void turnOver() {
@@ -287,9 +285,6 @@ class Installer {
     /// Rounding may have brought neighbours together; what has less than three corners left has no
     /// area and is none.
     bool addPiece(std::int32_t face) {
-        const auto isSame = [&](const DraftCorner& a, const DraftCorner& b) {
-            return makeCorner.pointFor(a.p) == makeCorner.pointFor(b.p);
-        };
         corners.erase(std::unique(corners.begin(), corners.end(), isSame), corners.end());
         while (corners.size() > 1 && isSame(corners.front(), corners.back())) corners.pop_back();
         if (corners.size() < 3) return false;
@@ -323,6 +318,12 @@ class Installer {
     EdgeCuts edges;
     PointNumbers numbers;
     CornerMaker makeCorner;
+    struct {
+        CornerMaker& maker;
+        bool operator()(const DraftCorner& a, const DraftCorner& b) const {
+            return maker.pointFor(a.p) == maker.pointFor(b.p);
+        }
+    } isSame{makeCorner};
     std::vector<bool> used; ///< points that the outlines pass
     std::vector<DraftCorner> corners;
     std::vector<std::int32_t> doomed;              ///< faces of which nothing is left
