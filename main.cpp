@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Chooses a backend by the command line and starts the editor on it.
 #include "editor/window.h"
-#include "formats/import_child.h"
-#include "formats/save_exported.h"
+#include "formats/exchange/import_child.h"
+#include "formats/exchange/save_exported.h"
 #include "io/last_resort.h"
 #include "io/state_folder.h"
 #include "platform/batch/command_line.h"

@@ -4,8 +4,8 @@
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "bench/scratch_file.h"
-#include "formats/dxf_reader.h"
-#include "formats/dxf_writer.h"
+#include "formats/dxf/dxf_reader.h"
+#include "formats/dxf/dxf_writer.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 

@@ -4,8 +4,8 @@
 #include "bench/grid.h"
 #include "bench/growth.h"
 #include "bench/scratch_file.h"
-#include "formats/obj_reader.h"
-#include "formats/obj_writer.h"
+#include "formats/obj/obj_reader.h"
+#include "formats/obj/obj_writer.h"
 #include "mesh/mesh.h"
 #include "mesh/store.h"
 

@@ -25,7 +25,7 @@
 #include "editor/modes/navigation.h"
 #include "editor/status_line.h"
 #include "editor/tool_bar.h"
-#include "formats/import_mesh.h"
+#include "formats/exchange/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "generators/block.h"
 #include "generators/maker.h"

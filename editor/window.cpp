@@ -18,7 +18,7 @@
 #include "editor/routes.h"
 #include "editor/status_line.h"
 #include "editor/tell.h"
-#include "formats/child_locks.h"
+#include "formats/exchange/child_locks.h"
 #include "io/state_folder.h"
 #include "mesh/mesh.h"
 #include "mesh/stale.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/mesh_formats.h"
 
-#include "formats/3ds_reader.h"
-#include "formats/3ds_writer.h"
-#include "formats/dxf_reader.h"
-#include "formats/dxf_writer.h"
-#include "formats/obj_reader.h"
-#include "formats/obj_writer.h"
+#include "formats/3ds/3ds_reader.h"
+#include "formats/3ds/3ds_writer.h"
+#include "formats/dxf/dxf_reader.h"
+#include "formats/dxf/dxf_writer.h"
+#include "formats/obj/obj_reader.h"
+#include "formats/obj/obj_writer.h"
 #include "mesh/mesh.h"
 #include "workbench/state.h"
 

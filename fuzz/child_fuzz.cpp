@@ -2,8 +2,8 @@
 // The first byte chooses the format, the rest is a file that the real child imports. It may fail in
 // whatever way: the editor goes on with a sound mesh. There is no feedback from the child, so the
 // seeds and their crossings do the work.
-#include "formats/import_mesh.h"
-#include "formats/import_process.h"
+#include "formats/exchange/import_mesh.h"
+#include "formats/exchange/import_process.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "tests/support/fake_platform.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A DXF file of any other program: whatever it says, the tables that come of it are sound.
-#include "formats/dxf_scene.h"
+#include "formats/exchange/dxf_scene.h"
 #include "fuzz/fuzz_support.h"
 
 #include <string>

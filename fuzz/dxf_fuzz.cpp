@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Bit 0 of the first byte reads the rest a second time, appended. What was read must pass the
 // check, and what is then written must read back with as many entities as were written.
-#include "formats/dxf_reader.h"
-#include "formats/dxf_writer.h"
+#include "formats/dxf/dxf_reader.h"
+#include "formats/dxf/dxf_writer.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "tests/support/fake_platform.h"

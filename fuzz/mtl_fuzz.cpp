@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The text of a material library: names lie in their lines, and numbers are finite.
-#include "formats/material_lines.h"
+#include "formats/obj/material_lines.h"
 #include "fuzz/fuzz_support.h"
 
 #include <cmath>

@@ -2,8 +2,8 @@
 // The first byte chooses: bit 0 reads the rest a second time, appended; bits 1-2 are the flags of
 // the writer. Bit 0 of the second byte imports. What was read must pass the check, and what is then
 // written must read back with the same counts; what was imported must come back to the bit.
-#include "formats/obj_reader.h"
-#include "formats/obj_writer.h"
+#include "formats/obj/obj_reader.h"
+#include "formats/obj/obj_writer.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "tests/support/fake_platform.h"

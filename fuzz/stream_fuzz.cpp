@@ -2,9 +2,9 @@
 // What comes from the child process. Bit 0 of the first byte takes it up a second time, added; with
 // bit 1 the rest is no stream but says what tables to make one of. The mesh must pass the check.
 #include "display/material_looks.h"
-#include "formats/import_stream.h"
-#include "formats/stream_looks.h"
-#include "formats/stream_mesh.h"
+#include "formats/exchange/import_stream.h"
+#include "formats/exchange/stream_looks.h"
+#include "formats/exchange/stream_mesh.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "tests/support/fake_platform.h"

@@ -2,8 +2,8 @@
 // Bit 0 of the first byte reads the rest a second time, appended. With bit 1 it is no file but goes
 // straight to the walk, with runs of zeros stretched to the lengths that lists of points ask for.
 // The mesh must pass the check whatever came of it, and what is written must be one chunk.
-#include "formats/3ds_reader.h"
-#include "formats/3ds_writer.h"
+#include "formats/3ds/3ds_reader.h"
+#include "formats/3ds/3ds_writer.h"
 #include "fuzz/fuzz_support.h"
 #include "mesh/check.h"
 #include "tests/support/fake_platform.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands/recent.h"
 
-#include "formats/import_mesh.h"
+#include "formats/exchange/import_mesh.h"
 #include "formats/mesh_files.h"
 #include "io/utf8.h"
 #include "platform/platform.h"

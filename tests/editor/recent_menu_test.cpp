@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands/recent.h"
 
-#include "formats/import_process.h"
-#include "formats/import_stream.h"
+#include "formats/exchange/import_process.h"
+#include "formats/exchange/import_stream.h"
 #include "io/state_folder.h"
 #include "tests/editor/window_fixture.h"
 #include "tests/support/temp_folder.h"

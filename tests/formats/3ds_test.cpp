@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "formats/3ds_reader.h"
-#include "formats/3ds_writer.h"
+#include "formats/3ds/3ds_reader.h"
+#include "formats/3ds/3ds_writer.h"
 #include "mesh/check.h"
 #include "tests/support/file_texts.h"
 #include "tests/support/mesh_fixture.h"

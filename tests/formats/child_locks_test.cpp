@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Forked children lock themselves in and then try to get out.
-#include "formats/child_locks.h"
+#include "formats/exchange/child_locks.h"
 
 #include "tests/support/temp_folder.h"
 

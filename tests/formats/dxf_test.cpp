@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "formats/dxf_reader.h"
-#include "formats/dxf_writer.h"
+#include "formats/dxf/dxf_reader.h"
+#include "formats/dxf/dxf_writer.h"
 #include "mesh/check.h"
 #include "tests/support/file_texts.h"
 #include "tests/support/mesh_fixture.h"

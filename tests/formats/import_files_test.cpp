@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What an importer gets where the system has no locks: the names alone keep it in.
-#include "formats/import_files.h"
+#include "formats/exchange/import_files.h"
 
 #include "tests/support/temp_folder.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "formats/import_mesh.h"
+#include "formats/exchange/import_mesh.h"
 
 #include "display/material_looks.h"
-#include "formats/dxf_scene.h"
-#include "formats/import_process.h"
-#include "formats/import_stream.h"
+#include "formats/exchange/dxf_scene.h"
+#include "formats/exchange/import_process.h"
+#include "formats/exchange/import_stream.h"
 #include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "picture/write_png.h"

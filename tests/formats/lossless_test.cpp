@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What goes out by export and comes back by import is what it was.
-#include "formats/import_mesh.h"
-#include "formats/import_process.h"
+#include "formats/exchange/import_mesh.h"
+#include "formats/exchange/import_process.h"
 #include "formats/mesh_files.h"
 #include "mesh/check.h"
 #include "tests/support/file_texts.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "formats/material_library.h"
+#include "formats/obj/material_library.h"
 
 #include "display/material_looks.h"
-#include "formats/material_lines.h"
 #include "formats/mesh_files.h"
+#include "formats/obj/material_lines.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
 #include "workbench/notes.h"

@@ -2,9 +2,9 @@
 #include "formats/mesh_files.h"
 
 #include "display/options.h"
-#include "formats/dxf_writer.h"
-#include "formats/import_process.h"
-#include "formats/obj_writer.h"
+#include "formats/dxf/dxf_writer.h"
+#include "formats/exchange/import_process.h"
+#include "formats/obj/obj_writer.h"
 #include "io/read_file.h"
 #include "tests/support/file_texts.h"
 #include "tests/support/mesh_fixture.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "formats/obj_reader.h"
+#include "formats/obj/obj_reader.h"
 
-#include "formats/obj_lines.h"
+#include "formats/obj/obj_lines.h"
 #include "mesh/check.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"

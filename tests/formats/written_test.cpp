@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the writers make of a mesh with everything in it, of parts of it, and of an unsound one: the
 // files stand in tests/golden/written.txt.
-#include "formats/3ds_writer.h"
-#include "formats/dxf_writer.h"
-#include "formats/obj_writer.h"
+#include "formats/3ds/3ds_writer.h"
+#include "formats/dxf/dxf_writer.h"
+#include "formats/obj/obj_writer.h"
 #include "tests/support/golden_text.h"
 #include "tests/support/mesh_fixture.h"
 #include "tests/support/temp_folder.h"
