@@ -9,7 +9,7 @@
 #include "tools/fill_holes.h"
 #include "tools/mesh_facts.h"
 #include "tools/split_by_planes.h"
-#include "tools/thin_out.h"
+#include "tools/thin/thin_out.h"
 
 #include <algorithm>
 #include <cmath>

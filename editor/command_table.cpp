@@ -51,7 +51,7 @@
 #include "tools/separate_glued.h"
 #include "tools/smooth.h"
 #include "tools/thicken.h"
-#include "tools/thin_out.h"
+#include "tools/thin/thin_out.h"
 #include "tools/triangularize.h"
 #include "tools/unweld.h"
 #include "tools/weld_edges.h"

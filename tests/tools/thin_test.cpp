@@ -4,7 +4,7 @@
 #include "geometry/closest_point.h"
 #include "tests/tools/tool_test.h"
 #include "tools/mesh_facts.h"
-#include "tools/thin_out.h"
+#include "tools/thin/thin_out.h"
 
 #include <cmath>
 #include <set>

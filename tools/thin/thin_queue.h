@@ -2,7 +2,7 @@
 // Edges of a surface shrink to points, those first whose loss changes its shape the least.
 #pragma once
 
-#include "tools/thin_surface.h"
+#include "tools/thin/thin_surface.h"
 
 #include <cstdint>
 

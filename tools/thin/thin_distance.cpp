@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/thin_distance.h"
+#include "tools/thin/thin_distance.h"
 
 #include "geometry/closest_point.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/thin_surface.h"
+#include "tools/thin/thin_surface.h"
 
 #include "mesh/extent.h"
 #include "mesh/faces.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "mesh/table.h"
-#include "tools/thin_surface.h"
+#include "tools/thin/thin_surface.h"
 
 #include <cstdint>
 #include <utility>

@@ -3,13 +3,13 @@
 // edges are entered anew; older entries are known by the versions of their ends and dropped.
 // What must not be lost is asked of an edge when its turn comes (Dey, Edelsbrunner, Guha and
 // Nekhayev, "Topology preserving edge contraction", 1999).
-#include "tools/thin_queue.h"
+#include "tools/thin/thin_queue.h"
 
 #include "geometry/closest_point.h"
 #include "mesh/face_angle.h"
-#include "tools/bucket_queue.h"
-#include "tools/quadric.h"
-#include "tools/thin_distance.h"
+#include "tools/thin/bucket_queue.h"
+#include "tools/thin/quadric.h"
+#include "tools/thin/thin_distance.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
 

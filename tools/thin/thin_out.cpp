@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/thin_out.h"
+#include "tools/thin/thin_out.h"
 
 #include "mesh/faces.h"
 #include "mesh/stale.h"
 #include "tools/asking.h"
 #include "tools/collect.h"
-#include "tools/thin_queue.h"
-#include "tools/thin_surface.h"
+#include "tools/thin/thin_queue.h"
+#include "tools/thin/thin_surface.h"
 #include "workbench/long_work.h"
 #include "workbench/notes.h"
 #include "workbench/prompts.h"
