@@ -9,6 +9,7 @@
 #include "formats/file_command.h"
 #include "formats/left_out.h"
 #include "formats/mesh_formats.h"
+#include "formats/obj/library_writer.h"
 #include "formats/obj/material_library.h"
 #include "formats/obj/obj_reader.h"
 #include "formats/obj/obj_writer.h"

@@ -2,6 +2,10 @@
 // The material libraries of OBJ files: colours and pictures of the materials that a file names.
 #pragma once
 
+#include "display/material_looks.h"
+#include "formats/file_finder.h"
+
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,6 +20,14 @@ inline std::vector<std::string> namedLibraries;
 /// Adds one, unless it is there or there are far too many.
 void noteLibrary(const std::string& line);
 
+using Libraries = std::vector<std::shared_ptr<const MaterialLibrary>>;
+
+/// The libraries that an OBJ file names in such lines, as far as they are there.
+[[nodiscard]] Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines);
+
+/// Finds the pictures that a library names.
+[[nodiscard]] FileFinder finderOf(const MaterialLibrary& library);
+
 /// Adds a sentence to what was changed in the OBJ file for each that names no library that could be
 /// read.
 void holdMissingLibraries(const std::string& path, const std::vector<std::string>& lines);
@@ -26,20 +38,5 @@ void holdMissingLibraries(const std::string& path, const std::vector<std::string
 [[nodiscard]] std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                                 const std::vector<std::string>& lines,
                                                 int firstNew);
-
-/// Writes the library that the mesh names beside an OBJ file that was written, unless there is one
-/// or none was read: as it was, but with the pictures' paths as they are from there, and with
-/// the materials that it does not have. A note tells.
-void writeMaterialLibrary(const Mesh& mesh, const std::string& path);
-
-/// Whether the library that the mesh names gives all materials their looks in an OBJ file there:
-/// the one that is there, or else the one that writeMaterialLibrary would write, unless pictures
-/// would have to come along. Without a name only when no material has a look.
-[[nodiscard]] bool libraryHasLooks(const Mesh& mesh, const std::string& path);
-
-/// What a new library for an OBJ file at `path` says of all materials of the mesh, whose pictures
-/// have these names, with what else the libraries that were read say of them.
-[[nodiscard]] std::string libraryText(const Mesh& mesh, const std::string& path,
-                                      const std::vector<std::string>& pictures);
 
 } // namespace polyfab

@@ -5,7 +5,7 @@
 
 #include "formats/face_order.h"
 #include "formats/file_command.h"
-#include "formats/obj/material_library.h"
+#include "formats/obj/library_writer.h"
 #include "formats/obj/obj_lines.h"
 #include "io/print_number.h"
 #include "io/save_file.h"
