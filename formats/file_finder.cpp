@@ -5,10 +5,15 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <iterator>
 #include <system_error>
 
 namespace polyfab {
 namespace fs = std::filesystem;
+
+/// At the end of a path from elsewhere.
+constexpr std::ptrdiff_t mostFolders = 3;
 
 bool sameButCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
@@ -27,12 +32,20 @@ FileFinder::FileFinder(const std::vector<fs::path>& searched) {
 }
 
 std::string FileFinder::find(const std::string& name) {
-    return findAny({name, fs::path(name).filename()});
+    const fs::path path = name;
+    std::vector<fs::path> names{path, path.filename()};
+    const std::ptrdiff_t parts = std::distance(path.begin(), path.end());
+    for (std::ptrdiff_t kept = std::min<std::ptrdiff_t>(mostFolders + 1, parts - 1); kept > 1;
+         --kept) {
+        fs::path& end = names.emplace_back();
+        for (auto part = std::prev(path.end(), kept); part != path.end(); ++part) end /= *part;
+    }
+    return findAny(names);
 }
 
 std::string FileFinder::findPath(const std::string& name) { return findAny({name}); }
 
-std::string FileFinder::findAny(std::initializer_list<fs::path> names) {
+std::string FileFinder::findAny(const std::vector<fs::path>& names) {
     for (const bool anyCase : {false, true}) {
         for (const fs::path& name : names) {
             for (const fs::path& folder : folders) {

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <filesystem>
-#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -17,8 +16,9 @@ class FileFinder {
     explicit FileFinder(const std::vector<std::filesystem::path>& searched);
 
     /// The regular file of this name (as fileNameIn gives it), seen from the first folder from
-    /// which there is one that lies in one of them; else by its bare name; else so again without
-    /// regard to case. "": there is none.
+    /// which there is one that lies in one of them; else by its bare name; else by the last folders
+    /// and the name of a path, which may come from another machine; else so again without regard
+    /// to case. "": there is none.
     [[nodiscard]] std::string find(const std::string& name);
     /// The same without looking for the bare name.
     [[nodiscard]] std::string findPath(const std::string& name);
@@ -26,7 +26,7 @@ class FileFinder {
   private:
     using Names = std::vector<std::string>;
 
-    [[nodiscard]] std::string findAny(std::initializer_list<std::filesystem::path> names);
+    [[nodiscard]] std::string findAny(const std::vector<std::filesystem::path>& names);
     [[nodiscard]] std::string findFrom(const std::filesystem::path& folder,
                                        const std::filesystem::path& name, bool anyCase);
     [[nodiscard]] bool isOurs(const std::filesystem::path& path, std::string& file) const;

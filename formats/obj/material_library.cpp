@@ -8,12 +8,15 @@
 #include "io/read_file.h"
 #include "mesh/mesh.h"
 #include "mesh/names.h"
+#include "workbench/notes.h"
 
 #include <algorithm>
 #include <map>
 #include <new>
 #include <optional>
+#include <set>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -37,53 +40,109 @@ bool addLibrary(Libraries& libraries, const std::string& meshFolder, const std::
     return true;
 }
 
-/// Gives the materials of the mesh from `firstNew` on what the library says of them.
+/// What may be a comment belongs to the name as long as there is such a file.
+std::string pictureNameOf(const std::string& named, FileFinder& finder) {
+    const std::size_t comment = named.find(" #");
+    const bool isName = comment == std::string::npos || !finder.find(named).empty();
+    return isName ? named : fileNameIn(named.substr(0, comment));
+}
+
+/// "m, n …"
+std::string listOf(const std::vector<std::string_view>& names) {
+    constexpr std::size_t shown = 5;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(shown, names.size()); ++i) {
+        text.append(i > 0 ? ", " : "").append(names[i]);
+    }
+    return text + (names.size() > shown ? " …" : "");
+}
+
+/// Gives the materials of the mesh from `firstNew` on what the libraries say of them.
 class LooksReader {
   public:
-    LooksReader(Mesh& to, int firstNew) : mesh(to) {
+    LooksReader(Mesh& to, int firstNew) : mesh(to), looks(looksBefore(firstNew)) {
         for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
+        all = wanted.size();
     }
 
-    void read(const MaterialLibrary& library, MaterialLooks& looks) {
-        FileFinder finder = finderOf(library);
+    void read(std::shared_ptr<const MaterialLibrary> library) {
+        FileFinder finder = finderOf(*library);
         pictures.startFile();
-        for (const LibraryMaterial& material : readLibraryText(library.text)) {
-            const auto found = wanted.find(material.name);
-            if (found == wanted.end()) continue;
-            for (const int i : found->second) {
-                if (material.color) mesh.materials[i].color = *material.color;
-            }
-            wanted.erase(found); // of several of one name the first counts
-            MaterialLook look{nullptr, material.placing, material.opacity};
-            if (!material.picture.empty()) look.picture = pictures.find(material.picture, finder);
-            looks.byName.insert_or_assign(material.name, std::move(look));
+        for (const LibraryMaterial& material : readLibraryText(library->text)) {
+            take(material, finder);
         }
+        looks.libraries.push_back(std::move(library));
+        anyRead = true;
     }
 
-    std::string note() const { return pictures.note(); }
+    /// Puts the looks into place. Returns a note on pictures that are not there, or "".
+    std::string finish() {
+        if (anyRead) tellUnknown();
+        if (!others.empty()) {
+            leftOut.changed.push_back(
+                sentence(std::ssize(others), "{material} {has} another picture in the file than in "
+                                             "the mesh, which stays as it is: ")
+                + listOf({others.begin(), others.end()}));
+        }
+        const bool any = !looks.libraries.empty() || !looks.byName.empty();
+        setMaterialLooks(any ? std::make_shared<const MaterialLooks>(std::move(looks)) : nullptr);
+        return pictures.note();
+    }
 
   private:
+    /// Those of materials that are there no more would fall to new ones of their names.
+    MaterialLooks looksBefore(int count) {
+        MaterialLooks before;
+        if (count == 0 || materialLooks() == nullptr) return before;
+        before = *materialLooks();
+        for (int i = 0; i < count; ++i) old.insert(mesh.materials[i].name);
+        std::erase_if(before.byName, [&](const auto& look) { return !old.contains(look.first); });
+        return before;
+    }
+
+    void take(const LibraryMaterial& material, FileFinder& finder) {
+        const auto found = wanted.find(material.name);
+        const bool isOld = old.contains(material.name);
+        if (found == wanted.end() && !isOld) return;
+        MaterialLook look{nullptr, material.placing, material.opacity};
+        if (!material.picture.empty()) {
+            look.picture = pictures.find(pictureNameOf(material.picture, finder), finder);
+        }
+        if (isOld) return compare(material.name, look);
+        for (const int i : found->second) {
+            if (material.color) mesh.materials[i].color = *material.color;
+        }
+        wanted.erase(found); // of several of one name the first counts
+        looks.byName.insert_or_assign(material.name, std::move(look));
+    }
+
+    void compare(const std::string& name, const MaterialLook& look) {
+        const auto kept = looks.byName.find(name);
+        const PictureSource* const before =
+            kept != looks.byName.end() ? kept->second.picture.get() : nullptr;
+        const auto file = [](const PictureSource* picture) {
+            return picture != nullptr ? picture->path() : "";
+        };
+        if (file(before) != file(look.picture.get())) others.insert(name);
+    }
+
+    void tellUnknown() const {
+        std::vector<std::string_view> unknown;
+        for (const auto& [name, places] : wanted) unknown.push_back(name);
+        if (unknown.empty()) return;
+        leftOut.changed.push_back("the material libraries say nothing of "
+                                  + counted(std::ssize(unknown)) + " of the "
+                                  + counted(all, "material") + ": " + listOf(unknown));
+    }
+
     Mesh& mesh;
+    std::set<std::string, std::less<>> old, others; ///< names; the others' pictures differ
+    MaterialLooks looks;
     std::map<std::string, std::vector<int>, std::less<>> wanted;
+    std::int64_t all = 0;
+    bool anyRead = false;
     FoundPictures pictures;
 };
-
-/// Reads these libraries into the looks, for the materials from `firstNew` on.
-std::string readLooks(Mesh& mesh, Libraries libraries, int firstNew) {
-    const bool alone = firstNew == 0 || materialLooks() == nullptr;
-    if (libraries.empty()) {
-        if (firstNew == 0) setMaterialLooks(nullptr);
-        return "";
-    }
-    MaterialLooks looks = alone ? MaterialLooks() : *materialLooks();
-    LooksReader reader(mesh, firstNew);
-    for (auto& library : libraries) {
-        reader.read(*library, looks);
-        looks.libraries.push_back(std::move(library));
-    }
-    setMaterialLooks(std::make_shared<const MaterialLooks>(std::move(looks)));
-    return reader.note();
-}
 
 const char* whyMissing(const std::string& path, const std::string& library) {
     std::error_code failure;
@@ -141,7 +200,9 @@ void holdMissingLibraries(const std::string& path, const std::vector<std::string
 
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                   const std::vector<std::string>& lines, int firstNew) try {
-    return readLooks(mesh, librariesOf(path, lines), firstNew);
+    LooksReader reader(mesh, firstNew);
+    for (auto& library : librariesOf(path, lines)) reader.read(std::move(library));
+    return reader.finish();
 } catch (const std::bad_alloc&) {
     return "there is not enough memory for the materials";
 }

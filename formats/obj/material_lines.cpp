@@ -120,7 +120,8 @@ void readLine(std::string_view line, const std::vector<std::string_view>& words,
     if (sameButCase(words[0], "kd")) {
         if (const auto color = colorOf(arguments)) material.color = color;
     } else if (sameButCase(words[0], "d")) {
-        if (const auto opacity = numberIn(words.back())) material.opacity = *opacity;
+        const std::size_t first = sameButCase(words[1], "-halo") && words.size() > 2 ? 2 : 1;
+        if (const auto opacity = numberIn(words[first])) material.opacity = *opacity;
     } else if (sameButCase(words[0], "map_kd")) {
         const std::optional<MapLine> map = readMapLine(line);
         if (!map) return;

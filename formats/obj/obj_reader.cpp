@@ -73,6 +73,7 @@ class Reader {
     };
     static const Keyword keywords[];
 
+    void takeMark(std::string_view& text) const;
     [[nodiscard]] std::size_t readLines(std::string_view text);
     [[nodiscard]] std::size_t takeLine(std::string_view text);
     [[nodiscard]] std::size_t joinLine(std::string_view text);
@@ -133,12 +134,10 @@ bool isComment(std::string_view text) {
 End Reader::read(PieceReader& file) {
     std::string_view text;
     std::size_t kept = 0;
-    bool atStart = input.how.forgives;
+    bool atStart = true;
     while (reason == nullptr && !noRoom && file.next(kept, text)) {
         if (!readsOn(file, Pass::reading)) return End::stopped;
-        if (std::exchange(atStart, false) && text.starts_with(byteOrderMark)) {
-            text.remove_prefix(byteOrderMark.size());
-        }
+        if (std::exchange(atStart, false) && text.starts_with(byteOrderMark)) takeMark(text);
         kept = text.size() - readLines(text);
     }
     if (reason != nullptr) {
@@ -154,6 +153,16 @@ End Reader::read(PieceReader& file) {
     noteChanges(text);
     const bool full = (groups && groups->isFull()) || (materials && materials->isFull());
     return full && input.how.forgives ? End::manyNames : End::whole;
+}
+
+/// Of what follows a byte order mark, import makes more than a word that nobody knows.
+void Reader::takeMark(std::string_view& text) const {
+    const std::string_view rest = text.substr(byteOrderMark.size());
+    if (input.how.forgives) {
+        text = rest;
+    } else if (!rest.empty() && rest[0] != '#' && !isLineEnd(rest[0])) {
+        leftOut.lines.emplace_back("the first line has a byte order mark and was left out");
+    }
 }
 
 /// Reads the complete lines at the start of `text` and returns how many characters they take; stops

@@ -80,27 +80,39 @@ class MaterialFiles : public test::MeshTest {
         return text;
     }
 
+    static bool noted(const std::string& text) { return notes().find(text) != std::string::npos; }
+
     test::TempFolder folder;
 };
 
 TEST_F(MaterialFiles, ALibraryGivesColoursAndPicturesToTheMaterialsOfTheRead) {
     folder.write("in/a b.mtl", "NEWMTL red\r\nkd 1 0.5 0\r\nmap_Kd -s 2 2 \"TEX\\brick 1.png\"\r\n"
-                               "newmtl grey\nKd 0.2\nmap_Kd C:\\far\\top.tga\n"
+                               "newmtl grey\nKd 0.2\nmap_Kd C:\\far\\top.tga # far\n"
+                               "newmtl deep\nmap_Kd C:\\far\\tex\\Brick 1.PNG\n"
                                "newmtl out\nmap_Kd ../outside.png\n"
                                "newmtl unused\nKd 1 1 1\nmap_Kd gone.png");
-    const std::string path = mesh("in/m.obj", "mtllib  a b.mtl ", {"red", "grey", "out", "none"});
+    const std::string path =
+        mesh("in/m.obj", "mtllib  a b.mtl ", {"red", "grey", "deep", "out", "none"});
     std::filesystem::create_symlink(folder.path("outside.png"), folder.path("in/outside.png"));
     readNamedMeshFile(path);
-    EXPECT_EQ(told(), "red FF8000Brick 1.PNGgrey 333333top.tgaout 808080none 808080");
-    EXPECT_NE(notes().find("I can't find 1 of the 3 pictures of the materials: ../outside.png"),
-              std::string::npos);
+    EXPECT_EQ(told(),
+              "red FF8000Brick 1.PNGgrey 333333top.tgadeep 808080Brick 1.PNGout 808080none 808080");
+    EXPECT_TRUE(noted("I can't find 1 of the 4 pictures of the materials: ../outside.png"));
+    EXPECT_TRUE(noted("the material libraries say nothing of 1 of the 5 materials: none"));
 
     // What is added has its own library, and leaves what is there as it is.
     folder.write("in/c.mtl", "newmtl red\nKd 0 0 0\nnewmtl new\nKd 0 0 1\nmap_Kd top.tga");
     shown.files = {mesh("in/n.obj", "mtllib missing.mtl c.mtl", {"red", "new"})};
     appendMeshFile();
-    EXPECT_EQ(told(), "red FF8000Brick 1.PNGgrey 333333top.tgaout 808080none 808080new "
-                      "0000FFtop.tga");
+    EXPECT_EQ(told(), "red FF8000Brick 1.PNGgrey 333333top.tgadeep 808080Brick 1.PNGout 808080"
+                      "none 808080new 0000FFtop.tga");
+    EXPECT_TRUE(noted("1 material has another picture in the file than in the mesh"));
+
+    // What is gone leaves no look to a material of its name.
+    OB->nf = OB->nq = OB->nmat = 0;
+    shown.files = {mesh("in/o.obj", "", {"red"})};
+    appendMeshFile();
+    EXPECT_EQ(lookOf("red"), nullptr);
 
     readNamedMeshFile(mesh("in/o.obj", "", {"red"}));
     EXPECT_EQ(told(), "red 808080");
