@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Everything around a write that does not depend on the format.
+#include "formats/exchange/import_mesh.h"
 #include "formats/file_command.h"
 #include "formats/mesh_files.h"
 #include "formats/mesh_formats.h"
+#include "formats/obj/library_writer.h"
 #include "mesh/mesh.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
@@ -60,6 +62,16 @@ bool writeTo(Mesh& mesh, const std::string& chosen, const Format& format, Write*
     return written == Written::yes;
 }
 
+/// Writes with a library where one is needed for how the materials look.
+bool savedWithLooks(Mesh& mesh, const std::string& chosen, Wanted wanted) {
+    return looksUntold(mesh, objFileOf(chosen)) > 0 && saveWithLooks(mesh, chosen, wanted);
+}
+
+Written saveObjAs(Mesh& mesh, const std::string& chosen) {
+    return savedWithLooks(mesh, chosen, Wanted::asked) ? Written::yes
+                                                       : objFormat.saveAs(mesh, chosen);
+}
+
 void askAndWrite(const Format& format, Write* write) {
     const auto chosen = platform().fileDialog({true,
                                                "file to write mesh to?",
@@ -98,7 +110,8 @@ bool mayLose(const HomeFile& file) {
 void saveTo(Mesh& mesh, const HomeFile& home, const Format& format) {
     Busy busy("");
     workbench.wholeMeshWritten = false;
-    const int written = format.save(mesh, home.path);
+    const bool withLooks = &format == &objFormat && savedWithLooks(mesh, home.path, Wanted::all);
+    const bool written = withLooks || format.save(mesh, home.path) != 0;
     busy.end();
     if (!written) return complain("I tried to write to this file but it didn't work", home.path);
     setFileName(home.path);
@@ -120,7 +133,7 @@ void saveMeshFile() {
     const Format* const format = formatOf(home.path.empty() ? workbench.fileName : home.format);
     if (home.path.empty()) {
         const Format& asked = format != nullptr ? *format : objFormat;
-        return askAndWrite(asked, asked.saveAs);
+        return askAndWrite(asked, &asked == &objFormat ? saveObjAs : asked.saveAs);
     }
     if (mayLose(home)) saveTo(*OB, home, *format);
 }

@@ -13,7 +13,6 @@
 #include "formats/left_out.h"
 #include "formats/mesh_formats.h"
 #include "formats/obj/material_library.h"
-#include "formats/only_selected.h"
 #include "formats/written_parts.h"
 #include "io/save_file.h"
 #include "mesh/faces.h"
@@ -232,6 +231,26 @@ void exportOtherMesh() {
     noteSaved(path, countFaces(mesh, onlySelected));
     noteAll(losses);
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
+}
+
+bool saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted) try {
+    const std::string path = objFileOf(chosen);
+    SaveFile file;
+    if (countFaces(mesh, false) == 0 || !file.open(path)) return false;
+    const bool onlySelected = askOnlySelected(mesh, false, wanted);
+    Sentences losses;
+    const std::string reason = exportFile(mesh, chosen, path, onlySelected, file, losses);
+    if (!reason.empty()) {
+        note("the materials can't be written: " + reason);
+        return false;
+    }
+    workbench.fileName = path;
+    workbench.wholeMeshWritten = !onlySelected;
+    noteSaved(path, countFaces(mesh, onlySelected));
+    noteAll(losses);
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 } // namespace polyfab

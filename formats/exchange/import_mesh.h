@@ -3,9 +3,13 @@
 // child process; whatever becomes of it, the open mesh is safe.
 #pragma once
 
+#include "formats/only_selected.h"
+
 #include <string>
 
 namespace polyfab {
+
+struct Mesh;
 
 /// Asks for a file and whether its mesh is added or replaces the present one. After a failure,
 /// which a message explains, the mesh is as it was; only where the editor itself finds no memory
@@ -19,5 +23,10 @@ void importNamedMesh(const std::string& path, bool append);
 /// names. The file and those beside it that the format may need are replaced when all are complete.
 /// The mesh counts as altered as before: other formats keep less of it.
 void exportOtherMesh();
+
+/// Writes the mesh to an OBJ file as export does, with a library of its own, and copies of pictures
+/// where they are needed. Sets the current file and `workbench.wholeMeshWritten`. False, perhaps
+/// with a note: the old file is as it was.
+[[nodiscard]] bool saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted);
 
 } // namespace polyfab

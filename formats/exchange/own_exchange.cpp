@@ -58,8 +58,8 @@ std::string makeFile(const fs::path& path, Fill fill) {
 }
 
 std::string writeObj(const Mesh& mesh, const Target& target) {
-    const bool keeps = libraryHasLooks(mesh, target.path);
-    const std::string library = keeps ? mesh.mtllib : target.path.stem().string() + ".mtl";
+    const bool keeps = looksUntold(mesh, target.path) == 0;
+    const std::string library = keeps ? mesh.mtllib : newLibraryName(target.path);
     // Before the file that names it: whenever this ends, what names a library has it.
     if (keeps) writeMaterialLibrary(mesh, target.path);
     if (!keeps) {

@@ -59,6 +59,13 @@ bool copyTo(const fs::path& target, const auto& content) {
     return file.open(target) && fill(content, file) && file.commit();
 }
 
+/// Whether a file of the same bytes lies there already.
+bool isThere(const fs::path& path, const fs::path& written) {
+    std::error_code none;
+    return fs::file_size(path, none) == fs::file_size(written, none) && !none
+           && wholeFile(path) == wholeFile(written);
+}
+
 /// Whether a file that the user has not named may be replaced.
 bool mayReplace(const fs::path& path) {
     std::error_code ignored;
@@ -162,15 +169,17 @@ void removePassing(const std::vector<Beside>& beside) {
     }
 }
 
+/// Lists the files beside the target that are to be written, and those that are there already.
 std::string listBeside(const fs::path& folder, const fs::path& main, const fs::path& target,
-                       std::vector<Beside>& beside) {
+                       std::vector<Beside>& beside, std::vector<Beside>& same) {
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
         const fs::path name = target.parent_path() / entry->path().filename();
-        if (!mayReplace(name)) return name.string() + " was to be kept";
-        beside.push_back({entry->path(), name, {}});
+        const bool isSame = isThere(name, entry->path());
+        if (!isSame && !mayReplace(name)) return name.string() + " was to be kept";
+        (isSame ? same : beside).push_back({entry->path(), name, {}});
     }
     const bool there = fs::is_regular_file(fs::symlink_status(main, error));
     return there ? "" : "the exporter wrote nothing";
@@ -216,8 +225,8 @@ void removeDeadScratchFolders() {
 
 std::string saveExported(const fs::path& folder, const fs::path& target, SaveFile& file) {
     const fs::path main = folder / target.filename();
-    std::vector<Beside> beside;
-    std::string wrong = listBeside(folder, main, target, beside);
+    std::vector<Beside> beside, same;
+    std::string wrong = listBeside(folder, main, target, beside, same);
     if (!wrong.empty()) return wrong;
     std::deque<SaveFile> files;
     for (const Beside& one : beside) {
@@ -239,8 +248,10 @@ std::string saveExported(const fs::path& folder, const fs::path& target, SaveFil
     const bool done =
         std::all_of(files.begin(), files.end(), [](SaveFile& f) { return f.commit(); })
         && file.commit();
-    if (done) removePassing(beside);
-    return done ? "" : cannotWrite;
+    if (!done) return cannotWrite;
+    removePassing(beside);
+    removePassing(same);
+    return "";
 }
 
 } // namespace polyfab

@@ -6,12 +6,16 @@
 #include "formats/obj/material_library.h"
 #include "formats/obj/material_lines.h"
 #include "io/print_number.h"
+#include "io/read_file.h"
 #include "io/save_file.h"
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "workbench/notes.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <initializer_list>
 #include <map>
@@ -153,6 +157,72 @@ bool isThere(const fs::path& path) {
     return fs::exists(fs::symlink_status(path, failure));
 }
 
+/// Whether the file has the same bytes.
+bool isSamePicture(const PictureSource& picture, const std::string& file) {
+    const bool inFile = picture.bytes().empty();
+    if (file.empty() || (inFile && file == picture.path())) return !file.empty();
+    std::error_code failure;
+    const auto size = fs::file_size(file, failure);
+    if (inFile && (failure || fs::file_size(picture.path(), failure) != size)) return false;
+    const auto most = static_cast<std::int64_t>(size);
+    if (inFile) return wholeFile(file, most) == wholeFile(picture.path(), most);
+    return size == picture.bytes().size() && wholeFile(file, most) == picture.bytes();
+}
+
+/// What an OBJ file beside these libraries brings back of how materials look.
+class ToldLooks {
+  public:
+    /// `stand`: they are there already. Else they are yet to be written, with the materials that
+    /// they lack, and without copies of pictures.
+    ToldLooks(const Libraries& libraries, bool stand) : there(stand), any(!libraries.empty()) {
+        for (const auto& library : libraries) {
+            FileFinder& finder = finders.emplace_back(finderOf(*library));
+            for (const LibraryMaterial& material : readLibraryText(library->text)) {
+                told.try_emplace(material.name, Told{material, &finder});
+            }
+        }
+    }
+
+    [[nodiscard]] bool has(const Material& material) const {
+        static const MaterialLook plain;
+        const MaterialLook* const own = lookOf(material.name);
+        const MaterialLook& look = own != nullptr ? *own : plain;
+        if (!there && look.picture != nullptr) return false;
+        const std::uint32_t color = material.color & 0xFFFFFF;
+        const auto known = told.find(std::string_view(material.name));
+        if (known != told.end()) return says(known->second, color, look);
+        const bool isPlain = color == defaultColor && look.picture == nullptr && look.opacity == 1;
+        return isPlain || (!there && any);
+    }
+
+  private:
+    struct Told {
+        LibraryMaterial material;
+        FileFinder* finder;
+    };
+
+    static bool says(const Told& told, std::uint32_t color, const MaterialLook& look) {
+        const LibraryMaterial& said = told.material;
+        if (said.color.value_or(defaultColor) != color) return false;
+        if (!isNear(said.opacity, look.opacity)) return false;
+        const std::string file = said.picture.empty() ? "" : told.finder->find(said.picture);
+        if (look.picture == nullptr) return file.empty();
+        const PicturePlacing &a = said.placing, &b = look.placing;
+        return isNear(a.uScale, b.uScale) && isNear(a.vScale, b.vScale)
+               && isNear(a.uOffset, b.uOffset) && isNear(a.vOffset, b.vOffset)
+               && isSamePicture(*look.picture, file);
+    }
+
+    /// As near as six digits say it.
+    static bool isNear(double a, double b) {
+        return std::abs(a - b) <= 1e-5 * std::max(1.0, std::abs(b));
+    }
+
+    std::map<std::string, Told, std::less<>> told; ///< of several of one name the first
+    std::deque<FileFinder> finders;
+    bool there, any;
+};
+
 void writeOne(const fs::path& path, const std::string& text) {
     SaveFile file;
     bool written = file.open(path);
@@ -186,26 +256,21 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
     note("there is not enough memory to write the materials");
 }
 
-bool libraryHasLooks(const Mesh& mesh, const std::string& path) {
+std::int64_t looksUntold(const Mesh& mesh, const std::string& path) {
     const std::string line(trimTrailingBlanks(mesh.mtllib));
     Libraries libraries;
     if (!line.empty()) libraries = librariesOf(path, {line});
-    const bool completed = libraries.empty(); // with the materials that it lacks
-    if (completed && !line.empty()) libraries = librariesRead(line);
-    std::map<std::string, std::uint32_t, std::less<>> colors;
-    for (const auto& library : libraries) {
-        for (const LibraryMaterial& m : readLibraryText(library->text)) {
-            colors.try_emplace(m.name, m.color.value_or(defaultColor));
-        }
-    }
-    return std::all_of(mesh.materials, mesh.materials + mesh.nmat, [&](const Material& material) {
-        const MaterialLook* const look = lookOf(material.name);
-        if (completed && look != nullptr && look->picture != nullptr) return false;
-        if (material.color == defaultColor) return true;
-        const auto known = colors.find(std::string_view(material.name));
-        if (known == colors.end()) return completed && !libraries.empty();
-        return known->second == (material.color & 0xFFFFFF);
+    const bool stand = !libraries.empty();
+    if (!stand && !line.empty()) libraries = librariesRead(line);
+    const ToldLooks told(libraries, stand);
+    std::set<std::string_view> names; // of several of one name a file has the first
+    return std::count_if(mesh.materials, mesh.materials + mesh.nmat, [&](const Material& material) {
+        return names.insert(material.name).second && !told.has(material);
     });
+}
+
+std::string newLibraryName(const std::string& path) {
+    return fs::path(path).stem().string() + ".mtl";
 }
 
 std::string libraryText(const Mesh& mesh, const std::string& path,

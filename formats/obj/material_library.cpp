@@ -62,7 +62,7 @@ class LooksReader {
   public:
     LooksReader(Mesh& to, int firstNew) : mesh(to), looks(looksBefore(firstNew)) {
         for (int i = firstNew; i < mesh.nmat; ++i) wanted[mesh.materials[i].name].push_back(i);
-        all = wanted.size();
+        all = std::ssize(wanted);
     }
 
     void read(std::shared_ptr<const MaterialLibrary> library) {

@@ -242,6 +242,13 @@ void noteLosses(const Losses& losses) {
     noteCount(losses.longFaces, "{line} {is} longer than 1,023 characters: export parts {it}");
 }
 
+void noteUntold(const Mesh& mesh, const std::string& path) try {
+    noteCount(looksUntold(mesh, path),
+              "{material} {has} a colour or picture that reading does not bring back: export keeps "
+              "{it}");
+} catch (const std::bad_alloc&) { // the file is written all the same
+}
+
 int fail(const std::string& path) {
     platform().message("can't open file", path, Icon::exclamation);
     return 0;
@@ -262,6 +269,7 @@ int writeObjFile(const Mesh& mesh, const std::string& path, unsigned flags, Want
     if (isWhole && file.commit()) {
         noteSaved(path, countFaces(mesh, onlySelected));
         noteLosses(losses);
+        noteUntold(mesh, path);
         return 1;
     }
     workbench.wholeMeshWritten = false;

@@ -158,6 +158,42 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     setMaterialLooks(nullptr);
 }
 
+TEST_F(ImportMesh, SavingKeepsLooksAndAsksBeforeItTouchesALibrary) {
+    const std::string face = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nusemtl a\nf 1/1 2/1 3/1\n";
+    ASSERT_EQ(writePngFile({1, 1, {0xFF010203}}, folder.path("own.png")), "");
+    ASSERT_EQ(writePngFile({1, 1, {0xFF040506}}, folder.path("other.png")), "");
+    folder.write("m.mtl", "newmtl a\nKd 1 1 1\nmap_Kd own.png\n");
+    ASSERT_EQ(import(folder.write("m.obj", "mtllib m.mtl\n" + face)), "");
+    EXPECT_EQ(exportTo(folder.path("m.glb")), "");
+    const auto saveAnd = [&](const std::string& read) {
+        saveMeshFile();
+        reason();
+        EXPECT_EQ(import(folder.path(read)), "");
+        return seenLooks(noted);
+    };
+    // A picture inside of a file comes to lie beside the mesh, and once.
+    std::filesystem::create_directories(folder.path("to"));
+    EXPECT_EQ(import(folder.path("m.glb")), "");
+    shown.files = {folder.path("to/s.obj")};
+    saveMeshFile();
+    EXPECT_EQ(saveAnd("to/s.obj"), "ffffff ff010203 ");
+    // A library that says otherwise counts for nothing, and is replaced only if that is wanted.
+    for (const char* const says : {"map_Kd other.png", "map_Kd gone.png", "", "d 0.5"}) {
+        for (const bool replaced : {false, true}) {
+            SCOPED_TRACE(says);
+            readNamedMeshFile(folder.path("m.obj"));
+            const std::string library = folder.read("m.mtl");
+            const std::string changed = std::string("newmtl a\nKd 1 1 1\n") + says + "\n";
+            folder.write("m.mtl", changed);
+            shown.choices = {replaced ? Choice::yes : Choice::no};
+            EXPECT_EQ(saveAnd("m.obj") == "ffffff ff010203 ", replaced);
+            EXPECT_EQ(folder.read("m.mtl") == changed, !replaced);
+            folder.write("m.mtl", library);
+        }
+    }
+    setMaterialLooks(nullptr);
+}
+
 // One pair a word: "code:value", with "_" for a blank.
 std::string dxfText(const std::string& pairs) {
     std::istringstream words(pairs);
