@@ -42,10 +42,12 @@ kinds=(
     "export STL|--command 2002 --answer work/out.stl|out.stl"
     "export glTF and its buffer|--command 2002 --answer work/out.gltf --answer yes|out.gltf out.bin"
     "export OBJ and its library|--command 2002 --answer work/out.obj --answer yes|out.obj out.mtl"
+    "save an import and its library|--command 2040 --answer work/out.obj --answer yes|out.obj out.mtl"
 )
 
 save() { # kind steps, of $mesh
     case $1 in
+    *import*) exec "$program" --batch --command 2001 --answer "painted-${mesh%.obj}/mesh.obj" --answer no ${2-} ;;
     *library) exec "$program" --batch "painted-${mesh%.obj}/mesh.obj" ${2-} ;;
     save) exec "$program" --batch work/out.obj ${2-} ;;
     convert) exec "$program" --convert "$mesh" work/out.obj ;;
