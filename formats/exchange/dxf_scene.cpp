@@ -36,13 +36,6 @@ AffineMap fromBase(const AffineMap& map, const Vec3& base) {
     return moved;
 }
 
-/// The first bytes of the name, without a part of a character.
-std::string beginningOf(const std::string& name, std::size_t most) {
-    std::size_t size = std::min(most, name.size());
-    while (size > 0 && size < name.size() && continuesCharacter(name[size])) --size;
-    return name.substr(0, size);
-}
-
 class Placer {
   public:
     explicit Placer(const DxfDrawing& source) : drawing(source) {

@@ -155,6 +155,17 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     folder.write("src/gltf.bin", folder.read("once/gltf.bin"));
     EXPECT_EQ(import(folder.path("src/out.gltf")), "");
     EXPECT_NE(noted.find("of the 2 pictures of the materials: "), std::string::npos) << noted;
+    // Copies take the place of nothing, and come once.
+    folder.write("twice/x.png", "of another model");
+    std::filesystem::create_directory(folder.path("twice/x-2.png"));
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(import(folder.path("twice/glb.glb")), "");
+        EXPECT_EQ(exportTo(folder.path("twice/x.fbx")), "");
+        EXPECT_EQ(import(folder.path("twice/x.fbx")), "");
+        EXPECT_EQ(seenLooks(noted), "ffffff ff010203 ff00 ff78797a ff ");
+    }
+    EXPECT_EQ(folder.read("twice/x.png"), "of another model");
+    EXPECT_TRUE(folder.has("twice/x-4.png") && !folder.has("twice/x-5.png"));
     setMaterialLooks(nullptr);
 }
 
