@@ -21,7 +21,6 @@
 #include <map>
 #include <memory>
 #include <new>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -62,8 +61,8 @@ class LooksTaker {
             return pictures.find(coded ? withoutPercents(name) : name, finder);
         }
         auto& picture = embedded[static_cast<std::size_t>(number)];
-        if (picture == nullptr) {
-            const std::string_view bytes = view.embedded[static_cast<std::size_t>(number)];
+        const std::string_view bytes = view.embedded[static_cast<std::size_t>(number)];
+        if (picture == nullptr && !bytes.empty()) { // without any it would be one in a file
             picture = std::make_shared<PictureSource>(name, std::string(bytes));
         }
         return picture;
@@ -244,23 +243,13 @@ void placeTexcoords(StreamTables& tables, const std::vector<const MaterialLook*>
 
 } // namespace
 
-std::string takeLooks(const Mesh& mesh, const StreamView& view, const std::string& path,
-                      int firstNew) {
-    const bool others = firstNew > 0 && materialLooks() != nullptr;
-    MaterialLooks looks = others ? *materialLooks() : MaterialLooks();
-    std::set<std::string> wanted;
-    for (int i = firstNew; i < mesh.nmat; ++i) wanted.insert(mesh.materials[i].name);
+std::vector<MaterialLook> looksIn(const StreamView& view, const std::string& path,
+                                  std::string& missing) {
     LooksTaker taker(view, path);
-    for (std::size_t i = 0; i < view.materials.size(); ++i) {
-        std::string name = cleanName(view.materials[i]);
-        if (wanted.erase(name) == 0) continue;
-        MaterialLook look = taker.take(i);
-        if (look.picture == nullptr && look.opacity == 1) continue;
-        looks.byName.insert_or_assign(std::move(name), std::move(look));
-    }
-    const bool none = looks.byName.empty() && looks.libraries.empty();
-    setMaterialLooks(none ? nullptr : std::make_shared<const MaterialLooks>(std::move(looks)));
-    return taker.note();
+    std::vector<MaterialLook> looks;
+    for (std::size_t i = 0; i < view.materials.size(); ++i) looks.push_back(taker.take(i));
+    missing = taker.note();
+    return looks;
 }
 
 void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
