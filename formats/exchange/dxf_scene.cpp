@@ -2,12 +2,12 @@
 #include "formats/exchange/dxf_scene.h"
 
 #include "formats/dxf/dxf_drawing.h"
+#include "formats/exchange/numbered_names.h"
 #include "formats/exchange/stream_mesh.h"
 #include "formats/exchange/unique_records.h"
 #include "formats/exchange/unique_table.h"
 #include "formats/left_out.h"
 #include "io/read_file.h"
-#include "io/utf8.h"
 #include "workbench/notes.h"
 
 #include <algorithm>
@@ -36,13 +36,6 @@ AffineMap fromBase(const AffineMap& map, const Vec3& base) {
     return moved;
 }
 
-/// The first bytes of the name, without a part of a character.
-std::string beginningOf(const std::string& name, std::size_t most) {
-    std::size_t size = std::min(most, name.size());
-    while (size > 0 && size < name.size() && continuesCharacter(name[size])) --size;
-    return name.substr(0, size);
-}
-
 class Placer {
   public:
     explicit Placer(const DxfDrawing& source) : drawing(source) {
@@ -51,6 +44,7 @@ class Placer {
         }
         for (std::size_t i = 0; i < drawing.layers.size(); ++i) {
             layerNamed.try_emplace(foldedName(cleanName(drawing.layers[i])), i);
+            numbers.avoid(cleanName(drawing.layers[i]));
         }
     }
 
@@ -170,20 +164,13 @@ class Placer {
         return entry->second;
     }
 
-    /// For a material of that layer a name that no other has, since many formats know materials by
-    /// their names only: the first gets the layer's, where it is not that of another layer too.
+    /// For a material of that layer a name that no other has: the first gets the layer's, where it
+    /// is not that of another layer too.
     std::string newName(std::size_t layer) {
-        constexpr std::size_t stem = 52; // with a number it is still a name that is not cut
         std::string name = cleanName(drawing.layers[layer]);
         const auto own = layerNamed.find(foldedName(name));
         if (own->second == layer && named.insert(layer).second) return name;
-        const std::string start = beginningOf(name, stem);
-        std::int64_t& last = lastNumber.try_emplace(foldedName(start), 1).first->second;
-        std::string numbered;
-        do {
-            numbered = start + " " + std::to_string(++last);
-        } while (layerNamed.contains(foldedName(numbered)));
-        return numbered;
+        return numbers.next(name);
     }
 
     static std::string noteOf(const std::map<std::string, std::int64_t>& counts) {
@@ -203,9 +190,9 @@ class Placer {
     StreamTables tables;
     UniqueTable<Vec3> points{tables.points};
     std::map<std::string, std::size_t> blockNamed;
-    std::map<std::string, std::size_t> layerNamed;  ///< by what the mesh keeps of the names
-    std::map<std::string, std::int64_t> lastNumber; ///< behind that beginning of names
-    std::set<std::size_t> named;                    ///< layers whose name a material has
+    std::map<std::string, std::size_t> layerNamed; ///< by what the mesh keeps of the names
+    NumberedNames numbers;
+    std::set<std::size_t> named; ///< layers whose name a material has
     std::map<std::size_t, std::int32_t> groups;
     std::map<std::pair<std::int32_t, std::uint32_t>, std::int32_t> materials;
     std::map<std::string, std::int64_t> leftOut;

@@ -86,6 +86,8 @@ class Losses {
              "{face} {has} more than 3 corners and {was} cut into triangles");
         if (usedGroups.size() > 1) tellNames(groups, groupNames, usedGroups, "group");
         if (needsMaterials()) tellNames(materials, materialNames, usedMaterials, "material");
+        tell(has(materials) || has(materialNames) ? 0 : doubleNames(),
+             "{material} {has} the name of another: import puts a number behind it");
         tellLooks();
         tell(has(texcoords) ? std::ssize(tables.texcoords) : 0,
              "{texture coordinate} {was} left out: this format has none");
@@ -146,6 +148,16 @@ class Losses {
              "{" + what + "} {was} left out: this format has none");
         tell(has(names) ? std::ssize(used) : 0,
              "{" + what + "} {has} a name that this format does not keep");
+    }
+
+    /// Materials with the name of an earlier one, in another colour.
+    [[nodiscard]] std::int64_t doubleNames() const {
+        std::map<std::string_view, std::uint32_t> known;
+        return std::count_if(usedMaterials.begin(), usedMaterials.end(), [&](int i) {
+            const Material& material = mesh.materials[i];
+            const auto entry = known.try_emplace(material.name, material.color).first;
+            return entry->second != material.color;
+        });
     }
 
     void tellLooks() {

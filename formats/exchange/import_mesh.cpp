@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/exchange/import_mesh.h"
 
+#include "display/material_looks.h"
 #include "formats/exchange/export_losses.h"
 #include "formats/exchange/import_offer.h"
 #include "formats/exchange/import_process.h"
@@ -57,8 +58,8 @@ void tellNotes(const StreamView& view) {
 /// it grew. `looks` becomes a note on the looks of its materials.
 std::string importFile(Mesh& mesh, const std::string& path, bool append, std::string& looks) try {
     const Busy busy("HANG ON WHILE I IMPORT THE FILE (the Escape key stops it)");
-    const int materials = append ? mesh.nmat : 0;
     if (importsItself(path)) {
+        const int materials = append ? mesh.nmat : 0;
         std::string reason = importOwn(mesh, path, append);
         if (reason.empty()) looks = readMaterialLibraries(mesh, path, namedLibraries, materials);
         return reason;
@@ -71,9 +72,7 @@ std::string importFile(Mesh& mesh, const std::string& path, bool append, std::st
     if (!readStream(bytes, view)) return "what came from the importer makes no sense";
     tellNotes(view);
     if (!view.failure.empty()) return std::string(view.failure);
-    reason = takeStream(mesh, view, append);
-    if (reason.empty()) looks = takeLooks(mesh, view, path, materials);
-    return reason;
+    return takeStream(mesh, view, looksIn(view, path, looks), append);
 } catch (const std::bad_alloc&) {
     return "there is not enough memory";
 }

@@ -10,6 +10,7 @@
 #include "io/file_name.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
+#include "io/utf8.h"
 #include "mesh/mesh.h"
 #include "picture/read_image.h"
 #include "picture/write_png.h"
@@ -20,7 +21,6 @@
 #include <map>
 #include <memory>
 #include <new>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -61,8 +61,8 @@ class LooksTaker {
             return pictures.find(coded ? withoutPercents(name) : name, finder);
         }
         auto& picture = embedded[static_cast<std::size_t>(number)];
-        if (picture == nullptr) {
-            const std::string_view bytes = view.embedded[static_cast<std::size_t>(number)];
+        const std::string_view bytes = view.embedded[static_cast<std::size_t>(number)];
+        if (picture == nullptr && !bytes.empty()) { // without any it would be one in a file
             picture = std::make_shared<PictureSource>(name, std::string(bytes));
         }
         return picture;
@@ -86,9 +86,24 @@ bool save(const fs::path& path, std::string_view bytes) {
     return file.commit();
 }
 
-/// A file name without what may mean something to a format or a system.
+bool isFree(const fs::path& path) {
+    std::error_code none;
+    return fs::symlink_status(path, none).type() == fs::file_type::not_found;
+}
+
+/// Whether a file of these bytes lies there, itself and not by a link.
+bool isCopy(const fs::path& path, const std::string& bytes) {
+    std::error_code none;
+    return fs::is_regular_file(fs::symlink_status(path, none))
+           && fs::file_size(path, none) == bytes.size()
+           && wholeFile(path, std::ssize(bytes)) == bytes;
+}
+
+/// A file name without what may mean something to a format or a system, and with room for a number
+/// and a suffix.
 std::string plainName(const std::string& text) {
-    std::string name = fs::path(text).stem();
+    constexpr std::size_t longest = 200;
+    std::string name = beginningOf(fs::path(text).stem(), longest);
     for (char& c : name) {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x80 && std::isalnum(byte) == 0 && c != '-' && c != '.') c = '_';
@@ -108,10 +123,10 @@ class PictureGiver {
         shows = holds || std::any_of(std::begin(naming), std::end(naming), is);
     }
 
-    void give(PictureSource& picture, const std::string& material, std::size_t number) {
+    void give(PictureSource& picture, std::size_t number) {
         if (!shows) return;
         const auto [entry, isNew] = given.try_emplace(&picture);
-        if (isNew) entry->second = place(picture, material);
+        if (isNew) entry->second = place(picture);
         tables.pictures[number] = entry->second.name;
         tables.looks[number].embedded = entry->second.embedded;
     }
@@ -122,7 +137,7 @@ class PictureGiver {
         std::int64_t embedded = -1;
     };
 
-    Given place(PictureSource& picture, const std::string& material) {
+    Given place(PictureSource& picture) {
         const bool inFile = picture.bytes().empty();
         std::string bytes = inFile ? wholeFile(picture.path()).value_or("") : picture.bytes();
         const bool common = isPng(bytes) || isJpeg(bytes);
@@ -131,7 +146,7 @@ class PictureGiver {
         }
         if (!common && (forWeb || !inFile)) bytes = asPng(picture);
         if (bytes.empty()) return {};
-        const std::string stem = plainName(picture.path());
+        const std::string stem = stemOf(picture);
         const std::string usual = isPng(bytes) ? ".png" : ".jpg";
         const std::string suffix =
             isPng(bytes) || isJpeg(bytes) ? usual : fs::path(picture.path()).extension().string();
@@ -139,7 +154,13 @@ class PictureGiver {
             tables.embedded.push_back(std::move(bytes));
             return {stem, std::ssize(tables.embedded) - 1};
         }
-        return {copyOf(bytes, stem.empty() ? plainName(material) : stem, suffix)};
+        return {copyOf(bytes, stem, suffix)};
+    }
+
+    /// How the name of a copy begins. Some formats only number the pictures inside of them.
+    std::string stemOf(const PictureSource& picture) const {
+        const std::string& path = picture.path();
+        return plainName(path.empty() || path.starts_with('*') ? target.string() : path);
     }
 
     /// "" when the file does not lie in the folder of the target or below.
@@ -160,23 +181,25 @@ class PictureGiver {
         return bytes;
     }
 
-    /// The name of a copy beside the target, or of one that is there already.
+    /// The name of a copy beside the target, or of one that is there already. Whatever else has
+    /// such a name stays.
     std::string copyOf(const std::string& bytes, const std::string& stem,
-                       const std::string& suffix) {
-        std::string name = stem + suffix;
-        for (int i = 2; name == target.filename() || !names.insert(name).second; ++i) {
-            name = stem;
-            name.append("-").append(std::to_string(i)).append(suffix);
+                       const std::string& suffix) const {
+        for (int i = 1; i <= maxIndexed; ++i) {
+            const std::string number = i > 1 ? "-" + std::to_string(i) : "";
+            const std::string name = stem + number + suffix;
+            const fs::path here = scratch / name, there = folderOf(target) / name;
+            if (isCopy(here, bytes) || isCopy(there, bytes)) return name;
+            if (name == target.filename() || !isFree(here) || !isFree(there)) continue;
+            return save(here, bytes) ? name : "";
         }
-        if (wholeFile(folderOf(target) / name) == bytes) return name;
-        return save(scratch / name, bytes) ? name : "";
+        return "";
     }
 
     StreamTables& tables;
     fs::path target, scratch;
     bool holds, forWeb, shows;
     std::map<PictureSource*, Given> given;
-    std::set<std::string> names;
 };
 
 /// The file's texture coordinates become those at which its pictures lie, as not all formats can
@@ -220,23 +243,13 @@ void placeTexcoords(StreamTables& tables, const std::vector<const MaterialLook*>
 
 } // namespace
 
-std::string takeLooks(const Mesh& mesh, const StreamView& view, const std::string& path,
-                      int firstNew) {
-    const bool others = firstNew > 0 && materialLooks() != nullptr;
-    MaterialLooks looks = others ? *materialLooks() : MaterialLooks();
-    std::set<std::string> wanted;
-    for (int i = firstNew; i < mesh.nmat; ++i) wanted.insert(mesh.materials[i].name);
+std::vector<MaterialLook> looksIn(const StreamView& view, const std::string& path,
+                                  std::string& missing) {
     LooksTaker taker(view, path);
-    for (std::size_t i = 0; i < view.materials.size(); ++i) {
-        std::string name = cleanName(view.materials[i]);
-        if (wanted.erase(name) == 0) continue;
-        MaterialLook look = taker.take(i);
-        if (look.picture == nullptr && look.opacity == 1) continue;
-        looks.byName.insert_or_assign(std::move(name), std::move(look));
-    }
-    const bool none = looks.byName.empty() && looks.libraries.empty();
-    setMaterialLooks(none ? nullptr : std::make_shared<const MaterialLooks>(std::move(looks)));
-    return taker.note();
+    std::vector<MaterialLook> looks;
+    for (std::size_t i = 0; i < view.materials.size(); ++i) looks.push_back(taker.take(i));
+    missing = taker.note();
+    return looks;
 }
 
 void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
@@ -255,7 +268,7 @@ void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
         if (looks[i] == nullptr) continue;
         tables.looks[i].opacity = looks[i]->opacity;
         if (looks[i]->picture == nullptr) continue;
-        giver.give(*looks[i]->picture, mesh.materials[i].name, i);
+        giver.give(*looks[i]->picture, i);
     }
     placeTexcoords(tables, looks);
 }
@@ -271,7 +284,7 @@ std::vector<std::string> picturesBeside(const Mesh& mesh, const fs::path& target
     for (std::size_t i = 0; i < count; ++i) {
         const MaterialLook* const look = lookOf(mesh.materials[i].name);
         if (look == nullptr || look->picture == nullptr) continue;
-        giver.give(*look->picture, mesh.materials[i].name, i);
+        giver.give(*look->picture, i);
     }
     return std::move(tables.pictures);
 }

@@ -9,14 +9,15 @@
 
 namespace polyfab {
 
+struct MaterialLook;
 struct Mesh;
 struct StreamTables;
 struct StreamView;
 
-/// Gives the materials of the mesh from `firstNew` on the looks that the stream of this file has
-/// for them; with 0 there are no others. Returns a note on pictures that are not there, or "".
-[[nodiscard]] std::string takeLooks(const Mesh& mesh, const StreamView& view,
-                                    const std::string& path, int firstNew);
+/// The look of each material in the stream of this file. `missing` becomes a note on pictures that
+/// are not there, or "".
+[[nodiscard]] std::vector<MaterialLook> looksIn(const StreamView& view, const std::string& path,
+                                                std::string& missing);
 
 /// Adds the looks of the materials to the tables of an export. A picture goes into the stream where
 /// the target's format holds it; else the file names it where it lies in the target's folder, or

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/exchange/stream_mesh.h"
 
+#include "display/material_looks.h"
 #include "formats/exchange/import_stream.h"
+#include "formats/exchange/stream_materials.h"
 #include "mesh/mesh.h"
 #include "mesh/names.h"
 #include "workbench/long_work.h"
@@ -9,9 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace polyfab {
@@ -58,25 +58,8 @@ std::vector<std::int16_t> addGroups(Mesh& mesh, const StreamView& view) {
     return indices;
 }
 
-/// A material of the mesh stands for one of the file when name and colour are the same.
-std::vector<std::int16_t> addMaterials(Mesh& mesh, const StreamView& view) {
-    std::map<std::pair<std::string, std::uint32_t>, int> known;
-    for (int i = 0; i < mesh.nmat; ++i) {
-        known.try_emplace({mesh.materials[i].name, mesh.materials[i].color}, i);
-    }
-    std::vector<std::int16_t> indices;
-    for (std::size_t i = 0; i < view.materials.size(); ++i) {
-        const std::string name = cleanName(view.materials[i]);
-        const std::uint32_t color = view.colors[i] & 0xFFFFFF;
-        const auto [entry, isNew] = known.try_emplace({name, color}, 0);
-        if (isNew) entry->second = mesh.addMaterial(color, name);
-        indices.push_back(static_cast<std::int16_t>(entry->second));
-    }
-    return indices;
-}
-
 /// Adds the tables to the mesh. False, and the mesh empty, when there is no room.
-bool addTables(Mesh& mesh, const StreamView& view) {
+bool addTables(Mesh& mesh, const StreamView& view, const std::vector<MaterialLook>& looks) {
     const auto [np, nt, nd] = std::tuple(mesh.np, mesh.nt, mesh.nd);
     if (!reserve(mesh, view)) {
         mesh.clear(true);
@@ -86,7 +69,7 @@ bool addTables(Mesh& mesh, const StreamView& view) {
     for (const Vec3& d : view.normals) mesh.addNormal(finite(d.x), finite(d.y), finite(d.z));
     for (const StreamTexCoord& t : view.texcoords) mesh.addTexCoord(finite(t.u), finite(t.v));
     const std::vector<std::int16_t> groups = addGroups(mesh, view);
-    const std::vector<std::int16_t> materials = addMaterials(mesh, view);
+    const std::vector<std::int16_t> materials = addMaterials(mesh, view, looks);
     const StreamCorner* next = view.corners.data();
     LoopProgress progress(std::ssize(view.faces));
     for (const StreamFace& face : view.faces) {
@@ -119,11 +102,12 @@ std::string cleanName(std::string_view name) {
     return clean.empty() ? "default" : clean;
 }
 
-std::string takeStream(Mesh& mesh, const StreamView& view, bool append) {
+std::string takeStream(Mesh& mesh, const StreamView& view, const std::vector<MaterialLook>& looks,
+                       bool append) {
     std::string reason = refusal(mesh, view, append);
     if (!reason.empty()) return reason;
     if (!append) mesh.clear(true);
-    return addTables(mesh, view) ? "" : "there is not enough memory";
+    return addTables(mesh, view, looks) ? "" : "there is not enough memory";
 }
 
 } // namespace polyfab

@@ -4,9 +4,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace polyfab {
 
+struct MaterialLook;
 struct Mesh;
 struct StreamView;
 
@@ -17,8 +19,10 @@ struct StreamView;
 /// name a line.
 [[nodiscard]] std::string cleanName(std::string_view name);
 
-/// Adds the tables to the mesh, or puts them in its place. Returns "" or why not: the mesh is as it
-/// was then, but for one that had no memory while it grew, which is empty. The arrays move.
-[[nodiscard]] std::string takeStream(Mesh& mesh, const StreamView& view, bool append);
+/// Adds the tables to the mesh, or puts them in its place, with these looks of the materials.
+/// Returns "" or why not: the mesh is as it was then, but for one that had no memory while it grew,
+/// which is empty. The arrays move.
+[[nodiscard]] std::string takeStream(Mesh& mesh, const StreamView& view,
+                                     const std::vector<MaterialLook>& looks, bool append);
 
 } // namespace polyfab

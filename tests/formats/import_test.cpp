@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <fcntl.h>
 #include <iomanip>
 #include <sstream>
@@ -103,6 +104,7 @@ TEST_F(ImportMesh, KeepsWhatTheFileHas) {
     OB->materials[OB->faces[0].mat].color = 1;
     EXPECT_EQ(import(path, Choice::yes), "");
     EXPECT_EQ(OB->nmat, materials + 1);
+    EXPECT_EQ(OB->materials[materials].name, std::string("clay 2"));
     EXPECT_EQ(check(*OB), nullptr);
 }
 
@@ -155,6 +157,29 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     folder.write("src/gltf.bin", folder.read("once/gltf.bin"));
     EXPECT_EQ(import(folder.path("src/out.gltf")), "");
     EXPECT_NE(noted.find("of the 2 pictures of the materials: "), std::string::npos) << noted;
+    // A material is one of the mesh where it looks like it; looks of none there are forgotten.
+    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nmap_Kd t.ppm\nnewmtl c\nmap_Kd t.ppm\n");
+    EXPECT_EQ(import(mesh), "");
+    std::strcpy(OB->materials[2].name, "a 2");
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(import(folder.path("once/glb.glb"), Choice::yes), "");
+        EXPECT_EQ(seenLooks(""), "ffffff ff78797a 808080 808080 ffffff ff010203 ff00 ff78797a ff ");
+        EXPECT_EQ(OB->materials[3].name + std::string(OB->materials[4].name), "a 3b 2");
+    }
+    std::strcpy(OB->materials[1].name, "a");
+    EXPECT_EQ(exportTo(folder.path("src/a.glb")), "");
+    EXPECT_NE(noted.find("1 material has the name of another"), std::string::npos) << noted;
+    // Copies take the place of nothing, and come once.
+    folder.write("twice/x.png", "of another model");
+    std::filesystem::create_directory(folder.path("twice/x-2.png"));
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(import(folder.path("twice/glb.glb")), "");
+        EXPECT_EQ(exportTo(folder.path("twice/x.fbx")), "");
+        EXPECT_EQ(import(folder.path("twice/x.fbx")), "");
+        EXPECT_EQ(seenLooks(noted), "ffffff ff010203 ff00 ff78797a ff ");
+    }
+    EXPECT_EQ(folder.read("twice/x.png"), "of another model");
+    EXPECT_TRUE(folder.has("twice/x-4.png") && !folder.has("twice/x-5.png"));
     setMaterialLooks(nullptr);
 }
 
