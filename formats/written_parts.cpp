@@ -35,12 +35,12 @@ std::vector<bool> none(int size) { return std::vector<bool>(static_cast<std::siz
 WrittenParts writtenParts(const Mesh& mesh, bool onlySelected) try {
     WrittenParts written;
     written.points = none(mesh.np);
-    std::vector<bool> inGroups = none(mesh.ng), inMaterials = none(mesh.nmat),
-                      places = none(mesh.nt), directions = none(mesh.nd);
+    written.materials = none(mesh.nmat);
+    std::vector<bool> inGroups = none(mesh.ng), places = none(mesh.nt), directions = none(mesh.nd);
     for (const Face& face : liveFaces(mesh)) {
         if (onlySelected && face.selected == 0) continue;
         mark(inGroups, face.g);
-        mark(inMaterials, face.mat);
+        mark(written.materials, face.mat);
         for (const FaceCorner& corner : corners(face)) {
             mark(written.points, mesh.points, corner.p);
             mark(places, mesh.texcoords, corner.t);
@@ -53,7 +53,7 @@ WrittenParts writtenParts(const Mesh& mesh, bool onlySelected) try {
     if (!onlySelected) written.loosePoints = mesh.np - count(written.points);
     std::map<std::string_view, std::uint32_t> colors;
     for (int i = 0; i < mesh.nmat; ++i) {
-        if (!inMaterials[static_cast<std::size_t>(i)]) continue;
+        if (!written.materials[static_cast<std::size_t>(i)]) continue;
         const Material& material = mesh.materials[i];
         written.colored += material.color != defaultColor;
         const auto entry = colors.try_emplace(material.name, material.color).first;

@@ -14,9 +14,13 @@ struct Mesh;
 inline constexpr std::string_view loosePointsLost = "{point} of no face {was} left out";
 inline constexpr std::string_view doubleNamesLost =
     "{material} {has} the name of another: the file has one";
+inline constexpr std::string_view opacityLost = "{material} {is} transparent, which is not kept";
+inline constexpr std::string_view pictureLost =
+    "{material} {has} a picture that this format does not keep";
+inline constexpr std::string_view pictureUnread = "{material} {has} a picture that I can't read";
 
 struct WrittenParts {
-    std::vector<bool> points; ///< of the mesh: whether such a face has it
+    std::vector<bool> points, materials; ///< of the mesh: whether such a face has it
     std::int64_t groups = 0, texcoords = 0, normals = 0;
     std::int64_t colored = 0;     ///< materials that have a colour
     std::int64_t doubleNames = 0; ///< those with the name of an earlier one, in another colour

@@ -4,7 +4,9 @@
 
 #include "display/material_looks.h"
 #include "formats/exchange/import_stream.h"
+#include "formats/exchange/stream_looks.h"
 #include "formats/mesh_formats.h"
+#include "formats/written_parts.h"
 #include "io/print_number.h"
 #include "mesh/mesh.h"
 #include "workbench/notes.h"
@@ -76,8 +78,8 @@ bool hasSixDecimals(float value) {
 
 class Losses {
   public:
-    Losses(const Mesh& of, const StreamTables& written, unsigned format)
-        : mesh(of), tables(written), lost(format) {}
+    Losses(const Mesh& of, const StreamTables& written, const std::filesystem::path& target)
+        : mesh(of), tables(written), lost(lostBy(target)), takes(takesPictures(target)) {}
 
     Sentences list() {
         goOverFaces();
@@ -98,9 +100,7 @@ class Losses {
   private:
     [[nodiscard]] bool has(unsigned loss) const { return (lost & loss) != 0; }
 
-    void tell(std::int64_t count, const std::string& pattern) {
-        addCount(sentences, count, pattern);
-    }
+    void tell(std::int64_t count, std::string_view pattern) { addCount(sentences, count, pattern); }
 
     void goOverFaces() {
         const StreamCorner* corner = tables.corners.data();
@@ -167,16 +167,16 @@ class Losses {
             const auto index = static_cast<std::size_t>(i);
             const MaterialLook* const look = lookOf(mesh.materials[i].name);
             colored += mesh.materials[i].color != defaultColor;
-            under += look != nullptr && look->picture != nullptr;
             transparent += look != nullptr && look->opacity != 1;
-            pictured += look != nullptr && look->picture != nullptr
-                        && tables.pictures[index].empty() && tables.looks[index].embedded < 0;
+            if (look == nullptr || look->picture == nullptr) continue;
+            const bool given = !tables.pictures[index].empty() || tables.looks[index].embedded >= 0;
+            ++(given ? under : pictured);
         }
         tell(has(colors) ? colored : 0, "{material} {has} a colour that this format does not keep");
         tell(has(underPictures) ? under : 0,
              "{material} {has} a picture in place of the colour there");
-        tell(has(opacity) ? transparent : 0, "{material} {is} transparent, which is not kept");
-        tell(pictured, "{material} {has} a picture that this format does not keep");
+        tell(has(opacity) ? transparent : 0, opacityLost);
+        tell(pictured, takes ? pictureUnread : pictureLost);
     }
 
     /// Where only some corners of a mesh in the file have a normal, it gets none.
@@ -195,6 +195,7 @@ class Losses {
     const Mesh& mesh;
     const StreamTables& tables;
     unsigned lost;
+    bool takes; ///< pictures
     std::set<int> usedGroups, usedMaterials;
     std::int64_t cut = 0; ///< faces
     /// Of each group and material the corners without and with a normal.
@@ -210,7 +211,7 @@ bool needsTriangles(const std::filesystem::path& target) {
 
 Sentences exportLosses(const Mesh& mesh, const StreamTables& tables,
                        const std::filesystem::path& target) {
-    return Losses(mesh, tables, lostBy(target)).list();
+    return Losses(mesh, tables, target).list();
 }
 
 } // namespace polyfab

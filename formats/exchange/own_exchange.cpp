@@ -57,6 +57,16 @@ std::string makeFile(const fs::path& path, Fill fill) {
     return file.open(path) && fill(file) && file.commit() ? "" : noRoom;
 }
 
+/// Tells which of the materials have no picture there because theirs can't be read.
+void tellUnreadPictures(const Mesh& mesh, const std::vector<std::string>& names, Sentences& list) {
+    std::int64_t unread = 0;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const MaterialLook* const look = lookOf(mesh.materials[i].name);
+        unread += look != nullptr && look->picture != nullptr && names[i].empty();
+    }
+    addCount(list, unread, pictureUnread);
+}
+
 std::string writeObj(const Mesh& mesh, const Target& target) {
     const bool keeps = looksUntold(mesh, target.path) == 0;
     const std::string library = keeps ? mesh.mtllib : newLibraryName(target.path);
@@ -65,6 +75,7 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
     if (!keeps) {
         const fs::path scratch = target.file.parent_path();
         const std::vector<std::string> pictures = picturesBeside(mesh, target.path, scratch);
+        tellUnreadPictures(mesh, pictures, target.lost);
         std::string fault = makeFile(scratch / library, [&](SaveFile& file) {
             file.append(libraryText(mesh, target.path, pictures));
             return true;
@@ -80,14 +91,19 @@ std::string writeObj(const Mesh& mesh, const Target& target) {
     });
 }
 
-/// This format is written without pictures.
-void tellLostPictures(const Mesh& mesh, Sentences& list) {
-    const auto lost =
-        std::count_if(mesh.materials, mesh.materials + mesh.nmat, [](const Material& material) {
-            const MaterialLook* const look = lookOf(material.name);
-            return look != nullptr && look->picture != nullptr;
-        });
-    addCount(list, lost, "{material} {has} pictures that this format does not keep");
+/// Tells what this format does not have of the looks of the materials.
+void tellLostLooks(const Mesh& mesh, bool onlySelected, Sentences& list) {
+    std::vector<bool> used = writtenParts(mesh, onlySelected).materials;
+    used.resize(static_cast<std::size_t>(mesh.nmat));
+    std::int64_t pictures = 0, opacities = 0;
+    for (int i = 0; i < mesh.nmat; ++i) {
+        const MaterialLook* const look = lookOf(mesh.materials[i].name);
+        if (look == nullptr || !used[static_cast<std::size_t>(i)]) continue;
+        opacities += look->opacity != 1;
+        pictures += look->picture != nullptr;
+    }
+    addCount(list, opacities, opacityLost);
+    addCount(list, pictures, pictureLost);
 }
 
 std::string writeDxf(const Mesh& mesh, const Target& target) {
@@ -95,7 +111,7 @@ std::string writeDxf(const Mesh& mesh, const Target& target) {
         appendDxf(file, mesh, target.onlySelected, target.lost);
         return true;
     });
-    tellLostPictures(mesh, target.lost);
+    tellLostLooks(mesh, target.onlySelected, target.lost);
     return fault;
 }
 
@@ -107,6 +123,7 @@ std::string write3ds(const Mesh& mesh, const Target& target) {
         fault = append3ds(file, mesh, target.onlySelected, pictures, target.lost);
         return fault.empty();
     });
+    tellUnreadPictures(mesh, pictures, target.lost);
     return fault.empty() ? written : fault;
 }
 

@@ -86,6 +86,10 @@ bool save(const fs::path& path, std::string_view bytes) {
     return file.commit();
 }
 
+bool isAscii(std::string_view text) {
+    return std::none_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; });
+}
+
 bool isFree(const fs::path& path) {
     std::error_code none;
     return fs::symlink_status(path, none).type() == fs::file_type::not_found;
@@ -101,12 +105,14 @@ bool isCopy(const fs::path& path, const std::string& bytes) {
 
 /// A file name without what may mean something to a format or a system, and with room for a number
 /// and a suffix.
-std::string plainName(const std::string& text) {
+std::string plainName(const std::string& text, bool onlyAscii) {
     constexpr std::size_t longest = 200;
     std::string name = beginningOf(fs::path(text).stem(), longest);
     for (char& c : name) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80 && std::isalnum(byte) == 0 && c != '-' && c != '.') c = '_';
+        const bool plain =
+            byte < 0x80 ? std::isalnum(byte) != 0 || c == '-' || c == '.' : !onlyAscii;
+        if (!plain) c = '_';
     }
     return name;
 }
@@ -119,12 +125,10 @@ class PictureGiver {
         const auto is = [&](std::string_view suffix) { return endsIn(target.native(), suffix); };
         holds = is(".glb");
         forWeb = holds || is(".gltf");
-        constexpr std::string_view naming[] = {".gltf", ".dae", ".obj", ".fbx", ".3ds", ".x"};
-        shows = holds || std::any_of(std::begin(naming), std::end(naming), is);
+        onlyAscii = is(".x"); // its names have another code than those of files
     }
 
     void give(PictureSource& picture, std::size_t number) {
-        if (!shows) return;
         const auto [entry, isNew] = given.try_emplace(&picture);
         if (isNew) entry->second = place(picture);
         tables.pictures[number] = entry->second.name;
@@ -142,7 +146,8 @@ class PictureGiver {
         std::string bytes = inFile ? wholeFile(picture.path()).value_or("") : picture.bytes();
         const bool common = isPng(bytes) || isJpeg(bytes);
         if (inFile && common && !holds) {
-            if (std::string name = nameInTarget(picture.path()); !name.empty()) return {name};
+            const std::string name = nameInTarget(picture.path());
+            if (!name.empty() && (!onlyAscii || isAscii(name))) return {name};
         }
         if (!common && (forWeb || !inFile)) bytes = asPng(picture);
         if (bytes.empty()) return {};
@@ -160,7 +165,7 @@ class PictureGiver {
     /// How the name of a copy begins. Some formats only number the pictures inside of them.
     std::string stemOf(const PictureSource& picture) const {
         const std::string& path = picture.path();
-        return plainName(path.empty() || path.starts_with('*') ? target.string() : path);
+        return plainName(path.empty() || path.starts_with('*') ? target.string() : path, onlyAscii);
     }
 
     /// "" when the file does not lie in the folder of the target or below.
@@ -186,8 +191,9 @@ class PictureGiver {
     std::string copyOf(const std::string& bytes, const std::string& stem,
                        const std::string& suffix) const {
         for (int i = 1; i <= maxIndexed; ++i) {
-            const std::string number = i > 1 ? "-" + std::to_string(i) : "";
-            const std::string name = stem + number + suffix;
+            std::string name = stem;
+            if (i > 1) name.append("-").append(std::to_string(i));
+            name += suffix;
             const fs::path here = scratch / name, there = folderOf(target) / name;
             if (isCopy(here, bytes) || isCopy(there, bytes)) return name;
             if (name == target.filename() || !isFree(here) || !isFree(there)) continue;
@@ -198,7 +204,7 @@ class PictureGiver {
 
     StreamTables& tables;
     fs::path target, scratch;
-    bool holds, forWeb, shows;
+    bool holds, forWeb, onlyAscii;
     std::map<PictureSource*, Given> given;
 };
 
@@ -252,12 +258,19 @@ std::vector<MaterialLook> looksIn(const StreamView& view, const std::string& pat
     return looks;
 }
 
+bool takesPictures(const fs::path& target) {
+    constexpr std::string_view all[] = {".glb", ".gltf", ".dae", ".obj", ".fbx", ".3ds", ".x"};
+    return std::any_of(std::begin(all), std::end(all),
+                       [&](std::string_view suffix) { return endsIn(target.native(), suffix); });
+}
+
 void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
                const fs::path& scratch) {
     if (materialLooks() == nullptr) return;
     const std::size_t count = tables.materials.size();
     tables.looks.resize(count);
     tables.pictures.resize(count);
+    const bool shown = takesPictures(target);
     std::vector<bool> used(count);
     for (const StreamFace& face : tables.faces)
         used[static_cast<std::size_t>(face.material)] = true;
@@ -267,10 +280,10 @@ void giveLooks(const Mesh& mesh, StreamTables& tables, const fs::path& target,
         if (used[i]) looks[i] = lookOf(mesh.materials[i].name);
         if (looks[i] == nullptr) continue;
         tables.looks[i].opacity = looks[i]->opacity;
-        if (looks[i]->picture == nullptr) continue;
+        if (!shown || looks[i]->picture == nullptr) continue;
         giver.give(*looks[i]->picture, i);
     }
-    placeTexcoords(tables, looks);
+    if (shown) placeTexcoords(tables, looks);
 }
 
 std::vector<std::string> picturesBeside(const Mesh& mesh, const fs::path& target,

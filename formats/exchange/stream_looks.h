@@ -19,6 +19,9 @@ struct StreamView;
 [[nodiscard]] std::vector<MaterialLook> looksIn(const StreamView& view, const std::string& path,
                                                 std::string& missing);
 
+/// Whether files of that name's format have pictures, or name them.
+[[nodiscard]] bool takesPictures(const std::filesystem::path& target);
+
 /// Adds the looks of the materials to the tables of an export. A picture goes into the stream where
 /// the target's format holds it; else the file names it where it lies in the target's folder, or
 /// a copy of it that is made in `scratch`, to come beside the target. Formats without pictures get

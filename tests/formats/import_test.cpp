@@ -158,7 +158,8 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
     EXPECT_EQ(import(folder.path("src/out.gltf")), "");
     EXPECT_NE(noted.find("of the 2 pictures of the materials: "), std::string::npos) << noted;
     // A material is one of the mesh where it looks like it; looks of none there are forgotten.
-    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nmap_Kd t.ppm\nnewmtl c\nmap_Kd t.ppm\n");
+    folder.write("src/ü.ppm", folder.read("src/t.ppm"));
+    folder.write("src/m.mtl", "newmtl a\nKd 1 1 1\nmap_Kd -s 2 2 ü.ppm\nnewmtl c\nmap_Kd t.ppm\n");
     EXPECT_EQ(import(mesh), "");
     std::strcpy(OB->materials[2].name, "a 2");
     for (int times = 0; times < 2; ++times) {
@@ -167,8 +168,16 @@ TEST_F(ImportMesh, PicturesGoOutAndComeBack) {
         EXPECT_EQ(OB->materials[3].name + std::string(OB->materials[4].name), "a 3b 2");
     }
     std::strcpy(OB->materials[1].name, "a");
-    EXPECT_EQ(exportTo(folder.path("src/a.glb")), "");
-    EXPECT_NE(noted.find("1 material has the name of another"), std::string::npos) << noted;
+    const std::pair<std::string, std::string> rows[] = {
+        {"glb", "1 material has the name of another: import puts a number behind it\n"},
+        {"dxf", "1 material is transparent, which is not kept\n4 materials have a picture that"},
+        {"3mf", std::to_string(OB->nt) + " texture coordinates were left out"},
+        {"x", "4 materials have a colour"}};
+    for (const auto& [suffix, sentence] : rows) {
+        EXPECT_EQ(exportTo(folder.path("src/lost." + suffix)), "");
+        EXPECT_NE(noted.find(sentence), std::string::npos) << suffix << noted;
+    }
+    EXPECT_TRUE(folder.has("src/__.ppm")); // X files have no other names
     // Copies take the place of nothing, and come once.
     folder.write("twice/x.png", "of another model");
     std::filesystem::create_directory(folder.path("twice/x-2.png"));
