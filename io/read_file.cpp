@@ -63,4 +63,12 @@ std::optional<std::string> wholeFile(const std::string& path, std::int64_t most)
     return bytes;
 }
 
+bool hasBytes(const std::string& path, std::string_view bytes, Links links) {
+    PieceReader file(path, links);
+    if (!file.isOpen() || file.size() != std::ssize(bytes)) return false;
+    std::string_view piece;
+    while (file.next(0, piece) && bytes.starts_with(piece)) bytes.remove_prefix(piece.size());
+    return bytes.empty() && !file.failed();
+}
+
 } // namespace polyfab

@@ -58,4 +58,9 @@ class PieceReader {
 [[nodiscard]] std::optional<std::string>
 wholeFile(const std::string& path, std::int64_t most = std::numeric_limits<std::int64_t>::max());
 
+/// Whether it is a regular file of just these bytes, which is read if it has as many. May throw
+/// std::bad_alloc.
+[[nodiscard]] bool hasBytes(const std::string& path, std::string_view bytes,
+                            Links links = Links::followed);
+
 } // namespace polyfab

@@ -61,9 +61,9 @@ bool copyTo(const fs::path& target, const auto& content) {
 
 /// Whether a file of the same bytes lies there already.
 bool isThere(const fs::path& path, const fs::path& written) {
-    std::error_code none;
-    return fs::file_size(path, none) == fs::file_size(written, none) && !none
-           && wholeFile(path) == wholeFile(written);
+    std::error_code none, failure;
+    const bool sameSize = fs::file_size(path, none) == fs::file_size(written, failure);
+    return sameSize && !none && !failure && hasBytes(path, wholeFile(written).value_or(""));
 }
 
 /// Whether a file that the user has not named may be replaced.

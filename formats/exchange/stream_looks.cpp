@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <functional>
 #include <map>
 #include <memory>
 #include <new>
@@ -93,14 +94,6 @@ bool isAscii(std::string_view text) {
 bool isFree(const fs::path& path) {
     std::error_code none;
     return fs::symlink_status(path, none).type() == fs::file_type::not_found;
-}
-
-/// Whether a file of these bytes lies there, itself and not by a link.
-bool isCopy(const fs::path& path, const std::string& bytes) {
-    std::error_code none;
-    return fs::is_regular_file(fs::symlink_status(path, none))
-           && fs::file_size(path, none) == bytes.size()
-           && wholeFile(path, std::ssize(bytes)) == bytes;
 }
 
 /// A file name without what may mean something to a format or a system, and with room for a number
@@ -189,23 +182,33 @@ class PictureGiver {
     /// The name of a copy beside the target, or of one that is there already. Whatever else has
     /// such a name stays.
     std::string copyOf(const std::string& bytes, const std::string& stem,
-                       const std::string& suffix) const {
-        for (int i = 1; i <= maxIndexed; ++i) {
+                       const std::string& suffix) {
+        std::string& known = copies[std::hash<std::string>()(bytes)];
+        if (!known.empty() && isCopy(known, bytes)) return known;
+        for (int& i = numbers[stem + suffix]; i < maxIndexed;) {
             std::string name = stem;
-            if (i > 1) name.append("-").append(std::to_string(i));
+            if (++i > 1) name.append("-").append(std::to_string(i));
             name += suffix;
+            if (isCopy(name, bytes)) return known = name;
             const fs::path here = scratch / name, there = folderOf(target) / name;
-            if (isCopy(here, bytes) || isCopy(there, bytes)) return name;
             if (name == target.filename() || !isFree(here) || !isFree(there)) continue;
-            return save(here, bytes) ? name : "";
+            return save(here, bytes) ? known = name : "";
         }
         return "";
+    }
+
+    /// Whether a file of these bytes has the name, itself and not by a link.
+    bool isCopy(const std::string& name, const std::string& bytes) const {
+        return hasBytes(scratch / name, bytes, Links::refused)
+               || hasBytes(folderOf(target) / name, bytes, Links::refused);
     }
 
     StreamTables& tables;
     fs::path target, scratch;
     bool holds, forWeb, onlyAscii;
     std::map<PictureSource*, Given> given;
+    std::map<std::string, int> numbers;        ///< that a copy of this name had last
+    std::map<std::size_t, std::string> copies; ///< by hashes of their bytes
 };
 
 /// The file's texture coordinates become those at which its pictures lie, as not all formats can

@@ -159,14 +159,15 @@ bool isThere(const fs::path& path) {
 
 /// Whether the file has the same bytes.
 bool isSamePicture(const PictureSource& picture, const std::string& file) {
-    const bool inFile = picture.bytes().empty();
-    if (file.empty() || (inFile && file == picture.path())) return !file.empty();
+    if (file.empty()) return false;
+    if (!picture.bytes().empty()) return hasBytes(file, picture.bytes());
+    if (file == picture.path()) return true;
     std::error_code failure;
     const auto size = fs::file_size(file, failure);
-    if (inFile && (failure || fs::file_size(picture.path(), failure) != size)) return false;
-    const auto most = static_cast<std::int64_t>(size);
-    if (inFile) return wholeFile(file, most) == wholeFile(picture.path(), most);
-    return size == picture.bytes().size() && wholeFile(file, most) == picture.bytes();
+    if (failure) return false;
+    const std::optional<std::string> own =
+        wholeFile(picture.path(), static_cast<std::int64_t>(size));
+    return own && hasBytes(file, *own);
 }
 
 /// What an OBJ file beside these libraries brings back of how materials look.
