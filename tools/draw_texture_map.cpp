@@ -88,7 +88,7 @@ bool askSide(int& side) {
     askText("how many pixels wide and high?", "1024");
     if (prompts.cancelled) return false;
     double number = 0;
-    const bool fits = parseNumber(prompts.answer[0], number) && number >= leastSide
+    const bool fits = parseOnlyNumber(prompts.answer[0], number) && number >= leastSide
                       && number <= mostSide && number == std::floor(number);
     if (fits) {
         side = static_cast<int>(number);
