@@ -87,9 +87,10 @@ std::string renderBackground() {
 }
 
 void setRenderBackground() {
-    askText("background colour of rendered panes? (RRGGBB)", renderBackground());
-    if (prompts.cancelled) return;
+    const std::string shown = renderBackground();
+    askText("background colour of rendered panes? (RRGGBB)", shown);
     const std::string answer = prompts.answer[0];
+    if (prompts.cancelled || answer == shown) return; // it may go with the theme
     if (answer.size() != 6
         || answer.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
         return refuse("background colour", "I need six hexadecimal digits, such as FAFAF7");
