@@ -64,6 +64,7 @@ void copyRendered() {
     if (!isRendered(true) && !isRendered(false)) return note("no pane is rendered");
     try {
         const Bitmap picture = renderedPanes(*OB);
+        if (picture.pixels.empty()) return note("no pane is rendered");
         platform().copyToClipboard(picture);
         note("a picture of " + sizeOf(picture.width, picture.height) + " is on the clipboard");
     } catch (const std::bad_alloc&) {
