@@ -58,7 +58,7 @@ class EarClipper {
     }
 
   private:
-    static constexpr double flat = 2; ///< sharper than all that have an area
+    static constexpr double flat = 2; ///< beyond all cosines: no area
     /// Boxes; the worst shapes that do not cross themselves need less than ten millions at 32,767
     /// corners.
     static constexpr std::int64_t mostLooks = 200'000'000;
@@ -79,12 +79,15 @@ class EarClipper {
         return triangle;
     }
 
-    /// Corners in a line and spikes go last: what they cut off has no area.
+    /// Spikes go first, as ears would be seen where they turn back on themselves; corners in a
+    /// line last, as others may have use for them.
     void enter(std::int32_t i) {
         const int bend = turn(i);
         if (bend < 0 || (bend == 0 && !cutsAll)) return;
         const Vec2 &a = place(at(before, i)), &b = place(i), &c = place(at(after, i));
-        ears.push({bend == 0 ? flat : sharpness(a, b, c), i, at(stamp, i)});
+        const bool turnsBack = (a.x - b.x) * (c.x - b.x) + (a.y - b.y) * (c.y - b.y) >= 0;
+        const double grade = bend != 0 ? sharpness(a, b, c) : turnsBack ? -flat : flat;
+        ears.push({grade, i, at(stamp, i)});
     }
 
     /// The best of those that are left, or -1.
@@ -94,7 +97,7 @@ class EarClipper {
             ears.pop();
             const std::int32_t i = ear.corner;
             if (ear.stamp != at(stamp, i)) continue;
-            if (ear.sharpness == flat) return i;
+            if (std::abs(ear.sharpness) == flat) return i;
             const std::int32_t blocker =
                 blunt.findIn(place(at(before, i)), place(i), place(at(after, i)), looks);
             if (blocker < 0) return i;
