@@ -15,7 +15,7 @@ namespace polyfab {
 namespace {
 
 /// Looking at every bay from every corner is the quickest way for so few.
-constexpr std::size_t fewCorners = 100;
+constexpr std::size_t fewCorners = 200;
 
 bool comesBefore(const Vec3& a, const Vec3& b) {
     return std::tie(a.x, a.y, a.z) < std::tie(b.x, b.y, b.z);
