@@ -44,12 +44,16 @@ Sides sidesOf(const Background& background, bool leftPane) {
     return {left, top, left + size * background.image.width, top + size * background.image.height};
 }
 
-/// The whole numbers from `low` up to `high`, within a pane of this size.
+/// The whole numbers from `low` up to `high`, within a pane of this size. What lies between two of
+/// them is drawn, too: on the one nearest to its middle.
 std::pair<int, int> pixelsBetween(double low, double high, int size) {
     const auto bounded = [=](double place) {
         return static_cast<int>(std::ceil(std::clamp(place, 0.0, double(size))));
     };
-    return {bounded(low), bounded(high)};
+    const int first = bounded(low), end = bounded(high);
+    const double middle = std::floor((low + high) / 2 + 0.5);
+    if (first < end || !(middle >= 0 && middle < size)) return {first, end};
+    return {static_cast<int>(middle), static_cast<int>(middle) + 1};
 }
 
 /// A picture that is laid between its sides, and pixels of the pane that show it.
@@ -83,23 +87,31 @@ struct Sheet {
     }
 };
 
-} // namespace
-
-void setBackground(bool leftPane, Image image) {
-    auto made = std::make_unique<Background>(std::move(image));
+void fit(Background& background, bool leftPane) {
+    const Image& image = background.image;
     const Panes panes = panesOf(view.client);
     const double width = leftPane ? panes.leftWidth : panes.rightWidth, height = panes.height;
-    const double size =
-        std::max(1e-3, std::min(width / made->image.width, height / made->image.height));
+    const double size = std::max(1e-3, std::min(width / image.width, height / image.height));
     const Place sheet = sheetIn(leftPane);
     const auto start = [&](double room, int texels, double begin) {
         return ((room - size * texels - 1) / 2 - begin) / view.scale;
     };
-    made->from = {start(width, made->image.width, sheet.x),
-                  start(height, made->image.height, sheet.y)};
-    made->texel = size / view.scale;
-    behind(leftPane) = std::move(made);
+    background.from = {start(width, image.width, sheet.x), start(height, image.height, sheet.y)};
+    background.texel = size / view.scale;
     stale.picture = true;
+}
+
+} // namespace
+
+void setBackground(bool leftPane, Image image) {
+    behind(leftPane) = std::make_unique<Background>(std::move(image));
+    fit(*behind(leftPane), leftPane);
+}
+
+void refitBackgrounds() {
+    for (const bool left : {true, false}) {
+        if (behind(left) != nullptr) fit(*behind(left), left);
+    }
 }
 
 const Image* backgroundOf(bool leftPane) {

@@ -11,6 +11,10 @@ namespace polyfab {
 /// pixels. May throw std::bad_alloc; nothing has changed then.
 void setBackground(bool leftPane, Image image);
 
+/// Fits the pictures into their panes anew: for a view that was made for another mesh, which says
+/// nothing about where they belong.
+void refitBackgrounds();
+
 /// What is behind a pane; null: nothing.
 [[nodiscard]] const Image* backgroundOf(bool leftPane);
 

@@ -3,18 +3,19 @@
 // ear, so a convex polygon takes linear time.
 #include "display/cut_face.h"
 
+#include "geometry/ear_clipping.h"
 #include "geometry/polygon.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <tuple>
 
 namespace polyfab {
 namespace {
 
-/// Looks at corners in ears; polygons with more bays than that are no drawings of anything.
-constexpr std::int64_t mostLooks = 4'000'000;
+/// Looking at every bay from every corner is the quickest way for so few.
+constexpr std::size_t fewCorners = 200;
 
 bool comesBefore(const Vec3& a, const Vec3& b) {
     return std::tie(a.x, a.y, a.z) < std::tie(b.x, b.y, b.z);
@@ -78,12 +79,12 @@ void PolygonCutter::flatten(std::span<const Vec3> corners) {
     flat.clear();
     for (const Vec3& p : ordered) {
         const double x = along(p, across), y = along(p, up);
-        flat.push_back(away ? Flat{y, x} : Flat{x, y});
+        flat.push_back(away ? Vec2{y, x} : Vec2{x, y});
     }
 }
 
 double PolygonCutter::area(int a, int b, int c) const {
-    const Flat &p = flat[static_cast<std::size_t>(a)], &q = flat[static_cast<std::size_t>(b)],
+    const Vec2 &p = flat[static_cast<std::size_t>(a)], &q = flat[static_cast<std::size_t>(b)],
                &r = flat[static_cast<std::size_t>(c)];
     return (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
 }
@@ -93,9 +94,7 @@ bool PolygonCutter::isEar(int corner) const {
     const int a = before[i], c = after[i];
     if (bendsInwards[i] != 0) return false;
     const auto isOn = [&](int p, int q) {
-        const Flat &at = flat[static_cast<std::size_t>(p)],
-                   &other = flat[static_cast<std::size_t>(q)];
-        return at.x == other.x && at.y == other.y;
+        return flat[static_cast<std::size_t>(p)] == flat[static_cast<std::size_t>(q)];
     };
     return std::none_of(bays.begin(), bays.end(), [&](int p) {
         if (bendsInwards[static_cast<std::size_t>(p)] == 0) return false;
@@ -109,11 +108,16 @@ void PolygonCutter::noteBend(int corner) {
     bendsInwards[i] = area(before[i], corner, after[i]) < 0 ? 1 : 0;
 }
 
+/// By places in the order.
+void PolygonCutter::add(int a, int b, int c) {
+    const auto number = [&](int place) { return order[static_cast<std::size_t>(place)]; };
+    triangles.push_back({{number(turned ? c : a), number(b), number(turned ? a : c)}});
+}
+
 void PolygonCutter::clip(int corner) {
     const auto i = static_cast<std::size_t>(corner);
     const int a = before[i], c = after[i];
-    const auto number = [&](int place) { return order[static_cast<std::size_t>(place)]; };
-    triangles.push_back({{number(turned ? c : a), number(corner), number(turned ? a : c)}});
+    add(a, corner, c);
     after[static_cast<std::size_t>(a)] = c;
     before[static_cast<std::size_t>(c)] = a;
     bendsInwards[i] = 0;
@@ -121,7 +125,7 @@ void PolygonCutter::clip(int corner) {
     noteBend(c);
 }
 
-void PolygonCutter::clipEars() {
+void PolygonCutter::clipFew() {
     const auto n = static_cast<int>(flat.size());
     before.resize(flat.size());
     after.resize(flat.size());
@@ -135,12 +139,10 @@ void PolygonCutter::clipEars() {
         noteBend(i);
         if (bendsInwards[static_cast<std::size_t>(i)] != 0) bays.push_back(i);
     }
-    std::int64_t looks = 0;
     int corner = 1, failed = 0;
     for (int rest = n; rest > 3;) {
-        looks += std::ssize(bays) + 1;
         const int next = after[static_cast<std::size_t>(corner)];
-        if (looks < mostLooks && failed < rest && !isEar(corner)) {
+        if (failed < rest && !isEar(corner)) {
             ++failed;
         } else {
             clip(corner);
@@ -152,6 +154,13 @@ void PolygonCutter::clipEars() {
     clip(corner);
 }
 
+void PolygonCutter::clipMany() {
+    for (Vec2& p : flat) {
+        if (!std::isfinite(p.x) || !std::isfinite(p.y)) p = {};
+    }
+    for (const auto& [a, b, c] : clipEarsAnyhow(flat)) add(a, b, c);
+}
+
 const std::vector<CutTriangle>& PolygonCutter::cut(std::span<const Vec3> corners) {
     triangles.clear();
     if (corners.size() == 4) {
@@ -159,7 +168,7 @@ const std::vector<CutTriangle>& PolygonCutter::cut(std::span<const Vec3> corners
     } else {
         putInOrder(corners);
         flatten(corners);
-        clipEars();
+        flat.size() <= fewCorners ? clipFew() : clipMany();
     }
     return triangles;
 }

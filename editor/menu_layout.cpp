@@ -14,11 +14,11 @@ struct Kind {
     bool oneHolds = false;
 };
 
-constexpr const char* rescale = "res&cale along one axis";
+constexpr const char* rescale = "resc&ale along one axis";
 constexpr const char* twist = "t&wist";
-constexpr const char* rotation = "&view and rotation";
+constexpr const char* rotation = "vie&w and rotation";
 constexpr const char* byKind = "unselect faces by &kind";
-constexpr const char* alongBox = "split faces along the b&ox";
+constexpr const char* alongBox = "s&plit faces along the box";
 
 /// Menu by menu, from top to bottom.
 constexpr auto kinds = std::to_array<Kind>({
@@ -47,7 +47,7 @@ constexpr auto kinds = std::to_array<Kind>({
     {{281, 1070}, rotation},
     {{1057, 1058, 1082}, "m&easure"},
     {{1051, 1067}, "double &faces"},
-    {{386, 388}, "re&move from the selected faces"},
+    {{386, 388}, "rem&ove from the selected faces"},
     {{415, 1073}, "&names to a text file"},
     {{1085, 1037}},
 
@@ -56,7 +56,7 @@ constexpr auto kinds = std::to_array<Kind>({
     {{1075, 1076, 1077}},
 
     {{290, 291, 2031, 2032, 2033, 2034}},
-    {{2036, 2035, 2037}, "select faces like the &current one"},
+    {{2036, 2035, 2037}, "select faces like the cu&rrent one"},
     {{292, 294, 293, 295}, "faces in the &box"},
     {{2003}, "faces in the &box"},
     {{325, 326}, byKind},
@@ -102,7 +102,7 @@ constexpr auto kinds = std::to_array<Kind>({
     {{332, 333}, nullptr, true},
     {{2004, 334, 2008}},
     {{335, 355, 410, 345}},
-    {{336, 337, 338, 339, 340, 341, 342, 343}, "texture &maps", true},
+    {{336, 337, 338, 339, 340, 341, 342, 343}, "texture m&aps", true},
     {{383, 384, 1069}},
 
     {{282}},

@@ -3,6 +3,7 @@
 // the history.
 #include "editor/window.h"
 
+#include "display/backgrounds.h"
 #include "editor/command_table.h"
 #include "editor/commands/recent.h"
 #include "editor/commands/rendering.h"
@@ -231,6 +232,7 @@ void handleEvent(const Event& event) {
     const bool dragged = dragRuns();
     const bool listed = editorState.subview != 0;
     const bool commands = event.kind == EventKind::command && !listed;
+    const bool wasEmpty = editorState.faces.live == 0;
     const Teller teller(commands ? commandOf(event) : nullptr);
     std::optional<LongWork> work;
     trackWork(event, work);
@@ -262,6 +264,8 @@ void handleEvent(const Event& event) {
     if (ended || movesInHistory(event)) {
         countFaces();
         suitRendering(readsMesh(event), altered);
+        const bool begun = readsMesh(event) && wasEmpty && editorState.faces.live > 0;
+        if (workbench.meshRead || begun) refitBackgrounds();
     }
     if (listed && editorState.subview == 0 && OB != nullptr) tellSelection();
     teller.tell(altered);

@@ -20,4 +20,10 @@ namespace polyfab {
 /// sides cross. About linear in time but for the worst of shapes.
 [[nodiscard]] std::vector<std::array<std::int32_t, 3>> clipEars(std::span<const Vec2> polygon);
 
+/// The same, but always two fewer than it has corners, which must be three and more and finite:
+/// corners in a line and spikes give triangles without area, and where sides cross some are turned
+/// over.
+[[nodiscard]] std::vector<std::array<std::int32_t, 3>>
+clipEarsAnyhow(std::span<const Vec2> polygon);
+
 } // namespace polyfab

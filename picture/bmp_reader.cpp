@@ -3,6 +3,7 @@
 // with bit fields; from below or from the top.
 #include "io/bytes.h"
 #include "picture/image_formats.h"
+#include "picture/read_image.h"
 
 #include <algorithm>
 #include <array>

@@ -32,9 +32,6 @@ inline constexpr const char* imageEndsEarly = "the file ends too early";
     return (sample * 255 + highest / 2) / highest;
 }
 
-/// Makes a picture opaque that would not show at all: many writers leave alpha at 0.
-void dropEmptyAlpha(Image& image);
-
 [[nodiscard]] constexpr std::uint32_t opaque(std::uint32_t red, std::uint32_t green,
                                              std::uint32_t blue) {
     return 0xFF000000 | red << 16 | green << 8 | blue;

@@ -25,4 +25,7 @@ inline constexpr std::string_view pngHead = "\x89PNG\r\n\x1a\n", jpegHead = "\xF
 /// The same of the bytes of a file.
 [[nodiscard]] std::string decodeImage(std::string_view bytes, Image& image);
 
+/// Makes a picture opaque that would not show at all: many programs leave alpha at 0.
+void dropEmptyAlpha(Image& image);
+
 } // namespace polyfab

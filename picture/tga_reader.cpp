@@ -3,6 +3,7 @@
 // any corner.
 #include "io/bytes.h"
 #include "picture/image_formats.h"
+#include "picture/read_image.h"
 
 #include <cstddef>
 #include <vector>

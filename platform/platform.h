@@ -270,7 +270,7 @@ class Platform {
     virtual void openHelp(const std::string& chapter) = 0;
     /// Shows a page of Markdown text beside the window. Does not wait.
     virtual void showPage(const std::string& title, const std::string& text) = 0;
-    /// The picture that the clipboard holds, if it holds one.
+    /// The picture that the clipboard holds, if it holds one: 0xAARRGGBB, alpha not premultiplied.
     virtual std::optional<Bitmap> clipboardBitmap() const = 0;
     virtual void copyToClipboard(const Bitmap& picture) = 0;
     /// Draws one line of text in a proportional font, its upper left corner at (x, y), cut off at

@@ -88,7 +88,7 @@ bool askSide(int& side) {
     askText("how many pixels wide and high?", "1024");
     if (prompts.cancelled) return false;
     double number = 0;
-    const bool fits = parseNumber(prompts.answer[0], number) && number >= leastSide
+    const bool fits = parseOnlyNumber(prompts.answer[0], number) && number >= leastSide
                       && number <= mostSide && number == std::floor(number);
     if (fits) {
         side = static_cast<int>(number);
@@ -99,8 +99,8 @@ bool askSide(int& side) {
 }
 
 std::string nameBeside(const std::string& meshFile) {
-    const std::string name = fileNameOf(meshFile);
-    return name.substr(0, name.find_last_of('.')) + "-uv.png";
+    const std::string file = fileNameOf(meshFile), name = file.substr(0, file.find_last_of('.'));
+    return (name.empty() ? "texture" : name) + "-uv.png"; // a dash begins options, no names
 }
 
 void draw(const Mesh& mesh, const std::vector<const Face*>& faces, int side,

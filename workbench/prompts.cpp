@@ -54,6 +54,14 @@ int parseAnswers(std::initializer_list<double*> numbers) {
     return 1;
 }
 
+/// Where the number ends that the text begins with: where the text begins when there is none.
+char* readNumber(const char* text, double& number) {
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t());
+    char* end = nullptr;
+    number = strtod_l(text, &end, plain);
+    return end;
+}
+
 /// A letter as its capital; other characters become some code of that range too.
 int folded(char letter) { return (letter & 31) + 64; }
 
@@ -83,10 +91,16 @@ DialogResult runDialog(Dialog& dialog) {
 }
 
 bool parseNumber(const char* text, double& number) {
-    static const locale_t plain = newlocale(LC_ALL_MASK, "C", locale_t());
-    char* end = nullptr;
-    const double value = strtod_l(text, &end, plain);
-    if (end == text) return false;
+    double value = 0;
+    if (readNumber(text, value) == text) return false;
+    number = value;
+    return true;
+}
+
+bool parseOnlyNumber(const char* text, double& number) {
+    double value = 0;
+    const char* const end = readNumber(text, value);
+    if (end == text || end[std::strspn(end, " \t")] != '\0') return false;
     number = value;
     return true;
 }

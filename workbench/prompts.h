@@ -46,6 +46,9 @@ int askText3(const std::string& question1, const std::string& default1,
 /// decimal point a point in every locale. False, with `number` as it was, when there is none.
 bool parseNumber(const char* text, double& number);
 
+/// The same of a text in which nothing but blanks follows the number.
+bool parseOnlyNumber(const char* text, double& number);
+
 /// Asks until the answer begins with a number. False when that was the default, after cancel.
 bool askNumberOrCancel(const std::string& question, const std::string& defaultAnswer,
                        double& number);

@@ -6,6 +6,7 @@
 #include "display/wireframe.h"
 #include "editor/commands/texture_maps.h"
 #include "mesh/mesh.h"
+#include "picture/read_image.h"
 #include "platform/platform.h"
 #include "workbench/notes.h"
 #include "workbench/state.h"
@@ -29,7 +30,9 @@ std::optional<Image> chooseImage(const std::string& of) {
             of, "shall I take the picture from the clipboard?", Buttons::yesNoCancel, Choice::yes);
         if (choice == Choice::cancel) return std::nullopt;
         if (choice == Choice::yes) {
-            return Image{copied->width, copied->height, std::move(copied->pixels)};
+            Image image{copied->width, copied->height, std::move(copied->pixels)};
+            dropEmptyAlpha(image);
+            return image;
         }
     }
     std::optional<ReadPicture> read = askForPicture(of + "?", "");
@@ -61,6 +64,7 @@ void copyRendered() {
     if (!isRendered(true) && !isRendered(false)) return note("no pane is rendered");
     try {
         const Bitmap picture = renderedPanes(*OB);
+        if (picture.pixels.empty()) return note("no pane is rendered");
         platform().copyToClipboard(picture);
         note("a picture of " + sizeOf(picture.width, picture.height) + " is on the clipboard");
     } catch (const std::bad_alloc&) {

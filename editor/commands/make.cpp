@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/commands/make.h"
 
+#include "display/backgrounds.h"
 #include "display/box.h"
 #include "display/view.h"
 #include "mesh/faces.h"
@@ -17,6 +18,7 @@ void makeAndShow(void (*make)(Mesh&)) {
     if (!first || isEmpty()) return;
     fitView(*OB);
     fitBox(*OB, false);
+    refitBackgrounds();
 }
 
 } // namespace polyfab

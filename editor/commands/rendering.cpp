@@ -65,13 +65,13 @@ void toggleRenderedEdges() {
 bool renderedEdgesAreShown() { return displayOptions.renderedEdges; }
 
 void setLight() {
-    double right = displayOptions.lightFromRight, above = displayOptions.lightFromAbove;
-    const bool answered =
-        askNumbers2("how many degrees from the right does the light come?", shortly(right), right,
-                    "how many degrees from above?", shortly(above), above)
-        != 0;
+    double right = 0, above = 0;
+    askText2("how many degrees from the right does the light come?",
+             shortly(displayOptions.lightFromRight), "how many degrees from above?",
+             shortly(displayOptions.lightFromAbove));
     if (prompts.cancelled) return;
-    if (!answered || !(std::abs(right) <= 180 && std::abs(above) <= 90)) {
+    if (!parseOnlyNumber(prompts.answer[0], right) || !parseOnlyNumber(prompts.answer[1], above)
+        || !(std::abs(right) <= 180 && std::abs(above) <= 90)) {
         return refuse("light", "I need angles from -180 to 180 and from -90 to 90");
     }
     displayOptions.lightFromRight = right;
@@ -87,9 +87,10 @@ std::string renderBackground() {
 }
 
 void setRenderBackground() {
-    askText("background colour of rendered panes? (RRGGBB)", renderBackground());
-    if (prompts.cancelled) return;
+    const std::string shown = renderBackground();
+    askText("background colour of rendered panes? (RRGGBB)", shown);
     const std::string answer = prompts.answer[0];
+    if (prompts.cancelled || answer == shown) return; // it may go with the theme
     if (answer.size() != 6
         || answer.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
         return refuse("background colour", "I need six hexadecimal digits, such as FAFAF7");

@@ -347,7 +347,7 @@ void QtPlatform::showPage(const std::string& pageTitle, const std::string& text)
 }
 
 std::optional<Bitmap> QtPlatform::clipboardBitmap() const {
-    const QImage found = QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32);
+    const QImage found = QApplication::clipboard()->image().convertToFormat(QImage::Format_ARGB32);
     if (found.isNull()) return std::nullopt;
     Bitmap copy;
     copy.width = found.width();

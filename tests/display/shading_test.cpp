@@ -313,13 +313,16 @@ TEST(CutFace, TheTrianglesCoverThePolygonOnceHoweverTheListBegins) {
     std::mt19937 random(3);
     std::uniform_real_distribution<double> away(0.2, 1);
     PolygonCutter cutter;
-    for (int round = 0; round < 300; ++round) {
-        const int n = 4 + round % 20;
+    for (int round = 0; round <= 300; ++round) {
+        const int rays = round < 300 ? 4 + round % 20 : 6000;
         std::vector<Vec3> corners;
-        for (int i = 0; i < n; ++i) { // a star around the origin
-            const double angle = 2 * M_PI * i / n, radius = away(random);
-            corners.push_back({radius * std::cos(angle), radius * std::sin(angle), 0});
+        for (int i = 0; i < rays; ++i) { // a star around the origin
+            const double angle = 2 * M_PI * i / rays, radius = away(random);
+            const Vec3 at{radius * std::cos(angle), radius * std::sin(angle), 0};
+            corners.push_back(at);
+            if (i % 30 == 29) corners.insert(corners.end(), {at * 1.01, at}); // a spike
         }
+        const int n = static_cast<int>(corners.size());
         double all = 0;
         for (int i = 0; i < n; ++i) {
             const Vec3 &a = corners[std::size_t(i)], &b = corners[std::size_t((i + 1) % n)];

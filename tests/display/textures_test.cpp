@@ -147,6 +147,12 @@ TEST_F(Textures, WhatIsBehindAPaneMovesAndGrowsWithTheViewAndDoesNotTurn) {
     EXPECT_EQ(at(52, 62), own(44, 64));
     EXPECT_EQ(at(51, 61), own(44, 64));
     EXPECT_EQ(at(53, 63), own(45, 65));
+    refitBackgrounds();
+    EXPECT_EQ(at(50, 60), own(50, 60));
+    setBackground(true, {16384, 1, std::vector<std::uint32_t>(16384, 0xFF123456)});
+    const Bitmap thin = redraw();
+    EXPECT_EQ(std::ranges::count(thin.pixels, 0xFF123456), panes.leftWidth);
+    setBackground(true, *image);
     displayOptions.backgrounds = false;
     EXPECT_EQ(at(53, 63), look.background);
     resetBackgrounds();

@@ -15,12 +15,17 @@ namespace {
 
 using Looks = WindowEvents;
 
-TEST_F(Looks, MenusAreParted) {
+TEST_F(Looks, MenusArePartedAndTheirLettersDiffer) {
     const auto parts = [](const MenuItem& item) { return item.id == 0 && item.items.empty(); };
     const std::function<void(const std::vector<MenuItem>&)> check = [&](const auto& items) {
         ASSERT_FALSE(items.empty());
         EXPECT_FALSE(parts(items.front()) || parts(items.back()));
+        std::set<int> letters;
         for (std::size_t i = 0; i < items.size(); ++i) {
+            const std::string& label = items[i].label;
+            const std::size_t mark = label.find('&');
+            const int letter = mark == std::string::npos ? 0 : std::tolower(label[mark + 1]);
+            EXPECT_TRUE(letter == 0 || letters.insert(letter).second) << label;
             EXPECT_FALSE(i > 0 && parts(items[i]) && parts(items[i - 1]));
             if (!items[i].items.empty()) check(items[i].items);
         }

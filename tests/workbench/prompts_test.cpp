@@ -84,6 +84,16 @@ TEST_F(Prompts, OfSeveralFieldsTheFirstDecidesAndAllNumbersMustBeRead) {
     EXPECT_EQ(shown.log.back(), "dialog|ASKDB2|b=5");
 }
 
+TEST_F(Prompts, OnlyBlanksMayFollowANumberThatIsAskedForAlone) {
+    double number = -1;
+    for (const char* text : {"", "30,5", "1/3", "40 50", "1024x768"}) {
+        EXPECT_FALSE(parseOnlyNumber(text, number)) << text;
+    }
+    EXPECT_EQ(number, -1);
+    EXPECT_TRUE(parseOnlyNumber(" 30.5 \t", number));
+    EXPECT_EQ(number, 30.5);
+}
+
 TEST_F(Prompts, AxesAreAskedForUntilTheyAreTwo) {
     const auto expect = [&](const Texts& typed, int answer, DialogResult first = accept) {
         shown.log.clear();
