@@ -62,14 +62,16 @@ bool writeTo(Mesh& mesh, const std::string& chosen, const Format& format, Write*
     return written == Written::yes;
 }
 
-/// Writes with a library where one is needed for how the materials look.
-bool savedWithLooks(Mesh& mesh, const std::string& chosen, Wanted wanted) {
-    return looksUntold(mesh, objFileOf(chosen)) > 0 && saveWithLooks(mesh, chosen, wanted);
+/// Saves with a library where one is needed for how the materials look.
+WithLooks savedWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted) {
+    const bool needed = looksUntold(mesh, objFileOf(chosen)) > 0;
+    return needed ? saveWithLooks(mesh, chosen, wanted) : WithLooks::refused;
 }
 
 Written saveObjAs(Mesh& mesh, const std::string& chosen) {
-    return savedWithLooks(mesh, chosen, Wanted::asked) ? Written::yes
-                                                       : objFormat.saveAs(mesh, chosen);
+    const WithLooks done = savedWithLooks(mesh, chosen, Wanted::asked);
+    if (done == WithLooks::refused) return objFormat.saveAs(mesh, chosen);
+    return done == WithLooks::saved ? Written::yes : Written::no;
 }
 
 void askAndWrite(const Format& format, Write* write) {
@@ -110,8 +112,10 @@ bool mayLose(const HomeFile& file) {
 void saveTo(Mesh& mesh, const HomeFile& home, const Format& format) {
     Busy busy("");
     workbench.wholeMeshWritten = false;
-    const bool withLooks = &format == &objFormat && savedWithLooks(mesh, home.path, Wanted::all);
-    const bool written = withLooks || format.save(mesh, home.path) != 0;
+    const WithLooks done =
+        &format == &objFormat ? savedWithLooks(mesh, home.path, Wanted::all) : WithLooks::refused;
+    const bool written = done == WithLooks::saved
+                         || (done == WithLooks::refused && format.save(mesh, home.path) != 0);
     busy.end();
     if (!written) return complain("I tried to write to this file but it didn't work", home.path);
     setFileName(home.path);

@@ -19,7 +19,9 @@ printf 'v 0 0 0\nv 1 0 0\nv 0 1 0\nv 0 0 1\nf 1 2 3\nf 1 2 4\n' >small.obj
 printf 'newmtl paint\nKd 1 0 0\n' >paint.mtl
 { printf 'mtllib paint.mtl\nusemtl paint\n' && cat "$samples/shell.obj"; } >new.obj
 for suffix in gltf dxf 3ds; do "$program" --convert small.obj "small.$suffix" >log; done
-(cd old && "$program" --convert ../small.obj out.gltf >log && cp ../small.obj out.obj)
+sed 's/^usemtl.*/usemtl paint/' new.obj >red.obj
+"$program" --convert red.obj red.glb >log
+(cd old && "$program" --convert ../small.obj out.gltf >log && cp ../small.obj out.obj && echo old >out.mtl)
 # What a killed run has saved for recovery.
 (POLYFAB_FAULT=rename:3:kill LD_PRELOAD=$injector "$program" --batch --state-folder dead \
     --recovery-seconds 0 new.obj --command 397 --command 386 >log 2>&1; exit $?) 2>/dev/null || true
@@ -32,6 +34,7 @@ runs=(
     "save DXF|--batch new.obj --command 257 --answer out.dxf|out.dxf"
     "save 3DS|--batch new.obj --command 258 --answer out.3ds|out.3ds"
     "save|--batch out.obj --command 389 --command 2040|out.obj"
+    "save an import|--batch --command 2001 --answer red.glb --answer no --command 2040 --answer out.obj --answer yes|out.obj|out.mtl"
     "picture|--batch new.obj --picture out.png|out.png"
     "import|--batch --command 2001 --answer small.gltf --answer no --state|"
     "import DXF|--batch --command 2001 --answer small.dxf --answer no --state|"

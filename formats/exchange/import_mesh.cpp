@@ -232,24 +232,26 @@ void exportOtherMesh() {
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 
-bool saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted) try {
+WithLooks saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted) try {
     const std::string path = objFileOf(chosen);
+    if (countFaces(mesh, false) == 0) return WithLooks::refused;
     SaveFile file;
-    if (countFaces(mesh, false) == 0 || !file.open(path)) return false;
-    const bool onlySelected = askOnlySelected(mesh, false, wanted);
+    const bool opened = file.open(path);
+    const bool onlySelected = opened && askOnlySelected(mesh, false, wanted);
     Sentences losses;
-    const std::string reason = exportFile(mesh, chosen, path, onlySelected, file, losses);
+    const std::string reason =
+        opened ? exportFile(mesh, chosen, path, onlySelected, file, losses) : "can't open file";
     if (!reason.empty()) {
         note("the materials can't be written: " + reason);
-        return false;
+        return reason.ends_with(wasKept) ? WithLooks::refused : WithLooks::failed;
     }
     workbench.fileName = path;
     workbench.wholeMeshWritten = !onlySelected;
     noteSaved(path, countFaces(mesh, onlySelected));
     noteAll(losses);
-    return true;
+    return WithLooks::saved;
 } catch (const std::bad_alloc&) {
-    return false;
+    return WithLooks::failed;
 }
 
 } // namespace polyfab

@@ -5,6 +5,7 @@
 
 #include "formats/only_selected.h"
 
+#include <cstdint>
 #include <string>
 
 namespace polyfab {
@@ -24,9 +25,12 @@ void importNamedMesh(const std::string& path, bool append);
 /// The mesh counts as altered as before: other formats keep less of it.
 void exportOtherMesh();
 
+enum class WithLooks : std::uint8_t { saved, refused, failed };
+
 /// Writes the mesh to an OBJ file as export does, with a library of its own, and copies of pictures
-/// where they are needed. Sets the current file and `workbench.wholeMeshWritten`. False, perhaps
-/// with a note: the old file is as it was.
-[[nodiscard]] bool saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted);
+/// where they are needed. Sets the current file and `workbench.wholeMeshWritten`. Refused: there is
+/// no face, or a library that is there is to stay, which a note tells. Failed: a note tells why.
+/// The old file is then as it was.
+[[nodiscard]] WithLooks saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted);
 
 } // namespace polyfab

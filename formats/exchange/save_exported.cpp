@@ -178,7 +178,7 @@ std::string listBeside(const fs::path& folder, const fs::path& main, const fs::p
         if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
         const fs::path name = target.parent_path() / entry->path().filename();
         const bool isSame = isThere(name, entry->path());
-        if (!isSame && !mayReplace(name)) return name.string() + " was to be kept";
+        if (!isSame && !mayReplace(name)) return name.string().append(wasKept);
         (isSame ? same : beside).push_back({entry->path(), name, {}});
     }
     const bool there = fs::is_regular_file(fs::symlink_status(main, error));

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace polyfab {
 
@@ -24,6 +25,9 @@ class ScratchFolder {
 
 /// Removes the scratch folders of this user whose programs live no more.
 void removeDeadScratchFolders();
+
+/// How a reason ends when the user wants a file beside the target to stay.
+inline constexpr std::string_view wasKept = " was to be kept";
 
 /// Takes everything over that the exporter wrote into the folder: the file that is named like the
 /// target, into `file`, which is open for it, and those beside it. All are complete on the disk
