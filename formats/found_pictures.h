@@ -6,8 +6,6 @@
 #include "picture/picture_source.h"
 #include "workbench/notes.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -42,13 +40,9 @@ class FoundPictures {
     /// On those that are not there; "": all are.
     [[nodiscard]] std::string note() const {
         if (missing.empty()) return "";
-        constexpr std::size_t shown = 5;
-        std::string text = "I can't find " + counted(std::ssize(missing)) + " of the "
-                           + counted(before + std::ssize(named)) + " pictures of the materials:";
-        for (std::size_t i = 0; i < std::min(shown, missing.size()); ++i) {
-            text += (i > 0 ? ", " : " ") + missing[i];
-        }
-        return text + (missing.size() > shown ? " …" : "");
+        return "I can't find " + counted(std::ssize(missing)) + " of the "
+               + counted(before + std::ssize(named))
+               + " pictures of the materials: " + listOf(missing);
     }
 
   private:

@@ -110,7 +110,6 @@ void noteRead(const Mesh& mesh, const Source& source) {
 std::string readLooks(Mesh& mesh, const Source& source, Outcome outcome, int firstNew) {
     const bool byName = outcome == Outcome::read && source.format == &objFormat;
     if (byName) {
-        holdMissingLibraries(source.path, namedLibraries);
         return readMaterialLibraries(mesh, source.path, namedLibraries, firstNew);
     }
     if (!source.append) setMaterialLooks(nullptr);

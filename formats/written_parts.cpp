@@ -5,9 +5,7 @@
 #include "mesh/mesh.h"
 
 #include <algorithm>
-#include <map>
 #include <new>
-#include <string_view>
 
 namespace polyfab {
 namespace {
@@ -32,6 +30,10 @@ std::vector<bool> none(int size) { return std::vector<bool>(static_cast<std::siz
 
 } // namespace
 
+bool KnownNames::areOfAnother(const Material& material) {
+    return colors.try_emplace(material.name, material.color).first->second != material.color;
+}
+
 WrittenParts writtenParts(const Mesh& mesh, bool onlySelected) try {
     WrittenParts written;
     written.points = none(mesh.np);
@@ -51,13 +53,12 @@ WrittenParts writtenParts(const Mesh& mesh, bool onlySelected) try {
     written.texcoords = count(places);
     written.normals = count(directions);
     if (!onlySelected) written.loosePoints = mesh.np - count(written.points);
-    std::map<std::string_view, std::uint32_t> colors;
+    KnownNames names;
     for (int i = 0; i < mesh.nmat; ++i) {
         if (!written.materials[static_cast<std::size_t>(i)]) continue;
         const Material& material = mesh.materials[i];
         written.colored += material.color != defaultColor;
-        const auto entry = colors.try_emplace(material.name, material.color).first;
-        written.doubleNames += entry->second != material.color;
+        written.doubleNames += names.areOfAnother(material);
     }
     return written;
 } catch (const std::bad_alloc&) {

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string_view>
 #include <vector>
 
 namespace polyfab {
 
+struct Material;
 struct Mesh;
 
 // Sentences for addCount that several formats have in common.
@@ -18,6 +20,16 @@ inline constexpr std::string_view opacityLost = "{material} {is} transparent, wh
 inline constexpr std::string_view pictureLost =
     "{material} {has} a picture that this format does not keep";
 inline constexpr std::string_view pictureUnread = "{material} {has} a picture that I can't read";
+
+/// Knows materials by their names.
+class KnownNames {
+  public:
+    /// Enters it; whether an earlier one has the name, and another colour.
+    bool areOfAnother(const Material& material);
+
+  private:
+    std::map<std::string_view, std::uint32_t> colors;
+};
 
 struct WrittenParts {
     std::vector<bool> points, materials; ///< of the mesh: whether such a face has it

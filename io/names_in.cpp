@@ -2,7 +2,9 @@
 #include "io/names_in.h"
 
 #include <dirent.h>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 namespace polyfab {
 
@@ -16,6 +18,12 @@ std::vector<std::string> namesIn(const std::string& folder) {
         names.emplace_back(entry->d_name);
     }
     return names;
+}
+
+bool isFreeName(const std::string& path) {
+    std::error_code failure;
+    const auto status = std::filesystem::symlink_status(path, failure);
+    return status.type() == std::filesystem::file_type::not_found;
 }
 
 } // namespace polyfab

@@ -10,4 +10,7 @@ namespace polyfab {
 /// can be called where memory runs out: that ends the process, this throws.
 [[nodiscard]] std::vector<std::string> namesIn(const std::string& folder);
 
+/// Whether it can be told that nothing is at the path, not even a link that leads nowhere.
+[[nodiscard]] bool isFreeName(const std::string& path);
+
 } // namespace polyfab

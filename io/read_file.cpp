@@ -71,4 +71,11 @@ bool hasBytes(const std::string& path, std::string_view bytes, Links links) {
     return bytes.empty() && !file.failed();
 }
 
+bool haveSameBytes(const std::string& a, const std::string& b) {
+    const PieceReader first(a), second(b);
+    if (!first.isOpen() || !second.isOpen() || first.size() != second.size()) return false;
+    const std::optional<std::string> bytes = wholeFile(b, second.size());
+    return bytes && hasBytes(a, *bytes);
+}
+
 } // namespace polyfab

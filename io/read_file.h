@@ -63,4 +63,7 @@ wholeFile(const std::string& path, std::int64_t most = std::numeric_limits<std::
 [[nodiscard]] bool hasBytes(const std::string& path, std::string_view bytes,
                             Links links = Links::followed);
 
+/// Whether both are regular files of the same bytes. May throw std::bad_alloc.
+[[nodiscard]] bool haveSameBytes(const std::string& a, const std::string& b);
+
 } // namespace polyfab

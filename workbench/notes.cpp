@@ -58,6 +58,15 @@ std::string counted(std::int64_t number, const std::string& what) {
     return counted(number) + " " + what + (number == 1 ? "" : "s");
 }
 
+std::string listOf(const std::vector<std::string>& names) {
+    constexpr std::size_t shown = 5;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(shown, names.size()); ++i) {
+        text += (i > 0 ? ", " : "") + names[i];
+    }
+    return text + (names.size() > shown ? " …" : "");
+}
+
 std::string sentence(std::int64_t count, std::string_view pattern) {
     std::string text = counted(count) + " ";
     while (!pattern.empty()) {

@@ -29,6 +29,9 @@ void forgetNotes();
 /// The same with what is counted, which gets an "s" unless it is one: "1 face", "2,000 faces".
 [[nodiscard]] std::string counted(std::int64_t number, const std::string& what);
 
+/// "a, b, c": the first five, behind which "…" stands for the others.
+[[nodiscard]] std::string listOf(const std::vector<std::string>& names);
+
 /// What is said of so many, in the right number: "{line} {is} too long" is "1 line is too long" or
 /// "2,000 lines are too long". The words in braces are nouns, "is", "was", "has" and "it".
 [[nodiscard]] std::string sentence(std::int64_t count, std::string_view pattern);

@@ -150,14 +150,10 @@ class Losses {
              "{" + what + "} {has} a name that this format does not keep");
     }
 
-    /// Materials with the name of an earlier one, in another colour.
     [[nodiscard]] std::int64_t doubleNames() const {
-        std::map<std::string_view, std::uint32_t> known;
-        return std::count_if(usedMaterials.begin(), usedMaterials.end(), [&](int i) {
-            const Material& material = mesh.materials[i];
-            const auto entry = known.try_emplace(material.name, material.color).first;
-            return entry->second != material.color;
-        });
+        KnownNames names;
+        return std::count_if(usedMaterials.begin(), usedMaterials.end(),
+                             [&](int i) { return names.areOfAnother(mesh.materials[i]); });
     }
 
     void tellLooks() {

@@ -175,6 +175,22 @@ std::string exportFile(const Mesh& mesh, const std::string& chosen, const fs::pa
     return "there is not enough memory";
 }
 
+/// Opens the file, asks how much of the mesh is wanted and exports that, with notes. Returns "" or
+/// why the old file is as it was.
+std::string exportTo(const Mesh& mesh, const std::string& chosen, Wanted wanted,
+                     bool& onlySelected) {
+    const std::string path = objFileOf(chosen);
+    SaveFile file;
+    if (!file.open(path)) return "can't open file";
+    onlySelected = askOnlySelected(mesh, false, wanted);
+    Sentences losses;
+    std::string reason = exportFile(mesh, chosen, path, onlySelected, file, losses);
+    if (!reason.empty()) return reason;
+    noteSaved(path, countFaces(mesh, onlySelected));
+    noteAll(losses);
+    return "";
+}
+
 } // namespace
 
 void importOtherMesh() {
@@ -219,36 +235,25 @@ void exportOtherMesh() {
                                workbench.fileName});
     const Mesh& mesh = *OB;
     if (!chosen || !meshIsSound(mesh, "mesh fault before writing")) return;
-    constexpr const char* failed = "I tried to write to this file but it didn't work";
     const std::string path = objFileOf(*chosen);
-    SaveFile file;
-    if (!file.open(path)) return explain(failed, path, "can't open file");
-    const bool onlySelected = askOnlySelected(mesh, false);
-    Sentences losses;
-    const std::string reason = exportFile(mesh, *chosen, path, onlySelected, file, losses);
-    if (!reason.empty()) return explain(failed, path, reason);
-    noteSaved(path, countFaces(mesh, onlySelected));
-    noteAll(losses);
+    bool onlySelected = false;
+    const std::string reason = exportTo(mesh, *chosen, Wanted::asked, onlySelected);
+    if (!reason.empty()) {
+        return explain("I tried to write to this file but it didn't work", path, reason);
+    }
     if (hasSuffixOf(commonFormats, path)) noteRecentFile(path, true);
 }
 
 WithLooks saveWithLooks(const Mesh& mesh, const std::string& chosen, Wanted wanted) try {
-    const std::string path = objFileOf(chosen);
     if (countFaces(mesh, false) == 0) return WithLooks::refused;
-    SaveFile file;
-    const bool opened = file.open(path);
-    const bool onlySelected = opened && askOnlySelected(mesh, false, wanted);
-    Sentences losses;
-    const std::string reason =
-        opened ? exportFile(mesh, chosen, path, onlySelected, file, losses) : "can't open file";
+    bool onlySelected = false;
+    const std::string reason = exportTo(mesh, chosen, wanted, onlySelected);
     if (!reason.empty()) {
         note("the materials can't be written: " + reason);
         return reason.ends_with(wasKept) ? WithLooks::refused : WithLooks::failed;
     }
-    workbench.fileName = path;
+    workbench.fileName = objFileOf(chosen);
     workbench.wholeMeshWritten = !onlySelected;
-    noteSaved(path, countFaces(mesh, onlySelected));
-    noteAll(losses);
     return WithLooks::saved;
 } catch (const std::bad_alloc&) {
     return WithLooks::failed;

@@ -45,9 +45,7 @@ struct Target {
 };
 
 std::string addObj(Mesh& mesh, const std::string& path) {
-    std::string reason = addObjFile(mesh, path, objImport);
-    holdMissingLibraries(path, namedLibraries);
-    return reason;
+    return addObjFile(mesh, path, objImport);
 }
 
 /// Makes a file with what `fill` appends. Returns "" or what went wrong.

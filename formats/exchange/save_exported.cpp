@@ -59,13 +59,6 @@ bool copyTo(const fs::path& target, const auto& content) {
     return file.open(target) && fill(content, file) && file.commit();
 }
 
-/// Whether a file of the same bytes lies there already.
-bool isThere(const fs::path& path, const fs::path& written) {
-    std::error_code none, failure;
-    const bool sameSize = fs::file_size(path, none) == fs::file_size(written, failure);
-    return sameSize && !none && !failure && hasBytes(path, wholeFile(written).value_or(""));
-}
-
 /// Whether a file that the user has not named may be replaced.
 bool mayReplace(const fs::path& path) {
     std::error_code ignored;
@@ -107,8 +100,7 @@ fs::path passingName(const fs::path& path, int i) {
 fs::path freePassingName(const fs::path& path) {
     for (int i = 1; i <= mostPassing; ++i) {
         fs::path name = passingName(path, i);
-        std::error_code none;
-        if (fs::symlink_status(name, none).type() == fs::file_type::not_found) return name;
+        if (isFreeName(name)) return name;
     }
     return {};
 }
@@ -177,7 +169,7 @@ std::string listBeside(const fs::path& folder, const fs::path& main, const fs::p
          entry.increment(error)) {
         if (entry->path() == main || !fs::is_regular_file(entry->symlink_status())) continue;
         const fs::path name = target.parent_path() / entry->path().filename();
-        const bool isSame = isThere(name, entry->path());
+        const bool isSame = haveSameBytes(name, entry->path());
         if (!isSame && !mayReplace(name)) return name.string().append(wasKept);
         (isSame ? same : beside).push_back({entry->path(), name, {}});
     }

@@ -8,6 +8,7 @@
 #include "formats/found_pictures.h"
 #include "formats/mesh_formats.h"
 #include "io/file_name.h"
+#include "io/names_in.h"
 #include "io/read_file.h"
 #include "io/save_file.h"
 #include "io/utf8.h"
@@ -89,11 +90,6 @@ bool save(const fs::path& path, std::string_view bytes) {
 
 bool isAscii(std::string_view text) {
     return std::none_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; });
-}
-
-bool isFree(const fs::path& path) {
-    std::error_code none;
-    return fs::symlink_status(path, none).type() == fs::file_type::not_found;
 }
 
 /// A file name without what may mean something to a format or a system, and with room for a number
@@ -191,7 +187,7 @@ class PictureGiver {
             name += suffix;
             if (isCopy(name, bytes)) return known = name;
             const fs::path here = scratch / name, there = folderOf(target) / name;
-            if (name == target.filename() || !isFree(here) || !isFree(there)) continue;
+            if (name == target.filename() || !isFreeName(here) || !isFreeName(there)) continue;
             return save(here, bytes) ? known = name : "";
         }
         return "";

@@ -161,13 +161,7 @@ bool isThere(const fs::path& path) {
 bool isSamePicture(const PictureSource& picture, const std::string& file) {
     if (file.empty()) return false;
     if (!picture.bytes().empty()) return hasBytes(file, picture.bytes());
-    if (file == picture.path()) return true;
-    std::error_code failure;
-    const auto size = fs::file_size(file, failure);
-    if (failure) return false;
-    const std::optional<std::string> own =
-        wholeFile(picture.path(), static_cast<std::int64_t>(size));
-    return own && hasBytes(file, *own);
+    return file == picture.path() || haveSameBytes(file, picture.path());
 }
 
 /// What an OBJ file beside these libraries brings back of how materials look.
@@ -260,7 +254,7 @@ void writeMaterialLibrary(const Mesh& mesh, const std::string& path) try {
 std::int64_t looksUntold(const Mesh& mesh, const std::string& path) {
     const std::string line(trimTrailingBlanks(mesh.mtllib));
     Libraries libraries;
-    if (!line.empty()) libraries = librariesOf(path, {line});
+    if (!line.empty()) libraries = librariesOf(path, line);
     const bool stand = !libraries.empty();
     if (!stand && !line.empty()) libraries = librariesRead(line);
     const ToldLooks told(libraries, stand);

@@ -16,7 +16,6 @@
 #include <optional>
 #include <set>
 #include <sstream>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -45,16 +44,6 @@ std::string pictureNameOf(const std::string& named, FileFinder& finder) {
     const std::size_t comment = named.find(" #");
     const bool isName = comment == std::string::npos || !finder.find(named).empty();
     return isName ? named : fileNameIn(named.substr(0, comment));
-}
-
-/// "m, n …"
-std::string listOf(const std::vector<std::string_view>& names) {
-    constexpr std::size_t shown = 5;
-    std::string text;
-    for (std::size_t i = 0; i < std::min(shown, names.size()); ++i) {
-        text.append(i > 0 ? ", " : "").append(names[i]);
-    }
-    return text + (names.size() > shown ? " …" : "");
 }
 
 /// Gives the materials of the mesh from `firstNew` on what the libraries say of them.
@@ -127,7 +116,7 @@ class LooksReader {
     }
 
     void tellUnknown() const {
-        std::vector<std::string_view> unknown;
+        std::vector<std::string> unknown;
         for (const auto& [name, places] : wanted) unknown.push_back(name);
         if (unknown.empty()) return;
         leftOut.changed.push_back("the material libraries say nothing of "
@@ -153,6 +142,12 @@ const char* whyMissing(const std::string& path, const std::string& library) {
     return fs::exists(place, failure) ? "is no regular file that I can read" : "is not there";
 }
 
+void tellMissing(const std::string& path, const std::string& line) {
+    const std::string name(trimTrailingBlanks(line));
+    leftOut.changed.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
+                              + ": left out");
+}
+
 } // namespace
 
 FileFinder finderOf(const MaterialLibrary& library) {
@@ -161,23 +156,20 @@ FileFinder finderOf(const MaterialLibrary& library) {
 
 /// What follows "mtllib" is one name or, where no such file is, several. The bare name of all of
 /// it comes last: it is that of the last of several.
-Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines) {
+Libraries librariesOf(const std::string& path, const std::string& named) {
     Libraries libraries;
     std::error_code failure; // the folder stays when another start looks for its files
     const std::string folder = fs::absolute(folderOf(path), failure);
-    for (const std::string& named : lines) {
-        const std::string line(trimTrailingBlanks(named));
-        const std::string whole = fileNameIn(line);
-        FileFinder finder({folder});
-        if (addLibrary(libraries, folder, line, whole, finder.findPath(whole))) continue;
-        bool found = false;
-        std::istringstream words(line);
-        for (std::string word; words >> word;) {
-            const std::string name = fileNameIn(word);
-            found |= addLibrary(libraries, folder, line, name, finder.find(name));
-        }
-        if (!found) addLibrary(libraries, folder, line, whole, finder.find(whole));
+    const std::string line(trimTrailingBlanks(named));
+    const std::string whole = fileNameIn(line);
+    FileFinder finder({folder});
+    if (addLibrary(libraries, folder, line, whole, finder.findPath(whole))) return libraries;
+    std::istringstream words(line);
+    for (std::string word; words >> word;) {
+        const std::string name = fileNameIn(word);
+        addLibrary(libraries, folder, line, name, finder.find(name));
     }
+    if (libraries.empty()) addLibrary(libraries, folder, line, whole, finder.find(whole));
     return libraries;
 }
 
@@ -189,19 +181,14 @@ void noteLibrary(const std::string& line) {
     }
 }
 
-void holdMissingLibraries(const std::string& path, const std::vector<std::string>& lines) {
-    for (const std::string& line : lines) {
-        if (!librariesOf(path, {line}).empty()) continue;
-        const std::string name(trimTrailingBlanks(line));
-        leftOut.changed.push_back("the file asks for " + name + ", which " + whyMissing(path, name)
-                                  + ": left out");
-    }
-}
-
 std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                   const std::vector<std::string>& lines, int firstNew) try {
     LooksReader reader(mesh, firstNew);
-    for (auto& library : librariesOf(path, lines)) reader.read(std::move(library));
+    for (const std::string& line : lines) {
+        Libraries libraries = librariesOf(path, line);
+        if (libraries.empty()) tellMissing(path, line);
+        for (auto& library : libraries) reader.read(std::move(library));
+    }
     return reader.finish();
 } catch (const std::bad_alloc&) {
     return "there is not enough memory for the materials";

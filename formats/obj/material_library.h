@@ -22,19 +22,16 @@ void noteLibrary(const std::string& line);
 
 using Libraries = std::vector<std::shared_ptr<const MaterialLibrary>>;
 
-/// The libraries that an OBJ file names in such lines, as far as they are there.
-[[nodiscard]] Libraries librariesOf(const std::string& path, const std::vector<std::string>& lines);
+/// The libraries that an OBJ file names in such a line, as far as they are there.
+[[nodiscard]] Libraries librariesOf(const std::string& path, const std::string& named);
 
 /// Finds the pictures that a library names.
 [[nodiscard]] FileFinder finderOf(const MaterialLibrary& library);
 
-/// Adds a sentence to what was changed in the OBJ file for each that names no library that could be
-/// read.
-void holdMissingLibraries(const std::string& path, const std::vector<std::string>& lines);
-
 /// Reads the libraries that an OBJ file names into the looks of the mesh, for its materials from
 /// `firstNew` on: they also get the libraries' colours. With `firstNew` 0 there are no other looks.
-/// Returns a note on pictures that are not there, or "".
+/// What names none that could be read, what they lack and what differs goes to what was changed in
+/// the file. Returns a note on pictures that are not there, or "".
 [[nodiscard]] std::string readMaterialLibraries(Mesh& mesh, const std::string& path,
                                                 const std::vector<std::string>& lines,
                                                 int firstNew);
